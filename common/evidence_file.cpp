@@ -1,0 +1,133 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "common/evidence_file.h"
+
+#include <QDir>
+
+#include <cerrno>
+#include <deque>
+#include <filesystem>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr qint64 copy_block_bytes = 1 << 20;
+
+// Reading must leave the access time alone; systems without the flag keep it by mounting evidence read-only.
+#ifdef O_NOATIME
+constexpr int keep_access_time = O_NOATIME;
+#else
+constexpr int keep_access_time = 0;
+#endif
+
+/** A descriptor, or -1 with errno set. Waits for nobody, not even for the writer of a FIFO. */
+int open_descriptor(const QByteArray &path)
+{
+    constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const int descriptor = ::open(path.constData(), flags | keep_access_time);
+    if (descriptor == -1 && errno == EPERM)
+        return ::open(path.constData(), flags); // only the owner may keep the access time
+    return descriptor;
+}
+
+std::filesystem::path to_std_path(const QString &path)
+{
+    return std::filesystem::path(QFile::encodeName(path).toStdString());
+}
+
+/**
+ * The place that @p path leads to, with every link on the way followed. Unlike the library's own functions it also
+ * follows a link to something that does not exist: opening that link for writing would create the thing.
+ */
+std::filesystem::path resolved(const QString &path)
+{
+    constexpr int most_links = 40; // as many as the kernel follows; opening a longer chain fails
+    const std::filesystem::path start = to_std_path(QDir().absoluteFilePath(path));
+    std::deque<std::filesystem::path> parts(start.begin(), start.end());
+    std::filesystem::path place;
+    int links = 0;
+    while (!parts.empty()) {
+        const std::filesystem::path next = place / parts.front();
+        parts.pop_front();
+        std::error_code error;
+        const std::filesystem::path target = std::filesystem::read_symlink(next, error);
+        if (error || ++links > most_links)
+            place = next.lexically_normal();
+        else
+            parts.insert(parts.begin(), target.begin(), target.end());
+    }
+    return place;
+}
+
+bool is_at_or_below(const std::filesystem::path &path, const std::filesystem::path &root)
+{
+    const std::filesystem::path relative = path.lexically_relative(root);
+    return !relative.empty() && *relative.begin() != "..";
+}
+
+/** The path as it is written, made absolute, links not followed. */
+std::filesystem::path written(const QString &path)
+{
+    return to_std_path(QDir::cleanPath(QDir().absoluteFilePath(path)));
+}
+
+bool copy_content(QFile &source, QFile &target)
+{
+    QByteArray block(copy_block_bytes, Qt::Uninitialized);
+    qint64 count = 0;
+    while ((count = source.read(block.data(), block.size())) > 0) {
+        if (target.write(block.constData(), count) != count)
+            return false;
+    }
+    return count == 0 && target.flush();
+}
+
+} // namespace
+
+QString open_evidence_file(QFile &file)
+{
+    const int descriptor = open_descriptor(QFile::encodeName(file.fileName()));
+    if (descriptor == -1)
+        return qt_error_string(errno);
+
+    struct stat status = {};
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)
+        && file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+        return {};
+
+    ::close(descriptor);
+    return S_ISDIR(status.st_mode) ? qt_error_string(EISDIR) : u"Not a regular file"_s;
+}
+
+bool copy_evidence_file(const QString &source, const QString &target)
+{
+    QFile source_file(source);
+    QFile target_file(target);
+    if (!open_evidence_file(source_file).isNull() || !target_file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+
+    if (copy_content(source_file, target_file))
+        return true;
+    target_file.remove();
+    return false;
+}
+
+bool is_linked_below(const QString &path, const QString &root)
+{
+    return !root.isEmpty() && is_at_or_below(resolved(path), resolved(root))
+           && !is_at_or_below(written(path), written(root));
+}
+
+bool is_same_file(const QString &first, const QString &second)
+{
+    std::error_code error;
+    return std::filesystem::equivalent(to_std_path(first), to_std_path(second), error);
+}

@@ -1,0 +1,292 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "common/plugin_static_function.h"
+#include "common/sqlite_connection.h"
+
+#include <QDateTime>
+#include <QSqlError>
+
+#include <cstdlib>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+/** The fixed texts of one helper. All of them are part of the log format, odd blanks included. */
+struct helper_texts {
+    QStringView signature;
+    QStringView open_failed; // followed by the path
+    QStringView open_caller; // followed by the caller text
+    QStringView open_error;  // followed by the connection's error
+    QStringView failed;      // followed by the path
+    QStringView caller;      // followed by the caller text
+    QStringView command;     // followed by the command
+    QStringView error;       // followed by the query's error
+    QStringView end;
+};
+
+// clang-format off
+constexpr helper_texts execute_by_path{
+    u"static bool plugin_static_function::execute_db_command_by_dbpath(QString, QString, QString)",
+    u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  ",
+    u" query  --------FAILED------ db file - ", u"CALLER FUNCTION -  ", u" command -  ", u" error -  ", {}};
+
+constexpr helper_texts execute_bound_by_path{
+    u"static bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbpath(QString, QStringList, QString, QString)",
+    u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  ",
+    u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  ", u" command -  ", u" error -  ", {}};
+
+constexpr helper_texts execute_by_reference{
+    u"static bool plugin_static_function::execute_db_command_by_dbreference(QString, QSqlDatabase &, QString)",
+    {}, {}, {},
+    u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  ", {}};
+
+constexpr helper_texts execute_bound_by_reference{
+    u"static bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbreference(QString, QStringList, QSqlDatabase &, QString)",
+    {}, {}, {},
+    u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  ", {}};
+
+constexpr helper_texts list_by_path{
+    u"static QStringList plugin_static_function::get_stringlist_from_db_by_dbpath(QString, int, QString, QString)",
+    u"Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u"error -  ",
+    u"query  --------FAILED------db file - ", u"CALLER FUNCTION -  ", u"command -  ", u"error -  ", u" end "};
+
+constexpr helper_texts list_bound_by_path{
+    u"static QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbpath(QString, QStringList, int, QString, QString)",
+    u"Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u"error -  ",
+    u"query  --------FAILED------db file - ", u"CALLER FUNCTION -  ", u"command -  ", u"error -  ", u" End "};
+
+constexpr helper_texts list_by_reference{
+    u"static QStringList plugin_static_function::get_stringlist_from_db_by_dbreference(QString, int, QSqlDatabase &, QString)",
+    {}, {}, {},
+    u" query  --------FAILED------db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  ", u" end "};
+
+constexpr helper_texts list_bound_by_reference{
+    u"static QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbreference(QString, QStringList, int, QSqlDatabase &, QString)",
+    {}, {}, {},
+    u" query  --------FAILED------db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  ", u" end "};
+
+constexpr helper_texts existence_by_reference{
+    u"static bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString, int, QString, QSqlDatabase)",
+    {}, {}, {},
+    u"[check_value_existence_in_db_by_dbpath] query --------FAILED------", {},
+    u"[check_value_existence_in_db_by_dbpath]command", u"[check_value_existence_in_db_by_dbpath] error", {}};
+
+constexpr helper_texts table_names_by_path{
+    u"static QStringList plugin_static_function::get_total_tables_list_by_dbpath(QString, QString)",
+    u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  ",
+    {}, {}, {}, {}, {}};
+// clang-format on
+
+enum class outcome { done, failed, cancelled };
+
+void log_line(const helper_texts &texts, const QString &message)
+{
+    plugin_static_function::app_debug(message, texts.signature.toString());
+}
+
+void log_text(const helper_texts &texts, QStringView text, const QString &detail)
+{
+    log_line(texts, text + detail);
+}
+
+/** Opens @p db_path under @p name; a failure is logged. */
+QSqlDatabase open_by_path(const helper_texts &texts, const QString &name, const QString &db_path, const QString &caller)
+{
+    QSqlDatabase database = open_sqlite_connection(name, db_path);
+    if (!database.isOpen()) {
+        log_text(texts, texts.open_failed, db_path);
+        log_text(texts, texts.open_caller, caller);
+        log_text(texts, texts.open_error, database.lastError().text());
+    }
+    return database;
+}
+
+/** Prepares, binds and executes. The flag is tested before each value; a statement that fails is logged. */
+outcome run(const helper_texts &texts, QSqlQuery &query, const QString &command, const QStringList &values,
+            const QString &label, const QString &caller)
+{
+    const bool prepared = query.prepare(command);
+    for (const QString &value : values) {
+        if (plugin_static_function::bool_cancel_extraction)
+            return outcome::cancelled;
+        query.addBindValue(value, QSql::In);
+    }
+    if (prepared && query.exec())
+        return outcome::done;
+
+    log_text(texts, texts.failed, label);
+    if (!texts.caller.isNull())
+        log_text(texts, texts.caller, caller);
+    log_text(texts, texts.command, command);
+    log_text(texts, texts.error, query.lastError().text());
+    return outcome::failed;
+}
+
+bool execute_on_connection(const helper_texts &texts, const QString &command, const QStringList &values,
+                           QSqlDatabase &database, const QString &caller)
+{
+    QSqlQuery query(database);
+    return run(texts, query, command, values, database.databaseName(), caller) == outcome::done;
+}
+
+bool execute_on_file(const helper_texts &texts, const QString &command, const QStringList &values,
+                     const QString &db_path, const QString &caller)
+{
+    QSqlDatabase database = open_by_path(texts, texts.signature + caller, db_path, caller);
+    if (!database.isOpen())
+        return false;
+
+    const outcome result = [&] {
+        QSqlQuery query(database);
+        return run(texts, query, command, values, db_path, caller);
+    }();
+    // A cancelled call leaves its connection open; the next call of the same caller replaces it.
+    if (result != outcome::cancelled)
+        database.close();
+    return result == outcome::done;
+}
+
+/** Appends one column of every row to @p texts_read; false when the cancel flag stopped the reading. */
+bool read_column(QSqlQuery &query, int column, QStringList &texts_read)
+{
+    while (query.next()) {
+        if (plugin_static_function::bool_cancel_extraction)
+            return false;
+        texts_read.append(query.value(column).toString().trimmed());
+    }
+    return true;
+}
+
+struct list_result {
+    QStringList texts;
+    outcome end = outcome::done;    // failed: of the statement
+    bool cancelled_in_rows = false; // as opposed to before the statement ran
+};
+
+list_result read_list(const helper_texts &texts, const QString &command, const QStringList &values, int column,
+                      const QSqlDatabase &database, const QString &label, const QString &caller)
+{
+    list_result result;
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    result.end = run(texts, query, command, values, label, caller);
+    if (result.end == outcome::done && !read_column(query, column, result.texts)) {
+        result.end = outcome::cancelled;
+        result.cancelled_in_rows = true;
+    }
+    return result;
+}
+
+QStringList list_on_connection(const helper_texts &texts, const QString &command, const QStringList &values, int column,
+                               QSqlDatabase &database, const QString &caller)
+{
+    log_line(texts, u" Start "_s);
+    const list_result result = read_list(texts, command, values, column, database, database.databaseName(), caller);
+    if (result.end == outcome::done)
+        log_line(texts, texts.end.toString());
+    return result.texts;
+}
+
+QStringList list_on_file(const helper_texts &texts, const QString &command, const QStringList &values, int column,
+                         const QString &db_path, const QString &caller)
+{
+    log_line(texts, u" Start "_s);
+    const QString name = QString::number(std::rand()) + QString::number(QDateTime::currentMSecsSinceEpoch());
+    list_result result;
+    {
+        QSqlDatabase database = open_by_path(texts, name, db_path, caller);
+        if (!database.isOpen())
+            result.end = outcome::failed;
+        else
+            result = read_list(texts, command, values, column, database, db_path, caller);
+        if (result.cancelled_in_rows)
+            return result.texts; // the connection stays open and registered
+        database.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    if (result.end == outcome::done)
+        log_line(texts, texts.end.toString());
+    return result.texts;
+}
+
+} // namespace
+
+bool plugin_static_function::execute_db_command_by_dbpath(QString command, QString db_path, QString caller)
+{
+    return execute_on_file(execute_by_path, command, {}, db_path, caller);
+}
+
+bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbpath(QString command, QStringList values,
+                                                                            QString db_path, QString caller)
+{
+    return execute_on_file(execute_bound_by_path, command, values, db_path, caller);
+}
+
+bool plugin_static_function::execute_db_command_by_dbreference(QString command, QSqlDatabase &database, QString caller)
+{
+    return execute_on_connection(execute_by_reference, command, {}, database, caller);
+}
+
+bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbreference(QString command, QStringList values,
+                                                                                 QSqlDatabase &database, QString caller)
+{
+    return execute_on_connection(execute_bound_by_reference, command, values, database, caller);
+}
+
+QStringList plugin_static_function::get_stringlist_from_db_by_dbpath(QString command, int column, QString db_path,
+                                                                     QString caller)
+{
+    return list_on_file(list_by_path, command, {}, column, db_path, caller);
+}
+
+QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbpath(QString command,
+                                                                                        QStringList values, int column,
+                                                                                        QString db_path, QString caller)
+{
+    return list_on_file(list_bound_by_path, command, values, column, db_path, caller);
+}
+
+QStringList plugin_static_function::get_stringlist_from_db_by_dbreference(QString command, int column,
+                                                                          QSqlDatabase &database, QString caller)
+{
+    return list_on_connection(list_by_reference, command, {}, column, database, caller);
+}
+
+QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbreference(
+    QString command, QStringList values, int column, QSqlDatabase &database, QString caller)
+{
+    return list_on_connection(list_bound_by_reference, command, values, column, database, caller);
+}
+
+bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString command, int column, QString value,
+                                                                        QSqlDatabase database)
+{
+    const list_result result = read_list(existence_by_reference, command, {}, column, database,
+                                         database.connectionName(), {});
+    if (result.end != outcome::done)
+        return false;
+
+    const QString wanted = value.trimmed();
+    for (const QString &text : result.texts) {
+        if (bool_cancel_extraction)
+            return false;
+        if (text.trimmed() == wanted)
+            return true;
+    }
+    return false;
+}
+
+QStringList plugin_static_function::get_total_tables_list_by_dbpath(QString db_path, QString caller)
+{
+    QSqlDatabase database = open_by_path(table_names_by_path, table_names_by_path.signature + caller, db_path, caller);
+    if (!database.isOpen())
+        return {};
+
+    const QStringList names = database.tables(QSql::Tables);
+    database.close();
+    return names;
+}

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef COMMON_SQLITE_CONNECTION_H
+#define COMMON_SQLITE_CONNECTION_H
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+#include <QStringList>
+
+/**
+ * Registers a "QSQLITE" connection under @p name, in place of an older one of that name, and opens @p file; SQLite
+ * creates a missing file. Whether that worked tells isOpen() of the result, and why not its lastError().
+ */
+QSqlDatabase open_sqlite_connection(const QString &name, const QString &file);
+
+/** The same for a result database; a file that a link leads below @p source_root is not opened. */
+QSqlDatabase open_result_database(const QString &name, const QString &file, const QString &source_root);
+
+/**
+ * Prepares @p statement, binds the texts in order (a null text as NULL) and executes it. A statement that cannot be
+ * prepared is not executed, so that the query's last error is SQLite's own.
+ */
+bool execute_with_values(QSqlQuery &query, const QString &statement, const QStringList &values);
+
+#endif

@@ -1,0 +1,96 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "common/evidence_file.h"
+#include "common/plugin_helper_functions.h"
+#include "common/plugin_static_function.h"
+#include "common/sqlite_connection.h"
+#include "extractors/ios_uid/bluetooth_logs_ios_uid.h"
+#include "extractors/macos/bluetooth_logs_macos.h"
+#include "extractors/winos/bluetooth_logs_winos.h"
+#include "plugin/bluetooth_logs.h"
+#include "plugin/result_schema.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+void bluetooth_logs::set_destination_location(QString dir)
+{
+    const QString function_info = u"void bluetooth_logs::set_destination_location(QString)"_s;
+    plugin_static_function::app_debug(u"[set_destination_location] starts"_s, function_info);
+
+    const QString file_name = pub_get_artifact_name().replace(u' ', u'_');
+    plugin_result_directory = dir + (dir.endsWith(u'/') ? QLatin1StringView() : "/"_L1) + u"Artifacts_Result/"_s
+                              + file_name + u'/';
+    temp_directory = plugin_result_directory + u"tmp/"_s;
+    destination_db_file = plugin_result_directory + file_name + u".sqlite"_s;
+
+    // A link in the result folder must not lead us, or the helper's copies, into the evidence.
+    const bool is_safe = !is_linked_below(temp_directory, source_root_path);
+    if (is_safe) {
+        QDir().mkpath(plugin_result_directory);
+        QDir().mkpath(temp_directory);
+    }
+    helper_obj->set_adhoc_parent_path(is_safe ? temp_directory : QString());
+    macos_obj->macos_set_destination_location(plugin_result_directory, temp_directory, destination_db_file);
+    ios_uid_obj->ios_uid_set_destination_location(plugin_result_directory, temp_directory, destination_db_file);
+    winos_obj->winos_set_destination_location(plugin_result_directory, temp_directory, destination_db_file);
+
+    plugin_static_function::app_debug(u"[set_destination_location] ends"_s, function_info);
+}
+
+void bluetooth_logs::create_destination_database()
+{
+    const QString function_info = u"void bluetooth_logs::create_destination_database()"_s;
+    plugin_static_function::app_debug(u"[create_destination_database] starts"_s, function_info);
+    create_db_tables();
+    plugin_static_function::app_debug(u"[create_destination_database] ends"_s, function_info);
+}
+
+void bluetooth_logs::create_db_tables()
+{
+    const QString function_info = u"void bluetooth_logs::create_db_tables()"_s;
+    plugin_static_function::app_debug(u"[create_db_tables] starts"_s, function_info);
+
+    QSqlDatabase database = open_result_database(function_info, destination_db_file, source_root_path);
+    if (!database.isOpen()) {
+        plugin_static_function::app_debug(u"[create_db_tables]Destination Db opening------FAILED-------"_s
+                                              + destination_db_file,
+                                          function_info);
+        return;
+    }
+
+    database.transaction();
+    for (const result_table &table : result_tables) {
+        if (!plugin_static_function::execute_db_command_by_dbreference(table.create_statement.toString(), database,
+                                                                       function_info))
+            plugin_static_function::app_debug(table.creation_failed.toString(), function_info);
+    }
+    database.commit();
+    database.close();
+    plugin_static_function::app_debug(u"[create_db_tables] end"_s, function_info);
+}
+
+void bluetooth_logs::clear_db_tables()
+{
+    const QString function_info = u"void bluetooth_logs::clear_db_tables()"_s;
+    if (!QFile::exists(destination_db_file) || is_linked_below(destination_db_file, source_root_path)) {
+        plugin_static_function::app_debug(u"[clear_db_tables]DB not exists and so returning..."_s, function_info);
+        return;
+    }
+    if (unsigned(engine_type) > 2)
+        return;
+
+    for (const QString &tab : std::as_const(selected_tabs_list)) {
+        plugin_static_function::execute_db_command_by_dbpath(u"delete from '"_s + tab + u'\'', destination_db_file,
+                                                             function_info);
+    }
+}
+
+void bluetooth_logs::remove_temporary_directory()
+{
+    if (!is_linked_below(plugin_result_directory, source_root_path))
+        plugin_static_function::remove_directory(temp_directory);
+}
