@@ -8,6 +8,9 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
+
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
@@ -32,23 +35,28 @@ void log_copy_failure(const QString &message, const QString &error)
     log_copy(u"[copy_directory] Error:"_s + error);
 }
 
+void log_destination_failure(const QString &destination, const QString &error)
+{
+    log_copy_failure(u"[copy_directory] destination file open ----FAILED---- :"_s + destination, error);
+}
+
 /** Opens both files, or logs which one could not be opened. */
 bool open_for_copy(QFile &source, QFile &destination)
 {
+    const QString source_path = source.fileName();
     const QString source_error = open_evidence_file(source);
     if (!source_error.isNull()) {
-        log_copy_failure(u"[copy_directory] source file open ----FAILED---- :"_s + source.fileName(), source_error);
+        log_copy_failure(u"[copy_directory] source file open ----FAILED---- :"_s + source_path, source_error);
         return false;
     }
     QString destination_error;
-    if (is_same_file(source.fileName(), destination.fileName()))
+    if (is_same_file(source_path, destination.fileName()))
         destination_error = u"source and destination are the same file"_s;
     else if (!destination.open(QIODevice::WriteOnly))
         destination_error = destination.errorString();
     if (destination_error.isNull())
         return true;
-    log_copy_failure(u"[copy_directory] destination file open ----FAILED---- :"_s + destination.fileName(),
-                     destination_error);
+    log_destination_failure(destination.fileName(), destination_error);
     return false;
 }
 
@@ -113,6 +121,10 @@ QString with_leading_slash(const QString &path)
 
 void plugin_static_function::copy_directory(QString source, QString destination)
 {
+    if (destination.isEmpty() && QDir(source).exists()) { // "/name" would be a place of its own
+        log_destination_failure(destination, qt_error_string(ENOENT));
+        return;
+    }
     copy_tree(source, destination, {});
 }
 
