@@ -3,9 +3,9 @@
 
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
+#include "tests/support/file_content.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -21,39 +21,31 @@ using namespace Qt::StringLiterals;
 
 using library = plugin_static_function;
 
-namespace {
+namespace
+{
 
 const QString home_kind = u"macOS_Home_Directory"_s;
 
-void write_file(const QString &path, const QByteArray &content = "content")
+/** Root reads every file: while this object lives, root is somebody else who may use the given places. */
+class ordinary_user
 {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
-
-QByteArray content_of(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-}
-
-/** Everything below a folder as relative paths, links marked and not followed. */
-QStringList tree(const QString &root)
-{
-    QStringList paths;
-    QDirIterator entries(root, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                         QDirIterator::Subdirectories);
-    while (entries.hasNext()) {
-        entries.next();
-        const QFileInfo info = entries.fileInfo();
-        paths.append(QDir(root).relativeFilePath(info.filePath())
-                     + (info.isSymLink() ? u"@"_s : info.isDir() ? u"/"_s : u""_s));
+public:
+    explicit ordinary_user(const QStringList &places)
+    {
+        for (const QString &place : places)
+            QFile::setPermissions(place, QFile::Permissions(0x7777));
+        if (user == 0 && ::seteuid(65534) != 0)
+            qFatal("cannot become an ordinary user");
     }
-    paths.sort();
-    return paths;
-}
+    ~ordinary_user()
+    {
+        if (user == 0 && ::seteuid(0) != 0)
+            qFatal("cannot become root again");
+    }
+
+private:
+    uid_t user = ::geteuid();
+};
 
 } // namespace
 
@@ -67,7 +59,7 @@ private Q_SLOTS:
 
     void copy_of_a_missing_folder_data();
     void copy_of_a_missing_folder();
-    void copy_of_a_tree();
+    void copy_of_a_tree_of();
     void copy_into_an_existing_folder();
     void copy_follows_links();
     void copy_ends_on_link_cycles();
@@ -81,7 +73,7 @@ private Q_SLOTS:
     void copy_when_cancelled();
     void copy_cut_short_in_a_file();
 
-    void remove_of_a_tree();
+    void remove_of_a_tree_of();
     void remove_of_nothing_data();
     void remove_of_nothing();
     void remove_leaves_link_targets();
@@ -105,7 +97,10 @@ private Q_SLOTS:
     void relative_path();
 
 private:
-    QString path(const QString &name) const { return directory->filePath(name); }
+    QString path(const QString &name) const
+    {
+        return directory->filePath(name);
+    }
 
     debug_log_capture log;
     std::unique_ptr<QTemporaryDir> directory;
@@ -140,10 +135,10 @@ void test_files_and_paths::copy_of_a_missing_folder()
              QStringList{u"[time][KALDO_DESK][Artifacts Extraction][plugin_static_function::copy_directory]:-- "
                          "[copy_directory] source diectory does not exist ----FAILED---- :"_s
                          + source});
-    QCOMPARE(tree(directory->path()), QStringList());
+    QCOMPARE(tree_of(directory->path()), QStringList());
 }
 
-void test_files_and_paths::copy_of_a_tree()
+void test_files_and_paths::copy_of_a_tree_of()
 {
     write_file(path(u"a/one.txt"_s), "1");
     write_file(path(u"a/.hidden"_s), "2");
@@ -152,7 +147,7 @@ void test_files_and_paths::copy_of_a_tree()
     write_file(path(u"a/.hidden_dir/four"_s), "4");
     QDir().mkpath(path(u"a/empty_dir"_s));
     library::copy_directory(path(u"a"_s), path(u"deep/copy"_s));
-    QCOMPARE(tree(path(u"deep/copy"_s)), tree(path(u"a"_s)));
+    QCOMPARE(tree_of(path(u"deep/copy"_s)), tree_of(path(u"a"_s)));
     QCOMPARE(content_of(path(u"deep/copy/sub/日本 🎧/größe.txt"_s)), "3");
     QCOMPARE(content_of(path(u"deep/copy/.hidden_dir/four"_s)), "4");
     QCOMPARE(log.take_lines(), QStringList());
@@ -175,24 +170,24 @@ void test_files_and_paths::copy_follows_links()
     QVERIFY(QFile::link(path(u"elsewhere/file"_s), path(u"a/file link"_s)));
     QVERIFY(QFile::link(path(u"elsewhere"_s), path(u"a/folder link"_s)));
     library::copy_directory(path(u"a"_s), path(u"copy"_s));
-    QCOMPARE(tree(path(u"copy"_s)), QStringList({u"file link"_s, u"folder link/"_s, u"folder link/file"_s}));
+    QCOMPARE(tree_of(path(u"copy"_s)), QStringList({u"file link"_s, u"folder link/"_s, u"folder link/file"_s}));
     QCOMPARE(content_of(path(u"copy/file link"_s)), "linked");
 }
 
 void test_files_and_paths::copy_ends_on_link_cycles()
 {
-    write_file(path(u"a/b/file"_s));
+    write_file(path(u"a/b/file"_s), "content");
     QVERIFY(QFile::link(path(u"a"_s), path(u"a/b/up"_s)));
     QVERIFY(QFile::link(u"."_s, path(u"a/self"_s)));
     library::copy_directory(path(u"a"_s), path(u"copy"_s));
-    QCOMPARE(tree(path(u"copy"_s)), QStringList({u"b/"_s, u"b/file"_s}));
+    QCOMPARE(tree_of(path(u"copy"_s)), QStringList({u"b/"_s, u"b/file"_s}));
 }
 
 void test_files_and_paths::copy_into_itself_ends()
 {
-    write_file(path(u"a/file"_s));
+    write_file(path(u"a/file"_s), "content");
     library::copy_directory(path(u"a"_s), path(u"a/copy"_s));
-    QCOMPARE(tree(path(u"a"_s)), QStringList({u"copy/"_s, u"copy/file"_s, u"file"_s}));
+    QCOMPARE(tree_of(path(u"a"_s)), QStringList({u"copy/"_s, u"copy/file"_s, u"file"_s}));
 }
 
 void test_files_and_paths::copy_onto_itself_is_reported()
@@ -219,12 +214,12 @@ void test_files_and_paths::copy_skips_fifos_and_broken_links()
     QVERIFY(QFile::link(path(u"nowhere"_s), path(u"a/broken"_s)));
     QVERIFY(QFile::link(u"/dev/zero"_s, path(u"a/endless"_s)));
     library::copy_directory(path(u"a"_s), path(u"copy"_s));
-    QCOMPARE(tree(path(u"copy"_s)), QStringList());
+    QCOMPARE(tree_of(path(u"copy"_s)), QStringList());
 }
 
 void test_files_and_paths::copy_without_a_destination()
 {
-    write_file(path(u"a/file_that_must_not_reach_the_root_folder"_s));
+    write_file(path(u"a/file_that_must_not_reach_the_root_folder"_s), "content");
     library::copy_directory(path(u"a"_s), u""_s);
     QVERIFY(!QFile::exists(u"/file_that_must_not_reach_the_root_folder"_s));
     const QString prefix = u"plugin_static_function::copy_directory: [copy_directory] "_s;
@@ -234,8 +229,8 @@ void test_files_and_paths::copy_without_a_destination()
 
 void test_files_and_paths::copy_reports_an_unopenable_destination()
 {
-    write_file(path(u"a/name"_s));
-    write_file(path(u"a/other"_s));
+    write_file(path(u"a/name"_s), "content");
+    write_file(path(u"a/other"_s), "content");
     QDir().mkpath(path(u"b/name"_s)); // a directory in the file's place
     library::copy_directory(path(u"a"_s), path(u"b"_s));
     QStringList lines = log.take_messages();
@@ -249,17 +244,17 @@ void test_files_and_paths::copy_reports_an_unopenable_destination()
 
 void test_files_and_paths::copy_reports_an_unreadable_file()
 {
-    if (::geteuid() == 0)
-        QSKIP("root reads every file");
-    write_file(path(u"a/secret"_s));
-    write_file(path(u"a/other"_s));
+    write_file(path(u"a/secret"_s), "content");
+    write_file(path(u"a/other"_s), "content");
     QFile::setPermissions(path(u"a/secret"_s), QFile::Permissions());
-    library::copy_directory(path(u"a"_s), path(u"b"_s));
+    {
+        const ordinary_user nobody({directory->path(), QFileInfo(log.path()).path(), log.path()});
+        library::copy_directory(path(u"a"_s), path(u"b"_s));
+    }
     const QString prefix = u"plugin_static_function::copy_directory: [copy_directory] "_s;
-    QCOMPARE(log.take_messages(),
-             QStringList({prefix + u"source file open ----FAILED---- :"_s + path(u"a/secret"_s),
-                          prefix + u"Error:Permission denied"_s}));
-    QCOMPARE(tree(path(u"b"_s)), QStringList{u"other"_s});
+    QCOMPARE(log.take_messages(), QStringList({prefix + u"source file open ----FAILED---- :"_s + path(u"a/secret"_s),
+                                               prefix + u"Error:Permission denied"_s}));
+    QCOMPARE(tree_of(path(u"b"_s)), QStringList{u"other"_s});
 }
 
 void test_files_and_paths::copy_of_large_files()
@@ -275,20 +270,20 @@ void test_files_and_paths::copy_of_large_files()
 
 void test_files_and_paths::copy_when_cancelled()
 {
-    write_file(path(u"a/file"_s));
-    write_file(path(u"a/sub/file"_s));
+    write_file(path(u"a/file"_s), "content");
+    write_file(path(u"a/sub/file"_s), "content");
     library::bool_cancel_extraction = true;
     library::copy_directory(path(u"a"_s), path(u"b"_s));
-    QCOMPARE(tree(directory->path()), QStringList({u"a/"_s, u"a/file"_s, u"a/sub/"_s, u"a/sub/file"_s, u"b/"_s}));
+    QCOMPARE(tree_of(directory->path()), QStringList({u"a/"_s, u"a/file"_s, u"a/sub/"_s, u"a/sub/file"_s, u"b/"_s}));
 }
 
 void test_files_and_paths::copy_cut_short_in_a_file()
 {
     constexpr qint64 never_copied_whole = qint64(64) << 30; // sparse
-    write_file(path(u"a/file"_s));
+    write_file(path(u"a/file"_s), "content");
     QFile source(path(u"a/file"_s));
     QVERIFY(source.resize(never_copied_whole));
-    write_file(path(u"a/sub/file"_s));
+    write_file(path(u"a/sub/file"_s), "content");
 
     std::signal(SIGALRM, [](int) { library::bool_cancel_extraction = true; });
     itimerval soon = {};
@@ -297,22 +292,22 @@ void test_files_and_paths::copy_cut_short_in_a_file()
     library::copy_directory(path(u"a"_s), path(u"b"_s));
     std::signal(SIGALRM, SIG_DFL);
 
-    QCOMPARE(tree(path(u"b"_s)), QStringList{u"file"_s});
+    QCOMPARE(tree_of(path(u"b"_s)), QStringList{u"file"_s});
     const qint64 copied = QFileInfo(path(u"b/file"_s)).size();
     QVERIFY(copied > 0 && copied < never_copied_whole);
     QCOMPARE(copied % 102400, 0);
     QCOMPARE(log.take_lines(), QStringList());
 }
 
-void test_files_and_paths::remove_of_a_tree()
+void test_files_and_paths::remove_of_a_tree_of()
 {
-    write_file(path(u"a/file"_s));
-    write_file(path(u"a/.hidden"_s));
-    write_file(path(u"a/.hidden_dir/.deep/größe 🎧"_s));
+    write_file(path(u"a/file"_s), "content");
+    write_file(path(u"a/.hidden"_s), "content");
+    write_file(path(u"a/.hidden_dir/.deep/größe 🎧"_s), "content");
     QDir().mkpath(path(u"a/empty"_s));
-    write_file(path(u"beside"_s));
+    write_file(path(u"beside"_s), "content");
     library::remove_directory(path(u"a/"_s));
-    QCOMPARE(tree(directory->path()), QStringList{u"beside"_s});
+    QCOMPARE(tree_of(directory->path()), QStringList{u"beside"_s});
 }
 
 void test_files_and_paths::remove_of_nothing_data()
@@ -327,17 +322,17 @@ void test_files_and_paths::remove_of_nothing_data()
 void test_files_and_paths::remove_of_nothing()
 {
     QFETCH(QString, dir);
-    write_file(path(u"file"_s));
+    write_file(path(u"file"_s), "content");
     const QString current = QDir::currentPath();
     QDir::setCurrent(directory->path()); // an empty path must not mean this folder
     library::remove_directory(dir);
     QDir::setCurrent(current);
-    QCOMPARE(tree(directory->path()), QStringList{u"file"_s});
+    QCOMPARE(tree_of(directory->path()), QStringList{u"file"_s});
 }
 
 void test_files_and_paths::remove_leaves_link_targets()
 {
-    write_file(path(u"target/file"_s));
+    write_file(path(u"target/file"_s), "content");
     QDir().mkpath(path(u"a"_s));
     QVERIFY(QFile::link(path(u"target"_s), path(u"a/folder link"_s)));
     QVERIFY(QFile::link(path(u"target/file"_s), path(u"a/file link"_s)));
@@ -345,22 +340,22 @@ void test_files_and_paths::remove_leaves_link_targets()
     QVERIFY(QFile::link(path(u"target"_s), path(u"root link"_s)));
     library::remove_directory(path(u"a"_s));
     library::remove_directory(path(u"root link/"_s));
-    QCOMPARE(tree(directory->path()), QStringList({u"target/"_s, u"target/file"_s}));
+    QCOMPARE(tree_of(directory->path()), QStringList({u"target/"_s, u"target/file"_s}));
 }
 
 void test_files_and_paths::remove_ignores_the_cancel_flag()
 {
-    write_file(path(u"a/b/file"_s));
+    write_file(path(u"a/b/file"_s), "content");
     library::bool_cancel_extraction = true;
     library::remove_directory(path(u"a"_s));
-    QCOMPARE(tree(directory->path()), QStringList());
+    QCOMPARE(tree_of(directory->path()), QStringList());
 }
 
 void test_files_and_paths::remove_of_odd_entries()
 {
     QDir().mkpath(path(u"a/\n new line"_s));
-    write_file(path(u"a/*?[x]"_s));
-    write_file(path(u"a/..."_s));
+    write_file(path(u"a/*?[x]"_s), "content");
+    write_file(path(u"a/..."_s), "content");
     QCOMPARE(::mkfifo(QFile::encodeName(path(u"a/fifo"_s)).constData(), 0600), 0);
     QFile::setPermissions(path(u"a/*?[x]"_s), QFile::Permissions());
     QString deep = path(u"a"_s);
@@ -368,7 +363,7 @@ void test_files_and_paths::remove_of_odd_entries()
         deep += u"/deep"_s;
     QVERIFY(QDir().mkpath(deep));
     library::remove_directory(path(u"a"_s));
-    QCOMPARE(tree(directory->path()), QStringList());
+    QCOMPARE(tree_of(directory->path()), QStringList());
 }
 
 void test_files_and_paths::unmatched_entries_data()
@@ -425,8 +420,9 @@ void test_files_and_paths::user_name()
 {
     QFETCH(QString, file_path);
     QFETCH(QString, prefix);
-    library::system_account_QList = {
-        {u"alice"_s, u"/Users/alice"_s}, {u"bob"_s, u"/first"_s}, {u"bob"_s, u"/second"_s}};
+    library::system_account_QList = {{u"alice"_s, u"/Users/alice"_s},
+                                     {u"bob"_s, u"/first"_s},
+                                     {u"bob"_s, u"/second"_s}};
     const auto account = library::extract_user_name_from_sourcefile(file_path, prefix);
     QTEST(account.system_user, "user");
     QTEST(account.system_account_home_path, "home");
@@ -439,10 +435,10 @@ void test_files_and_paths::user_name_without_accounts()
 
 void test_files_and_paths::existence_in_dir()
 {
-    write_file(path(u"report.txt"_s));
-    write_file(path(u".hidden"_s));
-    write_file(path(u" padded "_s));
-    write_file(path(u"sub/deep.txt"_s));
+    write_file(path(u"report.txt"_s), "content");
+    write_file(path(u".hidden"_s), "content");
+    write_file(path(u" padded "_s), "content");
+    write_file(path(u"sub/deep.txt"_s), "content");
     QVERIFY(QFile::link(path(u"nowhere"_s), path(u"broken"_s)));
     const auto exists = [this](const QString &name) {
         return library::is_file_exist_in_dir(directory->path(), name, u"caller"_s);
@@ -465,7 +461,7 @@ void test_files_and_paths::existence_in_dir()
 
 void test_files_and_paths::existence_when_cancelled()
 {
-    write_file(path(u"file"_s));
+    write_file(path(u"file"_s), "content");
     library::bool_cancel_extraction = true;
     QVERIFY(!library::is_file_exist_in_dir(directory->path(), u"file"_s, u""_s));
 }
@@ -476,11 +472,11 @@ void test_files_and_paths::available_file()
         return library::get_available_file(u"a/report.txt"_s, directory->path(), u"caller"_s);
     };
     QCOMPARE(available(), u"report.txt"_s);
-    write_file(path(u"report.txt"_s));
+    write_file(path(u"report.txt"_s), "content");
     QCOMPARE(available(), u"1_report.txt"_s);
-    write_file(path(u"1_report.txt"_s));
+    write_file(path(u"1_report.txt"_s), "content");
     QCOMPARE(available(), u"2_report.txt"_s);
-    write_file(path(u"2_report.txt"_s));
+    write_file(path(u"2_report.txt"_s), "content");
     QCOMPARE(available(), u"3_report.txt"_s);
     QCOMPARE(library::get_available_file(u"plain"_s, directory->path(), u""_s), u"plain"_s);
 }

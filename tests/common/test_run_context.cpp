@@ -139,15 +139,16 @@ void test_run_context::untouched_records_are_empty()
 
 void test_run_context::cleared_source_info_keeps_its_last_texts()
 {
-    struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info info{
-        u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"5"_s, {{u"user"_s, u"home"_s}}, u"7"_s, u"8"_s, {u"9"_s},
-        u"10"_s, u"11"_s, u"12"_s, u"13"_s};
+    struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info info{u"1"_s,  u"2"_s,  u"3"_s,
+                                                             u"4"_s,  u"5"_s,  {{u"user"_s, u"home"_s}},
+                                                             u"7"_s,  u"8"_s,  {u"9"_s},
+                                                             u"10"_s, u"11"_s, u"12"_s,
+                                                             u"13"_s};
     library::clear_variables_kaldo_and_artifact_common_source_info(info);
     QVERIFY(info.source_root_path.isEmpty() && info.source_path_2.isEmpty() && info.os_scheme_display.isEmpty()
-            && info.os_scheme_internal.isEmpty() && info.os_version_full.isEmpty()
-            && info.system_account_list.isEmpty() && info.source_text_7.isEmpty() && info.source_text_8.isEmpty()
-            && info.source_path_list.isEmpty() && info.source_log_file_path.isEmpty()
-            && info.source_text_11.isEmpty());
+            && info.os_scheme_internal.isEmpty() && info.os_version_full.isEmpty() && info.system_account_list.isEmpty()
+            && info.source_text_7.isEmpty() && info.source_text_8.isEmpty() && info.source_path_list.isEmpty()
+            && info.source_log_file_path.isEmpty() && info.source_text_11.isEmpty());
     QCOMPARE(info.source_text_12, u"12"_s);
     QCOMPARE(info.source_text_13, u"13"_s);
 }

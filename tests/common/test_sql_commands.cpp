@@ -13,7 +13,8 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
+namespace
+{
 
 const QString caller = u"void some_plugin::some_step()"_s;
 const QString reference_name = u"connection of the test"_s;
@@ -22,8 +23,7 @@ const QString reference_name = u"connection of the test"_s;
 using helper_call = QStringList (*)(const QString &command, const QStringList &values, QSqlDatabase &database,
                                     const QString &path);
 
-struct helper
-{
+struct helper {
     const char *name;
     helper_call call;
     bool binds;
@@ -102,7 +102,10 @@ private Q_SLOTS:
 
 private:
     static void add_helpers(bool (*wanted)(const helper &));
-    QString path(const QString &name) const { return directory->filePath(name); }
+    QString path(const QString &name) const
+    {
+        return directory->filePath(name);
+    }
 
     debug_log_capture log;
     std::unique_ptr<QTemporaryDir> directory;
@@ -158,8 +161,7 @@ void test_sql_commands::success()
     const QStringList result = tested->call(command, values, database, file);
     if (tested->is_list) {
         QCOMPARE(result, QStringList{u"two"_s});
-        const QString end =
-            name == u"get_stringlist_from_db_with_addbindvalues_by_dbpath"_s ? u" End "_s : u" end "_s;
+        const QString end = name == u"get_stringlist_from_db_with_addbindvalues_by_dbpath"_s ? u" End "_s : u" end "_s;
         QCOMPARE(log.take_messages(), QStringList({u"plugin_static_function::"_s + name + u":  Start "_s,
                                                    u"plugin_static_function::"_s + name + u": "_s + end}));
     } else {
@@ -234,11 +236,12 @@ void test_sql_commands::failed_opening()
 
     const QString error = u"unable to open database file Error opening database"_s;
     QCOMPARE(log.take_messages(),
-             tested->is_list ? QStringList({name + u":  Start "_s,
-                                            name + u": Destination Db opening --------FAILED------ "_s + unopenable,
-                                            name + u": CALLER FUNCTION -  "_s + caller, name + u": error -  "_s + error})
-                             : QStringList({name + u":  Destination Db opening --------FAILED------ "_s + unopenable,
-                                            name + u": CALLER FUNCTION -  "_s + caller, name + u":  error -  "_s + error}));
+             tested->is_list
+                 ? QStringList({name + u":  Start "_s,
+                                name + u": Destination Db opening --------FAILED------ "_s + unopenable,
+                                name + u": CALLER FUNCTION -  "_s + caller, name + u": error -  "_s + error})
+                 : QStringList({name + u":  Destination Db opening --------FAILED------ "_s + unopenable,
+                                name + u": CALLER FUNCTION -  "_s + caller, name + u":  error -  "_s + error}));
     QCOMPARE(QSqlDatabase::connectionNames().size(), tested->connection ? 2 : 1);
 }
 
@@ -306,8 +309,9 @@ void test_sql_commands::missing_values_are_the_drivers_error()
 {
     QVERIFY(!library::execute_db_command_with_addbindvalue_by_dbreference(u"INSERT INTO t(a, b) VALUES(?, ?)"_s,
                                                                           {u"one"_s}, database, caller));
-    QCOMPARE(log.take_messages().value(3),
-             u"plugin_static_function::execute_db_command_with_addbindvalue_by_dbreference:  error -  Parameter count mismatch"_s);
+    QCOMPARE(
+        log.take_messages().value(3),
+        u"plugin_static_function::execute_db_command_with_addbindvalue_by_dbreference:  error -  Parameter count mismatch"_s);
 }
 
 void test_sql_commands::existence_data()
@@ -341,10 +345,12 @@ void test_sql_commands::existence_failure()
 {
     QVERIFY(!library::check_value_existence_in_db_by_dbreference(u"SELECT c FROM t"_s, 0, u"x"_s, database));
     const QString name = u"plugin_static_function::check_value_existence_in_db_by_dbreference: "_s;
-    QCOMPARE(log.take_messages(),
-             QStringList({name + u"[check_value_existence_in_db_by_dbpath] query --------FAILED------"_s + reference_name,
-                          name + u"[check_value_existence_in_db_by_dbpath]commandSELECT c FROM t"_s,
-                          name + u"[check_value_existence_in_db_by_dbpath] errorno such column: c Unable to execute statement"_s}));
+    QCOMPARE(
+        log.take_messages(),
+        QStringList(
+            {name + u"[check_value_existence_in_db_by_dbpath] query --------FAILED------"_s + reference_name,
+             name + u"[check_value_existence_in_db_by_dbpath]commandSELECT c FROM t"_s,
+             name + u"[check_value_existence_in_db_by_dbpath] errorno such column: c Unable to execute statement"_s}));
 }
 
 void test_sql_commands::existence_cancelled()
