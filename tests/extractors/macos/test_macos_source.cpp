@@ -1,0 +1,307 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "common/plugin_helper_functions.h"
+#include "extractors/macos/bluetooth_logs_macos.h"
+#include "tests/support/file_content.h"
+#include "tests/support/macos_source.h"
+#include "tests/support/plugin_run.h"
+#include "tests/support/private_member.h"
+
+#include <QDir>
+#include <QMetaMethod>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, qint64, records_count)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, int, tabs_processed_count)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, desktop_text_4)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, plugin_helper_functions *, helper_obj)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, temp_directory)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, destination_db_file)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, plugin_result_directory)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_root_path)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_path_2)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, int, engine_type)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, bool, bool_cancel_extraction)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, int, source_count)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, os_scheme_display)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, system_user_list)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, selected_tabs_list)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, plugin_name)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_text_8)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_path_list_text)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, source_file_paired_list)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, source_file_other_list)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, source_file_copied_paired_list)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, source_file_copied_connected_list)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_other_db_file)
+READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_paired_db_file)
+
+class test_macos_source : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void signals_in_order();
+    void initial_values();
+    void setters();
+    void source_info();
+    void user_names_data();
+    void user_names();
+    void user_names_of_several_sources();
+    void root_without_slash_finds_nothing();
+    void found_lists_are_replaced_and_copied_lists_stay();
+    void any_kind_of_entry_is_found();
+    void cancelled_staging_adds_nothing();
+    void cancelled_extractor_writes_nothing();
+    void staging_keeps_an_earlier_copy();
+};
+
+void test_macos_source::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+void test_macos_source::signals_in_order()
+{
+    const QMetaObject &meta = bluetooth_logs_macos::staticMetaObject;
+    QCOMPARE(meta.superClass(), &QWidget::staticMetaObject);
+    QCOMPARE(meta.methodCount() - meta.methodOffset(), 2);
+    const QMetaMethod records = meta.method(meta.methodOffset());
+    QCOMPARE(meta.indexOfSignal("signal_extracted_records_of_plugin_macos(qint64)"), meta.methodOffset());
+    QCOMPARE(records.parameterNames(), QList<QByteArray>{"records"});
+    QCOMPARE(records.methodType(), QMetaMethod::Signal);
+    const QMetaMethod tabs = meta.method(meta.methodOffset() + 1);
+    QCOMPARE(tabs.methodSignature(), "signal_total_tabs_processed_macos(int)");
+    QCOMPARE(tabs.parameterNames(), QList<QByteArray>{"count"});
+    QCOMPARE(tabs.methodType(), QMetaMethod::Signal);
+}
+
+void test_macos_source::initial_values()
+{
+    const bluetooth_logs_macos extractor;
+    QCOMPARE(private_records_count(extractor), 0);
+    QCOMPARE(private_tabs_processed_count(extractor), 0);
+    QCOMPARE(private_helper_obj(extractor), nullptr);
+    QCOMPARE(private_engine_type(extractor), 0);
+    QCOMPARE(private_bool_cancel_extraction(extractor), false);
+    QCOMPARE(private_source_count(extractor), 0);
+    for (const QString &text :
+         {private_desktop_text_4(extractor), private_temp_directory(extractor), private_destination_db_file(extractor),
+          private_plugin_result_directory(extractor), private_source_root_path(extractor),
+          private_source_path_2(extractor), private_os_scheme_display(extractor), private_plugin_name(extractor),
+          private_source_text_8(extractor), private_source_path_list_text(extractor),
+          private_source_other_db_file(extractor), private_source_paired_db_file(extractor)})
+        QCOMPARE(text, QString());
+    for (const QStringList &list :
+         {private_system_user_list(extractor), private_selected_tabs_list(extractor),
+          private_source_file_paired_list(extractor), private_source_file_other_list(extractor),
+          private_source_file_copied_paired_list(extractor), private_source_file_copied_connected_list(extractor)})
+        QCOMPARE(list, QStringList());
+}
+
+void test_macos_source::setters()
+{
+    bluetooth_logs_macos extractor;
+    plugin_helper_functions helper(nullptr);
+    extractor.macos_set_plugin_helper_obj(&helper);
+    QCOMPARE(private_helper_obj(extractor), &helper);
+    extractor.macos_set_record_count(qint64(1) << 40);
+    QCOMPARE(private_records_count(extractor), qint64(1) << 40);
+    extractor.macos_set_tab_processed_count(7);
+    QCOMPARE(private_tabs_processed_count(extractor), 7);
+    extractor.macos_set_desktop_info({u"1"_s, u"2"_s, true, u"4"_s, u"5"_s});
+    QCOMPARE(private_desktop_text_4(extractor), u"4"_s);
+    extractor.macos_set_plugin_name(u" \tBluetooth Logs\n"_s);
+    QCOMPARE(private_plugin_name(extractor), u"Bluetooth Logs"_s);
+    extractor.macos_set_destination_location(u"result"_s, u"tmp"_s, u"db"_s);
+    QCOMPARE(private_plugin_result_directory(extractor), u"result"_s);
+    QCOMPARE(private_temp_directory(extractor), u"tmp"_s);
+    QCOMPARE(private_destination_db_file(extractor), u"db"_s);
+    extractor.macos_set_essential_for_kaldo_desk_extraction({u"a"_s});
+    extractor.macos_set_essential_for_kaldo_desk_extraction({u"b"_s, u"c"_s});
+    QCOMPARE(private_selected_tabs_list(extractor), QStringList({u"b"_s, u"c"_s}));
+    extractor.macos_set_engine_type(2);
+    QCOMPARE(private_engine_type(extractor), 2);
+    extractor.macos_set_source_count(9);
+    QCOMPARE(private_source_count(extractor), 9);
+    extractor.macos_cancel_extraction();
+    QCOMPARE(private_bool_cancel_extraction(extractor), true);
+    extractor.macos_set_essentials();
+    QCOMPARE(private_bool_cancel_extraction(extractor), false);
+    extractor.macos_set_general_info({});
+    extractor.macos_set_examiner_machine_info({});
+    extractor.macos_set_extended_attributes_list({u"x"_s});
+}
+
+void test_macos_source::source_info()
+{
+    bluetooth_logs_macos extractor;
+    struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info info;
+    info.source_root_path = u"/root/"_s;
+    info.source_path_2 = u"/second/"_s;
+    info.source_text_8 = u"eight"_s;
+    info.os_scheme_display = u"macOS 13"_s;
+    info.source_path_list = QStringList{u"a"_s, u""_s, u"b"_s};
+    extractor.macos_set_source_info(info);
+    QCOMPARE(private_source_root_path(extractor), u"/root/"_s);
+    QCOMPARE(private_source_path_2(extractor), u"/second/"_s);
+    QCOMPARE(private_source_text_8(extractor), u"eight"_s);
+    QCOMPARE(private_os_scheme_display(extractor), u"macOS 13"_s);
+    QCOMPARE(private_source_path_list_text(extractor), u"a;++::++;;++::++;b"_s);
+    QCOMPARE(private_system_user_list(extractor), QStringList());
+}
+
+void test_macos_source::user_names_data()
+{
+    QTest::addColumn<QStringList>("accounts");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("no account") << QStringList{} << QStringList{};
+    QTest::newRow("empty name") << QStringList{u""_s} << QStringList{};
+    QTest::newRow("same name twice") << QStringList{u"bob"_s, u"alice"_s, u"bob"_s}
+                                     << QStringList{u"bob"_s, u"alice"_s};
+    QTest::newRow("blank is a name") << QStringList{u" "_s, u""_s, u"a"_s} << QStringList{u" "_s, u"a"_s};
+    QTest::newRow("case differs") << QStringList{u"A"_s, u"a"_s} << QStringList{u"A"_s, u"a"_s};
+}
+
+void test_macos_source::user_names()
+{
+    QFETCH(QStringList, accounts);
+    bluetooth_logs_macos extractor;
+    struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info info;
+    for (const QString &name : accounts)
+        info.system_account_list.append({name, u"/home"_s});
+    extractor.macos_set_source_info(info);
+    QTEST(private_system_user_list(extractor), "names");
+}
+
+void test_macos_source::user_names_of_several_sources()
+{
+    bluetooth_logs_macos extractor;
+    struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info info;
+    info.system_account_list = {{u"a"_s, {}}, {u"b"_s, {}}};
+    extractor.macos_set_source_info(info);
+    info.system_account_list = {{u"c"_s, {}}, {u"a"_s, {}}};
+    extractor.macos_set_source_info(info);
+    QCOMPARE(private_system_user_list(extractor), QStringList({u"a"_s, u"b"_s, u"c"_s}));
+}
+
+void test_macos_source::root_without_slash_finds_nothing()
+{
+    const macos_source source;
+    source.make_other();
+    source.make_paired();
+    plugin_run run;
+    run.source.source_root_path = source.root().chopped(1);
+    run.run();
+    const QString folder = source.root().chopped(1) + u"Library/Bluetooth/"_s;
+    QStringList lines = run.log.take_messages().first(4);
+    const QString prefix = u"bluetooth_logs_macos::find_source_file: [find_source_file] "_s;
+    QCOMPARE(lines,
+             QStringList({prefix + u"start"_s,
+                          prefix + u"file not found: "_s + folder + u"com.apple.MobileBluetooth.ledevices.paired.db"_s,
+                          prefix + u"file not found: "_s + folder + u"com.apple.MobileBluetooth.ledevices.other.db"_s,
+                          prefix + u"end"_s}));
+}
+
+void test_macos_source::found_lists_are_replaced_and_copied_lists_stay()
+{
+    const macos_source source;
+    source.make_other();
+    plugin_run run;
+    run.source.source_root_path = source.root();
+    run.run();
+    const auto &extractor = *run.frame.findChild<bluetooth_logs_macos *>();
+    QCOMPARE(private_source_file_other_list(extractor), QStringList{source.other_db()});
+    QCOMPARE(private_source_file_paired_list(extractor), QStringList());
+    const QStringList copies{run.plugin_directory() + u"Logs/com.apple.MobileBluetooth.ledevices.other.db"_s};
+    QCOMPARE(private_source_file_copied_connected_list(extractor), copies);
+    QCOMPARE(private_source_file_copied_paired_list(extractor), QStringList());
+    QCOMPARE(private_source_other_db_file(extractor), copies.first());
+
+    QFile::remove(source.other_db());
+    run.frame.pub_find_source_file();
+    run.frame.pub_find_source_file();
+    QCOMPARE(private_source_file_other_list(extractor), QStringList());
+    QCOMPARE(private_source_file_copied_connected_list(extractor), copies);
+}
+
+void test_macos_source::any_kind_of_entry_is_found()
+{
+    const macos_source source;
+    QVERIFY(QDir().mkpath(source.other_db()));
+    write_file(source.paired_db(), "");
+    plugin_run run;
+    run.source.source_root_path = source.root();
+    run.prepare();
+    run.frame.pub_find_source_file();
+    const auto &extractor = *run.frame.findChild<bluetooth_logs_macos *>();
+    QCOMPARE(private_source_file_other_list(extractor), QStringList{source.other_db()});
+    QCOMPARE(private_source_file_paired_list(extractor), QStringList{source.paired_db()});
+}
+
+void test_macos_source::cancelled_staging_adds_nothing()
+{
+    const macos_source source;
+    source.make_other();
+    plugin_run run;
+    run.source.source_root_path = source.root();
+    run.prepare();
+    run.frame.pub_find_source_file();
+    run.log.take_lines();
+    auto &extractor = *run.frame.findChild<bluetooth_logs_macos *>();
+    extractor.macos_cancel_extraction();
+    extractor.copy_source_bluetooth_other_db();
+    QCOMPARE(run.take_messages(),
+             QStringList{u"bluetooth_logs_macos::copy_source_bluetooth_other_db: [copy_source_bluetooth_dbs] start"_s});
+    QCOMPARE(private_source_file_copied_connected_list(extractor), QStringList());
+    QVERIFY(!QFile::exists(run.plugin_directory() + u"Logs"_s));
+}
+
+void test_macos_source::cancelled_extractor_writes_nothing()
+{
+    const macos_source source;
+    macos_source::add_device(source.make_other(), u"OtherDevices"_s, {u"u"_s});
+    plugin_run run;
+    run.source.source_root_path = source.root();
+    run.prepare();
+    run.frame.pub_find_source_file();
+    auto &extractor = *run.frame.findChild<bluetooth_logs_macos *>();
+    extractor.copy_source_bluetooth_other_db();
+    run.log.take_lines();
+    extractor.macos_cancel_extraction();
+    extractor.extract_connected_devices();
+    QCOMPARE(run.take_messages(),
+             QStringList{u"bluetooth_logs_macos::extract_connected_devices: [extract_connected_devices] start"_s});
+    QCOMPARE(run.database().rows(u"SELECT * FROM devices"_s).size(), 0);
+
+    // The work operations can also be called by themselves, without a run's timer.
+    extractor.macos_set_essentials();
+    const QSignalSpy records(&extractor, &bluetooth_logs_macos::signal_extracted_records_of_plugin_macos);
+    extractor.extract_connected_devices();
+    QCOMPARE(run.database().rows(u"SELECT * FROM devices"_s).size(), 1);
+    QCOMPARE(records.count(), 0);
+}
+
+void test_macos_source::staging_keeps_an_earlier_copy()
+{
+    const macos_source source;
+    source.make_other();
+    plugin_run run;
+    run.source.source_root_path = source.root();
+    const QString copy = run.plugin_directory() + u"Logs/com.apple.MobileBluetooth.ledevices.other.db"_s;
+    write_file(copy, "earlier");
+    run.prepare();
+    run.frame.pub_find_source_file();
+    run.frame.findChild<bluetooth_logs_macos *>()->copy_source_bluetooth_other_db();
+    QCOMPARE(content_of(copy), "earlier");
+}
+
+QTEST_MAIN(test_macos_source)
+
+#include "test_macos_source.moc"

@@ -1,0 +1,374 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "common/plugin_helper_functions.h"
+#include "common/plugin_static_function.h"
+#include "extractors/ios_uid/bluetooth_logs_ios_uid.h"
+#include "extractors/macos/bluetooth_logs_macos.h"
+#include "extractors/winos/bluetooth_logs_winos.h"
+#include "plugin/m_bluetooth_logs.h"
+#include "tests/support/plugin_run.h"
+#include "tests/support/private_member.h"
+
+#include <QDir>
+#include <QMetaMethod>
+#include <QPointer>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTranslator>
+
+using namespace Qt::StringLiterals;
+
+READ_PRIVATE_MEMBER(bluetooth_logs, bool, bool_process_finished)
+READ_PRIVATE_MEMBER(bluetooth_logs, qint64, records_count)
+READ_PRIVATE_MEMBER(bluetooth_logs, int, tabs_processed_count)
+READ_PRIVATE_MEMBER(bluetooth_logs, int, engine_type)
+READ_PRIVATE_MEMBER(bluetooth_logs, bool, bool_cancel_extraction)
+READ_PRIVATE_MEMBER(bluetooth_logs, QString, os_scheme_internal)
+READ_PRIVATE_MEMBER(bluetooth_logs, QStringList, selected_tabs_list)
+READ_PRIVATE_MEMBER(bluetooth_logs, plugin_helper_functions *, helper_obj)
+
+class test_frame : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void methods_in_order();
+    void form();
+    void form_keeps_an_object_name();
+    void initial_values();
+    void children();
+    void artifact_name_is_translatable();
+    void run_context_gets_the_settings();
+    void reset();
+    void cancel();
+    void relay_slots();
+    void process_finished();
+    void unmatched_scheme_data();
+    void unmatched_scheme();
+    void matched_schemes_data();
+    void matched_schemes();
+    void cancelled_extraction_data();
+    void cancelled_extraction();
+    void second_list_is_ignored();
+    void operations_without_effect();
+    void main_class();
+};
+
+void test_frame::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    plugin_static_function::set_essentials();
+}
+
+void test_frame::methods_in_order()
+{
+    const QMetaObject &meta = bluetooth_logs::staticMetaObject;
+    QCOMPARE(meta.superClass(), &QFrame::staticMetaObject);
+    QCOMPARE(meta.propertyCount(), meta.propertyOffset());
+    struct method {
+        const char *signature;
+        QMetaMethod::MethodType type;
+        QList<QByteArray> parameters;
+    };
+    const method methods[] = {
+        {"signal_extracted_records_of_plugin_overall(qint64)", QMetaMethod::Signal, {"records"}},
+        {"signal_tab_processed_of_plugin_overall(int)", QMetaMethod::Signal, {"tab_count"}},
+        {"slot_m_process_finished(int)", QMetaMethod::Slot, {"status"}},
+        {"slot_extracted_records_of_plugin(qint64)", QMetaMethod::Slot, {""}},
+        {"slot_total_tabs_processed(int)", QMetaMethod::Slot, {""}},
+    };
+    QCOMPARE(meta.methodCount() - meta.methodOffset(), int(std::size(methods)));
+    for (int index = 0; index < int(std::size(methods)); ++index) {
+        const QMetaMethod actual = meta.method(meta.methodOffset() + index);
+        QCOMPARE(meta.indexOfMethod(methods[index].signature), meta.methodOffset() + index);
+        QCOMPARE(actual.methodType(), methods[index].type);
+        QCOMPARE(actual.parameterNames(), methods[index].parameters);
+    }
+}
+
+void test_frame::form()
+{
+    const bluetooth_logs frame;
+    QCOMPARE(frame.objectName(), u"bluetooth_logs"_s);
+    QCOMPARE(frame.frameShadow(), QFrame::Raised);
+    QCOMPARE(frame.frameShape(), QFrame::StyledPanel);
+    QCOMPARE(frame.size(), QSize(400, 300));
+    QCOMPARE(frame.windowTitle(), u"Frame"_s);
+    QVERIFY(!frame.isVisible());
+    QCOMPARE(frame.parent(), nullptr);
+}
+
+void test_frame::form_keeps_an_object_name()
+{
+    QWidget parent;
+    const bluetooth_logs frame(&parent);
+    QCOMPARE(frame.parentWidget(), &parent);
+}
+
+void test_frame::initial_values()
+{
+    const bluetooth_logs frame;
+    QCOMPARE(private_bool_process_finished(frame), false);
+    QCOMPARE(private_records_count(frame), 0);
+    QCOMPARE(private_tabs_processed_count(frame), 0);
+    QCOMPARE(private_engine_type(frame), 0);
+    QCOMPARE(private_bool_cancel_extraction(frame), false);
+    QCOMPARE(private_os_scheme_internal(frame), QString());
+    QCOMPARE(private_selected_tabs_list(frame), QStringList());
+}
+
+void test_frame::children()
+{
+    // The extractors die with the frame; the helper object lives on.
+    auto *frame = new bluetooth_logs;
+    const QObjectList children = frame->children();
+    QCOMPARE(children.size(), 3);
+    QVERIFY(qobject_cast<bluetooth_logs_macos *>(children.at(0)));
+    QVERIFY(qobject_cast<bluetooth_logs_ios_uid *>(children.at(1)));
+    QVERIFY(qobject_cast<bluetooth_logs_winos *>(children.at(2)));
+    QPointer<QObject> extractors[] = {children.at(0), children.at(1), children.at(2)};
+    plugin_helper_functions *helper = private_helper_obj(*frame);
+    delete frame;
+    for (const QPointer<QObject> &extractor : extractors)
+        QVERIFY(extractor.isNull());
+    QVERIFY(helper->check_is_image_by_extn(u"a.jpg"_s));
+}
+
+void test_frame::artifact_name_is_translatable()
+{
+    class reverse : public QTranslator
+    {
+    public:
+        QString translate(const char *context, const char *text, const char *, int) const override
+        {
+            return qstrcmp(context, "QObject") == 0 && qstrcmp(text, "Bluetooth Logs") == 0 ? u"Funk Protokolle"_s
+                   : qstrcmp(context, "bluetooth_logs") == 0 && qstrcmp(text, "Frame") == 0 ? u"Rahmen"_s
+                                                                                            : QString();
+        }
+        bool isEmpty() const override
+        {
+            return false;
+        }
+    };
+    plugin_run run;
+    QCOMPARE(run.frame.pub_get_artifact_name(), u"Bluetooth Logs"_s);
+    reverse translator;
+    QCoreApplication::installTranslator(&translator);
+    const bluetooth_logs translated;
+    const QString title = translated.windowTitle();
+    const QString name = run.frame.pub_get_artifact_name();
+    run.frame.pub_set_result_directory(run.result_directory());
+    QCoreApplication::removeTranslator(&translator);
+    QCOMPARE(name, u"Funk Protokolle"_s);
+    QCOMPARE(title, u"Rahmen"_s);
+    QVERIFY(QDir(run.result_directory() + u"/Artifacts_Result/Funk_Protokolle/tmp"_s).exists());
+}
+
+void test_frame::run_context_gets_the_settings()
+{
+    plugin_run run;
+    run.engine_type = 1;
+    run.source_count = 4;
+    run.source.os_version_full = u"12.6"_s;
+    run.source.system_account_list = {{u"alice"_s, u"/Users/alice"_s}};
+    run.prepare();
+    QCOMPARE(plugin_static_function::type_engine_int, 1);
+    QCOMPARE(plugin_static_function::get_source_count_name(), u"Source4"_s);
+    QCOMPARE(plugin_static_function::source_os_version_full, u"12.6"_s);
+    QCOMPARE(plugin_static_function::system_account_QList.size(), 1);
+    QCOMPARE(plugin_static_function::debug_file_path, run.log.path());
+    QCOMPARE(private_engine_type(run.frame), 1);
+    QCOMPARE(private_os_scheme_internal(run.frame), u"macOS"_s);
+    QCOMPARE(private_selected_tabs_list(run.frame), QStringList({u"devices"_s, u"paired_devices"_s}));
+    run.frame.pub_set_examiner_machine_info({3600, u"13"_s});
+    QCOMPARE(plugin_static_function::examiner_machine_timezone_offset_qint64, 3600);
+    QCOMPARE(plugin_static_function::examiner_machine_os_version_full, u"13"_s);
+}
+
+void test_frame::reset()
+{
+    plugin_run run;
+    run.prepare();
+    run.frame.slot_extracted_records_of_plugin(5);
+    run.frame.slot_total_tabs_processed(2);
+    run.frame.pub_cancel_extraction();
+    run.frame.pub_set_essentials();
+    QCOMPARE(private_records_count(run.frame), 0);
+    QCOMPARE(private_tabs_processed_count(run.frame), 0);
+    QCOMPARE(private_bool_cancel_extraction(run.frame), false);
+    QCOMPARE(plugin_static_function::bool_cancel_extraction, false);
+    QCOMPARE(plugin_static_function::debug_mode_status_bool, false);
+    QCOMPARE(private_os_scheme_internal(run.frame), u"macOS"_s); // records and paths stay
+    QCOMPARE(private_engine_type(run.frame), 0);
+
+    // The switched-off log says nothing until the general record comes again.
+    run.log.take_lines();
+    run.frame.pub_find_source_file();
+    QCOMPARE(run.log.take_lines(), QStringList());
+    run.frame.pub_set_general_info(run.log.general_info());
+    run.frame.pub_find_source_file();
+    QVERIFY(run.log.take_lines().first().startsWith(u"[time][ -----FAILED----- to find Engine Type ][-1]["_s));
+}
+
+void test_frame::cancel()
+{
+    bluetooth_logs frame;
+    frame.pub_cancel_extraction();
+    QCOMPARE(private_bool_cancel_extraction(frame), true);
+    QCOMPARE(plugin_static_function::bool_cancel_extraction, true);
+}
+
+void test_frame::relay_slots()
+{
+    bluetooth_logs frame;
+    const QSignalSpy records(&frame, &bluetooth_logs::signal_extracted_records_of_plugin_overall);
+    const QSignalSpy tabs(&frame, &bluetooth_logs::signal_tab_processed_of_plugin_overall);
+    const qint64 many = qint64(1) << 40;
+    Q_EMIT frame.findChild<bluetooth_logs_macos *>()->signal_extracted_records_of_plugin_macos(many);
+    Q_EMIT frame.findChild<bluetooth_logs_macos *>()->signal_total_tabs_processed_macos(1);
+    QCOMPARE(private_records_count(frame), many);
+    QCOMPARE(private_tabs_processed_count(frame), 1);
+    Q_EMIT frame.findChild<bluetooth_logs_ios_uid *>()->signal_extracted_records_of_plugin_ios_uid(2);
+    Q_EMIT frame.findChild<bluetooth_logs_ios_uid *>()->signal_total_tabs_processed_ios_uid(2);
+    Q_EMIT frame.findChild<bluetooth_logs_winos *>()->signal_extracted_records_of_plugin_winos(3);
+    Q_EMIT frame.findChild<bluetooth_logs_winos *>()->signal_total_tabs_processed_winos(3);
+    const QList<QList<QVariant>> expected_records = {{many}, {qint64(2)}, {qint64(3)}};
+    const QList<QList<QVariant>> expected_tabs = {{1}, {2}, {3}};
+    QCOMPARE(static_cast<const QList<QList<QVariant>> &>(records), expected_records);
+    QCOMPARE(static_cast<const QList<QList<QVariant>> &>(tabs), expected_tabs);
+}
+
+void test_frame::process_finished()
+{
+    bluetooth_logs frame;
+    frame.slot_m_process_finished(1);
+    QCOMPARE(private_bool_process_finished(frame), true);
+}
+
+void test_frame::unmatched_scheme_data()
+{
+    QTest::addColumn<QString>("scheme");
+    QTest::newRow("other case") << u"macos"_s;
+    QTest::newRow("empty") << u""_s;
+    QTest::newRow("blank behind") << u"macOS "_s;
+    QTest::newRow("another system") << u"Linux"_s;
+    QTest::newRow("short for iOS") << u"iOS"_s;
+}
+
+void test_frame::unmatched_scheme()
+{
+    QFETCH(QString, scheme);
+    plugin_run run;
+    run.source.os_scheme_internal = scheme;
+    run.prepare();
+    run.frame.slot_extracted_records_of_plugin(7);
+    run.log.take_lines();
+    const QSignalSpy records(&run.frame, &bluetooth_logs::signal_extracted_records_of_plugin_overall);
+    run.frame.pub_find_source_file();
+    run.frame.pub_extract_artifacts();
+    QCOMPARE(run.log.take_lines(),
+             QStringList(
+                 {u"[time][KALDO_DESK][Artifacts Extraction][bluetooth_logs::pub_find_source_file]:-- "
+                  "------FAILED------- supported os scheme internal not matched, received os scheme internal=  "_s
+                      + scheme + u", plugin name is Bluetooth Logs"_s,
+                  u"[time][KALDO_DESK][Artifacts Extraction][bluetooth_logs::pub_extract_artifacts]:-- "
+                  "[pub_extract_artifacts] - START"_s,
+                  u"[time][KALDO_DESK][Artifacts Extraction][bluetooth_logs::pub_extract_artifacts]:-- "
+                  "------FAILED------- supported os scheme internal not matched, received os scheme internal =  "_s
+                      + scheme + u", plugin name is Bluetooth Logs"_s,
+                  u"[time][KALDO_DESK][Artifacts Extraction][bluetooth_logs::pub_extract_artifacts]:-- "
+                  "[pub_extract_artifacts] - END"_s}));
+    const QList<QList<QVariant>> expected = {{qint64(0)}, {qint64(7)}};
+    QCOMPARE(static_cast<const QList<QList<QVariant>> &>(records), expected);
+}
+
+void test_frame::matched_schemes_data()
+{
+    QTest::addColumn<QString>("scheme");
+    QTest::newRow("iOS") << u"iOS_UID"_s;
+    QTest::newRow("Windows") << u"winOS"_s;
+}
+
+void test_frame::matched_schemes()
+{
+    // Nothing selected: the extractor is called and ends its run with the count that it was given.
+    QFETCH(QString, scheme);
+    plugin_run run;
+    run.source.os_scheme_internal = scheme;
+    run.tabs.clear();
+    run.prepare();
+    run.frame.slot_extracted_records_of_plugin(7);
+    run.log.take_lines();
+    const QSignalSpy records(&run.frame, &bluetooth_logs::signal_extracted_records_of_plugin_overall);
+    const QSignalSpy tabs(&run.frame, &bluetooth_logs::signal_tab_processed_of_plugin_overall);
+    run.extract();
+    QCOMPARE(run.take_messages(),
+             QStringList({u"bluetooth_logs::pub_extract_artifacts: [pub_extract_artifacts] - START"_s,
+                          u"bluetooth_logs::pub_extract_artifacts: [pub_extract_artifacts] - END"_s}));
+    const QList<QList<QVariant>> expected = {{qint64(0)}, {qint64(7)}, {qint64(7)}};
+    QCOMPARE(static_cast<const QList<QList<QVariant>> &>(records), expected);
+    QCOMPARE(tabs.count(), 0);
+}
+
+void test_frame::cancelled_extraction_data()
+{
+    QTest::addColumn<QString>("scheme");
+    QTest::addColumn<qsizetype>("lines");
+    QTest::addColumn<qsizetype>("records");
+    QTest::newRow("macOS") << u"macOS"_s << qsizetype(1) << qsizetype(1);
+    QTest::newRow("iOS") << u"iOS_UID"_s << qsizetype(1) << qsizetype(1);
+    QTest::newRow("Windows") << u"winOS"_s << qsizetype(1) << qsizetype(1);
+    QTest::newRow("unmatched goes on") << u"other"_s << qsizetype(3) << qsizetype(2);
+}
+
+void test_frame::cancelled_extraction()
+{
+    QFETCH(QString, scheme);
+    plugin_run run;
+    run.source.os_scheme_internal = scheme;
+    run.prepare();
+    run.log.take_lines();
+    const QSignalSpy records(&run.frame, &bluetooth_logs::signal_extracted_records_of_plugin_overall);
+    run.frame.pub_cancel_extraction();
+    run.frame.pub_extract_artifacts();
+    const QStringList lines = run.take_messages();
+    QTEST(lines.size(), "lines");
+    QCOMPARE(lines.first(), u"bluetooth_logs::pub_extract_artifacts: [pub_extract_artifacts] - START"_s);
+    QTEST(records.count(), "records");
+    QCOMPARE(records.first().first().toLongLong(), 0);
+}
+
+void test_frame::second_list_is_ignored()
+{
+    bluetooth_logs frame;
+    frame.pub_set_essential_for_kaldo_desk_extraction({}, {u"devices"_s});
+    QCOMPARE(private_selected_tabs_list(frame), QStringList());
+    frame.pub_set_essential_for_kaldo_desk_extraction({u"devices"_s}, {u"paired_devices"_s});
+    QCOMPARE(private_selected_tabs_list(frame), QStringList{u"devices"_s});
+}
+
+void test_frame::operations_without_effect()
+{
+    plugin_run run;
+    run.prepare();
+    run.log.take_lines();
+    run.frame.pub_set_clear_db(false);
+    run.frame.pub_generate_chat_html_pages();
+    run.frame.pub_set_extended_attributes_list({u"x"_s});
+    run.frame.pub_set_ios_uid_backup_pointer(nullptr);
+    QCOMPARE(run.log.take_lines(), QStringList());
+}
+
+void test_frame::main_class()
+{
+    const m_bluetooth_logs object;
+    Q_UNUSED(object)
+    static_assert(std::is_empty_v<m_bluetooth_logs>);
+}
+
+QTEST_MAIN(test_frame)
+
+#include "test_frame.moc"

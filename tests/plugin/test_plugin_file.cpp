@@ -1,0 +1,146 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "common/shared_records.h"
+#include "tests/support/macos_source.h"
+
+#include <QFrame>
+#include <QLibrary>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class ios_uid_backup_parser;
+
+namespace
+{
+
+/**
+ * The plug-in as a host sees it that was built without our header: nothing but the order of the virtual operations
+ * behind those of QFrame. The names here are the test's own.
+ */
+class host_view : public QFrame
+{
+public:
+    virtual void engine_type(int) = 0;
+    virtual QString artifact_name() = 0;
+    virtual void essentials() = 0;
+    virtual void source_count(int) = 0;
+    virtual void ios_uid_backup_pointer(ios_uid_backup_parser *) = 0;
+    virtual void desktop_info(struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_desktop_info) = 0;
+    virtual void general_info(struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_general_info) = 0;
+    virtual void source_info(struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info) = 0;
+    virtual void essential_for_extraction(QList<QString>, QList<QString>) = 0;
+    virtual void result_directory(QString) = 0;
+    virtual void create_db_tables() = 0;
+    virtual void clear_db(bool) = 0;
+    virtual void cancel_extraction() = 0;
+    virtual void find_source_file() = 0;
+    virtual void extended_attributes_list(QList<QString>) = 0;
+    virtual void extract_artifacts() = 0;
+    virtual void generate_chat_html_pages() = 0;
+    virtual void remove_temporary_files() = 0;
+    virtual void examiner_machine_info(struct_GLOBAL_KALDO_AND_ARTIFACT_COMMON_examiner_machine_info) = 0;
+};
+
+} // namespace
+
+/** The plug-in file itself, as the suite loads it. Its path is the first argument of the build. */
+class test_plugin_file : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void exported_names();
+    void operations_stand_in_slot_order();
+};
+
+void test_plugin_file::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+void test_plugin_file::exported_names()
+{
+    const QString nm = QStandardPaths::findExecutable(u"nm"_s);
+    QVERIFY2(!nm.isEmpty(), "nm of binutils lists the exported names");
+    QProcess process;
+    process.start(nm, {u"-DC"_s, u"--defined-only"_s, QStringLiteral(PLUGIN_FILE)});
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 0);
+    QStringList names = QString::fromUtf8(process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+    for (QString &name : names)
+        name = name.section(u' ', 2); // address, kind, name
+    QCOMPARE(names.count(u"create_object"_s), 1);
+    QVERIFY(names.contains(u"bluetooth_logs::pub_extract_artifacts()"_s));
+    QVERIFY(names.contains(u"vtable for bluetooth_logs"_s));
+
+    const QRegularExpression ours(
+        uR"(^(non-virtual thunk to |(vtable|typeinfo|typeinfo name) for )?bluetooth_logs(::|$))"_s);
+    names.removeAll(u"create_object"_s);
+    names.removeIf([&ours](const QString &name) { return ours.match(name).hasMatch(); });
+    QCOMPARE(names, QStringList());
+}
+
+void test_plugin_file::operations_stand_in_slot_order()
+{
+    QLibrary library(QStringLiteral(PLUGIN_FILE));
+    library.setLoadHints(QLibrary::ResolveAllSymbolsHint);
+    QVERIFY2(library.load(), qPrintable(library.errorString()));
+    const auto create_object = reinterpret_cast<void *(*) ()>(library.resolve("create_object"));
+    QVERIFY(create_object);
+    auto *plugin = static_cast<host_view *>(create_object());
+
+    const macos_source source;
+    macos_source::add_device(source.make_other(), u"OtherDevices"_s, {u"u"_s, u"n"_s});
+    const QTemporaryDir case_directory;
+    struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info info;
+    info.source_root_path = source.root();
+    info.os_scheme_internal = u"macOS"_s;
+
+    QCOMPARE(plugin->artifact_name(), u"Bluetooth Logs"_s);
+    QSignalSpy records(plugin, SIGNAL(signal_extracted_records_of_plugin_overall(qint64)));
+    QSignalSpy tabs(plugin, SIGNAL(signal_tab_processed_of_plugin_overall(int)));
+    plugin->essentials();
+    plugin->general_info({});
+    plugin->examiner_machine_info({});
+    plugin->desktop_info({});
+    plugin->source_info(info);
+    plugin->ios_uid_backup_pointer(nullptr);
+    plugin->engine_type(0);
+    plugin->source_count(3);
+    plugin->result_directory(case_directory.path());
+    plugin->essential_for_extraction({u"devices"_s}, {});
+    plugin->extended_attributes_list({});
+    plugin->create_db_tables();
+    plugin->clear_db(true);
+    plugin->find_source_file();
+    plugin->extract_artifacts();
+    plugin->generate_chat_html_pages();
+
+    const QString folder = case_directory.path() + u"/Artifacts_Result/Bluetooth_Logs/"_s;
+    QCOMPARE(sqlite_file(folder + u"Bluetooth_Logs.sqlite"_s)
+                 .quoted_rows(u"devices"_s, {u"device_name"_s, u"source_count_name"_s}),
+             QStringList{u"'n'|'Source3'"_s});
+    QVERIFY(QFile::exists(folder + u"tmp"_s));
+    plugin->remove_temporary_files();
+    QVERIFY(!QFile::exists(folder + u"tmp"_s));
+    QCOMPARE(records.last().first().toLongLong(), 1);
+    QCOMPARE(tabs.count(), 1);
+
+    records.clear();
+    plugin->cancel_extraction();
+    plugin->extract_artifacts();
+    QCOMPARE(records.count(), 1);
+    delete plugin;
+}
+
+QTEST_MAIN(test_plugin_file)
+
+#include "test_plugin_file.moc"
