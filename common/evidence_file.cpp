@@ -94,6 +94,9 @@ bool copy_content(QFile &source, QFile &target)
 
 QString open_evidence_file(QFile &file)
 {
+    // These texts are QFile's own, for callers that report them as the file's error.
+    if (file.fileName().isEmpty())
+        return u"No file name specified"_s;
     const int descriptor = open_descriptor(QFile::encodeName(file.fileName()));
     if (descriptor == -1)
         return qt_error_string(errno);
@@ -104,7 +107,7 @@ QString open_evidence_file(QFile &file)
         return {};
 
     ::close(descriptor);
-    return S_ISDIR(status.st_mode) ? qt_error_string(EISDIR) : u"Not a regular file"_s;
+    return S_ISDIR(status.st_mode) ? u"file to open is a directory"_s : u"Not a regular file"_s;
 }
 
 bool copy_evidence_file(const QString &source, const QString &target)

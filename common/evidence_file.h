@@ -14,8 +14,8 @@
 
 /**
  * Opens the regular file that @p file names, read-only and without changing its access time where the system allows
- * it. Anything else (a directory, a FIFO, a device) fails, and never blocks. Returns the error's text, null when the
- * file is open; @p file has no name then, as Qt keeps none for a descriptor.
+ * it. Anything else (a directory, a FIFO, a device) fails, and never blocks. Returns the error's text, as
+ * QFile::open() would word it, null when the file is open; @p file has no name then, as Qt keeps none for a descriptor.
  */
 QString open_evidence_file(QFile &file);
 

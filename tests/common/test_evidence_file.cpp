@@ -79,7 +79,7 @@ void test_evidence_file::refused_things_data()
     QTest::addColumn<QString>("error");
     QTest::newRow("missing") << u"missing"_s << u"No such file or directory"_s;
     QTest::newRow("broken link") << u"broken"_s << u"No such file or directory"_s;
-    QTest::newRow("directory") << u"folder"_s << u"Is a directory"_s;
+    QTest::newRow("directory") << u"folder"_s << u"file to open is a directory"_s;
     QTest::newRow("FIFO") << u"fifo"_s << u"Not a regular file"_s;
     QTest::newRow("link to a device") << u"device"_s << u"Not a regular file"_s;
 }
@@ -100,6 +100,7 @@ void test_evidence_file::errors_are_those_of_qt_data()
     QTest::addColumn<QString>("name");
     QTest::newRow("missing") << u"missing"_s;
     QTest::newRow("below a file") << u"file/below"_s;
+    QTest::newRow("directory") << u"folder"_s;
     QTest::newRow("name too long") << QString(300, u'x');
 }
 
