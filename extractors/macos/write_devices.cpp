@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/plugin_static_function.h"
+#include "common/result_rows.h"
 #include "common/sqlite_connection.h"
 #include "extractors/macos/device_tables.h"
 
@@ -67,14 +68,10 @@ void bluetooth_logs_macos::write_devices(const device_table &table, const QList<
             values.append(text(member));
         values << os_scheme_display << plugin_static_function::get_source_count_name();
 
-        if (!execute_with_values(query, statement, values)) {
-            plugin_static_function::app_debug(u" query insert file------FAILED------"_s, function_info);
-            plugin_static_function::app_debug(query.lastError().text(), function_info);
-            plugin_static_function::app_debug(query.executedQuery(), function_info);
+        if (!insert_row_or_log(query, statement, values, {}, function_info))
             continue;
-        }
         ++records_count;
-        if (elapsed_timer->isValid() && elapsed_timer->elapsed() > 1000) {
+        if (is_progress_due(*elapsed_timer)) {
             Q_EMIT signal_extracted_records_of_plugin_macos(records_count);
             elapsed_timer->restart();
         }
