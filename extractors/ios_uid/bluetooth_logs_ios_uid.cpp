@@ -1,9 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "extractors/ios_uid/bluetooth_logs_ios_uid.h"
-
-using namespace Qt::StringLiterals;
+#include "extractors/ios_uid/log_steps.h"
 
 bluetooth_logs_ios_uid::bluetooth_logs_ios_uid(QWidget *parent)
     : QWidget(parent)
@@ -111,22 +109,17 @@ void bluetooth_logs_ios_uid::extract_plugin_artifacts()
     if (engine_type != 0)
         return;
 
-    const auto run_step = [this](const QString &tab, auto step) {
-        if (!selected_tab_list.contains(tab))
-            return;
-        (this->*step)();
-        Q_EMIT signal_extracted_records_of_plugin_ios_uid(record_count);
-        ++tab_processed_count;
-        Q_EMIT signal_total_tabs_processed_ios_uid(tab_processed_count);
-    };
-    run_step(u"devices"_s, &bluetooth_logs_ios_uid::extract_available_devices);
-    run_step(u"paired_devices"_s, &bluetooth_logs_ios_uid::extract_paired_devices);
+    extract_tab(log_step::available);
+    extract_tab(log_step::paired);
 }
 
-void bluetooth_logs_ios_uid::extract_available_devices()
+void bluetooth_logs_ios_uid::extract_tab(const log_step &step)
 {
-}
+    if (!selected_tab_list.contains(step.tab))
+        return;
 
-void bluetooth_logs_ios_uid::extract_paired_devices()
-{
+    extract_devices(step);
+    Q_EMIT signal_extracted_records_of_plugin_ios_uid(record_count);
+    ++tab_processed_count;
+    Q_EMIT signal_total_tabs_processed_ios_uid(tab_processed_count);
 }

@@ -13,8 +13,11 @@
 
 #include <memory>
 
+class QSqlDatabase;
+class QSqlQuery;
 class ios_uid_backup_parser;
 class plugin_helper_functions;
+struct log_line_fields;
 
 /**
  * Extractor for iOS device acquisitions. Reads the source's system-log text: "BLE device found:" lines become inserts
@@ -60,6 +63,14 @@ Q_SIGNALS:
     void signal_total_tabs_processed_ios_uid(int count);
 
 private:
+    struct log_step; // what differs between the two steps
+
+    void extract_tab(const log_step &step);
+    void extract_devices(const log_step &step);
+    /** Writes a row for each line of the step. False when the log was not read to its end. */
+    bool read_log(const log_step &step, QSqlDatabase &database);
+    void write_device(const log_step &step, const log_line_fields &fields, QSqlQuery &query);
+
     qint64 record_count = 0;
     int tab_processed_count = 0;
     std::unique_ptr<QElapsedTimer> elapsed_timer;
