@@ -32,18 +32,38 @@ QString kind_of_table(const QSqlDatabase &database, const QString &name)
     return found && query.next() ? query.value(0).toString() : QString();
 }
 
+bool is_empty_text(const QVariant &value)
+{
+    return value.metaType() == QMetaType::fromType<QString>() && value.toString().isEmpty();
+}
+
+/**
+ * Every row as an object of its columns. One object gets the names once, with empty texts, which is what most columns
+ * of most devices hold; a row is a copy of it with the other values put in.
+ */
 QList<QJsonObject> read_rows(QSqlQuery &query, QJsonValue (*to_json)(const QVariant &))
 {
-    const QSqlRecord columns = query.record();
     QStringList names;
-    for (int column = 0; column < columns.count(); ++column)
+    QJsonObject without_values;
+    const QSqlRecord columns = query.record();
+    for (int column = 0; column < columns.count(); ++column) {
         names.append(columns.fieldName(column));
+        without_values.insert(names.last(), QString());
+    }
+    QList<int> column_of_member;
+    for (auto member = without_values.constBegin(); member != without_values.constEnd(); ++member)
+        column_of_member.append(int(names.lastIndexOf(member.key())));
 
     QList<QJsonObject> rows;
     while (query.next()) {
-        QJsonObject row;
-        for (int column = 0; column < names.size(); ++column)
-            row.insert(names.at(column), to_json(query.value(column)));
+        QJsonObject row = without_values;
+        auto member = row.begin();
+        for (const int column : std::as_const(column_of_member)) {
+            const QVariant value = query.value(column);
+            if (!is_empty_text(value))
+                *member = to_json(value);
+            ++member;
+        }
         rows.append(row);
     }
     return rows;

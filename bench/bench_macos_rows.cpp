@@ -1,0 +1,202 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+// bench_macos_rows ROWS...
+// For each number of OtherDevices rows: times a whole extraction of a synthetic source against a bare loop of the same
+// prepare, bind and execute in one transaction, by turns, and tells the peak memory that the extraction adds.
+
+#include "common/sqlite_connection.h"
+#include "plugin/bluetooth_logs.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <algorithm>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int rounds = 5;
+
+const QString insert_statement =
+    u"insert into devices(bookmark, uuid, device_name, address, source_file,last_seen_time, last_connection_time,os_scheme_display,source_count_name) values(?,?,?,?,?,?,?, ?,?)"_s;
+
+QStringList device(int number)
+{
+    const QString digits = QString::number(number).rightJustified(12, u'0');
+    return {u"6B1E2F30-4C5D-4E6F-8A9B-"_s + digits, number % 200 == 0 ? u"Kopfhörer "_s + digits : QString(),
+            u"Random 50:32:66:45:35:EF"_s, QString::number(395626 + number), QString::number(number % 7)};
+}
+
+void require(bool done, const char *what)
+{
+    if (!done)
+        qFatal("%s failed", what);
+}
+
+/** Runs statements on a file, all in one transaction. */
+template<typename Work>
+void in_transaction(const QString &file, Work work)
+{
+    QSqlDatabase database = open_sqlite_connection(u"benchmark"_s, file);
+    require(database.isOpen() && database.transaction(), "opening");
+    {
+        QSqlQuery query(database);
+        work(query);
+    }
+    require(database.commit(), "commit");
+    database.close();
+}
+
+void make_source(const QString &root, int rows)
+{
+    QDir().mkpath(root + u"Library/Bluetooth"_s);
+    in_transaction(root + u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s, [&](QSqlQuery &query) {
+        require(query.exec(u"CREATE TABLE OtherDevices(Uuid TEXT, Name TEXT, NameOrigin INT, Address TEXT, "
+                           "ResolvedAddress TEXT, LastSeenTime INT, LastConnectionTime INT, "
+                           "GATTServiceChangeConfig INT, Tags TEXT, iCloudIdentifier TEXT)"_s),
+                "creating");
+        for (int row = 0; row < rows; ++row)
+            require(execute_with_values(query,
+                                        u"INSERT INTO OtherDevices(Uuid, Name, Address, LastSeenTime, "
+                                        "LastConnectionTime, iCloudIdentifier) VALUES(?, ?, ?, ?, ?, '')"_s,
+                                        device(row)),
+                    "inserting");
+    });
+}
+
+/** A case that is ready for extraction; gone with its folder when this object goes. */
+class prepared_case
+{
+public:
+    explicit prepared_case(const QString &root)
+    {
+        struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info source;
+        source.source_root_path = root;
+        source.os_scheme_internal = u"macOS"_s;
+        source.os_scheme_display = u"macOS 12.6"_s;
+        plugin.pub_set_essentials();
+        plugin.pub_set_source_info(source);
+        plugin.pub_set_engine_type(0);
+        plugin.pub_set_source_count(1);
+        plugin.pub_set_result_directory(directory.path());
+        plugin.pub_set_essential_for_kaldo_desk_extraction({u"devices"_s}, {});
+        plugin.pub_create_db_tables();
+    }
+
+    double extract()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        plugin.pub_find_source_file();
+        plugin.pub_extract_artifacts();
+        return double(timer.nsecsElapsed()) / 1e9;
+    }
+
+    double insert_bare(const QList<QStringList> &rows)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        in_transaction(database(), [&rows](QSqlQuery &query) {
+            for (const QStringList &values : rows)
+                require(execute_with_values(query, insert_statement, values), "inserting");
+        });
+        return double(timer.nsecsElapsed()) / 1e9;
+    }
+
+    qint64 row_count() const
+    {
+        qint64 count = 0;
+        in_transaction(database(), [&count](QSqlQuery &query) {
+            require(query.exec(u"SELECT count(*) FROM devices"_s) && query.next(), "counting");
+            count = query.value(0).toLongLong();
+        });
+        return count;
+    }
+
+private:
+    QString database() const
+    {
+        return directory.path() + u"/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s;
+    }
+
+    QTemporaryDir directory;
+    bluetooth_logs plugin;
+};
+
+/** A field of this process's status in bytes: VmHWM: is the peak, VmRSS: the present size. 0 where there is none. */
+qint64 memory(const QByteArray &field)
+{
+    QFile status(u"/proc/self/status"_s);
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    const QList<QByteArray> lines = status.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(field))
+            return line.simplified().split(' ').value(1).toLongLong() * 1024;
+    }
+    return 0;
+}
+
+/** Lets the peak begin anew at the present size. */
+void reset_peak_memory()
+{
+    QFile clear(u"/proc/self/clear_refs"_s);
+    if (clear.open(QIODevice::WriteOnly))
+        clear.write("5");
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    QTextStream out(stdout);
+    for (const QString &argument : QCoreApplication::arguments().mid(1)) {
+        const int rows = argument.toInt();
+        const QTemporaryDir directory;
+        const QString root = directory.path() + u"/source/"_s;
+        make_source(root, rows);
+
+        reset_peak_memory();
+        const qint64 before = memory("VmRSS:");
+        {
+            prepared_case one(root);
+            one.extract();
+            require(one.row_count() == rows, "extraction");
+        }
+        const double bytes_a_row = double(memory("VmHWM:") - before) / rows;
+
+        QList<QStringList> values;
+        for (int row = 0; row < rows; ++row) {
+            const QStringList texts = device(row);
+            values.append({u"0"_s, texts[0], texts[1].isNull() ? u""_s : texts[1], texts[2], root, texts[3], texts[4],
+                           u"macOS 12.6"_s, u"Source1"_s});
+        }
+        std::vector<double> whole;
+        std::vector<double> ratios;
+        for (int round = 0; round < rounds; ++round) {
+            const double bare = prepared_case(root).insert_bare(values);
+            whole.push_back(prepared_case(root).extract());
+            ratios.push_back(whole.back() / bare);
+        }
+        out << rows << " rows: " << qint64(rows / median(whole)) << " rows/s, "
+            << QString::number(median(whole) / rows * 1e6, 'f', 2) << " us a row, whole extraction / bare inserts = "
+            << QString::number(median(ratios), 'f', 2) << ", peak memory " << qint64(bytes_a_row) << " bytes a row\n"
+            << Qt::flush;
+    }
+    return 0;
+}
