@@ -20,6 +20,9 @@ function(bluetooth_logs_configure target)
         AUTOMOC ON
         AUTOUIC ON
         CXX_EXTENSIONS OFF
+        OBJCXX_STANDARD 20
+        OBJCXX_STANDARD_REQUIRED ON
+        OBJCXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
         OBJCXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
