@@ -120,12 +120,8 @@ QVariant parse_property_list(const QByteArray &guarded)
 {
     const autorelease_pool pool;
     NSData *data = [NSData dataWithBytes:guarded.constData() length:static_cast<NSUInteger>(guarded.size())];
-    @try {
-        return property_list_value([NSPropertyListSerialization propertyListWithData:data
-                                                                              options:NSPropertyListImmutable
-                                                                               format:nullptr
-                                                                                error:nullptr]);
-    } @catch (NSException *) { // how some versions of the parser answer malformed lists
-        return {};
-    }
+    return property_list_value([NSPropertyListSerialization propertyListWithData:data
+                                                                          options:NSPropertyListImmutable
+                                                                           format:nullptr
+                                                                            error:nullptr]);
 }

@@ -3,6 +3,7 @@
 
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
+#include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
 #include "tests/support/property_list_objects.h"
 
@@ -85,6 +86,7 @@ void test_plist_values::string_values_data()
 
 void test_plist_values::string_values()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(QByteArray, value);
     QFETCH(QString, text);
 
@@ -125,6 +127,7 @@ void test_plist_values::number_values_data()
 
 void test_plist_values::number_values()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(QByteArray, value);
     QFETCH(QString, text);
 
@@ -153,6 +156,7 @@ void test_plist_values::yes_no_values_data()
 
 void test_plist_values::yes_no_values()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(QByteArray, value);
     QFETCH(QString, text);
 
@@ -188,6 +192,7 @@ void test_plist_values::array_values_data()
 
 void test_plist_values::array_values()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(QByteArray, entries);
     QFETCH(QString, text);
 
@@ -341,6 +346,7 @@ void test_plist_values::nsdate_data()
 
 void test_plist_values::nsdate()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(double, seconds_since_2001);
     const QByteArray zone = qgetenv("TZ");
     const char *const column = zone == "Asia/Kolkata"       ? "in_kolkata"

@@ -4,6 +4,7 @@
 #include "common/platform/platform.h"
 #include "common/platform/property_list_file.h"
 #include "common/platform/property_list_guard.h"
+#include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
 
 #include <QDateTime>
@@ -89,6 +90,7 @@ void test_property_list::values_data()
 
 void test_property_list::values()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(QByteArray, list);
     QFETCH(QVariant, value);
 
@@ -230,6 +232,7 @@ void test_property_list::refused_data()
 
 void test_property_list::refused()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(QByteArray, list);
 
     QElapsedTimer timer;
@@ -278,6 +281,7 @@ void test_property_list::xml_is_written_anew()
 /** Every byte of a list with every kind of object is changed, and the list is cut at every length. */
 void test_property_list::damaged_binary_lists_are_survived()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     const QByteArray list = binary_list({binary_dictionary({1, 2, 3}, {4, 5, 6}), binary_text("DeviceCache"),
                                          binary_text("a"), binary_text("b"), binary_array({7, 8, 9, 10}),
                                          binary_text(QByteArray(20, 'x')), "\x62\xD8\x3C\xDF\xA7"_ba, "\x09"_ba,

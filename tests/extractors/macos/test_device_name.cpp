@@ -3,6 +3,7 @@
 
 #include "extractors/macos/bluetooth_logs_macos.h"
 #include "tests/support/debug_log_capture.h"
+#include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
 
 #include <QDir>
@@ -150,6 +151,7 @@ void test_device_name::names_data()
 
 void test_device_name::names()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(QByteArray, list);
     QFETCH(QString, name);
 
@@ -222,6 +224,7 @@ void test_device_name::lists_that_cannot_be_opened_data()
 
 void test_device_name::lists_that_cannot_be_opened()
 {
+    SKIP_AT_PLATFORM_LIMIT();
     QFETCH(QByteArray, list);
 
     write_list(list);
