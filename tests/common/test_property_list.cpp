@@ -72,6 +72,8 @@ void test_property_list::values_data()
     QTest::newRow("array")             << xml_list("<array><true/><string>a</string></array>") << QVariant(QVariantList{true, u"a"_s});
     QTest::newRow("empty array")       << xml_list("<array/>")                                 << QVariant(QVariantList());
     QTest::newRow("dictionary")        << xml_list("<dict><key>b ü</key><true/><key>a</key><dict/></dict>") << QVariant(QVariantMap{{u"a"_s, QVariantMap()}, {u"b ü"_s, true}});
+    QTest::newRow("binary, one-byte offsets") << "bplist00\xD1\x01\x02\x51\x61\x09\x08\x0B\x0D"_ba + QByteArray(6, '\0') + "\1\1"_ba + QByteArray(7, '\0') + "\3"_ba + QByteArray(15, '\0') + "\x0E"_ba
+                                       << QVariant(QVariantMap{{u"a"_s, true}});
     QTest::newRow("binary text")       << binary_list({binary_text("a long text, counted apart")}) << QVariant(u"a long text, counted apart"_s);
     QTest::newRow("binary UTF-16")     << binary_list({"\x63\x00\xFC\xD8\x3C\xDF\xA7"_ba})     << QVariant(u"ü🎧"_s);
     QTest::newRow("binary integer")    << binary_list({"\x11\xFF\xFE"_ba})                     << QVariant(65534LL);
@@ -215,6 +217,10 @@ void test_property_list::refused_data()
     QTest::newRow("count larger than the file")  << binary_list({"\xAF\x12\x7F\xFF\xFF\xFF"_ba});
     QTest::newRow("count of 64 bits")            << binary_list({"\xDF\x13\x80\x00\x00\x00\x00\x00\x00\x01"_ba});
     QTest::newRow("count that is no integer")    << binary_list({"\xAF\x51\x31"_ba});
+    QTest::newRow("NUL in a text")               << binary_list({binary_text("a\0b"_ba)});
+    QTest::newRow("NUL in an UTF-16 text")       << binary_list({"\x62\x00\x61\x00\x00"_ba});
+    QTest::newRow("NUL in a key")                << binary_list({binary_dictionary({1}, {2}), binary_text("Name\0x"_ba), binary_text("a")});
+    QTest::newRow("text beyond the end")         << binary_list({"\x5F\x11\x40\x00"_ba});
     QTest::newRow("array in itself")             << binary_list({binary_array({0})});
     QTest::newRow("dictionary in itself")        << binary_list({binary_dictionary({1}, {0}), binary_text("a")});
     QTest::newRow("dictionary as its own key")   << binary_list({binary_dictionary({0}, {1}), binary_text("a")});

@@ -8,8 +8,8 @@
 const char *platform_limit();
 
 /** Leaves the current row or test out where the platform, not the code under test, cannot pass it. */
-#define SKIP_AT_PLATFORM_LIMIT()                                                                                       \
-    if (const char *limit = platform_limit())                                                                          \
+#define SKIP_AT_PLATFORM_LIMIT() \
+    if (const char *limit = platform_limit()) \
     QSKIP(limit)
 
 #endif
