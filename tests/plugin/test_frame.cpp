@@ -8,7 +8,7 @@
 #include "extractors/winos/bluetooth_logs_winos.h"
 #include "plugin/m_bluetooth_logs.h"
 #include "tests/support/plugin_run.h"
-#include "tests/support/private_member.h"
+#include "tests/support/private_settings.h"
 
 #include <QDir>
 #include <QMetaMethod>
@@ -20,14 +20,25 @@
 
 using namespace Qt::StringLiterals;
 
-READ_PRIVATE_MEMBER(bluetooth_logs, bool, bool_process_finished)
-READ_PRIVATE_MEMBER(bluetooth_logs, qint64, records_count)
-READ_PRIVATE_MEMBER(bluetooth_logs, int, tabs_processed_count)
-READ_PRIVATE_MEMBER(bluetooth_logs, int, engine_type)
-READ_PRIVATE_MEMBER(bluetooth_logs, bool, bool_cancel_extraction)
-READ_PRIVATE_MEMBER(bluetooth_logs, QString, os_scheme_internal)
-READ_PRIVATE_MEMBER(bluetooth_logs, QStringList, selected_tabs_list)
-READ_PRIVATE_MEMBER(bluetooth_logs, plugin_helper_functions *, helper_obj)
+/** What the object keeps, some of it for the host alone. */
+struct kept_settings
+{
+    bool bool_process_finished;
+    qint64 records_count;
+    int tabs_processed_count;
+    int engine_type;
+    bool bool_cancel_extraction;
+    QString os_scheme_internal;
+    QStringList selected_tabs_list;
+    plugin_helper_functions *helper_obj;
+};
+
+kept_settings settings_of(const bluetooth_logs &object);
+
+template struct private_settings<
+    bluetooth_logs, kept_settings, &bluetooth_logs::bool_process_finished, &bluetooth_logs::records_count,
+    &bluetooth_logs::tabs_processed_count, &bluetooth_logs::engine_type, &bluetooth_logs::bool_cancel_extraction,
+    &bluetooth_logs::os_scheme_internal, &bluetooth_logs::selected_tabs_list, &bluetooth_logs::helper_obj>;
 
 class test_frame : public QObject
 {
@@ -68,7 +79,8 @@ void test_frame::methods_in_order()
     const QMetaObject &meta = bluetooth_logs::staticMetaObject;
     QCOMPARE(meta.superClass(), &QFrame::staticMetaObject);
     QCOMPARE(meta.propertyCount(), meta.propertyOffset());
-    struct method {
+    struct method
+    {
         const char *signature;
         QMetaMethod::MethodType type;
         QList<QByteArray> parameters;
@@ -111,13 +123,13 @@ void test_frame::form_keeps_an_object_name()
 void test_frame::initial_values()
 {
     const bluetooth_logs frame;
-    QCOMPARE(private_bool_process_finished(frame), false);
-    QCOMPARE(private_records_count(frame), 0);
-    QCOMPARE(private_tabs_processed_count(frame), 0);
-    QCOMPARE(private_engine_type(frame), 0);
-    QCOMPARE(private_bool_cancel_extraction(frame), false);
-    QCOMPARE(private_os_scheme_internal(frame), QString());
-    QCOMPARE(private_selected_tabs_list(frame), QStringList());
+    QCOMPARE(settings_of(frame).bool_process_finished, false);
+    QCOMPARE(settings_of(frame).records_count, 0);
+    QCOMPARE(settings_of(frame).tabs_processed_count, 0);
+    QCOMPARE(settings_of(frame).engine_type, 0);
+    QCOMPARE(settings_of(frame).bool_cancel_extraction, false);
+    QCOMPARE(settings_of(frame).os_scheme_internal, QString());
+    QCOMPARE(settings_of(frame).selected_tabs_list, QStringList());
 }
 
 void test_frame::children()
@@ -130,7 +142,7 @@ void test_frame::children()
     QVERIFY(qobject_cast<bluetooth_logs_ios_uid *>(children.at(1)));
     QVERIFY(qobject_cast<bluetooth_logs_winos *>(children.at(2)));
     QPointer<QObject> extractors[] = {children.at(0), children.at(1), children.at(2)};
-    plugin_helper_functions *helper = private_helper_obj(*frame);
+    plugin_helper_functions *helper = settings_of(*frame).helper_obj;
     delete frame;
     for (const QPointer<QObject> &extractor : extractors)
         QVERIFY(extractor.isNull());
@@ -180,9 +192,9 @@ void test_frame::run_context_gets_the_settings()
     QCOMPARE(plugin_static_function::source_os_version_full, u"12.6"_s);
     QCOMPARE(plugin_static_function::system_account_QList.size(), 1);
     QCOMPARE(plugin_static_function::debug_file_path, run.log.path());
-    QCOMPARE(private_engine_type(run.frame), 1);
-    QCOMPARE(private_os_scheme_internal(run.frame), u"macOS"_s);
-    QCOMPARE(private_selected_tabs_list(run.frame), QStringList({u"devices"_s, u"paired_devices"_s}));
+    QCOMPARE(settings_of(run.frame).engine_type, 1);
+    QCOMPARE(settings_of(run.frame).os_scheme_internal, u"macOS"_s);
+    QCOMPARE(settings_of(run.frame).selected_tabs_list, QStringList({u"devices"_s, u"paired_devices"_s}));
     run.frame.pub_set_examiner_machine_info({3600, u"13"_s});
     QCOMPARE(plugin_static_function::examiner_machine_timezone_offset_qint64, 3600);
     QCOMPARE(plugin_static_function::examiner_machine_os_version_full, u"13"_s);
@@ -196,13 +208,13 @@ void test_frame::reset()
     run.frame.slot_total_tabs_processed(2);
     run.frame.pub_cancel_extraction();
     run.frame.pub_set_essentials();
-    QCOMPARE(private_records_count(run.frame), 0);
-    QCOMPARE(private_tabs_processed_count(run.frame), 0);
-    QCOMPARE(private_bool_cancel_extraction(run.frame), false);
+    QCOMPARE(settings_of(run.frame).records_count, 0);
+    QCOMPARE(settings_of(run.frame).tabs_processed_count, 0);
+    QCOMPARE(settings_of(run.frame).bool_cancel_extraction, false);
     QCOMPARE(plugin_static_function::bool_cancel_extraction, false);
     QCOMPARE(plugin_static_function::debug_mode_status_bool, false);
-    QCOMPARE(private_os_scheme_internal(run.frame), u"macOS"_s); // records and paths stay
-    QCOMPARE(private_engine_type(run.frame), 0);
+    QCOMPARE(settings_of(run.frame).os_scheme_internal, u"macOS"_s); // records and paths stay
+    QCOMPARE(settings_of(run.frame).engine_type, 0);
 
     // The switched-off log says nothing until the general record comes again.
     run.log.take_lines();
@@ -217,7 +229,7 @@ void test_frame::cancel()
 {
     bluetooth_logs frame;
     frame.pub_cancel_extraction();
-    QCOMPARE(private_bool_cancel_extraction(frame), true);
+    QCOMPARE(settings_of(frame).bool_cancel_extraction, true);
     QCOMPARE(plugin_static_function::bool_cancel_extraction, true);
 }
 
@@ -229,8 +241,8 @@ void test_frame::relay_slots()
     const qint64 many = qint64(1) << 40;
     Q_EMIT frame.findChild<bluetooth_logs_macos *>()->signal_extracted_records_of_plugin_macos(many);
     Q_EMIT frame.findChild<bluetooth_logs_macos *>()->signal_total_tabs_processed_macos(1);
-    QCOMPARE(private_records_count(frame), many);
-    QCOMPARE(private_tabs_processed_count(frame), 1);
+    QCOMPARE(settings_of(frame).records_count, many);
+    QCOMPARE(settings_of(frame).tabs_processed_count, 1);
     Q_EMIT frame.findChild<bluetooth_logs_ios_uid *>()->signal_extracted_records_of_plugin_ios_uid(2);
     Q_EMIT frame.findChild<bluetooth_logs_ios_uid *>()->signal_total_tabs_processed_ios_uid(2);
     Q_EMIT frame.findChild<bluetooth_logs_winos *>()->signal_extracted_records_of_plugin_winos(3);
@@ -245,7 +257,7 @@ void test_frame::process_finished()
 {
     bluetooth_logs frame;
     frame.slot_m_process_finished(1);
-    QCOMPARE(private_bool_process_finished(frame), true);
+    QCOMPARE(settings_of(frame).bool_process_finished, true);
 }
 
 void test_frame::unmatched_scheme_data()
@@ -345,9 +357,9 @@ void test_frame::second_list_is_ignored()
 {
     bluetooth_logs frame;
     frame.pub_set_essential_for_kaldo_desk_extraction({}, {u"devices"_s});
-    QCOMPARE(private_selected_tabs_list(frame), QStringList());
+    QCOMPARE(settings_of(frame).selected_tabs_list, QStringList());
     frame.pub_set_essential_for_kaldo_desk_extraction({u"devices"_s}, {u"paired_devices"_s});
-    QCOMPARE(private_selected_tabs_list(frame), QStringList{u"devices"_s});
+    QCOMPARE(settings_of(frame).selected_tabs_list, QStringList{u"devices"_s});
 }
 
 void test_frame::operations_without_effect()

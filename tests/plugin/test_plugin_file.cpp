@@ -17,8 +17,7 @@ using namespace Qt::StringLiterals;
 
 class ios_uid_backup_parser;
 
-namespace
-{
+namespace {
 
 /**
  * The plug-in as a host sees it that was built without our header: nothing but the order of the virtual operations

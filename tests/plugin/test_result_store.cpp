@@ -4,7 +4,7 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/file_content.h"
 #include "tests/support/plugin_run.h"
-#include "tests/support/private_member.h"
+#include "tests/support/private_settings.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -13,9 +13,18 @@
 
 using namespace Qt::StringLiterals;
 
-READ_PRIVATE_MEMBER(bluetooth_logs, QString, temp_directory)
-READ_PRIVATE_MEMBER(bluetooth_logs, QString, destination_db_file)
-READ_PRIVATE_MEMBER(bluetooth_logs, QString, plugin_result_directory)
+/** What the object keeps, some of it for the host alone. */
+struct kept_settings
+{
+    QString temp_directory;
+    QString destination_db_file;
+    QString plugin_result_directory;
+};
+
+kept_settings settings_of(const bluetooth_logs &object);
+
+template struct private_settings<bluetooth_logs, kept_settings, &bluetooth_logs::temp_directory,
+                                 &bluetooth_logs::destination_db_file, &bluetooth_logs::plugin_result_directory>;
 
 class test_result_store : public QObject
 {
@@ -63,9 +72,9 @@ void test_result_store::paths()
     QFETCH(QString, end);
     const QString dir = run->result_directory();
     run->frame.pub_set_result_directory(dir + end);
-    QCOMPARE(private_plugin_result_directory(run->frame), dir + u"/Artifacts_Result/Bluetooth_Logs/"_s);
-    QCOMPARE(private_temp_directory(run->frame), dir + u"/Artifacts_Result/Bluetooth_Logs/tmp/"_s);
-    QCOMPARE(private_destination_db_file(run->frame),
+    QCOMPARE(settings_of(run->frame).plugin_result_directory, dir + u"/Artifacts_Result/Bluetooth_Logs/"_s);
+    QCOMPARE(settings_of(run->frame).temp_directory, dir + u"/Artifacts_Result/Bluetooth_Logs/tmp/"_s);
+    QCOMPARE(settings_of(run->frame).destination_db_file,
              dir + u"/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s);
     QCOMPARE(tree_of(dir), QStringList({u"Artifacts_Result/"_s, u"Artifacts_Result/Bluetooth_Logs/"_s,
                                         u"Artifacts_Result/Bluetooth_Logs/tmp/"_s}));

@@ -84,8 +84,7 @@ QStringList test_device_name::lines(const QStringList &messages) const
     return lines;
 }
 
-namespace
-{
+namespace {
 
 using file_maker = int (*)(const char *path);
 

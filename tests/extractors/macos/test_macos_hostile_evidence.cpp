@@ -16,8 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 const QString other_name = u"com.apple.MobileBluetooth.ledevices.other.db"_s;
 const QString no_such_table =

@@ -13,8 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 const QStringList result_columns = {u"bookmark"_s,
                                     u"INT"_s,

@@ -6,7 +6,7 @@
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
-#include "tests/support/private_member.h"
+#include "tests/support/private_settings.h"
 
 #include <QDir>
 #include <QMetaMethod>
@@ -16,30 +16,50 @@
 
 using namespace Qt::StringLiterals;
 
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, qint64, records_count)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, int, tabs_processed_count)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, desktop_text_4)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, plugin_helper_functions *, helper_obj)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, temp_directory)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, destination_db_file)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, plugin_result_directory)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_root_path)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_path_2)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, int, engine_type)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, bool, bool_cancel_extraction)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, int, source_count)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, os_scheme_display)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, system_user_list)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, selected_tabs_list)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, plugin_name)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_text_8)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_path_list_text)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, source_file_paired_list)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, source_file_other_list)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, source_file_copied_paired_list)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QStringList, source_file_copied_connected_list)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_other_db_file)
-READ_PRIVATE_MEMBER(bluetooth_logs_macos, QString, source_paired_db_file)
+/** What the object keeps, some of it for the host alone. */
+struct kept_settings
+{
+    qint64 records_count;
+    int tabs_processed_count;
+    QString desktop_text_4;
+    plugin_helper_functions *helper_obj;
+    QString temp_directory;
+    QString destination_db_file;
+    QString plugin_result_directory;
+    QString source_root_path;
+    QString source_path_2;
+    int engine_type;
+    bool bool_cancel_extraction;
+    int source_count;
+    QString os_scheme_display;
+    QStringList system_user_list;
+    QStringList selected_tabs_list;
+    QString plugin_name;
+    QString source_text_8;
+    QString source_path_list_text;
+    QStringList source_file_paired_list;
+    QStringList source_file_other_list;
+    QStringList source_file_copied_paired_list;
+    QStringList source_file_copied_connected_list;
+    QString source_other_db_file;
+    QString source_paired_db_file;
+};
+
+kept_settings settings_of(const bluetooth_logs_macos &object);
+
+template struct private_settings<
+    bluetooth_logs_macos, kept_settings, &bluetooth_logs_macos::records_count,
+    &bluetooth_logs_macos::tabs_processed_count, &bluetooth_logs_macos::desktop_text_4,
+    &bluetooth_logs_macos::helper_obj, &bluetooth_logs_macos::temp_directory,
+    &bluetooth_logs_macos::destination_db_file, &bluetooth_logs_macos::plugin_result_directory,
+    &bluetooth_logs_macos::source_root_path, &bluetooth_logs_macos::source_path_2, &bluetooth_logs_macos::engine_type,
+    &bluetooth_logs_macos::bool_cancel_extraction, &bluetooth_logs_macos::source_count,
+    &bluetooth_logs_macos::os_scheme_display, &bluetooth_logs_macos::system_user_list,
+    &bluetooth_logs_macos::selected_tabs_list, &bluetooth_logs_macos::plugin_name, &bluetooth_logs_macos::source_text_8,
+    &bluetooth_logs_macos::source_path_list_text, &bluetooth_logs_macos::source_file_paired_list,
+    &bluetooth_logs_macos::source_file_other_list, &bluetooth_logs_macos::source_file_copied_paired_list,
+    &bluetooth_logs_macos::source_file_copied_connected_list, &bluetooth_logs_macos::source_other_db_file,
+    &bluetooth_logs_macos::source_paired_db_file>;
 
 class test_macos_source : public QObject
 {
@@ -85,23 +105,25 @@ void test_macos_source::signals_in_order()
 void test_macos_source::initial_values()
 {
     const bluetooth_logs_macos extractor;
-    QCOMPARE(private_records_count(extractor), 0);
-    QCOMPARE(private_tabs_processed_count(extractor), 0);
-    QCOMPARE(private_helper_obj(extractor), nullptr);
-    QCOMPARE(private_engine_type(extractor), 0);
-    QCOMPARE(private_bool_cancel_extraction(extractor), false);
-    QCOMPARE(private_source_count(extractor), 0);
+    QCOMPARE(settings_of(extractor).records_count, 0);
+    QCOMPARE(settings_of(extractor).tabs_processed_count, 0);
+    QCOMPARE(settings_of(extractor).helper_obj, nullptr);
+    QCOMPARE(settings_of(extractor).engine_type, 0);
+    QCOMPARE(settings_of(extractor).bool_cancel_extraction, false);
+    QCOMPARE(settings_of(extractor).source_count, 0);
     for (const QString &text :
-         {private_desktop_text_4(extractor), private_temp_directory(extractor), private_destination_db_file(extractor),
-          private_plugin_result_directory(extractor), private_source_root_path(extractor),
-          private_source_path_2(extractor), private_os_scheme_display(extractor), private_plugin_name(extractor),
-          private_source_text_8(extractor), private_source_path_list_text(extractor),
-          private_source_other_db_file(extractor), private_source_paired_db_file(extractor)})
+         {settings_of(extractor).desktop_text_4, settings_of(extractor).temp_directory,
+          settings_of(extractor).destination_db_file, settings_of(extractor).plugin_result_directory,
+          settings_of(extractor).source_root_path, settings_of(extractor).source_path_2,
+          settings_of(extractor).os_scheme_display, settings_of(extractor).plugin_name,
+          settings_of(extractor).source_text_8, settings_of(extractor).source_path_list_text,
+          settings_of(extractor).source_other_db_file, settings_of(extractor).source_paired_db_file})
         QCOMPARE(text, QString());
     for (const QStringList &list :
-         {private_system_user_list(extractor), private_selected_tabs_list(extractor),
-          private_source_file_paired_list(extractor), private_source_file_other_list(extractor),
-          private_source_file_copied_paired_list(extractor), private_source_file_copied_connected_list(extractor)})
+         {settings_of(extractor).system_user_list, settings_of(extractor).selected_tabs_list,
+          settings_of(extractor).source_file_paired_list, settings_of(extractor).source_file_other_list,
+          settings_of(extractor).source_file_copied_paired_list,
+          settings_of(extractor).source_file_copied_connected_list})
         QCOMPARE(list, QStringList());
 }
 
@@ -110,30 +132,30 @@ void test_macos_source::setters()
     bluetooth_logs_macos extractor;
     plugin_helper_functions helper(nullptr);
     extractor.macos_set_plugin_helper_obj(&helper);
-    QCOMPARE(private_helper_obj(extractor), &helper);
+    QCOMPARE(settings_of(extractor).helper_obj, &helper);
     extractor.macos_set_record_count(qint64(1) << 40);
-    QCOMPARE(private_records_count(extractor), qint64(1) << 40);
+    QCOMPARE(settings_of(extractor).records_count, qint64(1) << 40);
     extractor.macos_set_tab_processed_count(7);
-    QCOMPARE(private_tabs_processed_count(extractor), 7);
+    QCOMPARE(settings_of(extractor).tabs_processed_count, 7);
     extractor.macos_set_desktop_info({u"1"_s, u"2"_s, true, u"4"_s, u"5"_s});
-    QCOMPARE(private_desktop_text_4(extractor), u"4"_s);
+    QCOMPARE(settings_of(extractor).desktop_text_4, u"4"_s);
     extractor.macos_set_plugin_name(u" \tBluetooth Logs\n"_s);
-    QCOMPARE(private_plugin_name(extractor), u"Bluetooth Logs"_s);
+    QCOMPARE(settings_of(extractor).plugin_name, u"Bluetooth Logs"_s);
     extractor.macos_set_destination_location(u"result"_s, u"tmp"_s, u"db"_s);
-    QCOMPARE(private_plugin_result_directory(extractor), u"result"_s);
-    QCOMPARE(private_temp_directory(extractor), u"tmp"_s);
-    QCOMPARE(private_destination_db_file(extractor), u"db"_s);
+    QCOMPARE(settings_of(extractor).plugin_result_directory, u"result"_s);
+    QCOMPARE(settings_of(extractor).temp_directory, u"tmp"_s);
+    QCOMPARE(settings_of(extractor).destination_db_file, u"db"_s);
     extractor.macos_set_essential_for_kaldo_desk_extraction({u"a"_s});
     extractor.macos_set_essential_for_kaldo_desk_extraction({u"b"_s, u"c"_s});
-    QCOMPARE(private_selected_tabs_list(extractor), QStringList({u"b"_s, u"c"_s}));
+    QCOMPARE(settings_of(extractor).selected_tabs_list, QStringList({u"b"_s, u"c"_s}));
     extractor.macos_set_engine_type(2);
-    QCOMPARE(private_engine_type(extractor), 2);
+    QCOMPARE(settings_of(extractor).engine_type, 2);
     extractor.macos_set_source_count(9);
-    QCOMPARE(private_source_count(extractor), 9);
+    QCOMPARE(settings_of(extractor).source_count, 9);
     extractor.macos_cancel_extraction();
-    QCOMPARE(private_bool_cancel_extraction(extractor), true);
+    QCOMPARE(settings_of(extractor).bool_cancel_extraction, true);
     extractor.macos_set_essentials();
-    QCOMPARE(private_bool_cancel_extraction(extractor), false);
+    QCOMPARE(settings_of(extractor).bool_cancel_extraction, false);
     extractor.macos_set_general_info({});
     extractor.macos_set_examiner_machine_info({});
     extractor.macos_set_extended_attributes_list({u"x"_s});
@@ -149,12 +171,12 @@ void test_macos_source::source_info()
     info.os_scheme_display = u"macOS 13"_s;
     info.source_path_list = QStringList{u"a"_s, u""_s, u"b"_s};
     extractor.macos_set_source_info(info);
-    QCOMPARE(private_source_root_path(extractor), u"/root/"_s);
-    QCOMPARE(private_source_path_2(extractor), u"/second/"_s);
-    QCOMPARE(private_source_text_8(extractor), u"eight"_s);
-    QCOMPARE(private_os_scheme_display(extractor), u"macOS 13"_s);
-    QCOMPARE(private_source_path_list_text(extractor), u"a;++::++;;++::++;b"_s);
-    QCOMPARE(private_system_user_list(extractor), QStringList());
+    QCOMPARE(settings_of(extractor).source_root_path, u"/root/"_s);
+    QCOMPARE(settings_of(extractor).source_path_2, u"/second/"_s);
+    QCOMPARE(settings_of(extractor).source_text_8, u"eight"_s);
+    QCOMPARE(settings_of(extractor).os_scheme_display, u"macOS 13"_s);
+    QCOMPARE(settings_of(extractor).source_path_list_text, u"a;++::++;;++::++;b"_s);
+    QCOMPARE(settings_of(extractor).system_user_list, QStringList());
 }
 
 void test_macos_source::user_names_data()
@@ -177,7 +199,7 @@ void test_macos_source::user_names()
     for (const QString &name : accounts)
         info.system_account_list.append({name, u"/home"_s});
     extractor.macos_set_source_info(info);
-    QTEST(private_system_user_list(extractor), "names");
+    QTEST(settings_of(extractor).system_user_list, "names");
 }
 
 void test_macos_source::user_names_of_several_sources()
@@ -188,7 +210,7 @@ void test_macos_source::user_names_of_several_sources()
     extractor.macos_set_source_info(info);
     info.system_account_list = {{u"c"_s, {}}, {u"a"_s, {}}};
     extractor.macos_set_source_info(info);
-    QCOMPARE(private_system_user_list(extractor), QStringList({u"a"_s, u"b"_s, u"c"_s}));
+    QCOMPARE(settings_of(extractor).system_user_list, QStringList({u"a"_s, u"b"_s, u"c"_s}));
 }
 
 void test_macos_source::root_without_slash_finds_nothing()
@@ -217,18 +239,18 @@ void test_macos_source::found_lists_are_replaced_and_copied_lists_stay()
     run.source.source_root_path = source.root();
     run.run();
     const auto &extractor = *run.frame.findChild<bluetooth_logs_macos *>();
-    QCOMPARE(private_source_file_other_list(extractor), QStringList{source.other_db()});
-    QCOMPARE(private_source_file_paired_list(extractor), QStringList());
+    QCOMPARE(settings_of(extractor).source_file_other_list, QStringList{source.other_db()});
+    QCOMPARE(settings_of(extractor).source_file_paired_list, QStringList());
     const QStringList copies{run.plugin_directory() + u"Logs/com.apple.MobileBluetooth.ledevices.other.db"_s};
-    QCOMPARE(private_source_file_copied_connected_list(extractor), copies);
-    QCOMPARE(private_source_file_copied_paired_list(extractor), QStringList());
-    QCOMPARE(private_source_other_db_file(extractor), copies.first());
+    QCOMPARE(settings_of(extractor).source_file_copied_connected_list, copies);
+    QCOMPARE(settings_of(extractor).source_file_copied_paired_list, QStringList());
+    QCOMPARE(settings_of(extractor).source_other_db_file, copies.first());
 
     QFile::remove(source.other_db());
     run.frame.pub_find_source_file();
     run.frame.pub_find_source_file();
-    QCOMPARE(private_source_file_other_list(extractor), QStringList());
-    QCOMPARE(private_source_file_copied_connected_list(extractor), copies);
+    QCOMPARE(settings_of(extractor).source_file_other_list, QStringList());
+    QCOMPARE(settings_of(extractor).source_file_copied_connected_list, copies);
 }
 
 void test_macos_source::any_kind_of_entry_is_found()
@@ -241,8 +263,8 @@ void test_macos_source::any_kind_of_entry_is_found()
     run.prepare();
     run.frame.pub_find_source_file();
     const auto &extractor = *run.frame.findChild<bluetooth_logs_macos *>();
-    QCOMPARE(private_source_file_other_list(extractor), QStringList{source.other_db()});
-    QCOMPARE(private_source_file_paired_list(extractor), QStringList{source.paired_db()});
+    QCOMPARE(settings_of(extractor).source_file_other_list, QStringList{source.other_db()});
+    QCOMPARE(settings_of(extractor).source_file_paired_list, QStringList{source.paired_db()});
 }
 
 void test_macos_source::cancelled_staging_adds_nothing()
@@ -259,7 +281,7 @@ void test_macos_source::cancelled_staging_adds_nothing()
     extractor.copy_source_bluetooth_other_db();
     QCOMPARE(run.take_messages(),
              QStringList{u"bluetooth_logs_macos::copy_source_bluetooth_other_db: [copy_source_bluetooth_dbs] start"_s});
-    QCOMPARE(private_source_file_copied_connected_list(extractor), QStringList());
+    QCOMPARE(settings_of(extractor).source_file_copied_connected_list, QStringList());
     QVERIFY(!QFile::exists(run.plugin_directory() + u"Logs"_s));
 }
 
