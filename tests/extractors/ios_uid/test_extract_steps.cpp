@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/plugin_static_function.h"
-#include "plugin/bluetooth_logs.h"
 #include "tests/extractors/ios_uid/ios_uid_case.h"
+#include "tests/support/plugin_run.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -112,35 +112,24 @@ void test_extract_steps::init()
 
 void test_extract_steps::whole_run_against_the_tables_of_the_plugin()
 {
-    ios_uid_case test;
+    const ios_uid_case test;
     test.write_log("x\n"
                    "Nov 15 20:32:16 host proc[1]: BLE device found: SFDevice ID 1A2B, Nm 'a', Md 'b'\n"
                    "Nov 15 20:32:17 host proc[1] <Notice>: Connected active device: X, PI 1, Nm 'a'\n"
                    "Nov 15 20:32:18 host proc[1]: BLE device found: none\n");
-    struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info source;
-    source.source_root_path = test.dir.filePath(u"root/"_s);
-    source.os_scheme_internal = u"iOS_UID"_s;
-    source.source_log_file_path = test.log_path;
-
-    bluetooth_logs plugin;
+    plugin_run run;
+    run.source.os_scheme_internal = u"iOS_UID"_s;
+    run.source.source_log_file_path = test.log_path;
+    run.tabs = QStringList{u"paired_devices"_s, u"devices"_s};
     QStringList emitted;
-    connect(&plugin, &bluetooth_logs::signal_extracted_records_of_plugin_overall, this,
+    connect(&run.frame, &bluetooth_logs::signal_extracted_records_of_plugin_overall, this,
             [&emitted](qint64 records) { emitted.append(u"records "_s + QString::number(records)); });
-    connect(&plugin, &bluetooth_logs::signal_tab_processed_of_plugin_overall, this,
+    connect(&run.frame, &bluetooth_logs::signal_tab_processed_of_plugin_overall, this,
             [&emitted](int count) { emitted.append(u"tabs "_s + QString::number(count)); });
-    plugin.pub_set_essentials();
-    plugin.pub_set_general_info(test.debug_log.general_info());
-    plugin.pub_set_source_info(source);
-    plugin.pub_set_engine_type(0);
-    plugin.pub_set_source_count(1);
-    plugin.pub_set_result_directory(test.dir.filePath(u"case"_s));
-    plugin.pub_set_essential_for_kaldo_desk_extraction({u"paired_devices"_s, u"devices"_s}, {});
-    plugin.pub_create_db_tables();
-    plugin.pub_find_source_file();
-    plugin.pub_extract_artifacts();
-    plugin.pub_remove_temporary_asthetics();
+    run.prepare();
+    run.extract();
 
-    const QString database = test.dir.filePath(u"case/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s);
+    const QString database = u"<case>/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s;
     // The executed statement as Qt reports it, with the driver's names for the "?".
     const QStringList failed_device{
         u" query insert file------FAILED------"_s + database,
@@ -163,11 +152,11 @@ void test_extract_steps::whole_run_against_the_tables_of_the_plugin()
                             QStringList{u" start"_s} + failed_device + failed_device + QStringList{u" end"_s});
     expected += of_function(paired_name, QStringList{u" start"_s} + failed_paired_device + QStringList{u" end"_s});
     expected += u"bluetooth_logs::pub_extract_artifacts: [pub_extract_artifacts] - END"_s;
-    QCOMPARE(test.debug_log.take_messages(), expected);
+    QCOMPARE(run.take_messages(), expected);
     QCOMPARE(emitted, QStringList({u"records 0"_s, u"records 0"_s, u"tabs 1"_s, u"records 0"_s, u"tabs 2"_s,
                                    u"records 0"_s, u"records 0"_s}));
-    QCOMPARE(sqlite_file(database).rows(u"SELECT * FROM devices"_s).size(), 0);
-    QCOMPARE(sqlite_file(database).rows(u"SELECT * FROM paired_devices"_s).size(), 0);
+    QCOMPARE(run.database().rows(u"SELECT * FROM devices"_s).size(), 0);
+    QCOMPARE(run.database().rows(u"SELECT * FROM paired_devices"_s).size(), 0);
 }
 
 void test_extract_steps::result_database_cannot_be_opened_data()
