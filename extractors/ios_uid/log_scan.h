@@ -16,8 +16,9 @@
  * up to and with its "\n". The result is that of reading line by line; but no other line is ever decoded or held, so
  * that logs of gigabytes cost little more than reading them. The markers hold no line end; the rarest stands first.
  *
- * False when @p cancelled cut the scan short. The flag is polled once a block and before each line found. It can only
- * change within on_line, or at any moment from outside, so that polling before each line would be no different.
+ * False when @p cancelled cut the scan short. The flag stands for one that is polled before each line; polling once a
+ * block and before and after each line found is enough, since on this thread only @p on_line can set it (a signal
+ * handler may at any moment, and is noticed within a block). Set in the last line, it comes too late.
  *
  * A read error ends the log at that place; the file's own error tells.
  */
