@@ -120,7 +120,10 @@ public:
     static QString convert_human_readable_to_epoch(QString date);
     /** From an English 12-hour date, "Jan 5, 2020, 3:04:05 PM UTC"; other zone words mean local time. */
     static QString convert_human_readable_to_epoch_1(QString date);
-    /** From "2019-05-03 10:00:00.123 +0530"; a text without a numeric zone gives an empty text. */
+    /**
+     * From "2019-05-03 10:00:00.123 +0530". The zone is what follows the last "+", or else the last "-"; without one
+     * that is the "-" of the date, whose day then counts as hours. A text with neither gives an empty text.
+     */
     static QString convert_human_readable_to_epoch_2(QString date);
     /** Seconds of a zone text of four digits, hours then minutes. */
     static int convert_timezone_to_seconds_1(QString zone);

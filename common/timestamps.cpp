@@ -3,6 +3,7 @@
 
 #include "common/date_parsing.h"
 #include "common/plugin_static_function.h"
+#include "common/text_parts.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -58,12 +59,6 @@ QString negative_time_text(qint64 seconds)
     return QString::fromLatin1(text, static_cast<qsizetype>(strftime(text, sizeof text, pattern, &parts)));
 }
 
-/** Cuts the fraction of a number; a text without one stays. */
-QString whole_part(const QString &number)
-{
-    return number.left(number.indexOf(u'.'));
-}
-
 QString date_time_pattern(const QString &date, const QString &time)
 {
     if (time.isEmpty())
@@ -80,7 +75,7 @@ QString date_time_pattern(const QString &date, const QString &time)
 QString plugin_static_function::get_human_readable_time(QString seconds)
 {
     seconds = seconds.trimmed();
-    const int duration = whole_part(seconds).toInt();
+    const int duration = first_part(seconds, u".").toInt();
     if (seconds.isEmpty() || duration < 0)
         return {};
 
@@ -93,7 +88,7 @@ QString plugin_static_function::get_human_readable_time(QString seconds)
 
 QString plugin_static_function::convert_epoch_to_custom(QString seconds)
 {
-    const qint64 value = whole_part(seconds.trimmed()).toLongLong();
+    const qint64 value = first_part(seconds.trimmed(), u".").toLongLong();
     qint64 shown = 0;
     if (value == 0 || qAddOverflow(value, examiner_selected_timezone_offset_qint64, &shown))
         return {};
@@ -110,7 +105,7 @@ QString plugin_static_function::convert_apple_time_to_epoch(QString seconds)
     seconds = seconds.trimmed();
     if (seconds.isEmpty() || seconds == "0"_L1)
         return {};
-    return QString::number(whole_part(seconds).toInt() + apple_reference_date);
+    return QString::number(first_part(seconds, u".").toInt() + apple_reference_date);
 }
 
 QString plugin_static_function::convert_human_readable_to_epoch(QString date)
@@ -128,7 +123,7 @@ QString plugin_static_function::convert_human_readable_to_epoch_1(QString date)
     for (const QString &half_of_day : {u" AM "_s, u" PM "_s}) {
         if (!date.contains(half_of_day))
             continue;
-        zone = date.section(half_of_day, 1, 1).trimmed();
+        zone = second_part(date, half_of_day).trimmed();
         const QString kept = half_of_day.chopped(1);
         date.truncate(date.lastIndexOf(kept) + kept.size());
         break;
@@ -165,7 +160,7 @@ int plugin_static_function::convert_timezone_to_seconds_1(QString zone)
 
 QString plugin_static_function::convert_timestamp_to_human_readable_in_GMT(QString seconds)
 {
-    const int value = whole_part(seconds.trimmed()).toInt();
+    const int value = first_part(seconds.trimmed(), u".").toInt();
     if (value == 0)
         return {};
     return QDateTime::fromSecsSinceEpoch(value, Qt::UTC).toString(selected_format().pattern);
@@ -175,7 +170,7 @@ QString plugin_static_function::convert_timestamp_to_human_readable_with_timezon
 {
     app_debug(u"[convert_timestamp_to_human_readable_with_timezone] Start"_s,
               u"static QString plugin_static_function::convert_timestamp_to_human_readable_with_timezone(QString)"_s);
-    const int value = whole_part(seconds.trimmed()).toInt();
+    const int value = first_part(seconds.trimmed(), u".").toInt();
     if (value == 0)
         return {};
     if (value < 0)
@@ -186,9 +181,9 @@ QString plugin_static_function::convert_timestamp_to_human_readable_with_timezon
 QString plugin_static_function::convert_T_Z_time_to_epoch(QString date)
 {
     date = date.trimmed();
-    const QChar separator = date.contains(u'T') ? u'T' : u' ';
-    const QString day = date.section(separator, 0, 0).trimmed();
-    const QString time = date.section(separator, 1, 1).trimmed().replace(u'-', u':');
+    const QStringView separator = date.contains(u'T') ? u"T" : u" ";
+    const QString day = first_part(date, separator).trimmed();
+    const QString time = second_part(date, separator).trimmed().replace(u'-', u':');
     const QString joined = day + u' ' + time;
     return whole_seconds_text(parse_as_utc(joined.trimmed(), date_time_pattern(day, time)));
 }

@@ -3,6 +3,7 @@
 
 #include "common/date_parsing.h"
 #include "common/plugin_static_function.h"
+#include "common/text_parts.h"
 
 #include <QDirIterator>
 #include <QFileInfo>
@@ -24,14 +25,24 @@ constexpr QLatin1StringView escape_mark("\\U");
 constexpr qsizetype escape_digits = 4;
 
 struct replacement {
-    QLatin1StringView before;
-    QLatin1StringView after;
+    QStringView before;
+    QStringView after;
 };
 
 /** From the description of a list of addresses to its text; the order matters. */
 constexpr replacement wherefrom_replacements[] = {
-    {"\n"_L1, ""_L1},  {"  "_L1, ""_L1}, {"(\""_L1, ""_L1}, {"\")"_L1, ""_L1}, {"\","_L1, ";"_L1},
-    {","_L1, "\n"_L1}, {"<"_L1, "("_L1}, {">"_L1, ")"_L1},  {"\""_L1, ""_L1},  {"\\U2019s"_L1, "'s"_L1},
+    // clang-format off
+    {u"\n",       u""},
+    {u"  ",       u""},
+    {u"(\"",      u""},
+    {u"\")",      u""},
+    {u"\",",      u";"},
+    {u",",        u"\n"},
+    {u"<",        u"("},
+    {u">",        u")"},
+    {u"\"",       u""},
+    {u"\\U2019s", u"'s"},
+    // clang-format on
 };
 
 /** One pass: QString::replace moves the rest of the text again and again. */
@@ -47,21 +58,16 @@ QString replaced(const QString &text, const replacement &texts)
     return result.append(QStringView(text).sliced(copied));
 }
 
-QString up_to_first_point(const QString &version)
-{
-    return version.left(version.indexOf(u'.'));
-}
-
 /** All releases of macOS 11 are one version. */
 QString macos_version(const QString &version)
 {
-    return version.startsWith("11"_L1) ? up_to_first_point(version) : version;
+    return version.startsWith("11"_L1) ? first_part(version, u".") : version;
 }
 
 /** What stands behind the first "=" of a description's "]>{…}" part, without the brace. */
 QString value_in_braces(const QString &description)
 {
-    QString value = description.section(u"]>{"_s, 1, 1).section(u'=', 1, 1);
+    QString value = second_part(second_part(description, u"]>{"), u"=");
     value.chop(1);
     return value;
 }
@@ -149,14 +155,15 @@ QString plugin_static_function::get_source_os_scan_version(QString os_scheme)
     if (os_scheme == "macOS"_L1)
         version = macos_version(version);
     else if (os_scheme == "iOS"_L1 || os_scheme == "winOS"_L1)
-        version = up_to_first_point(version);
+        version = first_part(version, u".");
     return version.replace(u'.', u'_');
 }
 
 QString plugin_static_function::get_filtered_number_value(QString description)
 {
-    const qsizetype comma = description.indexOf(u',');
-    return comma == -1 ? QString() : description.left(comma).section(u'+', 1, 1).trimmed();
+    if (!description.contains(u','))
+        return {};
+    return second_part(first_part(description, u","), u"+").trimmed();
 }
 
 QString plugin_static_function::get_filtered_boolean_value(QString description)
