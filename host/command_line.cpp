@@ -1,0 +1,176 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/command_line.h"
+
+#include "host/host_error.h"
+#include "host/ledevices.h"
+
+#include <QFile>
+#include <QRegularExpression>
+
+#include <CLI/CLI.hpp>
+
+#include <map>
+#include <string>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr const char *exit_codes_help = R"(Exit codes:
+    0  done
+    1  internal error, the plug-in cannot be loaded for instance
+    2  wrong use
+    3  the source is missing, unreadable or free of evidence
+    4  partial: evidence was found, but a part could not be read or written
+    5  the evidence changed during the run
+  130  interrupted)";
+
+const std::map<std::string, int> engine_types = {{"KALDO_DESK", 0}, {"KALDO_FIELD", 1}, {"KALDO_BOOT", 2}};
+const std::vector<std::string> table_names = {other_devices_database.result_table.data(),
+                                              paired_devices_database.result_table.data()};
+
+QString path_text(const std::string &path)
+{
+    return QFile::decodeName(QByteArray::fromStdString(path));
+}
+
+/** An option whose value becomes a path. */
+CLI::Option *add_path(CLI::App *command, const std::string &name, QString &path, const std::string &help)
+{
+    return command
+        ->add_option_function<std::string>(
+            name, [&path](const std::string &value) { path = path_text(value); }, help)
+        ->type_name("PATH");
+}
+
+CLI::Option *add_text(CLI::App *command, const std::string &name, QString &text, const std::string &help)
+{
+    return command
+        ->add_option_function<std::string>(
+            name, [&text](const std::string &value) { text = QString::fromStdString(value); }, help)
+        ->type_name("TEXT");
+}
+
+/** "+05:30" in seconds east of UTC. */
+qint64 offset_seconds(const std::string &text)
+{
+    static const QRegularExpression form(u"^([+-])(\\d\\d):([0-5]\\d)$"_s);
+    const QRegularExpressionMatch match = form.match(QString::fromStdString(text));
+    const qint64 seconds = match.captured(2).toLongLong() * 3600 + match.captured(3).toLongLong() * 60;
+    if (!match.hasMatch() || seconds > 14 * 3600)
+        throw CLI::ValidationError("--timezone-offset", "must look like +05:30 or -08:00");
+    return match.captured(1) == "-"_L1 ? -seconds : seconds;
+}
+
+CLI::App *add_sample(CLI::App &app, sample_options &options)
+{
+    CLI::App *sample = app.add_subcommand("sample", "Write a synthetic macOS, iOS and Windows source to try things on");
+    add_path(sample, "DIR", options.directory, "Folder for the sample; created if missing")->required();
+    sample->add_flag("--force", options.force, "Replace an earlier sample in DIR");
+    return sample;
+}
+
+CLI::App *add_extract(CLI::App &app, extract_options &options)
+{
+    CLI::App *extract = app.add_subcommand("extract", "Extract the Bluetooth devices of a source into a case");
+    add_path(
+        extract, "-i,--input", options.input,
+        "macOS, Windows: the folder at which the source's file system is reachable. iOS: the system log's text file")
+        ->required();
+    add_path(extract, "-o,--output", options.output, "The case's folder, outside the source")->required();
+    add_text(extract, "-t,--type", options.type, "Kind of the source: macOS, iOS_UID, winOS or auto (default)")
+        ->type_name("TYPE")
+        ->check(CLI::IsMember({"macOS", "iOS_UID", "winOS", "auto"}));
+    extract
+        ->add_option_function<std::vector<std::string>>(
+            "--table",
+            [&options](const std::vector<std::string> &names) {
+                options.tables.clear();
+                for (const std::string &name : names)
+                    options.tables.append(QString::fromStdString(name));
+            },
+            "Fill only this table, devices or paired_devices (may be given twice)")
+        ->type_name("TABLE")
+        ->check(CLI::IsMember(table_names))
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    extract->add_option("--engine", options.engine_type, "Edition: KALDO_DESK (default), KALDO_FIELD or KALDO_BOOT")
+        ->type_name("NAME")
+        ->transform(CLI::CheckedTransformer(engine_types).description(""));
+    extract->add_option("--source-number", options.source_number, "Number of the source in the case (default 1)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 999999).description(""));
+    add_text(extract, "--os-name", options.display_name, "Operating system's name as the rows show it");
+    extract
+        ->add_option_function<std::string>(
+            "--timezone-offset",
+            [&options](const std::string &text) { options.timezone_offset = offset_seconds(text); },
+            "Offset of the examiner's time zone from UTC, like +05:30 (default +00:00)")
+        ->type_name("OFFSET");
+    extract->add_flag("--widen-ios-tables", options.widen_ios_tables,
+                      "iOS: add the columns to the result tables without which they hold no iOS rows");
+    add_path(extract, "--log-file", options.log_file, "Keep the plug-in's log in this new file");
+    extract->add_flag("-v,--verbose", options.verbose, "Show the plug-in's log on standard error");
+    add_path(extract, "--plugin", options.plugin_file, "Plug-in file (default: the one beside this program)");
+    extract->add_flag("--force", options.force, "Remove the case's earlier result and log file first");
+    return extract;
+}
+
+CLI::App *add_show(CLI::App &app, show_options &options)
+{
+    CLI::App *show = app.add_subcommand("show", "Show the extracted rows of a case");
+    add_path(show, "CASE", options.case_directory, "The case's folder")->required();
+    add_text(show, "--table", options.table, "Show only this table, devices or paired_devices")
+        ->type_name("TABLE")
+        ->check(CLI::IsMember(table_names));
+    return show;
+}
+
+/** Help goes to standard output and is no error; everything else that is wrong is. */
+command_line help_or_throw(const CLI::App &app, const CLI::ParseError &error)
+{
+    if (error.get_exit_code() == 0) {
+        app.exit(error);
+        return {};
+    }
+    throw host_error(exit_code::usage, QString::fromUtf8(error.what()));
+}
+
+} // namespace
+
+command_line parse_command_line(int argc, char **argv)
+{
+    command_line result;
+    sample_options sample;
+    extract_options extract;
+    show_options show;
+
+    CLI::App app("Extracts Bluetooth devices from macOS, iOS and Windows sources.", "bluetooth-logs");
+    app.set_version_flag("--version", "bluetooth-logs " BLUETOOTH_LOGS_VERSION);
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.footer(exit_codes_help);
+    app.add_flag("-q,--quiet", result.output.quiet, "Only data, warnings and errors");
+    app.add_flag("--no-color", result.output.no_color, "No colours on a terminal; NO_COLOR does the same");
+
+    const CLI::App *sample_command = add_sample(app, sample);
+    const CLI::App *extract_command = add_extract(app, extract);
+    add_show(app, show);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return help_or_throw(app, error);
+    }
+    if (sample_command->parsed())
+        result.command = sample;
+    else if (extract_command->parsed())
+        result.command = extract;
+    else
+        result.command = show;
+    return result;
+}

@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_COMMAND_LINE_H
+#define HOST_COMMAND_LINE_H
+
+#include "host/console.h"
+#include "host/extract_command.h"
+#include "host/sample/sample_command.h"
+#include "host/show_command.h"
+
+#include <variant>
+
+/** What the examiner asked for. */
+struct command_line {
+    console_options output;
+    std::variant<std::monostate, sample_options, extract_options, show_options> command; ///< monostate: only help
+};
+
+/** Reads the arguments of main(). Prints help itself. Throws host_error (usage) with the reason in plain words. */
+command_line parse_command_line(int argc, char **argv);
+
+#endif
