@@ -11,7 +11,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include <map>
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -29,7 +29,8 @@ constexpr const char *exit_codes_help = R"(Exit codes:
     5  the evidence changed during the run
   130  interrupted)";
 
-const std::map<std::string, int> engine_types = {{"KALDO_DESK", 0}, {"KALDO_FIELD", 1}, {"KALDO_BOOT", 2}};
+/** The suite's editions; their places are the numbers that the plug-in knows them by. */
+const std::vector<std::string> engine_names = {"KALDO_DESK", "KALDO_FIELD", "KALDO_BOOT"};
 const std::vector<std::string> table_names = {other_devices_database.result_table.data(),
                                               paired_devices_database.result_table.data()};
 
@@ -66,6 +67,11 @@ qint64 offset_seconds(const std::string &text)
     return match.captured(1) == "-"_L1 ? -seconds : seconds;
 }
 
+int engine_type(const std::string &name)
+{
+    return int(std::find(engine_names.begin(), engine_names.end(), name) - engine_names.begin());
+}
+
 CLI::App *add_sample(CLI::App &app, sample_options &options)
 {
     CLI::App *sample = app.add_subcommand("sample", "Write a synthetic macOS, iOS and Windows source to try things on");
@@ -82,7 +88,7 @@ CLI::App *add_extract(CLI::App &app, extract_options &options)
         "macOS, Windows: the folder at which the source's file system is reachable. iOS: the system log's text file")
         ->required();
     add_path(extract, "-o,--output", options.output, "The case's folder, outside the source")->required();
-    add_text(extract, "-t,--type", options.type, "Kind of the source: macOS, iOS_UID, winOS or auto (default)")
+    add_text(extract, "-t,--type", options.type, "Kind of the source (default auto)")
         ->type_name("TYPE")
         ->check(CLI::IsMember({"macOS", "iOS_UID", "winOS", "auto"}));
     extract
@@ -92,18 +98,22 @@ CLI::App *add_extract(CLI::App &app, extract_options &options)
                 options.tables.clear();
                 for (const std::string &name : names)
                     options.tables.append(QString::fromStdString(name));
+                options.tables.removeDuplicates();
             },
-            "Fill only this table, devices or paired_devices (may be given twice)")
+            "Fill only this table; may be given twice")
         ->type_name("TABLE")
         ->check(CLI::IsMember(table_names))
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    extract->add_option("--engine", options.engine_type, "Edition: KALDO_DESK (default), KALDO_FIELD or KALDO_BOOT")
+    extract
+        ->add_option_function<std::string>(
+            "--engine", [&options](const std::string &name) { options.engine_type = engine_type(name); },
+            "Edition of the suite (default KALDO_DESK)")
         ->type_name("NAME")
-        ->transform(CLI::CheckedTransformer(engine_types).description(""));
+        ->check(CLI::IsMember(engine_names));
     extract->add_option("--source-number", options.source_number, "Number of the source in the case (default 1)")
         ->type_name("N")
-        ->check(CLI::Range(0, 999999).description(""));
+        ->check(CLI::Range(0, 1000000).description(""));
     add_text(extract, "--os-name", options.display_name, "Operating system's name as the rows show it");
     extract
         ->add_option_function<std::string>(
@@ -124,7 +134,7 @@ CLI::App *add_show(CLI::App &app, show_options &options)
 {
     CLI::App *show = app.add_subcommand("show", "Show the extracted rows of a case");
     add_path(show, "CASE", options.case_directory, "The case's folder")->required();
-    add_text(show, "--table", options.table, "Show only this table, devices or paired_devices")
+    add_text(show, "--table", options.table, "Show only this table")
         ->type_name("TABLE")
         ->check(CLI::IsMember(table_names));
     return show;
@@ -137,7 +147,9 @@ command_line help_or_throw(const CLI::App &app, const CLI::ParseError &error)
         app.exit(error);
         return {};
     }
-    throw host_error(exit_code::usage, QString::fromUtf8(error.what()));
+    const QString reason = app.get_subcommands().empty() ? u"one of the commands sample, extract and show is needed"_s
+                                                         : QString::fromUtf8(error.what());
+    throw host_error(exit_code::usage, reason + u" (bluetooth-logs --help tells more)"_s);
 }
 
 } // namespace

@@ -56,10 +56,7 @@ exit_code run_reporting_errors(int argc, char **argv)
             throw host_error(exit_code::internal_error, u"standard output cannot be written"_s);
         return code;
     } catch (const host_error &error) {
-        const console out(output);
-        out.error(error.message());
-        if (error.code() == exit_code::usage)
-            out.note(u"bluetooth-logs --help tells more"_s);
+        console(output).error(error.message());
         return error.code();
     }
 }

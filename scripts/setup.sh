@@ -1,0 +1,93 @@
+# SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+# SPDX-License-Identifier: MIT
+#
+# Sourced by run.sh, test.sh and .ci/run: installs what is missing and builds. Expects the project's folder as
+# working directory. Quiet unless something fails.
+
+# What a build needs on Debian 12 and Ubuntu 24.04, and what the tests need besides.
+debian_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
+    libcli11-dev libutf8proc-dev libplist-dev)
+debian_test_packages=(strace)
+# The same in Homebrew; macOS has no strace, the test that uses it is skipped there.
+brew_packages=(cmake ninja pkg-config qt cli11 utf8proc libplist)
+
+# Runs a command and shows its output only if it fails.
+quietly() {
+    local log
+    log=$(mktemp)
+    if ! "$@" </dev/null >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        echo "error: this failed: $*" >&2
+        return 1
+    fi
+    rm -f "$log"
+}
+
+# Asks for a password only where somebody can answer.
+may_use_sudo() {
+    if [ -t 0 ]; then
+        sudo -v
+    else
+        sudo -n true 2>/dev/null
+    fi
+}
+
+install_debian_packages() {
+    local missing=() package as_root=()
+    for package in "$@"; do
+        if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+            missing+=("$package")
+        fi
+    done
+    if [ ${#missing[@]} -eq 0 ]; then
+        return
+    fi
+
+    if [ "$(id -u)" -ne 0 ]; then
+        as_root=(sudo)
+        if ! may_use_sudo; then
+            echo "error: these packages are missing, and only root can install them: apt-get install ${missing[*]}" >&2
+            return 1
+        fi
+    fi
+    echo "Installing ${missing[*]} ..." >&2
+    quietly "${as_root[@]}" apt-get update || true # an older index may do
+    quietly "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+install_brew_packages() {
+    local missing=() package
+    if ! command -v brew >/dev/null; then
+        echo "error: Homebrew is needed to install ${brew_packages[*]}: https://brew.sh" >&2
+        return 1
+    fi
+    for package in "${brew_packages[@]}"; do
+        brew list --versions "$package" >/dev/null 2>&1 || missing+=("$package")
+    done
+    if [ ${#missing[@]} -gt 0 ]; then
+        echo "Installing ${missing[*]} ..." >&2
+        quietly brew install "${missing[@]}"
+    fi
+}
+
+# set_up [PACKAGE...]: what a build needs, and these packages where they exist.
+set_up() {
+    if [ "$(uname)" = Darwin ]; then
+        install_brew_packages
+    elif command -v apt-get >/dev/null; then
+        install_debian_packages "${debian_packages[@]}" "$@"
+    else
+        echo "error: this script knows apt-get and Homebrew. Elsewhere install the counterparts of:" \
+            "${debian_packages[*]} $*" >&2
+        return 1
+    fi
+}
+
+# build PRESET [OPTION...]: configures, and builds with the options.
+build() {
+    local preset=$1
+    shift
+    quietly cmake --preset "$preset" && quietly cmake --build --preset "$preset" "$@"
+}

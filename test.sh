@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+# SPDX-License-Identifier: MIT
+#
+# ./test.sh  builds and runs every test; arguments go to ctest: ./test.sh -R host
+
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+source scripts/setup.sh
+
+set_up "${debian_test_packages[@]}"
+build release
+ctest --preset release "$@"
