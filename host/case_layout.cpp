@@ -39,9 +39,9 @@ void case_layout::refuse_earlier_result() const
 
 void case_layout::prepare() const
 {
+    if (!QDir().mkpath(case_directory))
+        throw host_error(exit_code::internal_error, u"the case's folder cannot be made: "_s + case_directory);
     // All of it: the plug-in adds to a database that it finds, and never refreshes the copies that it works on.
     if (!remove_tree(result_folder()))
         throw host_error(exit_code::internal_error, u"the earlier result cannot be removed: "_s + result_folder());
-    if (!QDir().mkpath(case_directory))
-        throw host_error(exit_code::internal_error, u"the case's folder cannot be made: "_s + case_directory);
 }

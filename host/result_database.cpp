@@ -55,12 +55,20 @@ result_database::~result_database()
 
 QStringList result_database::tables() const
 {
-    const QStringList present = connection().tables();
     QStringList names;
     for (const ledevices_database *database : ledevices_databases) {
-        if (present.contains(database->result_table))
+        QSqlQuery query(connection());
+        query.setForwardOnly(true);
+        query.prepare(u"SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?"_s);
+        query.addBindValue(QString(database->result_table));
+        if (!query.exec())
+            throw host_error(exit_code::input,
+                             u"the result database "_s + path + u" cannot be read: "_s + query.lastError().text());
+        if (query.next())
             names.append(database->result_table);
     }
+    if (names.isEmpty())
+        throw host_error(exit_code::input, u"the result database "_s + path + u" holds no result table"_s);
     return names;
 }
 

@@ -20,7 +20,7 @@ public:
     result_database(const result_database &) = delete;
     result_database &operator=(const result_database &) = delete;
 
-    /** The names of its result tables, in the plug-in's order. */
+    /** The names of its result tables, in the plug-in's order. Throws host_error (input) when there are none. */
     QStringList tables() const;
 
     /** Throws host_error (input) when the table cannot be read. */

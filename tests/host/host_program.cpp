@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "tests/host/host_program.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace
+{
+
+constexpr int time_limit = 120000; // milliseconds; sanitizers and a busy machine take their time
+
+QProcessEnvironment environment_without_display(const QString &folder)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const QLatin1StringView name :
+         {"DISPLAY"_L1, "WAYLAND_DISPLAY"_L1, "QT_QPA_PLATFORM"_L1, "XDG_RUNTIME_DIR"_L1})
+        environment.remove(name);
+    environment.insert(u"WAITING_PLUGIN_FOLDER"_s, folder);
+    return environment;
+}
+
+} // namespace
+
+host_program::host_program()
+{
+    // Without links, so that the program's absolute paths can be compared.
+    if (!directory.isValid() || QDir(directory.path()).canonicalPath() != directory.path())
+        qFatal("no plain temporary folder");
+}
+
+host_result host_program::run(const QStringList &arguments) const
+{
+    QProcess process;
+    start(process, arguments);
+    return finish(process);
+}
+
+void host_program::write_sample() const
+{
+    const host_result result = run({u"sample"_s, u"sample"_s});
+    if (result.exit_code != 0)
+        qFatal("no sample: %s", qPrintable(result.errors));
+}
+
+void host_program::start(QProcess &process, const QStringList &arguments) const
+{
+    process.setWorkingDirectory(directory.path());
+    process.setProcessEnvironment(environment_without_display(directory.path()));
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.start(program_file(), arguments);
+}
+
+host_result host_program::finish(QProcess &process)
+{
+    host_result result;
+    if (process.waitForFinished(time_limit) && process.exitStatus() == QProcess::NormalExit)
+        result.exit_code = process.exitCode();
+    process.kill();
+    result.output = QString::fromUtf8(process.readAllStandardOutput());
+    result.errors = QString::fromUtf8(process.readAllStandardError());
+    return result;
+}
+
+QString host_program::path(const QString &relative) const
+{
+    return directory.filePath(relative);
+}
+
+QString host_program::program_file()
+{
+    return QStringLiteral(BLUETOOTH_LOGS_HOST_FILE);
+}
+
+QString host_program::waiting_plugin_file()
+{
+    return QStringLiteral(BLUETOOTH_LOGS_WAITING_PLUGIN_FILE);
+}

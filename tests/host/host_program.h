@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef TESTS_HOST_HOST_PROGRAM_H
+#define TESTS_HOST_HOST_PROGRAM_H
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/** What a run of the program left behind. */
+struct host_result {
+    int exit_code = -1; ///< -1: it did not end by itself
+    QString output;
+    QString errors;
+};
+
+/** The built program, run with a temporary folder as working directory and without a display. */
+class host_program
+{
+public:
+    host_program();
+
+    host_result run(const QStringList &arguments) const;
+
+    /** Writes a sample into "sample" below the working directory. Ends the test program on failure. */
+    void write_sample() const;
+
+    /** Starts the program and leaves it running. */
+    void start(QProcess &process, const QStringList &arguments) const;
+    static host_result finish(QProcess &process);
+
+    /** A path below the working directory. */
+    QString path(const QString &relative) const;
+
+    static QString program_file();
+    static QString waiting_plugin_file();
+
+private:
+    QTemporaryDir directory;
+};
+
+#endif

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "tests/host/host_program.h"
+#include "tests/support/sqlite_file.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class test_extract_ios : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void tables_without_room_are_told();
+    void widened_tables_hold_every_device();
+
+private:
+    qint64 lines_with(const host_program &host, QByteArrayView marker) const;
+    QString summary(const host_program &host, qint64 devices, qint64 paired) const;
+
+    const QStringList extract_log = {u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s, u"case"_s};
+};
+
+void test_extract_ios::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+qint64 test_extract_ios::lines_with(const host_program &host, QByteArrayView marker) const
+{
+    QFile log(host.path(u"sample/ios/system.log"_s));
+    return log.open(QIODevice::ReadOnly) ? log.readAll().count(marker) : -1;
+}
+
+QString test_extract_ios::summary(const host_program &host, qint64 devices, qint64 paired) const
+{
+    return u"Source  iOS: "_s + host.path(u"sample/ios/system.log"_s) + u"\nResult  "_s
+           + host.path(u"case/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)
+           + u"\n        devices         %1 rows\n        paired_devices  %2 rows\n"_s.arg(devices, 9).arg(paired, 9);
+}
+
+void test_extract_ios::tables_without_room_are_told()
+{
+    const host_program host;
+    host.write_sample();
+    const qint64 found = lines_with(host, "BLE device found:") + lines_with(host, "active device:");
+    const host_result result = host.run(extract_log);
+    QCOMPARE(result.exit_code, 4);
+    QCOMPARE(result.output, summary(host, 0, 0));
+    QCOMPARE(result.errors, u"warning: "_s + QString::number(found)
+                                + u" rows found and not written: the result tables of this version have no columns for "
+                                  "iOS rows; --widen-ios-tables adds them\n"_s);
+}
+
+void test_extract_ios::widened_tables_hold_every_device()
+{
+    const host_program host;
+    host.write_sample();
+    const qint64 devices = lines_with(host, "BLE device found:");
+    const qint64 paired = lines_with(host, "active device:");
+    const host_result result = host.run(extract_log + QStringList{u"--widen-ios-tables"_s});
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(result.output, summary(host, devices, paired));
+    QCOMPARE(result.errors, QString());
+
+    const sqlite_file database(host.path(u"case/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s));
+    QCOMPARE(database.rows(u"SELECT count(*), count(sf_device_id), count(date), min(os_scheme_display), "
+                           "min(source_count_name) FROM devices"_s),
+             QList<QVariantList>({{devices, devices, devices, u"iOS"_s, u"Source1"_s}}));
+    QCOMPARE(database.rows(u"SELECT count(*), count(device_address), count(status), count(date) FROM paired_devices"_s),
+             QList<QVariantList>({{paired, paired, paired, paired}}));
+    QVERIFY(!database.rows(u"SELECT 1 FROM devices WHERE device_name = 'Anna''s Buds' AND model <> ''"_s).isEmpty());
+    QVERIFY(!database.rows(u"SELECT 1 FROM paired_devices WHERE status = 'Route changed to'"_s).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(test_extract_ios)
+
+#include "test_extract_ios.moc"

@@ -1,0 +1,166 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "tests/host/host_program.h"
+#include "tests/support/sqlite_file.h"
+
+#include <QCryptographicHash>
+#include <QDirIterator>
+#include <QFile>
+#include <QMap>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class test_sample : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void two_runs_write_the_same_bytes();
+    void every_file_is_there();
+    void databases_have_the_real_layout_data();
+    void databases_have_the_real_layout();
+    void log_holds_what_the_extractor_looks_for();
+    void a_sample_is_replaced_only_on_request();
+    void what_is_no_sample_is_never_removed();
+};
+
+namespace
+{
+
+QMap<QString, QByteArray> hashes(const QString &folder)
+{
+    QMap<QString, QByteArray> result;
+    QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        QCryptographicHash hash(QCryptographicHash::Sha256);
+        if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
+            qFatal("%s cannot be read", qPrintable(file.fileName()));
+        result.insert(file.fileName().sliced(folder.size()), hash.result());
+    }
+    return result;
+}
+
+} // namespace
+
+void test_sample::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+void test_sample::two_runs_write_the_same_bytes()
+{
+    const host_program host;
+    QCOMPARE(host.run({u"sample"_s, u"one"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"sample"_s, u"two"_s}).exit_code, 0);
+    QCOMPARE(hashes(host.path(u"one"_s)), hashes(host.path(u"two"_s)));
+}
+
+void test_sample::every_file_is_there()
+{
+    const host_program host;
+    host.write_sample();
+    QCOMPARE(hashes(host.path(u"sample"_s)).keys(),
+             QStringList({u"/README.txt"_s, u"/ios/system.log"_s,
+                          u"/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s,
+                          u"/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db"_s,
+                          u"/macos/Library/Preferences/com.apple.Bluetooth.plist"_s,
+                          u"/windows/Users/anna/NTUSER.DAT"_s, u"/windows/Windows/System32/config/SOFTWARE"_s,
+                          u"/windows/Windows/System32/config/SYSTEM"_s}));
+    QFile plist(host.path(u"sample/macos/Library/Preferences/com.apple.Bluetooth.plist"_s));
+    QVERIFY(plist.open(QIODevice::ReadOnly));
+    QCOMPARE(plist.read(8), "bplist00");
+    QFile readme(host.path(u"sample/README.txt"_s));
+    QVERIFY(readme.open(QIODevice::ReadOnly));
+    QVERIFY(readme.readAll().contains("synthetic"));
+}
+
+void test_sample::databases_have_the_real_layout_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<int>("rows");
+
+    // clang-format off
+    QTest::newRow("other")  << u"com.apple.MobileBluetooth.ledevices.other.db"_s  << u"OtherDevices"_s  << 1000;
+    QTest::newRow("paired") << u"com.apple.MobileBluetooth.ledevices.paired.db"_s << u"PairedDevices"_s << 20;
+    // clang-format on
+}
+
+void test_sample::databases_have_the_real_layout()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, table);
+    QFETCH(int, rows);
+    const host_program host;
+    host.write_sample();
+
+    const sqlite_file database(host.path(u"sample/macos/Library/Bluetooth/"_s + file));
+    QFile header(database.path());
+    QVERIFY(header.open(QIODevice::ReadOnly));
+    QCOMPARE(header.read(20).last(2), QByteArray("\x02\x02")); // write-ahead log
+    QCOMPARE(database.quoted_rows(u"sqlite_schema WHERE sql NOT NULL ORDER BY name"_s, {u"name"_s}),
+             QStringList({u"'CustomProperties'"_s, u'\'' + table + u'\'', u"'_SqliteDatabaseProperties'"_s}));
+    QCOMPARE(database.quoted_rows(u"_SqliteDatabaseProperties"_s, {u"key"_s, u"value"_s}),
+             QStringList{u"'_ClientVersion'|'2'"_s});
+    QCOMPARE(database.quoted_rows(table, {u"count(*)"_s}), QStringList{QString::number(rows)});
+    QCOMPARE(database.quoted_rows(table
+                                      + u" WHERE typeof(LastSeenTime) <> 'integer' OR LastSeenTime > 9999999 "
+                                        "OR length(Uuid) <> 36 OR Uuid <> upper(Uuid)"_s,
+                                  {u"count(*)"_s}),
+             QStringList{u"0"_s});
+}
+
+void test_sample::log_holds_what_the_extractor_looks_for()
+{
+    const host_program host;
+    host.write_sample();
+    QFile file(host.path(u"sample/ios/system.log"_s));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray log = file.readAll();
+    QCOMPARE(log.count('\n'), 4000);
+    QCOMPARE(log.count("BLE device found: SFDevice ID "), 50);
+    QVERIFY(log.count(" <Notice>: ") > 1000);
+    QVERIFY(log.count("active device: ") > 24);
+    QVERIFY(log.contains(R"(Nm 'Anna\M-b\M^@\M^Ys Buds')"));
+    QVERIFY(log.contains("<private>"));
+}
+
+void test_sample::a_sample_is_replaced_only_on_request()
+{
+    const host_program host;
+    host.write_sample();
+    const QMap<QString, QByteArray> first = hashes(host.path(u"sample"_s));
+    QFile log(host.path(u"sample/ios/system.log"_s));
+    QVERIFY(log.open(QIODevice::Append) && log.write("mine") == 4);
+    log.close();
+
+    const host_result refused = host.run({u"sample"_s, u"sample"_s});
+    QCOMPARE(refused.exit_code, 2);
+    QCOMPARE(refused.output, QString());
+    QCOMPARE(refused.errors, u"error: the folder holds a sample already, "_s + host.path(u"sample"_s)
+                                 + u": --force writes it anew\n"_s);
+    QVERIFY(hashes(host.path(u"sample"_s)) != first);
+
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s, u"--force"_s}).exit_code, 0);
+    QCOMPARE(hashes(host.path(u"sample"_s)), first);
+}
+
+void test_sample::what_is_no_sample_is_never_removed()
+{
+    const host_program host;
+    QVERIFY(QDir().mkpath(host.path(u"case/macos/Library"_s)));
+    const host_result refused = host.run({u"sample"_s, u"case"_s, u"--force"_s});
+    QCOMPARE(refused.exit_code, 2);
+    QCOMPARE(refused.errors, u"error: this stands in the way, and it is no sample of this program: "_s
+                                 + host.path(u"case/macos"_s) + u'\n');
+    QVERIFY(QDir(host.path(u"case/macos/Library"_s)).exists());
+}
+
+QTEST_GUILESS_MAIN(test_sample)
+
+#include "test_sample.moc"
