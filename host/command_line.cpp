@@ -178,6 +178,7 @@ command_line parse_command_line(int argc, char **argv)
     } catch (const CLI::ParseError &error) {
         return help_or_throw(app, error);
     }
+    result.output.no_progress = extract.verbose;
     if (sample_command->parsed())
         result.command = sample;
     else if (extract_command->parsed())

@@ -46,7 +46,7 @@ bool environment_allows_colors()
 
 console::console(const console_options &options)
     : is_quiet(options.quiet)
-    , has_progress(!options.quiet && is_terminal(stderr) && qgetenv("TERM") != "dumb")
+    , has_progress(!options.quiet && !options.no_progress && is_terminal(stderr) && qgetenv("TERM") != "dumb")
 {
     const bool colors = !options.no_color && environment_allows_colors();
     has_output_colors = colors && is_terminal(stdout);
@@ -96,14 +96,17 @@ void console::message(const char *color, QLatin1StringView kind, const QString &
 
 void console::show_progress(const QString &text) const
 {
-    if (has_progress)
-        write(stderr, QLatin1StringView(clear_line) + terminal_text(text));
+    if (!has_progress)
+        return;
+    write(stderr, QLatin1StringView(clear_line) + terminal_text(text));
+    is_progress_shown = true;
 }
 
 void console::clear_progress() const
 {
-    if (has_progress)
+    if (is_progress_shown)
         write(stderr, QString::fromLatin1(clear_line));
+    is_progress_shown = false;
 }
 
 bool console::finish() const

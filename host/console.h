@@ -8,8 +8,9 @@
 #include <QStringList>
 
 struct console_options {
-    bool quiet = false;    ///< nothing but data and errors
-    bool no_color = false; ///< asked for; a stream that is no terminal has no colours anyway
+    bool quiet = false;       ///< nothing but data, warnings and errors
+    bool no_color = false;    ///< asked for; a stream that is no terminal has no colours anyway
+    bool no_progress = false; ///< other lines come on standard error all the time
 };
 
 /** The program's two streams: data and results on standard output, everything about the run on standard error. */
@@ -44,6 +45,7 @@ private:
     bool has_progress;
     bool has_output_colors;
     bool has_error_colors;
+    mutable bool is_progress_shown = false;
 };
 
 #endif

@@ -1,0 +1,103 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "tests/host/host_program.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+/** Progress and colours are for terminals; here standard error is one. */
+class test_on_terminal : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void standard_error_data();
+    void standard_error();
+
+private:
+    static QByteArray errors_on_terminal(const host_program &host, const QStringList &arguments,
+                                         const QByteArray &variable, int &exit_code);
+};
+
+void test_on_terminal::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+/** What the program writes to a terminal that is its standard error. @p variable is set to "1", TERM to "dumb". */
+QByteArray test_on_terminal::errors_on_terminal(const host_program &host, const QStringList &arguments,
+                                                const QByteArray &variable, int &exit_code)
+{
+    const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (master == -1 || ::grantpt(master) != 0 || ::unlockpt(master) != 0)
+        qFatal("no pseudo terminal");
+    const int terminal = ::open(::ptsname(master), O_RDWR | O_NOCTTY | O_CLOEXEC);
+
+    QProcess process;
+    process.setChildProcessModifier([terminal] { ::dup2(terminal, STDERR_FILENO); });
+    const QByteArray old_term = qgetenv("TERM");
+    qputenv("TERM", variable == "TERM" ? "dumb" : "xterm");
+    if (variable == "NO_COLOR")
+        qputenv(variable.constData(), "1");
+    host.start(process, arguments);
+    exit_code = host_program::finish(process).exit_code;
+    qunsetenv("NO_COLOR");
+    qputenv("TERM", old_term);
+
+    // The output is far smaller than the terminal's buffer.
+    QByteArray bytes(65536, Qt::Uninitialized);
+    ::fcntl(master, F_SETFL, O_NONBLOCK);
+    const auto size = ::read(master, bytes.data(), size_t(bytes.size()));
+    ::close(terminal);
+    ::close(master);
+    return bytes.first(qMax<qsizetype>(0, size)).replace("\r\n", "\n");
+}
+
+void test_on_terminal::standard_error_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QByteArray>("variable");
+    QTest::addColumn<QByteArray>("part");
+    QTest::addColumn<bool>("is_there");
+
+    // clang-format off
+    QTest::newRow("progress")                  << u"-i sample/macos -o case"_s            << QByteArray()           << QByteArray("\r\033[KExtracting: table 2 of 2, 1,020 rows") << true;
+    QTest::newRow("progress is cleared")       << u"-i sample/macos -o case"_s            << QByteArray()           << QByteArray("1,020 rows\r\033[K")       << true;
+    QTest::newRow("quiet")                     << u"-i sample/macos -o case -q"_s         << QByteArray()           << QByteArray("\033")                     << false;
+    QTest::newRow("no progress in the log")    << u"-i sample/macos -o case -v"_s         << QByteArray()           << QByteArray("\033")                     << false;
+    QTest::newRow("dumb terminal")             << u"-i sample/macos -o case"_s            << QByteArray("TERM")     << QByteArray("\033")                     << false;
+    QTest::newRow("colour")                    << u"-i nothing -o case"_s                 << QByteArray()           << QByteArray("\033[1;31merror:\033[0m there is no source at ") << true;
+    QTest::newRow("no colour by option")       << u"-i nothing -o case --no-color"_s      << QByteArray()           << QByteArray("\033")                     << false;
+    QTest::newRow("no colour by environment")  << u"-i nothing -o case"_s                 << QByteArray("NO_COLOR") << QByteArray("\033")                     << false;
+    QTest::newRow("no colour on dumb")         << u"-i nothing -o case"_s                 << QByteArray("TERM")     << QByteArray("\033")                     << false;
+    QTest::newRow("escape in a path")          << u"-i \033[2J -o case --no-color"_s      << QByteArray()           << QByteArray("\\u{1b}[2J")               << true;
+    // clang-format on
+}
+
+void test_on_terminal::standard_error()
+{
+    QFETCH(QString, options);
+    QFETCH(QByteArray, variable);
+    QFETCH(QByteArray, part);
+    QFETCH(bool, is_there);
+    const host_program host;
+    host.write_sample();
+
+    int exit_code = -1;
+    const QByteArray errors = errors_on_terminal(host, u"extract "_s.append(options).split(u' '), variable, exit_code);
+    QCOMPARE(exit_code, options.contains(u"sample"_s) ? 0 : 3);
+    QVERIFY2(errors.contains(part) == is_there, errors.constData());
+}
+
+QTEST_GUILESS_MAIN(test_on_terminal)
+
+#include "test_on_terminal.moc"
