@@ -66,7 +66,7 @@ void test_interrupt::second_one_ends_the_program()
 
 void test_interrupt::table_that_is_being_written_is_finished()
 {
-    constexpr int rows = 400000;
+    constexpr int rows = 100000;
     const host_program host;
     host.write_sample();
     const sqlite_file other(
