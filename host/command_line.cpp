@@ -56,14 +56,18 @@ CLI::Option *add_text(CLI::App *command, const std::string &name, QString &text,
         ->type_name("TEXT");
 }
 
-/** "+05:30" in seconds east of UTC. */
+/** "+05:30", or plain seconds, in seconds east of UTC. */
 qint64 offset_seconds(const std::string &text)
 {
+    bool is_number = false;
+    const qint64 number = QString::fromStdString(text).toLongLong(&is_number);
+    if (is_number && number >= -14 * 3600 && number <= 14 * 3600)
+        return number;
     static const QRegularExpression form(u"^([+-])(\\d\\d):([0-5]\\d)$"_s);
     const QRegularExpressionMatch match = form.match(QString::fromStdString(text));
     const qint64 seconds = match.captured(2).toLongLong() * 3600 + match.captured(3).toLongLong() * 60;
     if (!match.hasMatch() || seconds > 14 * 3600)
-        throw CLI::ValidationError("--timezone-offset", "must look like +05:30 or -08:00");
+        throw CLI::ValidationError("--timezone-offset", "must look like +05:30, -08:00 or 19800");
     return match.captured(1) == "-"_L1 ? -seconds : seconds;
 }
 
@@ -119,7 +123,7 @@ CLI::App *add_extract(CLI::App &app, extract_options &options)
         ->add_option_function<std::string>(
             "--timezone-offset",
             [&options](const std::string &text) { options.timezone_offset = offset_seconds(text); },
-            "Offset of the examiner's time zone from UTC, like +05:30 (default +00:00)")
+            "Offset of the examiner's time zone from UTC, like +05:30, or in seconds (default 0)")
         ->type_name("OFFSET");
     extract->add_flag("--widen-ios-tables", options.widen_ios_tables,
                       "iOS: add the columns to the result tables without which they hold no iOS rows");

@@ -144,6 +144,7 @@ source find_source(const QString &path, const QString &type, const QStringList &
     if (path.isEmpty() || !place.exists())
         fail(u"there is no source at "_s + found.given);
 
+    found.off_limits = found.given;
     found.kind = type == "auto"_L1 ? &recognized_kind(place) : &named_kind(type);
     if (found.kind == &ios_uid_kind) {
         const QString problem = unreadable_reason(place);

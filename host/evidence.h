@@ -22,7 +22,8 @@ inline constexpr source_kind winos_kind = {QLatin1StringView("winOS"), QLatin1St
 struct source {
     const source_kind *kind = nullptr;
     QString given;         ///< the path that the examiner gave, absolute
-    QString root;          ///< the folder that nothing may be written to; ends with "/"
+    QString root;          ///< the folder that the evidence stands in; ends with "/"
+    QString off_limits;    ///< at and below this nothing may be written: the folder, or the log text itself
     QString log_file;      ///< iOS only
     QStringList watched;   ///< paths whose files must be the same after the run; they need not exist
     QStringList not_found; ///< result tables without evidence in this source

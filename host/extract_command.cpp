@@ -46,14 +46,14 @@ void check_options_fit_source(const extract_options &options, const source &evid
 void check_places(const extract_options &options, const source &evidence, const case_layout &layout)
 {
     for (const QString &place : {layout.directory(), layout.result_folder()}) {
-        if (is_inside(place, evidence.root))
+        if (is_inside(place, evidence.off_limits))
             refuse(u"the case lies inside the source, where nothing may be written: "_s + place);
     }
     if (is_inside(evidence.given, layout.result_folder()))
         refuse(u"the source lies inside the case's result, which is made anew: "_s + evidence.given);
     if (options.log_file.isEmpty())
         return;
-    if (is_inside(options.log_file, evidence.root))
+    if (is_inside(options.log_file, evidence.off_limits))
         refuse(u"the log file lies inside the source, where nothing may be written: "_s + options.log_file);
     if (path_exists(options.log_file) && !options.force)
         refuse(u"the log file is already there: "_s + options.log_file + u": --force replaces it"_s);
@@ -66,7 +66,7 @@ std::unique_ptr<QFile> create_log_file(const extract_options &options, const sou
     std::unique_ptr<QFile> file;
     bool is_open = false;
     if (options.log_file.isEmpty()) {
-        const QString folder = is_inside(QDir::tempPath(), evidence.root) ? layout.directory() : QDir::tempPath();
+        const QString folder = is_inside(QDir::tempPath(), evidence.off_limits) ? layout.directory() : QDir::tempPath();
         auto temporary = std::make_unique<QTemporaryFile>(folder + u"/bluetooth-logs-XXXXXX.log"_s);
         is_open = temporary->open();
         file = std::move(temporary);

@@ -8,6 +8,8 @@
 debian_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
     libcli11-dev libutf8proc-dev libplist-dev)
 debian_test_packages=(strace)
+# What the preset gnustep needs besides, for the file of Apple platforms on Linux.
+debian_gnustep_packages=(gobjc++ libgnustep-base-dev)
 # The same in Homebrew; macOS has no strace, the test that uses it is skipped there.
 brew_packages=(cmake ninja pkg-config qt cli11 utf8proc libplist)
 

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void init();
     void tables_without_room_are_told();
     void widened_tables_hold_every_device();
+    void case_beside_the_log();
 
 private:
     qint64 lines_with(const host_program &host, QByteArrayView marker) const;
@@ -76,6 +77,18 @@ void test_extract_ios::widened_tables_hold_every_device()
              QList<QVariantList>({{paired, paired, paired, paired}}));
     QVERIFY(!database.rows(u"SELECT 1 FROM devices WHERE device_name = 'Anna''s Buds' AND model <> ''"_s).isEmpty());
     QVERIFY(!database.rows(u"SELECT 1 FROM paired_devices WHERE status = 'Route changed to'"_s).isEmpty());
+}
+
+void test_extract_ios::case_beside_the_log()
+{
+    // The log text is the evidence, not the folder that somebody put it into.
+    const host_program host;
+    host.write_sample();
+    const host_result result = host.run({u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s,
+                                         u"sample/ios/case"_s, u"--widen-ios-tables"_s});
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exit_code, 0);
+    QVERIFY(QFile::exists(host.path(u"sample/ios/case/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)));
 }
 
 QTEST_GUILESS_MAIN(test_extract_ios)
