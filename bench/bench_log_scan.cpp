@@ -22,8 +22,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr int rounds = 5;
 constexpr qint64 lines_per_match = 100'000;

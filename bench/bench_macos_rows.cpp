@@ -194,8 +194,9 @@ int main(int argc, char *argv[])
             ratios.push_back(whole.back() / bare);
         }
         out << rows << " rows: " << qint64(rows / median(whole)) << " rows/s, "
-            << QString::number(median(whole) / rows * 1e6, 'f', 2) << " us a row, whole extraction / bare inserts = "
-            << QString::number(median(ratios), 'f', 2) << ", peak memory " << qint64(bytes_a_row) << " bytes a row\n"
+            << QString::number(median(whole) / rows * 1e6, 'f', 2)
+            << " us a row, whole extraction / bare inserts = " << QString::number(median(ratios), 'f', 2)
+            << ", peak memory " << qint64(bytes_a_row) << " bytes a row\n"
             << Qt::flush;
     }
     return 0;

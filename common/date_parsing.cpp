@@ -5,8 +5,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** No notation is nearly as long; a longer text is not worth the parser's time. */
 constexpr qsizetype longest_date = 64;

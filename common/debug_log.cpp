@@ -9,8 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** "virtual void a::b(int)" → "a::b". */
 QString qualified_function_name(const QString &function_info)

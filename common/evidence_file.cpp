@@ -16,8 +16,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr qint64 copy_block_bytes = 1 << 20;
 

@@ -14,8 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr qint64 copy_block_bytes = 102400;
 

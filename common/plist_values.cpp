@@ -14,8 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 bool is_number(const QVariant &value)
 {
@@ -114,7 +113,8 @@ std::optional<QString> array_text(const QVariant &value)
 }
 
 /** What differs between the readers of one value. */
-struct value_reader {
+struct value_reader
+{
     std::optional<QString> (*text_of)(const QVariant &value); ///< nothing for a value of the wrong kind
     QStringView failure;
     QStringView function_info;

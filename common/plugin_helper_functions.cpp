@@ -11,8 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** What SQLite keeps beside a database in WAL mode. */
 constexpr QLatin1StringView database_companions[] = {"-shm"_L1, "-wal"_L1};

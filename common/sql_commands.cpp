@@ -12,11 +12,11 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** The fixed texts of one helper. All of them are part of the log format, odd blanks included. */
-struct helper_texts {
+struct helper_texts
+{
     QStringView signature;
     QStringView open_failed; // followed by the path
     QStringView open_caller; // followed by the caller text
@@ -161,7 +161,8 @@ bool read_column(QSqlQuery &query, int column, QStringList &texts_read)
     return true;
 }
 
-struct list_result {
+struct list_result
+{
     QStringList texts;
     outcome end = outcome::done;    // failed: of the statement
     bool cancelled_in_rows = false; // as opposed to before the statement ran

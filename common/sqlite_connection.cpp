@@ -7,8 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 QSqlDatabase add_connection(const QString &name, const QString &file)
 {

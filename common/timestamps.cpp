@@ -14,8 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** Seconds from 1601-01-01, from which browsers count, to 1970-01-01. */
 constexpr qint64 seconds_from_1601_to_1970 = 11644473600;
@@ -26,7 +25,8 @@ constexpr QStringView month_first(u"MMM-dd-yyyy hh:mm:ss");
 constexpr QStringView day_first(u"dd-MMM-yyyy hh:mm:ss");
 
 /** How times are shown by one display format number. */
-struct display_format {
+struct display_format
+{
     QStringView pattern;
     QStringView local_time_pattern;
     const char *negative_time_pattern; ///< of strftime; null: such times are not shown

@@ -15,8 +15,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr quint64 kilobyte = 1024;
 constexpr quint64 megabyte = kilobyte * 1024;
@@ -24,7 +23,8 @@ constexpr quint64 megabyte = kilobyte * 1024;
 constexpr QLatin1StringView escape_mark("\\U");
 constexpr qsizetype escape_digits = 4;
 
-struct replacement {
+struct replacement
+{
     QStringView before;
     QStringView after;
 };

@@ -17,8 +17,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr const char *exit_codes_help = R"(Exit codes:
     0  done

@@ -12,7 +12,8 @@
 #include <variant>
 
 /** What the examiner asked for. */
-struct command_line {
+struct command_line
+{
     console_options output;
     std::variant<std::monostate, sample_options, extract_options, show_options> command; ///< monostate: only help
 };

@@ -11,8 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr const char *bold_color = "\033[1m";
 constexpr const char *error_color = "\033[1;31m";

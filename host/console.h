@@ -7,7 +7,8 @@
 #include <QString>
 #include <QStringList>
 
-struct console_options {
+struct console_options
+{
     bool quiet = false;       ///< nothing but data, warnings and errors
     bool no_color = false;    ///< asked for; a stream that is no terminal has no colours anyway
     bool no_progress = false; ///< other lines come on standard error all the time

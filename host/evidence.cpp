@@ -18,8 +18,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 // Listing a folder must leave its access time alone; systems without the flag keep it by mounting evidence read-only.
 #ifdef O_NOATIME

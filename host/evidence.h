@@ -9,7 +9,8 @@
 #include <QStringList>
 
 /** A kind of source that the plug-in knows. */
-struct source_kind {
+struct source_kind
+{
     QLatin1StringView name;         ///< as the plug-in and --type call it
     QLatin1StringView display_name; ///< as result rows show it
 };
@@ -19,7 +20,8 @@ inline constexpr source_kind ios_uid_kind = {QLatin1StringView("iOS_UID"), QLati
 inline constexpr source_kind winos_kind = {QLatin1StringView("winOS"), QLatin1StringView("Windows")};
 
 /** A source of evidence that can be extracted. */
-struct source {
+struct source
+{
     const source_kind *kind = nullptr;
     QString given;         ///< the path that the examiner gave, absolute
     QString root;          ///< the folder that the evidence stands in; ends with "/"

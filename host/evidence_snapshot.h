@@ -22,7 +22,8 @@ public:
     QStringList changes_since() const;
 
 private:
-    struct file_state {
+    struct file_state
+    {
         std::uint64_t device = 0;
         std::uint64_t inode = 0;
         std::int64_t size = 0;

@@ -22,8 +22,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr qsizetype most_failures_shown = 5;
 

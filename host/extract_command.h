@@ -11,7 +11,8 @@
 #include <QStringList>
 
 /** What the examiner asked of one extraction. */
-struct extract_options {
+struct extract_options
+{
     QString input;
     QString output;
     QString type = QStringLiteral("auto");

@@ -11,8 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_general_info general_info(const extraction_settings &settings)
 {

@@ -16,7 +16,8 @@
 class bluetooth_logs;
 
 /** All that the plug-in is told about one run. */
-struct extraction_settings {
+struct extraction_settings
+{
     source evidence;
     QString case_directory;
     QStringList tables;

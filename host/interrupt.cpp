@@ -10,8 +10,7 @@
 
 #include <unistd.h>
 
-namespace
-{
+namespace {
 
 volatile std::sig_atomic_t interrupt_count = 0;
 bluetooth_logs *volatile cancel_target = nullptr;

@@ -7,7 +7,8 @@
 #include <QLatin1StringView>
 
 /** One of the two Bluetooth low-energy device databases of macOS, and where its rows go. */
-struct ledevices_database {
+struct ledevices_database
+{
     QLatin1StringView file_name;
     QLatin1StringView device_table; ///< its table
     QLatin1StringView result_table; ///< the table of the result database

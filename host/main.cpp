@@ -14,8 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** Makes the run the same on a terminal, in a script and on a machine without a display. */
 void settle_environment()

@@ -9,11 +9,11 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** A kind of failure: how its message begins, and what the examiner reads. */
-struct failure_kind {
+struct failure_kind
+{
     QLatin1StringView message;
     QLatin1StringView words;
     bool is_insert = false;

@@ -9,7 +9,8 @@
 #include <QStringList>
 
 /** A failure that the plug-in logged, once or many times alike. */
-struct logged_failure {
+struct logged_failure
+{
     QString text; ///< in plain words, with the reason that the log gives
     qsizetype count = 0;
     bool is_insert = false; ///< a row that the result table did not take

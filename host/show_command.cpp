@@ -18,8 +18,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr QStringView null_mark = u"∅";
 constexpr QStringView empty_mark = u"\"\"";
@@ -29,7 +28,8 @@ constexpr QLatin1StringView common_columns[] = {"bookmark"_L1, "os_scheme_displa
                                                 "source_file"_L1};
 
 /** One column of a result table with all its values, ready for the terminal. */
-struct shown_column {
+struct shown_column
+{
     QString heading;
     QStringList cells;
     bool is_number = true; ///< all that is not NULL

@@ -9,7 +9,8 @@
 
 #include <QString>
 
-struct show_options {
+struct show_options
+{
     QString case_directory;
     QString table; ///< empty: every table
 };

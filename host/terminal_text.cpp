@@ -11,8 +11,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr char32_t zero_width_joiner = 0x200d;
 constexpr char32_t text_selector = 0xfe0e;

@@ -9,8 +9,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr qsizetype widest_column = 60;
 constexpr QLatin1StringView column_gap("  ");

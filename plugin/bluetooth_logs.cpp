@@ -12,8 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr QLatin1StringView macos_scheme("macOS");
 constexpr QLatin1StringView ios_uid_scheme("iOS_UID");

@@ -7,7 +7,8 @@
 #include <QStringView>
 
 /** A table of the result database: how it is created, and what the log says when that fails. */
-struct result_table {
+struct result_table
+{
     QStringView create_statement;
     QStringView creation_failed;
 };

@@ -3,8 +3,7 @@
 
 #include "common/platform/binary_property_list.h"
 
-namespace
-{
+namespace {
 
 constexpr QByteArrayView magic = "bplist00";
 constexpr quint64 trailer_bytes = 32;

@@ -16,7 +16,8 @@ class binary_property_list
 {
 public:
     /** What of an object tells how much a parser will make of it. */
-    struct object_view {
+    struct object_view
+    {
         quint64 content_bytes = 0;   ///< of a text or data
         quint64 first_reference = 0; ///< position of the references to other objects
         quint64 references = 0;      ///< of an array, a set or a dictionary, whose keys are references too

@@ -16,10 +16,10 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
-struct c_deleter {
+struct c_deleter
+{
     void operator()(void *memory) const
     {
         std::free(memory);

@@ -45,7 +45,8 @@ QString property_list_date_text(const void *date);
 QVariant parse_property_list(const QByteArray &guarded);
 
 /** What Spotlight prints of a file's used dates; null texts where it knows none. */
-struct spotlight_descriptions {
+struct spotlight_descriptions
+{
     QString last_used_date; ///< kMDItemLastUsedDate, "2020-05-03 10:00:00 +0000"
     QString used_dates;     ///< kMDItemUsedDates, such dates in quotes, with "," between and "(" ")" around them
 };

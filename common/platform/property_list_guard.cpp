@@ -14,8 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** What may still be built of a list before it counts as hostile. */
 class tree_budget
@@ -40,7 +39,8 @@ private:
  */
 bool is_harmless_binary(const QByteArray &bytes)
 {
-    struct visit {
+    struct visit
+    {
         quint64 object;
         int level;
     };

@@ -12,8 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr qint64 end_of_file = std::numeric_limits<qint64>::max();
 

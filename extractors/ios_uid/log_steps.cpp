@@ -7,8 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr QLatin1StringView device_found("BLE device found:");
 constexpr QLatin1StringView notice("<Notice>:");

@@ -16,7 +16,8 @@
  * Everything that differs between the two steps that read the log: their texts, lines and statements. The work is
  * written once. The texts are part of the log format, odd blanks and dashes included.
  */
-struct bluetooth_logs_ios_uid::log_step {
+struct bluetooth_logs_ios_uid::log_step
+{
     QStringView tab;                            ///< result table, as the examiner selects it
     QStringView function_info;                  ///< also the name of the connection to the result database
     QStringView open_failed;                    ///< followed by the path of the result database

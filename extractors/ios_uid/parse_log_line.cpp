@@ -5,8 +5,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr qsizetype date_length = 15; // "May 17 12:11:05"
 

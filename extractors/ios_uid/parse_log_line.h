@@ -8,14 +8,16 @@
 #include <QString>
 
 /** Where the texts of one kind of log line stand. */
-struct log_line_format {
+struct log_line_format
+{
     QLatin1StringView start;      ///< the parts of the line begin one character behind it
     QLatin1StringView identifier; ///< how the part with the device's identifier begins
     QLatin1StringView status_end; ///< the status stands before it; empty where lines have none
 };
 
 /** The texts of one log line. A part that the line lacks is null, one with nothing behind its name is empty. */
-struct log_line_fields {
+struct log_line_fields
+{
     QString identifier;
     QString device_name;
     QString model;

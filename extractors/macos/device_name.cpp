@@ -10,8 +10,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 void log_name(const QString &message)
 {

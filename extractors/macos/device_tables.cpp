@@ -5,8 +5,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr QLatin1StringView other_members[] = {"LastSeenTime"_L1, "LastConnectionTime"_L1};
 constexpr QLatin1StringView paired_members[] = {"LastSeenTime"_L1, "LastConnectionTime"_L1, "Tags"_L1,

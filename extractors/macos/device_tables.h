@@ -17,19 +17,22 @@
  * Everything that differs between the other-devices and the paired-devices database: their lists, texts and statements.
  * The work on them is written once. The texts are part of the log format, odd blanks included.
  */
-struct bluetooth_logs_macos::device_table {
+struct bluetooth_logs_macos::device_table
+{
     QStringView tab;       ///< result table, as the examiner selects it
     QStringView file_name; ///< of the database in the source and of its staged copy
     QStringList bluetooth_logs_macos::*found;
     QStringList bluetooth_logs_macos::*copied; ///< entry i is the copy of entry i of the found list
     QString bluetooth_logs_macos::*reader_input;
 
-    struct {
+    struct
+    {
         QStringView function_info;
         QStringView found_list_empty;
     } staging;
 
-    struct {
+    struct
+    {
         QStringView function_info;
         QStringView start;
         QStringView file; ///< followed by the path
@@ -41,7 +44,8 @@ struct bluetooth_logs_macos::device_table {
         QStringView end;
     } reading;
 
-    struct {
+    struct
+    {
         QStringView function_info; ///< also the name of the connection to the result database
         QStringView start;
         QStringView copied_list_empty;

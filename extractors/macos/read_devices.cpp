@@ -14,8 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** The advice of SQLite's makers for files from strangers: https://www.sqlite.org/security.html */
 constexpr QStringView untrusted_file_settings[] = {u"PRAGMA trusted_schema=OFF", u"PRAGMA cell_size_check=ON"};

@@ -8,8 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr qint64 line_count = 4000;
 constexpr qint64 device_line_distance = 80;

@@ -15,8 +15,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr QLatin1StringView connection_name("sample database");
 constexpr qint64 other_device_count = 1000;

@@ -12,8 +12,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr qint64 device_count = 12;
 constexpr int32_t first_update = 620000000; // seconds since 2001

@@ -13,8 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr const char *readme = R"(This folder holds synthetic samples written by "bluetooth-logs sample".
 

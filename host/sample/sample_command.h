@@ -9,7 +9,8 @@
 
 #include <QString>
 
-struct sample_options {
+struct sample_options
+{
     QString directory;
     bool force = false;
 };

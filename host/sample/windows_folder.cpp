@@ -5,8 +5,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr const char *placeholder = "A placeholder of a synthetic sample, not a registry hive.\n";
 

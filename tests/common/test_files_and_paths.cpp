@@ -21,8 +21,7 @@ using namespace Qt::StringLiterals;
 
 using library = plugin_static_function;
 
-namespace
-{
+namespace {
 
 const QString home_kind = u"macOS_Home_Directory"_s;
 

@@ -23,8 +23,7 @@ private Q_SLOTS:
     void time();
 };
 
-namespace
-{
+namespace {
 
 constexpr qsizetype characters = 10'000'000;
 
@@ -35,7 +34,8 @@ constexpr qint64 bearable_milliseconds = 1000;
 constexpr qint64 bearable_milliseconds = 8000; // without optimisation, or with sanitizers
 #endif
 
-constexpr struct {
+constexpr struct
+{
     const char *name;
     text_function function;
 } conversions[] = {

@@ -202,8 +202,7 @@ void test_plist_values::array_values()
     QCOMPARE(log.take_lines(), QStringList());
 }
 
-namespace
-{
+namespace {
 
 using plist_function = QString (*)(void *key, void *dictionary);
 
@@ -221,7 +220,8 @@ void test_plist_values::failures_are_logged_under_their_own_name_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArray>("value");
 
-    const struct {
+    const struct
+    {
         plist_function function;
         QString name;
         QByteArray accepted;

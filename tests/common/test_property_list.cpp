@@ -124,8 +124,7 @@ void test_property_list::encodings()
     QCOMPARE(parse_property_list(guarded_property_list(list)), QVariant(u"größe 🎧"_s));
 }
 
-namespace
-{
+namespace {
 
 /** Arrays or dictionaries inside each other. */
 QByteArray nested_xml(const QByteArray &open, const QByteArray &close, int levels)

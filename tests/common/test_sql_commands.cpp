@@ -13,8 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 const QString caller = u"void some_plugin::some_step()"_s;
 const QString reference_name = u"connection of the test"_s;
@@ -23,7 +22,8 @@ const QString reference_name = u"connection of the test"_s;
 using helper_call = QStringList (*)(const QString &command, const QStringList &values, QSqlDatabase &database,
                                     const QString &path);
 
-struct helper {
+struct helper
+{
     const char *name;
     helper_call call;
     bool binds;

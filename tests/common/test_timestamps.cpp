@@ -47,8 +47,7 @@ private:
     debug_log_capture log;
 };
 
-namespace
-{
+namespace {
 
 /** Seconds east of UTC of the zone that this program runs in. */
 qint64 local_offset(time_t seconds)

@@ -41,8 +41,7 @@ private:
     debug_log_capture log;
 };
 
-namespace
-{
+namespace {
 
 /** A file of @p size bytes that takes no room. */
 bool make_file(const QString &path, qint64 size)

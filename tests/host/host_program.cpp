@@ -7,8 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 constexpr int time_limit = 120000; // milliseconds; sanitizers and a busy machine take their time
 

@@ -10,7 +10,8 @@
 #include <QTemporaryDir>
 
 /** What a run of the program left behind. */
-struct host_result {
+struct host_result
+{
     int exit_code = -1; ///< -1: it did not end by itself
     QString output;
     QString errors;

@@ -84,8 +84,8 @@ void test_extract_ios::case_beside_the_log()
     // The log text is the evidence, not the folder that somebody put it into.
     const host_program host;
     host.write_sample();
-    const host_result result = host.run({u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s,
-                                         u"sample/ios/case"_s, u"--widen-ios-tables"_s});
+    const host_result result = host.run(
+        {u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s, u"sample/ios/case"_s, u"--widen-ios-tables"_s});
     QCOMPARE(result.errors, QString());
     QCOMPARE(result.exit_code, 0);
     QVERIFY(QFile::exists(host.path(u"sample/ios/case/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)));

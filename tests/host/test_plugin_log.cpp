@@ -21,8 +21,7 @@ private Q_SLOTS:
     void alike_failures_are_counted();
 };
 
-namespace
-{
+namespace {
 
 QString log_of(const QStringList &messages)
 {

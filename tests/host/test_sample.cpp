@@ -28,8 +28,7 @@ private Q_SLOTS:
     void what_is_no_sample_is_never_removed();
 };
 
-namespace
-{
+namespace {
 
 QMap<QString, QByteArray> hashes(const QString &folder)
 {

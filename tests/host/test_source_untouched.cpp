@@ -33,8 +33,7 @@ private:
     static void add_sources();
 };
 
-namespace
-{
+namespace {
 
 QByteArray hash_of(const QString &path)
 {

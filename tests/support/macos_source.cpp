@@ -7,8 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 sqlite_file make_database(const QString &path, const QString &table)
 {

@@ -6,10 +6,10 @@
 #include <QByteArrayView>
 #include <QTest>
 
-namespace
-{
+namespace {
 
-struct limit {
+struct limit
+{
     QByteArrayView platform;
     QByteArrayView test;
     QByteArrayView row; ///< empty for a test without rows

@@ -13,7 +13,8 @@
  *     template struct private_settings<thing, kept, &thing::path, &thing::count>;
  */
 template<typename Object, typename Settings, auto... members>
-struct private_settings {
+struct private_settings
+{
     friend Settings settings_of(const Object &object)
     {
         return {(object.*members)...};

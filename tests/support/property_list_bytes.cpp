@@ -5,8 +5,7 @@
 
 #include <QtEndian>
 
-namespace
-{
+namespace {
 
 constexpr char number_width = sizeof(quint32); // of references and offsets
 

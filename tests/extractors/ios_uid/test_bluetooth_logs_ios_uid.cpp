@@ -15,7 +15,8 @@ class ios_uid_backup_parser
 {
 };
 
-struct kept_settings {
+struct kept_settings
+{
     qint64 record_count = 0;
     int tab_processed_count = 0;
     plugin_helper_functions *plugin_helper_obj = nullptr;

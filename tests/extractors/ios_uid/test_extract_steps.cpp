@@ -17,8 +17,7 @@ using namespace Qt::StringLiterals;
 using step_function = void (bluetooth_logs_ios_uid::*)();
 Q_DECLARE_METATYPE(step_function)
 
-namespace
-{
+namespace {
 
 const QString available_name = u"bluetooth_logs_ios_uid::extract_available_devices"_s;
 const QString paired_name = u"bluetooth_logs_ios_uid::extract_paired_devices"_s;

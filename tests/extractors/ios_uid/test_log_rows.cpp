@@ -8,8 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace
-{
+namespace {
 
 /** A line that reports a device, synthetic like every log text here. */
 QByteArray found(const QByteArray &fields)

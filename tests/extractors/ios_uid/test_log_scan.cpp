@@ -16,8 +16,7 @@ using namespace Qt::StringLiterals;
 using marker_list = std::vector<QLatin1StringView>;
 Q_DECLARE_METATYPE(marker_list)
 
-namespace
-{
+namespace {
 
 constexpr qsizetype block_sizes[] = {1, 2, 3, 7, 16, 17, 18, 64, 1000, 1 << 16};
 

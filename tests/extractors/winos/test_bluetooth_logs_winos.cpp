@@ -17,7 +17,8 @@ using namespace Qt::StringLiterals;
 
 using account = struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_system_account;
 
-struct kept_settings {
+struct kept_settings
+{
     qint64 record_count = 0;
     int tab_processed_count = 0;
     plugin_helper_functions *plugin_helper_obj = nullptr;
