@@ -20,7 +20,7 @@ class ios_uid_backup_parser;
 namespace {
 
 /**
- * The plug-in as a host sees it that was built without our header: nothing but the order of the virtual operations
+ * The plug-in as a host sees it that never had our header: nothing but the order of the virtual operations
  * behind those of QFrame. The names here are the test's own.
  */
 class host_view : public QFrame

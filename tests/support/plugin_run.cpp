@@ -5,6 +5,16 @@
 
 using namespace Qt::StringLiterals;
 
+QStringList result_columns()
+{
+    // clang-format off
+    return {u"bookmark"_s, u"INT"_s, u"system_account"_s, u"uuid"_s, u"device_name"_s, u"address"_s,
+            u"last_seen_time"_s, u"last_connection_time"_s, u"apple_tags"_s, u"icloud_identifier"_s,
+            u"kaldo_tag_value"_s, u"notes_icon"_s, u"tags_icon"_s, u"os_scheme_display"_s, u"source_count_name"_s,
+            u"source_file"_s, u"artifacts_relation_source_file"_s, u"notes"_s};
+    // clang-format on
+}
+
 plugin_run::plugin_run()
     : tabs{u"devices"_s, u"paired_devices"_s}
 {

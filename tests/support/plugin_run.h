@@ -10,6 +10,9 @@
 
 #include <QTemporaryDir>
 
+/** The columns of both result tables, as the plug-in makes them, in order. */
+QStringList result_columns();
+
 /** One case with a frame in it that is driven in the documented order. Change the settings before prepare(). */
 class plugin_run
 {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/extractors/ios_uid/ios_uid_case.h"
+#include "tests/support/plugin_run.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -187,28 +188,10 @@ void test_log_rows::whole_rows()
     test.write_log(found("SFDevice ID 1, Nm 'a', Md 'b'") + active("X, PI 2, Nm 'c', Md 'd'"));
     test.extractor.ios_uid_extract_artifacts();
 
-    const QStringList plugin_columns = {u"bookmark"_s,
-                                        u"INT"_s,
-                                        u"system_account"_s,
-                                        u"uuid"_s,
-                                        u"device_name"_s,
-                                        u"address"_s,
-                                        u"last_seen_time"_s,
-                                        u"last_connection_time"_s,
-                                        u"apple_tags"_s,
-                                        u"icloud_identifier"_s,
-                                        u"kaldo_tag_value"_s,
-                                        u"notes_icon"_s,
-                                        u"tags_icon"_s,
-                                        u"os_scheme_display"_s,
-                                        u"source_count_name"_s,
-                                        u"source_file"_s,
-                                        u"artifacts_relation_source_file"_s,
-                                        u"notes"_s};
     const QString written =
         u"0|1|NULL|NULL|'%1'|NULL|NULL|NULL|NULL|NULL|NULL|NULL|NULL|'iOS 17'|'Source3'|NULL|NULL|NULL"_s;
-    QCOMPARE(test.results.quoted_rows(u"devices"_s, plugin_columns), QStringList{written.arg(u"a"_s)});
-    QCOMPARE(test.results.quoted_rows(u"paired_devices"_s, plugin_columns), QStringList{written.arg(u"c"_s)});
+    QCOMPARE(test.results.quoted_rows(u"devices"_s, result_columns()), QStringList{written.arg(u"a"_s)});
+    QCOMPARE(test.results.quoted_rows(u"paired_devices"_s, result_columns()), QStringList{written.arg(u"c"_s)});
     QCOMPARE(device_rows(test), QStringList{u"'a'|'b'|'1'|'Nov 15 20:32:16'"_s});
     QCOMPARE(paired_rows(test), QStringList{u"'2'|'c'|'d'|'Connected'|'Nov 15 20:32:16'"_s});
 }

@@ -15,25 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QStringList result_columns = {u"bookmark"_s,
-                                    u"INT"_s,
-                                    u"system_account"_s,
-                                    u"uuid"_s,
-                                    u"device_name"_s,
-                                    u"address"_s,
-                                    u"last_seen_time"_s,
-                                    u"last_connection_time"_s,
-                                    u"apple_tags"_s,
-                                    u"icloud_identifier"_s,
-                                    u"kaldo_tag_value"_s,
-                                    u"notes_icon"_s,
-                                    u"tags_icon"_s,
-                                    u"os_scheme_display"_s,
-                                    u"source_count_name"_s,
-                                    u"source_file"_s,
-                                    u"artifacts_relation_source_file"_s,
-                                    u"notes"_s};
-
 // What a whole run writes to the log, one text a line; "<case>" and "<source>" stand for the places of the test.
 const QString find_lines = uR"(bluetooth_logs_macos::find_source_file: [find_source_file] start
 bluetooth_logs_macos::find_source_file: [find_source_file] file found: <source>/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db
@@ -194,7 +175,7 @@ void test_macos_run::full_run()
 
     const QString other_file = u"'"_s + source->other_db() + u"'"_s;
     const QString paired_file = u"'"_s + source->paired_db() + u"'"_s;
-    QCOMPARE(run->database().quoted_rows(u"devices"_s, result_columns),
+    QCOMPARE(run->database().quoted_rows(u"devices"_s, result_columns()),
              QStringList({u"0|1|NULL|'UUID-1'|'Kopfhörer 🎧'|'Public B4:C2:6A:7F:D3:7A'|395626|2143|NULL|NULL|NULL|NULL|"
                           "NULL|'macOS 12.6'|'Source1'|"_s
                               + other_file + u"|NULL|NULL"_s,
@@ -204,7 +185,7 @@ void test_macos_run::full_run()
                           u"0|3|NULL|'UUID-2'|''|''|''|''|NULL|NULL|NULL|NULL|NULL|"
                           "'macOS 12.6'|'Source1'|"_s
                               + other_file + u"|NULL|NULL"_s}));
-    QCOMPARE(run->database().quoted_rows(u"paired_devices"_s, result_columns),
+    QCOMPARE(run->database().quoted_rows(u"paired_devices"_s, result_columns()),
              QStringList({u"0|1|NULL|'UUID-3'|'Uhr'|'Public 00:11:22:33:44:55'|NULL|NULL|'A,B'|'icloud'|NULL|NULL|NULL|"
                           "'macOS 12.6'|'Source1'|"_s
                               + paired_file + u"|NULL|NULL"_s,
