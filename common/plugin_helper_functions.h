@@ -17,7 +17,7 @@ class plugin_helper_functions
 {
 public:
     /** Fills the three extension lists. The parent is not kept: the object stands outside Qt's object tree. */
-    explicit plugin_helper_functions(QWidget *parent);
+    explicit plugin_helper_functions(QWidget *parent = nullptr);
     ~plugin_helper_functions();
 
     void set_essentials();
