@@ -287,7 +287,7 @@ QStringList plugin_static_function::get_total_tables_list_by_dbpath(QString db_p
     if (!database.isOpen())
         return {};
 
-    const QStringList names = database.tables(QSql::Tables);
+    QStringList names = database.tables(QSql::Tables);
     database.close();
     return names;
 }
