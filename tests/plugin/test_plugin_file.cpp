@@ -17,11 +17,10 @@ using namespace Qt::StringLiterals;
 
 class ios_uid_backup_parser;
 
-namespace {
-
 /**
  * The plug-in as a host sees it that never had our header: nothing but the order of the virtual operations
- * behind those of QFrame. The names here are the test's own.
+ * behind those of QFrame. The names here are the test's own. It has external
+ * linkage, or the compiler would know that no class of this program implements it.
  */
 class host_view : public QFrame
 {
@@ -46,8 +45,6 @@ public:
     virtual void remove_temporary_files() = 0;
     virtual void examiner_machine_info(struct_GLOBAL_KALDO_AND_ARTIFACT_COMMON_examiner_machine_info) = 0;
 };
-
-} // namespace
 
 /** The plug-in file itself, as the suite loads it. Its path is the first argument of the build. */
 class test_plugin_file : public QObject
