@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -63,7 +64,7 @@ QList<QJsonObject> read_rows(QSqlQuery &query, QJsonValue (*to_json)(const QVari
                 *member = to_json(value);
             ++member;
         }
-        rows.append(row);
+        rows.append(std::move(row));
     }
     return rows;
 }

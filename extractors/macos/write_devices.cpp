@@ -61,9 +61,11 @@ void bluetooth_logs_macos::write_devices(const device_table &table, const QList<
     const QString function_info = table.writing.function_info.toString();
     const QString statement = table.writing.insert_statement.toString();
     QSqlQuery query(database);
+    QStringList values; // keeps its room from row to row
     for (const QJsonObject &device : devices) {
         const auto text = [&device](QLatin1StringView member) { return device.value(member).toString(); };
-        QStringList values{u"0"_s, text("Uuid"_L1), text("Name"_L1), text("Address"_L1), source_file};
+        values.clear();
+        values << u"0"_s << text("Uuid"_L1) << text("Name"_L1) << text("Address"_L1) << source_file;
         for (const QLatin1StringView member : table.writing.members)
             values.append(text(member));
         values << os_scheme_display << plugin_static_function::get_source_count_name();
