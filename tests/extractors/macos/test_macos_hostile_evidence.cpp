@@ -22,6 +22,15 @@ const QString other_name = u"com.apple.MobileBluetooth.ledevices.other.db"_s;
 const QString no_such_table =
     u"bluetooth_logs_macos::read_other_devices:  -- READ WARNING -- no such table: OtherDevices Unable to execute statement"_s;
 
+/** The number at @p position in SQLite's variable-length form, and the position behind it. */
+std::pair<qint64, qsizetype> read_varint(const QByteArray &bytes, qsizetype position)
+{
+    qint64 number = 0;
+    while (bytes.at(position) & 0x80)
+        number = number << 7 | (bytes.at(position++) & 0x7f);
+    return {number << 7 | bytes.at(position), position + 1};
+}
+
 } // namespace
 
 /** The evidence's author is not on our side: nothing he wrote hangs or crashes the host, or makes it write to him. */
@@ -36,6 +45,7 @@ private Q_SLOTS:
     void ordinary_table_in_another_case();
     void damaged_page_data();
     void damaged_page();
+    void damaged_cell();
     void truncated_file();
     void things_that_are_no_files_data();
     void things_that_are_no_files();
@@ -142,6 +152,31 @@ void test_macos_hostile_evidence::damaged_page()
     QCOMPARE(reader_lines().mid(2),
              QStringList({prefix + u" -- READ WARNING -- database disk image is malformed Unable to fetch row"_s,
                           prefix + u"[read_other_devices] end"_s}));
+}
+
+void test_macos_hostile_evidence::damaged_cell()
+{
+    // The last cell of a leaf page is said to begin at the page's last byte. Every cell of a page is checked before the
+    // first is read: no row of that page arrives, where a lenient reader would give out all but the last.
+    const sqlite_file database = source->make_other();
+    database.execute_many(u"INSERT INTO OtherDevices(Name, Tags) VALUES('name', ?)"_s,
+                          QList<QVariantList>(3000, {QString(100, u'x')}));
+    QByteArray content = content_of(source->other_db());
+    const qsizetype page = content.size() / 4096 / 2 * 4096;
+    constexpr qsizetype header_bytes = 8;
+    QCOMPARE(content.at(page), '\x0d'); // a leaf of a table
+    const auto number_at = [&content](qsizetype position) {
+        return qsizetype(quint8(content.at(position))) << 8 | quint8(content.at(position + 1));
+    };
+    const qsizetype first_cell = page + number_at(page + header_bytes);
+    const qint64 first_row = read_varint(content, read_varint(content, first_cell).second).first;
+    const qsizetype last_pointer = page + header_bytes + 2 * (number_at(page + 3) - 1);
+    content.replace(last_pointer, 2, QByteArray("\x0f\xff"));
+    write_file(source->other_db(), content);
+
+    run->run();
+    QVERIFY(first_row > 1000 && first_row < 2000);
+    QCOMPARE(devices().size(), first_row - 1);
 }
 
 void test_macos_hostile_evidence::truncated_file()
