@@ -14,71 +14,88 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/** The fixed texts of one helper. All of them are part of the log format, odd blanks included. */
+// Texts are part of the log format, odd blanks included. Each is followed by what it names.
+
+/** What the log says when a file cannot be opened. */
+struct open_report
+{
+    QStringView path;
+    QStringView caller;
+    QStringView error;
+};
+
+/** What the log says when a statement fails. */
+struct statement_report
+{
+    QStringView path;
+    QStringView caller; // null: the report names no caller
+    QStringView command;
+    QStringView error;
+};
+
 struct helper_texts
 {
     QStringView signature;
-    QStringView open_failed; // followed by the path
-    QStringView open_caller; // followed by the caller text
-    QStringView open_error;  // followed by the connection's error
-    QStringView failed;      // followed by the path
-    QStringView caller;      // followed by the caller text
-    QStringView command;     // followed by the command
-    QStringView error;       // followed by the query's error
+    open_report opening;
+    statement_report statement;
     QStringView end;
 };
+
+constexpr QStringView statement_failed = u" query  --------FAILED------ db file - ";
+constexpr QStringView list_statement_failed = u" query  --------FAILED------db file - ";
+constexpr QStringView plain_caller = u"CALLER FUNCTION -  ";
+constexpr QStringView reference_caller = u" CALLER FUNCTION -  -  ";
+constexpr QStringView command_text = u" command -  ";
+constexpr QStringView error_text = u" error -  ";
+constexpr QStringView list_error_text = u"error -  ";
+constexpr QStringView list_end = u" end ";
+
+constexpr open_report no_opening{};
+constexpr open_report file_opening{u" Destination Db opening --------FAILED------ ", plain_caller, error_text};
+constexpr open_report list_file_opening{u"Destination Db opening --------FAILED------ ", plain_caller, list_error_text};
+
+constexpr statement_report file_statement{statement_failed, plain_caller, command_text, error_text};
+constexpr statement_report bound_file_statement{statement_failed, u" CALLER FUNCTION -  ", command_text, error_text};
+constexpr statement_report reference_statement{statement_failed, reference_caller, command_text, error_text};
+constexpr statement_report list_reference_statement{list_statement_failed, reference_caller, command_text, error_text};
+constexpr statement_report list_file_statement{u"query  --------FAILED------db file - ", plain_caller, u"command -  ",
+                                               list_error_text};
+constexpr statement_report existence_statement{u"[check_value_existence_in_db_by_dbpath] query --------FAILED------",
+                                               {},
+                                               u"[check_value_existence_in_db_by_dbpath]command",
+                                               u"[check_value_existence_in_db_by_dbpath] error"};
 
 // clang-format off
 constexpr helper_texts execute_by_path{
     u"static bool plugin_static_function::execute_db_command_by_dbpath(QString, QString, QString)",
-    u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  ",
-    u" query  --------FAILED------ db file - ", u"CALLER FUNCTION -  ", u" command -  ", u" error -  ", {}};
-
+    file_opening, file_statement, {}};
 constexpr helper_texts execute_bound_by_path{
     u"static bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbpath(QString, QStringList, QString, QString)",
-    u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  ",
-    u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  ", u" command -  ", u" error -  ", {}};
-
+    file_opening, bound_file_statement, {}};
 constexpr helper_texts execute_by_reference{
     u"static bool plugin_static_function::execute_db_command_by_dbreference(QString, QSqlDatabase &, QString)",
-    {}, {}, {},
-    u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  ", {}};
-
+    no_opening, reference_statement, {}};
 constexpr helper_texts execute_bound_by_reference{
     u"static bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbreference(QString, QStringList, QSqlDatabase &, QString)",
-    {}, {}, {},
-    u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  ", {}};
-
+    no_opening, reference_statement, {}};
 constexpr helper_texts list_by_path{
     u"static QStringList plugin_static_function::get_stringlist_from_db_by_dbpath(QString, int, QString, QString)",
-    u"Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u"error -  ",
-    u"query  --------FAILED------db file - ", u"CALLER FUNCTION -  ", u"command -  ", u"error -  ", u" end "};
-
+    list_file_opening, list_file_statement, list_end};
 constexpr helper_texts list_bound_by_path{
     u"static QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbpath(QString, QStringList, int, QString, QString)",
-    u"Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u"error -  ",
-    u"query  --------FAILED------db file - ", u"CALLER FUNCTION -  ", u"command -  ", u"error -  ", u" End "};
-
+    list_file_opening, list_file_statement, u" End "};
 constexpr helper_texts list_by_reference{
     u"static QStringList plugin_static_function::get_stringlist_from_db_by_dbreference(QString, int, QSqlDatabase &, QString)",
-    {}, {}, {},
-    u" query  --------FAILED------db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  ", u" end "};
-
+    no_opening, list_reference_statement, list_end};
 constexpr helper_texts list_bound_by_reference{
     u"static QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbreference(QString, QStringList, int, QSqlDatabase &, QString)",
-    {}, {}, {},
-    u" query  --------FAILED------db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  ", u" end "};
-
+    no_opening, list_reference_statement, list_end};
 constexpr helper_texts existence_by_reference{
     u"static bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString, int, QString, QSqlDatabase)",
-    {}, {}, {},
-    u"[check_value_existence_in_db_by_dbpath] query --------FAILED------", {},
-    u"[check_value_existence_in_db_by_dbpath]command", u"[check_value_existence_in_db_by_dbpath] error", {}};
-
+    no_opening, existence_statement, {}};
 constexpr helper_texts table_names_by_path{
     u"static QStringList plugin_static_function::get_total_tables_list_by_dbpath(QString, QString)",
-    u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  ",
-    {}, {}, {}, {}, {}};
+    file_opening, {}, {}};
 // clang-format on
 
 enum class outcome { done, failed, cancelled };
@@ -98,9 +115,9 @@ QSqlDatabase open_by_path(const helper_texts &texts, const QString &name, const 
 {
     QSqlDatabase database = open_sqlite_connection(name, db_path);
     if (!database.isOpen()) {
-        log_text(texts, texts.open_failed, db_path);
-        log_text(texts, texts.open_caller, caller);
-        log_text(texts, texts.open_error, database.lastError().text());
+        log_text(texts, texts.opening.path, db_path);
+        log_text(texts, texts.opening.caller, caller);
+        log_text(texts, texts.opening.error, database.lastError().text());
     }
     return database;
 }
@@ -118,11 +135,11 @@ outcome run(const helper_texts &texts, QSqlQuery &query, const QString &command,
     if (prepared && query.exec())
         return outcome::done;
 
-    log_text(texts, texts.failed, label);
-    if (!texts.caller.isNull())
-        log_text(texts, texts.caller, caller);
-    log_text(texts, texts.command, command);
-    log_text(texts, texts.error, query.lastError().text());
+    log_text(texts, texts.statement.path, label);
+    if (!texts.statement.caller.isNull())
+        log_text(texts, texts.statement.caller, caller);
+    log_text(texts, texts.statement.command, command);
+    log_text(texts, texts.statement.error, query.lastError().text());
     return outcome::failed;
 }
 
