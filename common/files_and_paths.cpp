@@ -87,6 +87,10 @@ void copy_tree(const QString &source, const QString &destination, QStringList en
         log_copy(u"[copy_directory] source diectory does not exist ----FAILED---- :"_s + source);
         return;
     }
+    if (destination.isEmpty()) { // "/name" would be a place of its own
+        log_destination_failure(destination, qt_error_string(ENOENT));
+        return;
+    }
     if (entered.contains(source_dir.canonicalPath()))
         return;
     entered.append(source_dir.canonicalPath());
@@ -120,10 +124,6 @@ QString with_leading_slash(const QString &path)
 
 void plugin_static_function::copy_directory(QString source, QString destination)
 {
-    if (destination.isEmpty() && QDir(source).exists()) { // "/name" would be a place of its own
-        log_destination_failure(destination, qt_error_string(ENOENT));
-        return;
-    }
     copy_tree(source, destination, {});
 }
 

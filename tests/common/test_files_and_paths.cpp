@@ -129,6 +129,8 @@ void test_files_and_paths::copy_of_a_missing_folder_data()
 void test_files_and_paths::copy_of_a_missing_folder()
 {
     QFETCH(QString, source);
+    library::copy_directory(source, u""_s);
+    QCOMPARE(log.take_lines().filter(u"source diectory does not exist ----FAILED---- :"_s).size(), 1);
     library::copy_directory(source, path(u"copy"_s));
     QCOMPARE(log.take_lines(),
              QStringList{u"[time][KALDO_DESK][Artifacts Extraction][plugin_static_function::copy_directory]:-- "
