@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/evidence_file.h"
+#include "common/function_log.h"
 #include "common/plugin_static_function.h"
 
 #include <QDir>
@@ -22,11 +23,7 @@ constexpr qint64 copy_block_bytes = 102400;
 constexpr QLatin1StringView home_directory_kind("macOS_Home_Directory");
 constexpr QLatin1StringView home_folders_parent("/Users/");
 
-void log_copy(const QString &message)
-{
-    plugin_static_function::app_debug(message,
-                                      u"static void plugin_static_function::copy_directory(QString, QString)"_s);
-}
+constexpr function_log log_copy(u"static void plugin_static_function::copy_directory(QString, QString)");
 
 void log_copy_failure(const QString &message, const QString &error)
 {

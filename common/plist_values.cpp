@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "common/function_log.h"
 #include "common/platform/platform.h"
 #include "common/plugin_static_function.h"
 
@@ -117,31 +118,31 @@ struct value_reader
 {
     std::optional<QString> (*text_of)(const QVariant &value); ///< nothing for a value of the wrong kind
     QStringView failure;
-    QStringView function_info;
+    function_log log;
 };
 
 // clang-format off
 constexpr value_reader string_values{
     string_text, u"[get_nsstring_values]-----FAILED----- to get value: ",
-    u"static QString plugin_static_function::get_nsstring_values(void *, void *)"};
+    function_log(u"static QString plugin_static_function::get_nsstring_values(void *, void *)")};
 constexpr value_reader number_values{
     number_text, u"[get_nsnumber_values]-----FAILED----- to get value: ",
-    u"static QString plugin_static_function::get_nsnumber_values(void *, void *)"};
+    function_log(u"static QString plugin_static_function::get_nsnumber_values(void *, void *)")};
 constexpr value_reader number_values_yes_no{
     yes_no_text, u"[get_nsnumber_values_yes_no]-----FAILED----- to get value: ",
-    u"static QString plugin_static_function::get_nsnumber_values_yes_no(void *, void *)"};
+    function_log(u"static QString plugin_static_function::get_nsnumber_values_yes_no(void *, void *)")};
 constexpr value_reader string_key_and_values{
     string_text, u"[get_nsstring_key_and_values]-----FAILED----- to get value: ",
-    u"static QString plugin_static_function::get_nsstring_key_and_values(void *, void *, QString)"};
+    function_log(u"static QString plugin_static_function::get_nsstring_key_and_values(void *, void *, QString)")};
 constexpr value_reader number_key_and_values{
     number_text, u"[get_nsnumber_key_and_values]-----FAILED----- to get value: ",
-    u"static QString plugin_static_function::get_nsnumber_key_and_values(void *, void *, QString)"};
+    function_log(u"static QString plugin_static_function::get_nsnumber_key_and_values(void *, void *, QString)")};
 constexpr value_reader number_key_and_value_yes_no{
     yes_no_text, u"[get_nsnumber_key_and_value_yes_no]-----FAILED----- to get value: ",
-    u"static QString plugin_static_function::get_nsnumber_key_and_value_yes_no(void *, void *, QString)"};
+    function_log(u"static QString plugin_static_function::get_nsnumber_key_and_value_yes_no(void *, void *, QString)")};
 constexpr value_reader array_key_and_values{
     array_text, u"[get_nsarray_key_and_values]-----FAILED----- to get value: ",
-    u"static QString plugin_static_function::get_nsarray_key_and_values(void *, void *, QString)"};
+    function_log(u"static QString plugin_static_function::get_nsarray_key_and_values(void *, void *, QString)")};
 // clang-format on
 
 /** The value's text, or nothing and a line in the log. */
@@ -149,8 +150,7 @@ std::optional<QString> read_value(const value_reader &reader, const void *key, c
 {
     std::optional<QString> text = reader.text_of(property_list_entry(dictionary, key));
     if (!text)
-        plugin_static_function::app_debug(reader.failure + property_list_value(key).toString(),
-                                          reader.function_info.toString());
+        reader.log(reader.failure + property_list_value(key).toString());
     return text;
 }
 

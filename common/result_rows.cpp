@@ -3,7 +3,6 @@
 
 #include "common/result_rows.h"
 
-#include "common/plugin_static_function.h"
 #include "common/sqlite_connection.h"
 
 #include <QSqlError>
@@ -11,14 +10,14 @@
 using namespace Qt::StringLiterals;
 
 bool insert_row_or_log(QSqlQuery &query, const QString &statement, const QStringList &values, const QString &detail,
-                       const QString &function_info)
+                       const function_log &log)
 {
     if (execute_with_values(query, statement, values))
         return true;
 
-    plugin_static_function::app_debug(u" query insert file------FAILED------"_s + detail, function_info);
-    plugin_static_function::app_debug(query.lastError().text(), function_info);
-    plugin_static_function::app_debug(query.executedQuery(), function_info);
+    log(u" query insert file------FAILED------"_s + detail);
+    log(query.lastError().text());
+    log(query.executedQuery());
     return false;
 }
 

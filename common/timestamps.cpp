@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/date_parsing.h"
+#include "common/function_log.h"
 #include "common/plugin_static_function.h"
 #include "common/text_parts.h"
 
@@ -168,8 +169,9 @@ QString plugin_static_function::convert_timestamp_to_human_readable_in_GMT(QStri
 
 QString plugin_static_function::convert_timestamp_to_human_readable_with_timezone(QString seconds)
 {
-    app_debug(u"[convert_timestamp_to_human_readable_with_timezone] Start"_s,
-              u"static QString plugin_static_function::convert_timestamp_to_human_readable_with_timezone(QString)"_s);
+    constexpr function_log log(
+        u"static QString plugin_static_function::convert_timestamp_to_human_readable_with_timezone(QString)");
+    log(u"[convert_timestamp_to_human_readable_with_timezone] Start");
     const int value = first_part(seconds.trimmed(), u".").toInt();
     if (value == 0)
         return {};

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/date_parsing.h"
+#include "common/function_log.h"
 #include "common/plugin_static_function.h"
 #include "common/text_parts.h"
 
@@ -103,11 +104,7 @@ std::optional<QChar> escaped_unit(QStringView text)
     return QChar(digits.toUShort(nullptr, 16));
 }
 
-void log_conversion(const QString &message)
-{
-    plugin_static_function::app_debug(message,
-                                      u"static QString plugin_static_function::convert_string_to_unicode(QString)"_s);
-}
+constexpr function_log log_conversion(u"static QString plugin_static_function::convert_string_to_unicode(QString)");
 
 } // namespace
 
@@ -211,14 +208,14 @@ QString plugin_static_function::get_filtered_date_value(QString date)
 
 QString plugin_static_function::convert_string_to_unicode(QString text)
 {
-    log_conversion(u" : running"_s);
+    log_conversion(u" : running");
     QString converted;
     qsizetype copied = 0;
     qsizetype steps = 0;
     for (qsizetype at = text.indexOf(escape_mark); at != -1; at = text.indexOf(escape_mark, copied)) {
         // An escape takes several characters, so only a scan that does not advance can pass this bound.
         if (++steps > text.size()) {
-            log_conversion(u" : infinite loop cross"_s);
+            log_conversion(u" : infinite loop cross");
             return text;
         }
         const qsizetype digits = at + escape_mark.size();

@@ -68,7 +68,7 @@ void bluetooth_logs_ios_uid::write_device(const log_step &step, const log_line_f
     values << os_scheme_display << plugin_static_function::get_source_count_name();
 
     if (!insert_row_or_log(query, step.insert_statement.toString(), values, destination_db_file_path,
-                           step.function_info.toString()))
+                           function_log(step.function_info)))
         return;
     ++record_count;
     if (is_progress_due(*elapsed_timer)) {

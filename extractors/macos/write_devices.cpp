@@ -70,7 +70,7 @@ void bluetooth_logs_macos::write_devices(const device_table &table, const QList<
             values.append(text(member));
         values << os_scheme_display << plugin_static_function::get_source_count_name();
 
-        if (!insert_row_or_log(query, statement, values, {}, function_info))
+        if (!insert_row_or_log(query, statement, values, {}, function_log(function_info)))
             continue;
         ++records_count;
         if (is_progress_due(*elapsed_timer)) {
