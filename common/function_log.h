@@ -22,6 +22,11 @@ public:
     {
     }
 
+    constexpr QStringView function_info() const
+    {
+        return info;
+    }
+
     /** Writes one line with plugin_static_function::app_debug(). */
     void operator()(QStringView message) const;
     void operator()(const QString &message) const;

@@ -102,7 +102,7 @@ public:
     /** Whether a row's column equals @p value; both are trimmed, case matters. */
     static bool check_value_existence_in_db_by_dbreference(QString command, int column, QString value,
                                                            QSqlDatabase database);
-    /** Names of the user tables; views and system tables are left out. */
+    /** Names of the tables that SQLite lists, its own such as "sqlite_sequence" among them; views are left out. */
     static QStringList get_total_tables_list_by_dbpath(QString db_path, QString caller);
 
     // Timestamps -------------------------------------------------------------------------------------------------

@@ -1,295 +1,265 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "common/function_log.h"
 #include "common/plugin_static_function.h"
 #include "common/sqlite_connection.h"
 
 #include <QDateTime>
 #include <QSqlError>
 
+#include <array>
 #include <cstdlib>
-#include <optional>
+#include <span>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// Texts are part of the log format, odd blanks included. Each is followed by what it names.
-
-/** What the log says when a file cannot be opened. */
-struct open_report
+/** What one function writes to the log. The texts are part of the log format, odd blanks included. */
+struct command_texts
 {
-    QStringView path;
-    QStringView caller;
-    QStringView error;
+    function_log log;
+    std::array<QStringView, 3> open_failed;  ///< followed by the file, the caller and the error; empty: opens no file
+    std::array<QStringView, 4> query_failed; ///< followed by the database, the caller (null: no such line), the command
+                                             ///< and the error; empty: runs no command
+    QStringView end;                         ///< null: has neither a start nor an end line
 };
-
-/** What the log says when a statement fails. */
-struct statement_report
-{
-    QStringView path;
-    QStringView caller; // null: the report names no caller
-    QStringView command;
-    QStringView error;
-};
-
-struct helper_texts
-{
-    QStringView signature;
-    open_report opening;
-    statement_report statement;
-    QStringView end;
-};
-
-constexpr QStringView statement_failed = u" query  --------FAILED------ db file - ";
-constexpr QStringView list_statement_failed = u" query  --------FAILED------db file - ";
-constexpr QStringView plain_caller = u"CALLER FUNCTION -  ";
-constexpr QStringView reference_caller = u" CALLER FUNCTION -  -  ";
-constexpr QStringView command_text = u" command -  ";
-constexpr QStringView error_text = u" error -  ";
-constexpr QStringView list_error_text = u"error -  ";
-constexpr QStringView list_end = u" end ";
-
-constexpr open_report no_opening{};
-constexpr open_report file_opening{u" Destination Db opening --------FAILED------ ", plain_caller, error_text};
-constexpr open_report list_file_opening{u"Destination Db opening --------FAILED------ ", plain_caller, list_error_text};
-
-constexpr statement_report file_statement{statement_failed, plain_caller, command_text, error_text};
-constexpr statement_report bound_file_statement{statement_failed, u" CALLER FUNCTION -  ", command_text, error_text};
-constexpr statement_report reference_statement{statement_failed, reference_caller, command_text, error_text};
-constexpr statement_report list_reference_statement{list_statement_failed, reference_caller, command_text, error_text};
-constexpr statement_report list_file_statement{u"query  --------FAILED------db file - ", plain_caller, u"command -  ",
-                                               list_error_text};
-constexpr statement_report existence_statement{u"[check_value_existence_in_db_by_dbpath] query --------FAILED------",
-                                               {},
-                                               u"[check_value_existence_in_db_by_dbpath]command",
-                                               u"[check_value_existence_in_db_by_dbpath] error"};
 
 // clang-format off
-constexpr helper_texts execute_by_path{
-    u"static bool plugin_static_function::execute_db_command_by_dbpath(QString, QString, QString)",
-    file_opening, file_statement, {}};
-constexpr helper_texts execute_bound_by_path{
-    u"static bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbpath(QString, QStringList, QString, QString)",
-    file_opening, bound_file_statement, {}};
-constexpr helper_texts execute_by_reference{
-    u"static bool plugin_static_function::execute_db_command_by_dbreference(QString, QSqlDatabase &, QString)",
-    no_opening, reference_statement, {}};
-constexpr helper_texts execute_bound_by_reference{
-    u"static bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbreference(QString, QStringList, QSqlDatabase &, QString)",
-    no_opening, reference_statement, {}};
-constexpr helper_texts list_by_path{
-    u"static QStringList plugin_static_function::get_stringlist_from_db_by_dbpath(QString, int, QString, QString)",
-    list_file_opening, list_file_statement, list_end};
-constexpr helper_texts list_bound_by_path{
-    u"static QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbpath(QString, QStringList, int, QString, QString)",
-    list_file_opening, list_file_statement, u" End "};
-constexpr helper_texts list_by_reference{
-    u"static QStringList plugin_static_function::get_stringlist_from_db_by_dbreference(QString, int, QSqlDatabase &, QString)",
-    no_opening, list_reference_statement, list_end};
-constexpr helper_texts list_bound_by_reference{
-    u"static QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbreference(QString, QStringList, int, QSqlDatabase &, QString)",
-    no_opening, list_reference_statement, list_end};
-constexpr helper_texts existence_by_reference{
-    u"static bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString, int, QString, QSqlDatabase)",
-    no_opening, existence_statement, {}};
-constexpr helper_texts table_names_by_path{
-    u"static QStringList plugin_static_function::get_total_tables_list_by_dbpath(QString, QString)",
-    file_opening, {}, {}};
+constexpr command_texts execute_by_path{
+    function_log(u"static bool plugin_static_function::execute_db_command_by_dbpath(QString, QString, QString)"),
+    {u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  "},
+    {u" query  --------FAILED------ db file - ", u"CALLER FUNCTION -  ", u" command -  ", u" error -  "},
+    {}};
+constexpr command_texts execute_bound_by_path{
+    function_log(u"static bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbpath(QString, QStringList, QString, QString)"),
+    {u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  "},
+    {u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  ", u" command -  ", u" error -  "},
+    {}};
+constexpr command_texts execute_by_reference{
+    function_log(u"static bool plugin_static_function::execute_db_command_by_dbreference(QString, QSqlDatabase &, QString)"),
+    {},
+    {u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  "},
+    {}};
+constexpr command_texts execute_bound_by_reference{
+    function_log(u"static bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbreference(QString, QStringList, QSqlDatabase &, QString)"),
+    {},
+    {u" query  --------FAILED------ db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  "},
+    {}};
+constexpr command_texts list_by_path{
+    function_log(u"static QStringList plugin_static_function::get_stringlist_from_db_by_dbpath(QString, int, QString, QString)"),
+    {u"Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u"error -  "},
+    {u"query  --------FAILED------db file - ", u"CALLER FUNCTION -  ", u"command -  ", u"error -  "},
+    u" end "};
+constexpr command_texts list_bound_by_path{
+    function_log(u"static QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbpath(QString, QStringList, int, QString, QString)"),
+    {u"Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u"error -  "},
+    {u"query  --------FAILED------db file - ", u"CALLER FUNCTION -  ", u"command -  ", u"error -  "},
+    u" End "};
+constexpr command_texts list_by_reference{
+    function_log(u"static QStringList plugin_static_function::get_stringlist_from_db_by_dbreference(QString, int, QSqlDatabase &, QString)"),
+    {},
+    {u" query  --------FAILED------db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  "},
+    u" end "};
+constexpr command_texts list_bound_by_reference{
+    function_log(u"static QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbreference(QString, QStringList, int, QSqlDatabase &, QString)"),
+    {},
+    {u" query  --------FAILED------db file - ", u" CALLER FUNCTION -  -  ", u" command -  ", u" error -  "},
+    u" end "};
+constexpr command_texts existence_by_reference{ // "_by_dbpath": text is part of the log format
+    function_log(u"static bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString, int, QString, QSqlDatabase)"),
+    {},
+    {u"[check_value_existence_in_db_by_dbpath] query --------FAILED------", {}, u"[check_value_existence_in_db_by_dbpath]command", u"[check_value_existence_in_db_by_dbpath] error"},
+    {}};
+constexpr command_texts table_names_by_path{
+    function_log(u"static QStringList plugin_static_function::get_total_tables_list_by_dbpath(QString, QString)"),
+    {u" Destination Db opening --------FAILED------ ", u"CALLER FUNCTION -  ", u" error -  "},
+    {},
+    {}};
 // clang-format on
 
-enum class outcome { done, failed, cancelled };
-
-void log_line(const helper_texts &texts, const QString &message)
+/** One call of one of the functions. */
+struct command_call
 {
-    plugin_static_function::app_debug(message, texts.signature.toString());
-}
+    const command_texts &texts;
+    QString caller;
+    QString command = {};
+    QStringList values = {};
+};
 
-void log_text(const helper_texts &texts, QStringView text, const QString &detail)
+enum class outcome { done, failed, cancelled_while_binding, cancelled_in_rows };
+
+struct column_texts
 {
-    log_line(texts, text + detail);
+    outcome end = outcome::done;
+    QStringList texts = {}; ///< of the rows that were read
+};
+
+/** One line for each text that is not null, followed by its detail. */
+void log_report(const function_log &log, std::span<const QStringView> texts, const QStringList &details)
+{
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (!texts[i].isNull())
+            log(texts[i] + details.at(qsizetype(i)));
+    }
 }
 
 /** Opens @p db_path under @p name; a failure is logged. */
-QSqlDatabase open_by_path(const helper_texts &texts, const QString &name, const QString &db_path, const QString &caller)
+QSqlDatabase open_file(const command_call &call, const QString &name, const QString &db_path)
 {
     QSqlDatabase database = open_sqlite_connection(name, db_path);
-    if (!database.isOpen()) {
-        log_text(texts, texts.opening.path, db_path);
-        log_text(texts, texts.opening.caller, caller);
-        log_text(texts, texts.opening.error, database.lastError().text());
-    }
+    if (!database.isOpen())
+        log_report(call.texts.log, call.texts.open_failed, {db_path, call.caller, database.lastError().text()});
     return database;
 }
 
-/** Prepares, binds and executes. The flag is tested before each value; a statement that fails is logged. */
-outcome run(const helper_texts &texts, QSqlQuery &query, const QString &command, const QStringList &values,
-            const QString &label, const QString &caller)
+/** Opens @p db_path under the function's and the caller's name, which stays registered until they open it again. */
+QSqlDatabase open_file_for_caller(const command_call &call, const QString &db_path)
 {
-    const bool prepared = query.prepare(command);
-    for (const QString &value : values) {
+    return open_file(call, call.texts.log.function_info() + call.caller, db_path);
+}
+
+/** Prepares, binds and executes. A failure is logged with @p database_label. */
+outcome run(const command_call &call, QSqlQuery &query, const QString &database_label)
+{
+    const bool is_prepared = query.prepare(call.command);
+    for (const QString &value : call.values) {
         if (plugin_static_function::bool_cancel_extraction)
-            return outcome::cancelled;
+            return outcome::cancelled_while_binding;
         query.addBindValue(value, QSql::In);
     }
-    if (prepared && query.exec())
+    if (is_prepared && query.exec())
         return outcome::done;
 
-    log_text(texts, texts.statement.path, label);
-    if (!texts.statement.caller.isNull())
-        log_text(texts, texts.statement.caller, caller);
-    log_text(texts, texts.statement.command, command);
-    log_text(texts, texts.statement.error, query.lastError().text());
+    log_report(call.texts.log, call.texts.query_failed,
+               {database_label, call.caller, call.command, query.lastError().text()});
     return outcome::failed;
 }
 
-bool execute_on_connection(const helper_texts &texts, const QString &command, const QStringList &values,
-                           QSqlDatabase &database, const QString &caller)
+column_texts read_column(const command_call &call, int column, const QSqlDatabase &database,
+                         const QString &database_label)
 {
     QSqlQuery query(database);
-    return run(texts, query, command, values, database.databaseName(), caller) == outcome::done;
+    query.setForwardOnly(true);
+    column_texts read{run(call, query, database_label)};
+    while (read.end == outcome::done && query.next()) {
+        if (plugin_static_function::bool_cancel_extraction)
+            read.end = outcome::cancelled_in_rows;
+        else
+            read.texts.append(query.value(column).toString().trimmed());
+    }
+    return read;
 }
 
-bool execute_on_file(const helper_texts &texts, const QString &command, const QStringList &values,
-                     const QString &db_path, const QString &caller)
+bool execute_on_connection(const command_call &call, QSqlDatabase &database)
 {
-    QSqlDatabase database = open_by_path(texts, texts.signature + caller, db_path, caller);
+    QSqlQuery query(database);
+    return run(call, query, database.databaseName()) == outcome::done;
+}
+
+bool execute_on_file(const command_call &call, const QString &db_path)
+{
+    QSqlDatabase database = open_file_for_caller(call, db_path);
     if (!database.isOpen())
         return false;
 
-    const outcome result = [&] {
+    const outcome end = [&] {
         QSqlQuery query(database);
-        return run(texts, query, command, values, db_path, caller);
+        return run(call, query, db_path);
     }();
-    // A cancelled call leaves its connection open; the next call of the same caller replaces it.
-    if (result != outcome::cancelled)
+    if (end != outcome::cancelled_while_binding) // a cancelled call leaves its connection open
         database.close();
-    return result == outcome::done;
+    return end == outcome::done;
 }
 
-/** Appends one column of every row to @p texts_read; false when the cancel flag stopped the reading. */
-bool read_column(QSqlQuery &query, int column, QStringList &texts_read)
+QStringList list_on_connection(const command_call &call, int column, QSqlDatabase &database)
 {
-    while (query.next()) {
-        if (plugin_static_function::bool_cancel_extraction)
-            return false;
-        texts_read.append(query.value(column).toString().trimmed());
-    }
-    return true;
+    call.texts.log(u" Start ");
+    const column_texts read = read_column(call, column, database, database.databaseName());
+    if (read.end == outcome::done)
+        call.texts.log(call.texts.end);
+    return read.texts;
 }
 
-struct list_result
+QStringList list_on_file(const command_call &call, int column, const QString &db_path)
 {
-    QStringList texts;
-    outcome end = outcome::done;    // failed: of the statement
-    bool cancelled_in_rows = false; // as opposed to before the statement ran
-};
-
-list_result read_list(const helper_texts &texts, const QString &command, const QStringList &values, int column,
-                      const QSqlDatabase &database, const QString &label, const QString &caller)
-{
-    list_result result;
-    QSqlQuery query(database);
-    query.setForwardOnly(true);
-    result.end = run(texts, query, command, values, label, caller);
-    if (result.end == outcome::done && !read_column(query, column, result.texts)) {
-        result.end = outcome::cancelled;
-        result.cancelled_in_rows = true;
-    }
-    return result;
-}
-
-QStringList list_on_connection(const helper_texts &texts, const QString &command, const QStringList &values, int column,
-                               QSqlDatabase &database, const QString &caller)
-{
-    log_line(texts, u" Start "_s);
-    const list_result result = read_list(texts, command, values, column, database, database.databaseName(), caller);
-    if (result.end == outcome::done)
-        log_line(texts, texts.end.toString());
-    return result.texts;
-}
-
-QStringList list_on_file(const helper_texts &texts, const QString &command, const QStringList &values, int column,
-                         const QString &db_path, const QString &caller)
-{
-    log_line(texts, u" Start "_s);
+    call.texts.log(u" Start ");
     const QString name = QString::number(std::rand()) + QString::number(QDateTime::currentMSecsSinceEpoch());
-    list_result result;
+    column_texts read{outcome::failed};
     {
-        QSqlDatabase database = open_by_path(texts, name, db_path, caller);
-        if (!database.isOpen())
-            result.end = outcome::failed;
-        else
-            result = read_list(texts, command, values, column, database, db_path, caller);
-        if (result.cancelled_in_rows)
-            return result.texts; // the connection stays open and registered
+        QSqlDatabase database = open_file(call, name, db_path);
+        if (database.isOpen())
+            read = read_column(call, column, database, db_path);
+        if (read.end == outcome::cancelled_in_rows)
+            return read.texts; // the connection stays open and registered
         database.close();
     }
     QSqlDatabase::removeDatabase(name);
-    if (result.end == outcome::done)
-        log_line(texts, texts.end.toString());
-    return result.texts;
+    if (read.end == outcome::done)
+        call.texts.log(call.texts.end);
+    return read.texts;
 }
 
 } // namespace
 
 bool plugin_static_function::execute_db_command_by_dbpath(QString command, QString db_path, QString caller)
 {
-    return execute_on_file(execute_by_path, command, {}, db_path, caller);
+    return execute_on_file({execute_by_path, caller, command}, db_path);
 }
 
 bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbpath(QString command, QStringList values,
                                                                             QString db_path, QString caller)
 {
-    return execute_on_file(execute_bound_by_path, command, values, db_path, caller);
+    return execute_on_file({execute_bound_by_path, caller, command, values}, db_path);
 }
 
 bool plugin_static_function::execute_db_command_by_dbreference(QString command, QSqlDatabase &database, QString caller)
 {
-    return execute_on_connection(execute_by_reference, command, {}, database, caller);
+    return execute_on_connection({execute_by_reference, caller, command}, database);
 }
 
 bool plugin_static_function::execute_db_command_with_addbindvalue_by_dbreference(QString command, QStringList values,
                                                                                  QSqlDatabase &database, QString caller)
 {
-    return execute_on_connection(execute_bound_by_reference, command, values, database, caller);
+    return execute_on_connection({execute_bound_by_reference, caller, command, values}, database);
 }
 
 QStringList plugin_static_function::get_stringlist_from_db_by_dbpath(QString command, int column, QString db_path,
                                                                      QString caller)
 {
-    return list_on_file(list_by_path, command, {}, column, db_path, caller);
+    return list_on_file({list_by_path, caller, command}, column, db_path);
 }
 
 QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbpath(QString command,
                                                                                         QStringList values, int column,
                                                                                         QString db_path, QString caller)
 {
-    return list_on_file(list_bound_by_path, command, values, column, db_path, caller);
+    return list_on_file({list_bound_by_path, caller, command, values}, column, db_path);
 }
 
 QStringList plugin_static_function::get_stringlist_from_db_by_dbreference(QString command, int column,
                                                                           QSqlDatabase &database, QString caller)
 {
-    return list_on_connection(list_by_reference, command, {}, column, database, caller);
+    return list_on_connection({list_by_reference, caller, command}, column, database);
 }
 
 QStringList plugin_static_function::get_stringlist_from_db_with_addbindvalues_by_dbreference(
     QString command, QStringList values, int column, QSqlDatabase &database, QString caller)
 {
-    return list_on_connection(list_bound_by_reference, command, values, column, database, caller);
+    return list_on_connection({list_bound_by_reference, caller, command, values}, column, database);
 }
 
 bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString command, int column, QString value,
                                                                         QSqlDatabase database)
 {
-    const list_result result = read_list(existence_by_reference, command, {}, column, database,
-                                         database.connectionName(), {});
-    if (result.end != outcome::done)
+    const column_texts read = read_column({existence_by_reference, {}, command}, column, database,
+                                          database.connectionName());
+    if (read.end != outcome::done)
         return false;
 
     const QString wanted = value.trimmed();
-    for (const QString &text : result.texts) {
+    for (const QString &text : read.texts) {
         if (bool_cancel_extraction)
             return false;
         if (text.trimmed() == wanted)
@@ -300,7 +270,7 @@ bool plugin_static_function::check_value_existence_in_db_by_dbreference(QString 
 
 QStringList plugin_static_function::get_total_tables_list_by_dbpath(QString db_path, QString caller)
 {
-    QSqlDatabase database = open_by_path(table_names_by_path, table_names_by_path.signature + caller, db_path, caller);
+    QSqlDatabase database = open_file_for_caller({table_names_by_path, caller}, db_path);
     if (!database.isOpen())
         return {};
 

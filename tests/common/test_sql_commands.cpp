@@ -11,6 +11,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -87,6 +89,8 @@ private Q_SLOTS:
     void failed_opening();
     void cancelled_while_binding_data();
     void cancelled_while_binding();
+    void values_are_bound_as_texts_data();
+    void values_are_bound_as_texts();
     void cancelled_in_rows_data();
     void cancelled_in_rows();
     void list_texts_are_trimmed_and_kept();
@@ -270,6 +274,20 @@ void test_sql_commands::cancelled_while_binding()
         QCOMPARE(tested->call(u"INSERT INTO t(a) VALUES('y')"_s, {}, database, file), QStringList{u"true"_s});
 }
 
+void test_sql_commands::values_are_bound_as_texts_data()
+{
+    add_helpers([](const helper &candidate) { return candidate.binds; });
+}
+
+void test_sql_commands::values_are_bound_as_texts()
+{
+    QFETCH(const helper *, tested);
+    sqlite_file(file).execute(u"CREATE TABLE untyped(number, null_text, empty)"_s);
+    tested->call(u"INSERT INTO untyped VALUES(?, ?, ?)"_s, {u"007"_s, QString(), u""_s}, database, file);
+    QCOMPARE(sqlite_file(file).quoted_rows(u"untyped"_s, {u"number"_s, u"null_text"_s, u"empty"_s}),
+             QStringList{u"'007'|NULL|''"_s});
+}
+
 void test_sql_commands::cancelled_in_rows_data()
 {
     add_helpers([](const helper &candidate) { return candidate.is_list; });
@@ -284,11 +302,16 @@ void test_sql_commands::cancelled_in_rows()
     QCOMPARE(tested->call(u"SELECT a FROM t"_s, {}, database, file), QStringList());
     QCOMPARE(log.take_messages(), QStringList{name + u":  Start "_s}); // no end marker
     QCOMPARE(QSqlDatabase::connectionNames().size(), tested->by_path ? 2 : 1);
-    if (tested->by_path) {
-        QStringList names = QSqlDatabase::connectionNames();
-        names.removeOne(reference_name);
-        QVERIFY(QSqlDatabase::database(names.first(), false).isOpen());
-    }
+    if (!tested->by_path)
+        return;
+
+    // Each call has a connection of its own, so that what the first left open stays open.
+    tested->call(u"SELECT a FROM t"_s, {}, database, file);
+    QStringList names = QSqlDatabase::connectionNames();
+    names.removeOne(reference_name);
+    QCOMPARE(names.size(), 2);
+    for (const QString &left : std::as_const(names))
+        QVERIFY(QSqlDatabase::database(left, false).isOpen());
 }
 
 void test_sql_commands::list_texts_are_trimmed_and_kept()
@@ -364,10 +387,11 @@ void test_sql_commands::existence_cancelled()
 void test_sql_commands::table_names()
 {
     sqlite_file(file).execute(u"CREATE VIEW v AS SELECT 1"_s);
-    sqlite_file(file).execute(u"CREATE TABLE u(a)"_s);
+    sqlite_file(file).execute(u"CREATE TABLE u(a INTEGER PRIMARY KEY AUTOINCREMENT)"_s);
+    sqlite_file(file).execute(u"ANALYZE"_s);
     QStringList names = library::get_total_tables_list_by_dbpath(file, caller);
     names.sort();
-    QCOMPARE(names, QStringList({u"t"_s, u"u"_s}));
+    QCOMPARE(names, QStringList({u"sqlite_sequence"_s, u"sqlite_stat1"_s, u"t"_s, u"u"_s}));
     const QString connection =
         u"static QStringList plugin_static_function::get_total_tables_list_by_dbpath(QString, QString)"_s + caller;
     QVERIFY(QSqlDatabase::contains(connection));
