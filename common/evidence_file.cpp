@@ -5,6 +5,7 @@
 
 #include <QDir>
 
+#include <algorithm>
 #include <cerrno>
 #include <deque>
 #include <filesystem>
@@ -42,11 +43,17 @@ std::filesystem::path to_std_path(const QString &path)
     return std::filesystem::path(QFile::encodeName(path).toStdString());
 }
 
+/** The path made absolute, links not followed. */
+std::filesystem::path as_written(const QString &path)
+{
+    return to_std_path(QDir::cleanPath(QDir().absoluteFilePath(path)));
+}
+
 /**
- * The place that @p path leads to, with every link on the way followed. Unlike the library's own functions it also
- * follows a link to something that does not exist: opening that link for writing would create the thing.
+ * The place that @p path leads to when every link on the way is followed. Unlike the standard library's functions this
+ * one also follows a link to something that does not exist: opening that link for writing would create the thing.
  */
-std::filesystem::path resolved(const QString &path)
+std::filesystem::path with_links_followed(const QString &path)
 {
     constexpr int most_links = 40; // as many as the kernel follows; opening a longer chain fails
     const std::filesystem::path start = to_std_path(QDir().absoluteFilePath(path));
@@ -63,19 +70,44 @@ std::filesystem::path resolved(const QString &path)
         else
             parts.insert(parts.begin(), target.begin(), target.end());
     }
-    return place;
+    return place.has_filename() ? place : place.parent_path(); // without a final "/"
 }
 
-bool is_at_or_below(const std::filesystem::path &path, const std::filesystem::path &root)
+/** Compares what exists by its identity: one folder can have names that differ in case or lie elsewhere. */
+bool is_same_place(const std::filesystem::path &first, const std::filesystem::path &second)
 {
-    const std::filesystem::path relative = path.lexically_relative(root);
-    return !relative.empty() && *relative.begin() != "..";
+    std::error_code error;
+    return first == second || std::filesystem::equivalent(first, second, error);
 }
 
-/** The path as it is written, made absolute, links not followed. */
-std::filesystem::path written(const QString &path)
+bool is_at_or_below(std::filesystem::path place, const std::filesystem::path &root)
 {
-    return to_std_path(QDir::cleanPath(QDir().absoluteFilePath(path)));
+    while (!is_same_place(place, root)) {
+        if (!place.has_relative_path())
+            return false;
+        place = place.parent_path();
+    }
+    return true;
+}
+
+bool is_written_below(const std::filesystem::path &path, const std::filesystem::path &root)
+{
+    return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
+}
+
+/** Whether the way to @p path comes through @p root before it comes to a link. */
+bool is_in_plain_sight(const std::filesystem::path &path, const std::filesystem::path &root)
+{
+    std::filesystem::path way;
+    for (const std::filesystem::path &part : path) {
+        way /= part;
+        std::error_code error;
+        if (std::filesystem::is_symlink(way, error))
+            return false;
+        if (is_same_place(way, root))
+            return true;
+    }
+    return false;
 }
 
 bool copy_content(QFile &source, QFile &target)
@@ -91,9 +123,9 @@ bool copy_content(QFile &source, QFile &target)
 
 } // namespace
 
-QString open_evidence_file(QFile &file)
+std::optional<QString> open_evidence_file(QFile &file)
 {
-    // These texts are QFile's own, for callers that report them as the file's error.
+    // QFile itself words these errors so.
     if (file.fileName().isEmpty())
         return u"No file name specified"_s;
     const int descriptor = open_descriptor(QFile::encodeName(file.fileName()));
@@ -113,7 +145,8 @@ bool copy_evidence_file(const QString &source, const QString &target)
 {
     QFile source_file(source);
     QFile target_file(target);
-    if (!open_evidence_file(source_file).isNull() || !target_file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+    const std::optional<QString> error = open_evidence_file(source_file);
+    if (error || !target_file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return false;
 
     if (copy_content(source_file, target_file))
@@ -122,10 +155,13 @@ bool copy_evidence_file(const QString &source, const QString &target)
     return false;
 }
 
-bool is_linked_below(const QString &path, const QString &root)
+bool is_safe_target(const QString &path, const QString &source_root)
 {
-    return !root.isEmpty() && is_at_or_below(resolved(path), resolved(root))
-           && !is_at_or_below(written(path), written(root));
+    if (source_root.isEmpty())
+        return true;
+    const std::filesystem::path root = with_links_followed(source_root);
+    return !is_at_or_below(with_links_followed(path), root)
+           || is_written_below(as_written(path), as_written(source_root)) || is_in_plain_sight(as_written(path), root);
 }
 
 bool is_same_file(const QString &first, const QString &second)

@@ -7,17 +7,18 @@
 #include <QFile>
 #include <QString>
 
-/**
- * Evidence is written by the other side: these functions touch it without changing it, without being held up by it and
- * without being led into writing to it.
- */
+#include <optional>
+
+// An adversary may have made the evidence. These functions read it without changing it, never wait for it, and are not
+// led by it into writing to the source.
 
 /**
  * Opens the regular file that @p file names, read-only and without changing its access time where the system allows
- * it. Anything else (a directory, a FIFO, a device) fails, and never blocks. Returns the error's text, as
- * QFile::open() would word it, null when the file is open; @p file has no name then, as Qt keeps none for a descriptor.
+ * it. Returns nothing when the file is open; @p file has no name then, as Qt keeps none for a descriptor. Anything but
+ * a regular file (a directory, a FIFO, a device) fails at once. A failure returns the text with which QFile::open()
+ * would explain it.
  */
-QString open_evidence_file(QFile &file);
+std::optional<QString> open_evidence_file(QFile &file);
 
 /**
  * Copies the regular file @p source to @p target, byte by byte. Never overwrites and never follows a link at the
@@ -26,12 +27,13 @@ QString open_evidence_file(QFile &file);
 bool copy_evidence_file(const QString &source, const QString &target);
 
 /**
- * Whether a link on the way leads @p path, which need not exist, to a place at or below @p root. False for a path that
- * is written below the root in plain sight, and for an empty root.
+ * Whether a result may be written at @p path, which need not exist. It may not where a link on the way leads it to a
+ * place at or below @p source_root. A path that lies there in plain sight, before any link on its way, is the host's
+ * own choice; with an empty root every path is safe.
  */
-bool is_linked_below(const QString &path, const QString &root);
+bool is_safe_target(const QString &path, const QString &source_root);
 
-/** Whether both paths name one existing file, be it by a symbolic or a hard link. */
+/** Whether both paths name one existing file, by the same name, a symbolic link or a hard link. */
 bool is_same_file(const QString &first, const QString &second);
 
 #endif

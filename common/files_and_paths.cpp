@@ -40,9 +40,9 @@ void log_destination_failure(const QString &destination, const QString &error)
 bool open_for_copy(QFile &source, QFile &destination)
 {
     const QString source_path = source.fileName();
-    const QString source_error = open_evidence_file(source);
-    if (!source_error.isNull()) {
-        log_copy_failure(u"[copy_directory] source file open ----FAILED---- :"_s + source_path, source_error);
+    const std::optional<QString> source_error = open_evidence_file(source);
+    if (source_error) {
+        log_copy_failure(u"[copy_directory] source file open ----FAILED---- :"_s + source_path, *source_error);
         return false;
     }
     QString destination_error;

@@ -29,7 +29,7 @@ QSqlDatabase open_sqlite_connection(const QString &name, const QString &file)
 QSqlDatabase open_result_database(const QString &name, const QString &file, const QString &source_root)
 {
     QSqlDatabase database = add_connection(name, file);
-    if (!is_linked_below(file, source_root))
+    if (is_safe_target(file, source_root))
         database.open();
     return database;
 }

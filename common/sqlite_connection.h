@@ -11,11 +11,11 @@
 
 /**
  * Registers a "QSQLITE" connection under @p name, in place of an older one of that name, and opens @p file; SQLite
- * creates a missing file. Whether that worked tells isOpen() of the result, and why not its lastError().
+ * creates a missing file. Check isOpen() on the result; lastError() says why it failed.
  */
 QSqlDatabase open_sqlite_connection(const QString &name, const QString &file);
 
-/** The same for a result database; a file that a link leads below @p source_root is not opened. */
+/** The same for a result database; a file that is no safe target beside @p source_root is not opened. */
 QSqlDatabase open_result_database(const QString &name, const QString &file, const QString &source_root);
 
 /**

@@ -28,7 +28,7 @@ void bluetooth_logs::set_destination_location(QString dir)
     destination_db_file = plugin_result_directory + file_name + u".sqlite"_s;
 
     // A link in the result folder must not lead us, or the helper's copies, into the evidence.
-    const bool is_safe = !is_linked_below(temp_directory, source_root_path);
+    const bool is_safe = is_safe_target(temp_directory, source_root_path);
     if (is_safe) {
         QDir().mkpath(plugin_result_directory);
         QDir().mkpath(temp_directory);
@@ -76,7 +76,7 @@ void bluetooth_logs::create_db_tables()
 void bluetooth_logs::clear_db_tables()
 {
     const QString function_info = u"void bluetooth_logs::clear_db_tables()"_s;
-    if (!QFile::exists(destination_db_file) || is_linked_below(destination_db_file, source_root_path)) {
+    if (!QFile::exists(destination_db_file) || !is_safe_target(destination_db_file, source_root_path)) {
         plugin_static_function::app_debug(u"[clear_db_tables]DB not exists and so returning..."_s, function_info);
         return;
     }
@@ -91,6 +91,6 @@ void bluetooth_logs::clear_db_tables()
 
 void bluetooth_logs::remove_temporary_directory()
 {
-    if (!is_linked_below(plugin_result_directory, source_root_path))
+    if (is_safe_target(plugin_result_directory, source_root_path))
         plugin_static_function::remove_directory(temp_directory);
 }

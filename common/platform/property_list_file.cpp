@@ -10,7 +10,8 @@
 QVariant read_property_list(const QString &path)
 {
     QFile file(path);
-    if (!open_evidence_file(file).isNull())
+    const std::optional<QString> error = open_evidence_file(file);
+    if (error)
         return {};
     // One byte more than allowed shows that a file is too large, even one that grows meanwhile.
     const QByteArray guarded = guarded_property_list(file.read(largest_property_list_bytes + 1));

@@ -44,9 +44,9 @@ bool bluetooth_logs_ios_uid::read_log(const log_step &step, QSqlDatabase &databa
 {
     QFile file(source_log_file_path);
     const auto log_error = [&step](const QString &error) { step.log(u" Error :- "_s + error); };
-    if (const QString error = open_evidence_file(file); !error.isNull()) {
+    if (const std::optional<QString> error = open_evidence_file(file)) {
         step.log(u" source file open ------FAILED-------"_s + source_log_file_path);
-        log_error(error);
+        log_error(*error);
         return false;
     }
 

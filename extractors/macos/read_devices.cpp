@@ -151,7 +151,7 @@ QString bluetooth_logs_macos::database_to_read(const device_table &table) const
 {
     const QString &copy = this->*table.reader_input;
     const auto is_copy = [&copy](const QString &source) { return is_same_file(copy, source); };
-    if (is_linked_below(copy, source_root_path)
+    if (!is_safe_target(copy, source_root_path)
         || std::any_of(source_file_other_list.cbegin(), source_file_other_list.cend(), is_copy)
         || std::any_of(source_file_paired_list.cbegin(), source_file_paired_list.cend(), is_copy))
         return u":memory:"_s;

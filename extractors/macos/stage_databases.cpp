@@ -46,11 +46,11 @@ void bluetooth_logs_macos::copy_source_db(const device_table &table)
             log(u"[copy_source_bluetooth_dbs] temp_path exists: "_s + temp_path);
         } else {
             log(u"[copy_source_bluetooth_dbs] temp_path does not exist, creating: "_s + temp_path);
-            if (!is_linked_below(temp_path, source_root_path))
+            if (is_safe_target(temp_path, source_root_path))
                 QDir().mkpath(temp_path);
         }
         // A copy that cannot be made shows when it is read.
-        if (!is_linked_below(copy, source_root_path))
+        if (is_safe_target(copy, source_root_path))
             copy_evidence_file(source, copy);
     }
     log(u"[copy_source_bluetooth_dbs] end"_s);
