@@ -7,9 +7,6 @@
 #include <QDateTime>
 #include <QString>
 
-/** Unix seconds of 2001-01-01 00:00:00 UTC, from which Apple's reference dates count. */
-inline constexpr qint64 apple_reference_date = 978307200;
-
 /**
  * The date and time that @p text shows in the Qt pattern @p pattern, taken as UTC; an invalid date when the text does
  * not match as a whole. Month names and AM/PM are English and the machine's own zone has no part in it: a time that

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/function_log.h"
-#include "common/platform/platform.h"
+#include "common/platform/property_list.h"
 #include "common/plugin_static_function.h"
 
 #include <QDateTime>

@@ -3,11 +3,13 @@
 
 #include "common/date_parsing.h"
 #include "common/function_log.h"
+#include "common/platform/reference_date.h"
 #include "common/plugin_static_function.h"
 #include "common/text_parts.h"
 
 #include <QDateTime>
 #include <QFileInfo>
+#include <QTimeZone>
 #include <QtNumeric>
 
 #include <time.h>
@@ -98,7 +100,7 @@ QString plugin_static_function::convert_epoch_to_custom(QString seconds)
         return negative_time_text(shown);
     if (qSubOverflow(shown, examiner_machine_timezone_offset_qint64, &shown))
         return {};
-    return QDateTime::fromSecsSinceEpoch(shown, Qt::UTC).toString(selected_format().pattern);
+    return QDateTime::fromSecsSinceEpoch(shown, QTimeZone::utc()).toString(selected_format().pattern);
 }
 
 QString plugin_static_function::convert_apple_time_to_epoch(QString seconds)
@@ -164,7 +166,7 @@ QString plugin_static_function::convert_timestamp_to_human_readable_in_GMT(QStri
     const int value = first_part(seconds.trimmed(), u".").toInt();
     if (value == 0)
         return {};
-    return QDateTime::fromSecsSinceEpoch(value, Qt::UTC).toString(selected_format().pattern);
+    return QDateTime::fromSecsSinceEpoch(value, QTimeZone::utc()).toString(selected_format().pattern);
 }
 
 QString plugin_static_function::convert_timestamp_to_human_readable_with_timezone(QString seconds)
@@ -177,7 +179,7 @@ QString plugin_static_function::convert_timestamp_to_human_readable_with_timezon
         return {};
     if (value < 0)
         return negative_time_text(value);
-    return QDateTime::fromSecsSinceEpoch(value, Qt::LocalTime).toString(selected_format().local_time_pattern);
+    return QDateTime::fromSecsSinceEpoch(value).toString(selected_format().local_time_pattern);
 }
 
 QString plugin_static_function::convert_T_Z_time_to_epoch(QString date)

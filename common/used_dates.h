@@ -4,7 +4,7 @@
 #ifndef COMMON_USED_DATES_H
 #define COMMON_USED_DATES_H
 
-#include "common/platform/platform.h"
+#include "common/platform/spotlight.h"
 #include "common/shared_records.h"
 
 /**

@@ -3,6 +3,7 @@
 
 #include "common/date_parsing.h"
 #include "common/function_log.h"
+#include "common/platform/reference_date.h"
 #include "common/plugin_static_function.h"
 #include "common/text_parts.h"
 

@@ -28,7 +28,7 @@ const QString records_header = u"common/shared_records.h"_s;
 /** The floors of the house, the ground first. A folder that is not listed may not hold sources. */
 // clang-format off
 const folder_rule folder_rules[] = {
-    {u"common/platform"_s,      {u"common/evidence_file.h"_s}},
+    {u"common/platform"_s,      {}},
     {u"common"_s,               {u"common/platform"_s}},
     {u"common/property_list"_s, {u"common"_s, u"common/platform"_s}},
     {u"extractors/ios_uid"_s,   {u"common"_s}},

@@ -3,7 +3,7 @@
 
 #include "common/platform/foundation.h"
 
-#include "common/platform/platform.h"
+#include "common/platform/property_list.h"
 #include "common/platform/reference_date.h"
 
 #include <limits>

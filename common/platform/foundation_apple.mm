@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/platform/foundation.h"
-#include "common/platform/platform.h"
+#include "common/platform/spotlight.h"
 
 #include <memory>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "common/platform/platform.h"
+#include "common/platform/property_list.h"
 #include "common/platform/reference_date.h"
 
 #include <QDateTime>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "common/platform/platform.h"
+#include "common/platform/spotlight.h"
 
 spotlight_descriptions read_spotlight_descriptions(const QString &path)
 {

@@ -6,8 +6,11 @@
 
 #include <QDateTime>
 
+/** Unix seconds of 2001-01-01 00:00:00 UTC, from which Apple's reference dates count. */
+inline constexpr qint64 apple_reference_date = 978307200;
+
 /**
- * The date that property lists store as @p seconds since 2001-01-01 UTC, in UTC. Parts of a second are cut off
+ * The date in UTC that property lists store as @p seconds since apple_reference_date. Parts of a second are cut off
  * backwards in time. Invalid outside the years 1 to 9999, and for what is no number.
  */
 QDateTime date_of_reference_seconds(double seconds);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "common/platform/property_list_file.h"
+#include "common/property_list/property_list_file.h"
 #include "common/plugin_static_function.h"
 #include "extractors/macos/bluetooth_logs_macos.h"
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "common/platform/platform.h"
-#include "common/platform/property_list_file.h"
-#include "common/platform/property_list_guard.h"
+#include "common/platform/property_list.h"
+#include "common/property_list/property_list_file.h"
+#include "common/property_list/property_list_guard.h"
 #include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
 
@@ -14,6 +14,7 @@
 #include <QStringEncoder>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimeZone>
 
 #include <limits>
 
@@ -54,7 +55,7 @@ void test_property_list::values_data()
     QTest::addColumn<QByteArray>("list");
     QTest::addColumn<QVariant>("value");
 
-    const QDateTime date(QDate(2020, 5, 3), QTime(10, 0), Qt::UTC);
+    const QDateTime date(QDate(2020, 5, 3), QTime(10, 0), QTimeZone::utc());
     // clang-format off
     QTest::newRow("text")              << xml_list("<string> größe 🎧 &amp; </string>")        << QVariant(u" größe 🎧 & "_s);
     QTest::newRow("empty text")        << xml_list("<string/>")                                << QVariant(u""_s);

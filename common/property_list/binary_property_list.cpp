@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "common/platform/binary_property_list.h"
+#include "common/property_list/binary_property_list.h"
 
 namespace {
 
@@ -19,9 +19,15 @@ enum object_kind : quint64 {
     dictionary = 0xD,
 };
 
+/** False for numbers, dates and the like. */
+bool has_count(quint64 kind)
+{
+    return kind >= data && (kind <= utf16 || kind >= array);
+}
+
 } // namespace
 
-binary_property_list::binary_property_list(const QByteArray &list)
+binary_property_list::binary_property_list(QByteArrayView list)
     : bytes(list)
     , size(static_cast<quint64>(list.size()))
 {
@@ -35,49 +41,32 @@ binary_property_list::binary_property_list(const QByteArray &list)
     table = number(trailer + 24, 8).value_or(0);
 }
 
-bool binary_property_list::is_one(const QByteArray &list)
+bool binary_property_list::has_magic(QByteArrayView list)
 {
     return list.startsWith(magic);
 }
 
 std::optional<binary_property_list::object_view> binary_property_list::object(quint64 index) const
 {
-    if (index >= object_count || index >= size || table >= size)
-        return {};
-    const std::optional<quint64> offset = number(table + index * offset_width, offset_width);
-    const std::optional<quint64> marker = offset ? number(*offset, 1) : std::nullopt;
-    if (!marker)
+    const std::optional<object_header> found = header(index);
+    if (!found || found->count >= size)
         return {};
 
-    const quint64 kind = *marker >> 4;
-    if (kind < data || (kind > utf16 && kind < array))
-        return object_view(); // a number, a date or the like
-    quint64 count = *marker & 0xF;
-    quint64 content = *offset + 1;
-    if (count == 0xF) { // the count stands behind, as an integer object
-        const std::optional<quint64> width_marker = number(content, 1);
-        const quint64 width = width_marker && *width_marker >> 4 == 1 ? quint64(1) << (*width_marker & 0xF) : 0;
-        count = number(content + 1, width).value_or(size);
-        content += 1 + width;
-    }
-    if (count >= size)
-        return {};
-
-    switch (kind) {
+    switch (found->kind) {
     case data:
-        return object_view{count, 0, 0};
+        return object_view{found->count, 0, 0};
     case ascii:
-        return text_object(content, count, 1);
+        return text_object(found->content, found->count, 1);
     case utf16:
-        return text_object(content, count, 2);
+        return text_object(found->content, found->count, 2);
     case array:
     case ordered_set:
     case set:
-        return object_view{0, content, count};
+        return object_view{0, found->content, found->count};
     case dictionary:
-        return object_view{0, content, count * 2};
+        return object_view{0, found->content, found->count * 2};
     default:
-        return {};
+        return has_count(found->kind) ? std::nullopt : std::optional(object_view());
     }
 }
 
@@ -86,7 +75,26 @@ std::optional<quint64> binary_property_list::reference(const object_view &contai
     return number(container.first_reference + index * reference_width, reference_width);
 }
 
-/** The number of @p width bytes at @p position, unless it lies outside or has a width that no writer uses. */
+std::optional<binary_property_list::object_header> binary_property_list::header(quint64 index) const
+{
+    if (index >= object_count || index >= size || table >= size)
+        return {};
+    const std::optional<quint64> offset = number(table + index * offset_width, offset_width);
+    const std::optional<quint64> marker = offset ? number(*offset, 1) : std::nullopt;
+    if (!marker)
+        return {};
+
+    object_header found{*marker >> 4, *marker & 0xF, *offset + 1};
+    if (has_count(found.kind) && found.count == 0xF) { // the count stands behind, as an integer object
+        const std::optional<quint64> width_marker = number(found.content, 1);
+        const quint64 width = width_marker && *width_marker >> 4 == 1 ? quint64(1) << (*width_marker & 0xF) : 0;
+        found.count = number(found.content + 1, width).value_or(size);
+        found.content += 1 + width;
+    }
+    return found;
+}
+
+/** The number of @p width bytes at @p position, unless it it lies outside or has a width that no writer uses. */
 std::optional<quint64> binary_property_list::number(quint64 position, quint64 width) const
 {
     if (width < 1 || (width > 4 && width != 8) || position > size || width > size - position)

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "common/platform/property_list_guard.h"
+#include "common/property_list/property_list_guard.h"
 
-#include "common/platform/binary_property_list.h"
+#include "common/property_list/binary_property_list.h"
 
 #include <QStringDecoder>
 #include <QXmlStreamReader>
@@ -16,11 +16,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/** What may still be built of a list before it counts as hostile. */
+/** How much a parser may still build before the list is refused. */
 class tree_budget
 {
 public:
-    /** False when a level is too deep, or when nodes with this many bytes of content are too much. */
+    /** False when the level is too deep, or when so many nodes with so many bytes of content are too much. */
     bool spend(int level, quint64 nodes, quint64 content_bytes)
     {
         const quint64 cost = nodes * bytes_per_node + content_bytes;
@@ -35,8 +35,7 @@ private:
     quint64 left = 64 << 20;
 };
 
-/** Visits the objects as a parser does, each as often as it is referred to, but without a stack frame for each level.
- */
+/** Visits each object as often as others refer to it, as a parser does, but without a stack frame for each level. */
 bool is_harmless_binary(const QByteArray &bytes)
 {
     struct visit
@@ -127,7 +126,7 @@ QByteArray guarded_property_list(const QByteArray &bytes)
 {
     if (bytes.size() > largest_property_list_bytes)
         return {};
-    if (!binary_property_list::is_one(bytes))
+    if (!binary_property_list::has_magic(bytes))
         return rewritten_xml(bytes);
     return is_harmless_binary(bytes) ? bytes : QByteArray();
 }

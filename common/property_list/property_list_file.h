@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef COMMON_PLATFORM_PROPERTY_LIST_FILE_H
-#define COMMON_PLATFORM_PROPERTY_LIST_FILE_H
+#ifndef COMMON_PROPERTY_LIST_PROPERTY_LIST_FILE_H
+#define COMMON_PROPERTY_LIST_PROPERTY_LIST_FILE_H
 
 #include <QString>
 #include <QVariant>

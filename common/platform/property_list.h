@@ -1,21 +1,19 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef COMMON_PLATFORM_PLATFORM_H
-#define COMMON_PLATFORM_PLATFORM_H
+#ifndef COMMON_PLATFORM_PROPERTY_LIST_H
+#define COMMON_PLATFORM_PROPERTY_LIST_H
 
 #include <QByteArray>
 #include <QString>
 #include <QVariant>
 
-/**
- * What the plug-in needs of the system beyond Qt: property-list objects and Spotlight. A port provides these functions
- * in files of its own; CMake picks the files.
- *
- * An object is whatever the platform's property lists are made of: a Foundation object, or a node of libplist. The
- * functions take any such object, or null, and never fail otherwise than by returning nothing. They neither keep nor
- * free it.
- */
+// What the plug-in needs of the platform's property lists. A port provides these functions in files of its own; CMake
+// picks the files.
+//
+// An object is whatever the platform's property lists are made of: a Foundation object, or a node of libplist. The
+// functions take any such object, or null. They neither keep nor free it, and they throw nothing: a failure is an empty
+// result.
 
 /**
  * The object as a Qt value: QString, bool, qint64 (quint64 above its range), double, QDateTime (UTC), QByteArray,
@@ -30,7 +28,7 @@ QVariant property_list_value(const void *object);
  */
 QVariant property_list_entry(const void *dictionary, const void *key);
 
-/** How property_list_date_text() writes a date; the names Qt's date parser and Foundation's formatter share. */
+/** How property_list_date_text() writes a date, in names that Qt's date parser and Foundation's formatter share. */
 inline constexpr QStringView property_list_date_pattern = u"dd-MMM-yyyy,HH:mm:ss a";
 
 /**
@@ -43,15 +41,5 @@ QString property_list_date_text(const void *date);
  * Parses a property list, XML or binary, that guarded_property_list() has let through. Invalid when it is malformed.
  */
 QVariant parse_property_list(const QByteArray &guarded);
-
-/** What Spotlight prints of a file's used dates; null texts where it knows none. */
-struct spotlight_descriptions
-{
-    QString last_used_date; ///< kMDItemLastUsedDate, "2020-05-03 10:00:00 +0000"
-    QString used_dates;     ///< kMDItemUsedDates, such dates in quotes, with "," between and "(" ")" around them
-};
-
-/** Asks Spotlight about the file at @p path. Nothing on a platform that has no Spotlight. */
-spotlight_descriptions read_spotlight_descriptions(const QString &path);
 
 #endif

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "common/platform/property_list_file.h"
+#include "common/property_list/property_list_file.h"
 
 #include "common/evidence_file.h"
-#include "common/platform/platform.h"
-#include "common/platform/property_list_guard.h"
+#include "common/platform/property_list.h"
+#include "common/property_list/property_list_guard.h"
 
 QVariant read_property_list(const QString &path)
 {
