@@ -1,0 +1,12 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#import <Foundation/Foundation.h>
+
+NSString *text_of(NSDate *date);
+
+NSString *text_of(NSDate *date)
+{
+    NSDateFormatter *formatter = [[NSDateFormatter alloc] init];
+    return [formatter stringFromDate:date];
+}
