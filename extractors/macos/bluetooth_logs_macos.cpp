@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "extractors/macos/bluetooth_logs_macos.h"
+
 #include "extractors/macos/device_tables.h"
 
 using namespace Qt::StringLiterals;
@@ -117,17 +119,20 @@ void bluetooth_logs_macos::extract_plugin_artifacts()
     if (unsigned(engine_type) > 2)
         return;
 
-    extract_tab(device_table::other);
-    extract_tab(device_table::paired);
+    if (selected_tabs_list.contains(device_table::other.tab)) {
+        copy_source_bluetooth_other_db();
+        extract_connected_devices();
+        finish_tab();
+    }
+    if (selected_tabs_list.contains(device_table::paired.tab)) {
+        copy_source_bluetooth_paired_db();
+        extract_paired_devices();
+        finish_tab();
+    }
 }
 
-void bluetooth_logs_macos::extract_tab(const device_table &table)
+void bluetooth_logs_macos::finish_tab()
 {
-    if (!selected_tabs_list.contains(table.tab))
-        return;
-
-    copy_source_db(table);
-    extract_devices(table);
     Q_EMIT signal_extracted_records_of_plugin_macos(records_count);
     ++tabs_processed_count;
     Q_EMIT signal_total_tabs_processed_macos(tabs_processed_count);

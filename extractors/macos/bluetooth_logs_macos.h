@@ -13,10 +13,15 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 class QSqlDatabase;
 class plugin_helper_functions;
+struct device_table;
+struct reading_texts;
+struct writing_texts;
 
 /**
  * Extractor for macOS sources. Finds the two Bluetooth low-energy device databases below the source root, stages a
@@ -55,11 +60,12 @@ public:
 
     /** Remembers which of the two databases exist; the lists of staged copies are left as they are. */
     void find_source_file();
-    /** Stage the found databases below the result folder; a copy that is already there is kept. */
+    /** Copy the found databases to the folder "Logs" of the result folder; a copy that is already there is kept. */
     void copy_source_bluetooth_other_db();
     void copy_source_bluetooth_paired_db();
     /** Fills the selected tables, "devices" first. Engine types 0 to 2 only. */
     void extract_plugin_artifacts();
+    /** Write a row to "devices" or to "paired_devices" for each device in the staged copies. */
     void extract_connected_devices();
     void extract_paired_devices();
 
@@ -81,16 +87,15 @@ Q_SIGNALS:
     void signal_total_tabs_processed_macos(int count);
 
 private:
-    struct device_table; // what differs between the two databases
-
-    void find_source(const device_table &table, const QString &folder);
-    void copy_source_db(const device_table &table);
-    QString database_to_read(const device_table &table) const;
-    QList<QJsonObject> read_devices(const device_table &table);
-    void extract_tab(const device_table &table);
-    void extract_devices(const device_table &table);
-    void write_devices(const device_table &table, const QList<QJsonObject> &devices, const QString &source_file,
+    void stage(const device_table &table, const QStringList &found, QStringList &copies);
+    QList<QJsonObject> read_devices(const reading_texts &texts, const QString &copy,
+                                    const std::optional<QString> &open_failed_detail);
+    bool leads_into_source(const QString &copy) const;
+    void extract_devices(const writing_texts &texts, const QStringList &copies, const QStringList &found,
+                         QString &reader_input, const std::function<QList<QJsonObject>()> &read);
+    void write_devices(const writing_texts &texts, const QList<QJsonObject> &devices, const QString &source_file,
                        QSqlDatabase &database);
+    void finish_tab();
 
     qint64 records_count = 0;
     int tabs_processed_count = 0;

@@ -18,32 +18,28 @@ QJsonValue to_json_text(const QVariant &value)
 
 } // namespace
 
-// Numbers become texts here and stay numbers there: the paired writer, which takes texts only, leaves those columns
-// NULL.
+// The reader of other devices turns numbers into texts. The reader of paired devices keeps them as numbers, and the
+// writers take texts only: a number leaves its column in "paired_devices" NULL.
 // clang-format off
-const bluetooth_logs_macos::device_table bluetooth_logs_macos::device_table::other = {
+const device_table device_table::other = {
     .tab = u"devices",
     .file_name = u"com.apple.MobileBluetooth.ledevices.other.db",
-    .found = &bluetooth_logs_macos::source_file_other_list,
-    .copied = &bluetooth_logs_macos::source_file_copied_connected_list,
-    .reader_input = &bluetooth_logs_macos::source_other_db_file,
     .staging = {
-        .function_info = u"void bluetooth_logs_macos::copy_source_bluetooth_other_db()",
+        .log = function_log(u"void bluetooth_logs_macos::copy_source_bluetooth_other_db()"),
         .found_list_empty = u"[copy_source_bluetooth_dbs] source_file_other_list is empty",
     },
     .reading = {
-        .function_info = u"QList<QJsonObject> bluetooth_logs_macos::read_other_devices()",
+        .log = function_log(u"QList<QJsonObject> bluetooth_logs_macos::read_other_devices()"),
         .start = u"[read_other_devices] start",
         .file = u"[read_other_devices] source_other_db_file : ",
         .open_failed = u"[read_other_devices] Source Db opening ----FAILED---- ",
-        .open_failed_detail = &bluetooth_logs_macos::destination_db_file, // not the source's path: kept so
-        .device_table_name = u"OtherDevices",
+        .table_name = u"OtherDevices",
         .select_statement = u"SELECT * FROM OtherDevices",
         .to_json = to_json_text,
         .end = u"[read_other_devices] end",
     },
     .writing = {
-        .function_info = u"void bluetooth_logs_macos::extract_connected_devices()",
+        .log = function_log(u"void bluetooth_logs_macos::extract_connected_devices()"),
         .start = u"[extract_connected_devices] start",
         .copied_list_empty = u"[extract_connected_devices] source_file_copied_connected_list is empty",
         .open_failed = u"[extract_connected_devices] Destination Db opening ----FAILED---- ",
@@ -53,29 +49,25 @@ const bluetooth_logs_macos::device_table bluetooth_logs_macos::device_table::oth
     },
 };
 
-const bluetooth_logs_macos::device_table bluetooth_logs_macos::device_table::paired = {
+const device_table device_table::paired = {
     .tab = u"paired_devices",
     .file_name = u"com.apple.MobileBluetooth.ledevices.paired.db",
-    .found = &bluetooth_logs_macos::source_file_paired_list,
-    .copied = &bluetooth_logs_macos::source_file_copied_paired_list,
-    .reader_input = &bluetooth_logs_macos::source_paired_db_file,
     .staging = {
-        .function_info = u"void bluetooth_logs_macos::copy_source_bluetooth_paired_db()",
+        .log = function_log(u"void bluetooth_logs_macos::copy_source_bluetooth_paired_db()"),
         .found_list_empty = u"[copy_source_bluetooth_dbs] source_file_paired_list is empty",
     },
     .reading = {
-        .function_info = u"QList<QJsonObject> bluetooth_logs_macos::read_paired_devices()",
+        .log = function_log(u"QList<QJsonObject> bluetooth_logs_macos::read_paired_devices()"),
         .start = u"[read_paired_devices] start",
         .file = u"[read_paired_devices] Using db file: ",
         .open_failed = u"[read_paired_devices] Source Db opening ----FAILED---- ",
-        .open_failed_detail = nullptr,
-        .device_table_name = u"PairedDevices",
+        .table_name = u"PairedDevices",
         .select_statement = u"SELECT * FROM PairedDevices",
         .to_json = QJsonValue::fromVariant,
         .end = u"[read_paired_devices] end",
     },
     .writing = {
-        .function_info = u"void bluetooth_logs_macos::extract_paired_devices()",
+        .log = function_log(u"void bluetooth_logs_macos::extract_paired_devices()"),
         .start = u"[extract_paired_devices] start",
         .copied_list_empty = u"[extract_paired_devices] source_file_copied_paired_list is empty",
         .open_failed = u"[extract_paired_devices] Destination Db opening ----FAILED---- ",

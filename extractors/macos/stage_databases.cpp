@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/evidence_file.h"
-#include "common/plugin_static_function.h"
+#include "extractors/macos/bluetooth_logs_macos.h"
 #include "extractors/macos/device_tables.h"
 
 #include <QDir>
@@ -12,27 +12,24 @@ using namespace Qt::StringLiterals;
 
 void bluetooth_logs_macos::copy_source_bluetooth_other_db()
 {
-    copy_source_db(device_table::other);
+    stage(device_table::other, source_file_other_list, source_file_copied_connected_list);
 }
 
 void bluetooth_logs_macos::copy_source_bluetooth_paired_db()
 {
-    copy_source_db(device_table::paired);
+    stage(device_table::paired, source_file_paired_list, source_file_copied_paired_list);
 }
 
-void bluetooth_logs_macos::copy_source_db(const device_table &table)
+void bluetooth_logs_macos::stage(const device_table &table, const QStringList &found, QStringList &copies)
 {
-    const auto log = [&table](const QString &message) {
-        plugin_static_function::app_debug(message, table.staging.function_info.toString());
-    };
-
-    log(u"[copy_source_bluetooth_dbs] start"_s);
-    if ((this->*table.found).isEmpty()) {
-        log(table.staging.found_list_empty.toString());
+    const function_log &log = table.staging.log;
+    log(u"[copy_source_bluetooth_dbs] start");
+    if (found.isEmpty()) {
+        log(table.staging.found_list_empty);
         return;
     }
 
-    for (const QString &source : std::as_const(this->*table.found)) {
+    for (const QString &source : found) {
         // Read and not used: the staging path is the same for every user.
         const QString user = QProcessEnvironment::systemEnvironment().value(u"USER"_s);
         Q_UNUSED(user)
@@ -41,17 +38,18 @@ void bluetooth_logs_macos::copy_source_db(const device_table &table)
 
         const QString temp_path = plugin_result_directory + u"Logs/"_s;
         const QString copy = temp_path + table.file_name;
-        (this->*table.copied).append(copy);
+        const bool is_safe = is_safe_target(copy, source_root_path);
+        copies.append(copy);
         if (QDir(temp_path).exists()) {
             log(u"[copy_source_bluetooth_dbs] temp_path exists: "_s + temp_path);
         } else {
             log(u"[copy_source_bluetooth_dbs] temp_path does not exist, creating: "_s + temp_path);
-            if (is_safe_target(temp_path, source_root_path))
+            if (is_safe)
                 QDir().mkpath(temp_path);
         }
-        // A copy that cannot be made shows when it is read.
-        if (is_safe_target(copy, source_root_path))
+        // Reading the copy reports one that could not be made.
+        if (is_safe)
             copy_evidence_file(source, copy);
     }
-    log(u"[copy_source_bluetooth_dbs] end"_s);
+    log(u"[copy_source_bluetooth_dbs] end");
 }

@@ -1,0 +1,82 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "extractors/macos/device_rows.h"
+
+#include "common/sqlite_connection.h"
+#include "extractors/macos/device_tables.h"
+
+#include <QSqlError>
+#include <QSqlRecord>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/** What the parsed schema says of a table: "table" for an ordinary one, "view", "virtual", or nothing. */
+QString kind_of_table(const QSqlDatabase &database, const QString &name)
+{
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    const bool found =
+        execute_with_values(query,
+                            u"SELECT type FROM pragma_table_list WHERE schema='main' AND name=? COLLATE NOCASE"_s,
+                            {name});
+    return found && query.next() ? query.value(0).toString() : QString();
+}
+
+bool is_empty_text(const QVariant &value)
+{
+    return value.metaType() == QMetaType::fromType<QString>() && value.toString().isEmpty();
+}
+
+} // namespace
+
+device_rows select_devices(const QSqlDatabase &database, const reading_texts &texts)
+{
+    const QString table = texts.table_name.toString();
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    const bool is_prepared = query.prepare(texts.select_statement.toString());
+    if (is_prepared && kind_of_table(database, table) != "table"_L1)
+        return {.warning = table + u" is not an ordinary table"_s};
+    if (!is_prepared || !query.exec())
+        return {.warning = query.lastError().text()};
+
+    device_rows rows{.devices = read_rows(query, texts.to_json), .is_read = true};
+    if (query.lastError().isValid()) // a damaged page
+        rows.warning = query.lastError().text();
+    return rows;
+}
+
+// One object holds the names, with empty texts, which is what most columns of most devices hold. A row is a copy of it
+// with the other values put in: 1.3 times the time of the inserts alone, 1.9 times with the names put into every row.
+QList<QJsonObject> read_rows(QSqlQuery &query, QJsonValue (*to_json)(const QVariant &))
+{
+    QStringList names;
+    QJsonObject without_values;
+    const QSqlRecord columns = query.record();
+    for (int column = 0; column < columns.count(); ++column) {
+        names.append(columns.fieldName(column));
+        without_values.insert(names.last(), QString());
+    }
+    QList<int> column_of_member;
+    for (auto member = without_values.constBegin(); member != without_values.constEnd(); ++member)
+        column_of_member.append(int(names.lastIndexOf(member.key())));
+
+    QList<QJsonObject> rows;
+    while (query.next()) {
+        QJsonObject row = without_values;
+        auto member = row.begin();
+        for (const int column : std::as_const(column_of_member)) {
+            const QVariant value = query.value(column);
+            if (!is_empty_text(value))
+                *member = to_json(value);
+            ++member;
+        }
+        rows.append(std::move(row));
+    }
+    return rows;
+}
