@@ -1,7 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "extractors/ios_uid/log_steps.h"
+#include "extractors/ios_uid/bluetooth_logs_ios_uid.h"
+
+#include "extractors/ios_uid/log_tables.h"
 
 bluetooth_logs_ios_uid::bluetooth_logs_ios_uid(QWidget *parent)
     : QWidget(parent)
@@ -109,16 +111,18 @@ void bluetooth_logs_ios_uid::extract_plugin_artifacts()
     if (engine_type != 0)
         return;
 
-    extract_tab(log_step::available);
-    extract_tab(log_step::paired);
+    if (selected_tab_list.contains(log_table::available.tab)) {
+        extract_available_devices();
+        finish_tab();
+    }
+    if (selected_tab_list.contains(log_table::paired.tab)) {
+        extract_paired_devices();
+        finish_tab();
+    }
 }
 
-void bluetooth_logs_ios_uid::extract_tab(const log_step &step)
+void bluetooth_logs_ios_uid::finish_tab()
 {
-    if (!selected_tab_list.contains(step.tab))
-        return;
-
-    extract_devices(step);
     Q_EMIT signal_extracted_records_of_plugin_ios_uid(record_count);
     ++tab_processed_count;
     Q_EMIT signal_total_tabs_processed_ios_uid(tab_processed_count);

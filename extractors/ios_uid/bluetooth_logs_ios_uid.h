@@ -18,6 +18,7 @@ class QSqlQuery;
 class ios_uid_backup_parser;
 class plugin_helper_functions;
 struct log_line_fields;
+struct log_table;
 
 /**
  * Extractor for iOS device acquisitions. Reads the source's system-log text: "BLE device found:" lines become inserts
@@ -51,10 +52,11 @@ public:
     void ios_uid_find_artifacts_source();
     void ios_uid_extract_artifacts();
 
-    /** Nothing to search for: the log's path comes complete with the source record. */
+    /** Does nothing: the source record holds the complete path of the log. */
     void find_source_file();
-    /** Runs the steps of the selected tables, "devices" first. */
+    /** Fills the selected tables, "devices" first. */
     void extract_plugin_artifacts();
+    /** Write a row to "devices" or to "paired_devices" for each line of the log that reports such a device. */
     void extract_available_devices();
     void extract_paired_devices();
 
@@ -63,13 +65,11 @@ Q_SIGNALS:
     void signal_total_tabs_processed_ios_uid(int count);
 
 private:
-    struct log_step; // what differs between the two steps
-
-    void extract_tab(const log_step &step);
-    void extract_devices(const log_step &step);
-    /** Writes a row for each line of the step. False when the log was not read to its end. */
-    bool read_log(const log_step &step, QSqlDatabase &database);
-    void write_device(const log_step &step, const log_line_fields &fields, QSqlQuery &query);
+    void extract_devices(const log_table &table);
+    /** Writes a row for each line of the table. False when the log was not read to its end. */
+    bool read_log(const log_table &table, QSqlDatabase &database);
+    void write_device(const log_table &table, const log_line_fields &fields, QSqlQuery &query);
+    void finish_tab();
 
     qint64 record_count = 0;
     int tab_processed_count = 0;

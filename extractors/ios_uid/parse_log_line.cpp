@@ -7,9 +7,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr QLatin1StringView notice("<Notice>:");
+constexpr QLatin1StringView found_device_markers[] = {"BLE device found:"_L1};
+constexpr QLatin1StringView active_device_markers[] = {"active device:"_L1, notice};
+
+// Parts of both kinds of line.
+constexpr QLatin1StringView device_name("Nm");
+constexpr QLatin1StringView model("Md");
 constexpr qsizetype date_length = 15; // "May 17 12:11:05"
 
-/** Like QString::remove() of the first characters: nothing is left of a shorter text, and that is not a null text. */
+/** Removes the first characters, as QString::remove() does: a shorter text becomes empty, and not null. */
 QStringView without_start(QStringView text, qsizetype length)
 {
     return text.sliced(qMin(text.size(), length));
@@ -21,7 +28,7 @@ QString named_value(QStringView part)
     return without_start(part, 3).toString();
 }
 
-/** The log escapes the bytes of a right single quotation mark; other escapes stay as they are. */
+/** Unescapes the right single quotation marks; other escapes stay as they are. */
 QString with_plain_quotes(QString text)
 {
     return text.replace(uR"(\M-b\M^@\M^Y)"_s, u"'"_s);
@@ -39,12 +46,26 @@ QString unquoted(QString text)
 QString status_before(QLatin1StringView end, QStringView words)
 {
     QString status = words.toString();
-    // Without the end the position is -1, which remove() counts from the end: the last character goes.
+    // A position of -1 counts from the end of the text: without the end word the last character is removed.
     status.remove(status.indexOf(end), status.size());
     return status.trimmed();
 }
 
 } // namespace
+
+const log_line_format log_line_format::found_device = {
+    .markers = found_device_markers,
+    .start = found_device_markers[0],
+    .identifier = "SFDevice ID "_L1,
+    .status_end = {},
+};
+
+const log_line_format log_line_format::active_device = {
+    .markers = active_device_markers,
+    .start = notice,
+    .identifier = "PI "_L1,
+    .status_end = "active device: "_L1, // with its blank, which the line may lack
+};
 
 log_line_fields parse_log_line(const QString &line, const log_line_format &format)
 {
@@ -54,13 +75,13 @@ log_line_fields parse_log_line(const QString &line, const log_line_format &forma
     log_line_fields fields;
     fields.status = status_before(format.status_end, words);
     fields.date = line.first(qMin(line.size(), date_length));
-    // The first part begins with the status words, so that a field right behind the status is not seen.
+    // The first part begins with the words of the status: a field that directly follows the status is not found.
     for (const QStringView part : words.tokenize(QStringView(u", "))) {
         if (part.startsWith(format.identifier))
             fields.identifier = without_start(part, format.identifier.size()).toString();
-        else if (part.startsWith("Nm"_L1))
+        else if (part.startsWith(device_name))
             fields.device_name = unquoted(with_plain_quotes(named_value(part)));
-        else if (part.startsWith("Md"_L1))
+        else if (part.startsWith(model))
             fields.model = unquoted(named_value(part)); // escapes stay, unlike in the name
     }
     return fields;

@@ -74,7 +74,7 @@ void with_slow_starts(Work work)
 
 } // namespace
 
-class test_extract_steps : public QObject
+class test_read_log : public QObject
 {
     Q_OBJECT
 
@@ -104,12 +104,12 @@ private Q_SLOTS:
     void connection_stays_closed();
 };
 
-void test_extract_steps::init()
+void test_read_log::init()
 {
     QTest::failOnWarning(QRegularExpression(u".*"_s));
 }
 
-void test_extract_steps::whole_run_against_the_tables_of_the_plugin()
+void test_read_log::whole_run_against_the_tables_of_the_plugin()
 {
     const ios_uid_case test;
     test.write_log("x\n"
@@ -158,12 +158,12 @@ void test_extract_steps::whole_run_against_the_tables_of_the_plugin()
     QCOMPARE(run.database().rows(u"SELECT * FROM paired_devices"_s).size(), 0);
 }
 
-void test_extract_steps::result_database_cannot_be_opened_data()
+void test_read_log::result_database_cannot_be_opened_data()
 {
     add_steps();
 }
 
-void test_extract_steps::result_database_cannot_be_opened()
+void test_read_log::result_database_cannot_be_opened()
 {
     QFETCH(step_function, step);
     QFETCH(QString, name);
@@ -180,12 +180,12 @@ void test_extract_steps::result_database_cannot_be_opened()
     QCOMPARE(test.signals_emitted, QStringList());
 }
 
-void test_extract_steps::result_database_must_not_lie_in_the_source_data()
+void test_read_log::result_database_must_not_lie_in_the_source_data()
 {
     add_steps();
 }
 
-void test_extract_steps::result_database_must_not_lie_in_the_source()
+void test_read_log::result_database_must_not_lie_in_the_source()
 {
     QFETCH(step_function, step);
     QFETCH(QString, name);
@@ -206,7 +206,7 @@ void test_extract_steps::result_database_must_not_lie_in_the_source()
     QVERIFY(QDir(root).isEmpty());
 }
 
-void test_extract_steps::source_file_cannot_be_opened_data()
+void test_read_log::source_file_cannot_be_opened_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("error");
@@ -219,7 +219,7 @@ void test_extract_steps::source_file_cannot_be_opened_data()
     // clang-format on
 }
 
-void test_extract_steps::source_file_cannot_be_opened()
+void test_read_log::source_file_cannot_be_opened()
 {
     QFETCH(QString, path);
     QFETCH(QString, error);
@@ -238,7 +238,7 @@ void test_extract_steps::source_file_cannot_be_opened()
                          {u" start"_s, u" source file open ------FAILED-------"_s + path, u" Error :- "_s + error}));
 }
 
-void test_extract_steps::both_steps_report_the_source_file()
+void test_read_log::both_steps_report_the_source_file()
 {
     ios_uid_case test;
     test.set_log_path(QString());
@@ -260,12 +260,12 @@ void test_extract_steps::both_steps_report_the_source_file()
                           u"tabs 3"_s, u"records 0"_s, u"tabs 4"_s, u"records 0"_s}));
 }
 
-void test_extract_steps::empty_source_file_data()
+void test_read_log::empty_source_file_data()
 {
     add_steps();
 }
 
-void test_extract_steps::empty_source_file()
+void test_read_log::empty_source_file()
 {
     QFETCH(step_function, step);
     QFETCH(QString, name);
@@ -277,12 +277,12 @@ void test_extract_steps::empty_source_file()
     QCOMPARE(row_count(test), 0);
 }
 
-void test_extract_steps::a_read_error_is_reported_data()
+void test_read_log::a_read_error_is_reported_data()
 {
     add_steps();
 }
 
-void test_extract_steps::a_read_error_is_reported()
+void test_read_log::a_read_error_is_reported()
 {
     QFETCH(step_function, step);
     QFETCH(QString, name);
@@ -297,12 +297,12 @@ void test_extract_steps::a_read_error_is_reported()
     QCOMPARE(test.debug_log.take_messages(), of_function(name, {u" start"_s, u" Error :- Input/output error"_s}));
 }
 
-void test_extract_steps::a_failed_insert_does_not_stop_the_others_data()
+void test_read_log::a_failed_insert_does_not_stop_the_others_data()
 {
     add_steps();
 }
 
-void test_extract_steps::a_failed_insert_does_not_stop_the_others()
+void test_read_log::a_failed_insert_does_not_stop_the_others()
 {
     QFETCH(step_function, step);
     QFETCH(QString, name);
@@ -324,12 +324,12 @@ void test_extract_steps::a_failed_insert_does_not_stop_the_others()
     QCOMPARE(messages.last(), name + u":  end"_s);
 }
 
-void test_extract_steps::cancelled_before_data()
+void test_read_log::cancelled_before_data()
 {
     add_steps();
 }
 
-void test_extract_steps::cancelled_before()
+void test_read_log::cancelled_before()
 {
     QFETCH(step_function, step);
     QFETCH(QString, name);
@@ -353,7 +353,7 @@ void test_extract_steps::cancelled_before()
     QCOMPARE(row_count(test), 3);
 }
 
-void test_extract_steps::cancelled_by_a_progress_signal_data()
+void test_read_log::cancelled_by_a_progress_signal_data()
 {
     QTest::addColumn<QByteArray>("log");
     QTest::addColumn<qint64>("rows");
@@ -367,7 +367,7 @@ void test_extract_steps::cancelled_by_a_progress_signal_data()
     // clang-format on
 }
 
-void test_extract_steps::cancelled_by_a_progress_signal()
+void test_read_log::cancelled_by_a_progress_signal()
 {
     QFETCH(QByteArray, log);
     QFETCH(qint64, rows);
@@ -389,7 +389,7 @@ void test_extract_steps::cancelled_by_a_progress_signal()
     QCOMPARE(test.signals_emitted, QStringList({u"records 1"_s, u"records 1"_s, u"tabs 1"_s, u"records 1"_s}));
 }
 
-void test_extract_steps::progress_within_a_step()
+void test_read_log::progress_within_a_step()
 {
     ios_uid_case test;
     widen_tables(test.results);
@@ -401,7 +401,7 @@ void test_extract_steps::progress_within_a_step()
                                                 u"records 106"_s, u"tabs 2"_s, u"records 106"_s}));
 }
 
-void test_extract_steps::a_timer_that_never_started_reports_nothing()
+void test_read_log::a_timer_that_never_started_reports_nothing()
 {
     ios_uid_case test;
     widen_tables(test.results);
@@ -411,12 +411,12 @@ void test_extract_steps::a_timer_that_never_started_reports_nothing()
     QCOMPARE(row_count(test), 3);
 }
 
-void test_extract_steps::connection_stays_closed_data()
+void test_read_log::connection_stays_closed_data()
 {
     add_steps();
 }
 
-void test_extract_steps::connection_stays_closed()
+void test_read_log::connection_stays_closed()
 {
     QFETCH(step_function, step);
     QFETCH(QString, name);
@@ -434,6 +434,6 @@ void test_extract_steps::connection_stays_closed()
     QCOMPARE(row_count(test), 3);
 }
 
-QTEST_MAIN(test_extract_steps)
+QTEST_MAIN(test_read_log)
 
-#include "test_extract_steps.moc"
+#include "test_read_log.moc"
