@@ -3,12 +3,16 @@
 
 #include "plugin/bluetooth_logs.h"
 
+#include "common/function_log.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "extractors/ios_uid/bluetooth_logs_ios_uid.h"
 #include "extractors/macos/bluetooth_logs_macos.h"
 #include "extractors/winos/bluetooth_logs_winos.h"
 #include "ui_bluetooth_logs.h"
+
+#include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -17,11 +21,10 @@ namespace {
 constexpr QLatin1StringView macos_scheme("macOS");
 constexpr QLatin1StringView ios_uid_scheme("iOS_UID");
 constexpr QLatin1StringView winos_scheme("winOS");
+constexpr QLatin1StringView schemes[] = {macos_scheme, ios_uid_scheme, winos_scheme};
 
-void log_extract(const QString &message)
-{
-    plugin_static_function::app_debug(message, u"virtual void bluetooth_logs::pub_extract_artifacts()"_s);
-}
+constexpr function_log log_find(u"virtual void bluetooth_logs::pub_find_source_file()");
+constexpr function_log log_extract(u"virtual void bluetooth_logs::pub_extract_artifacts()");
 
 } // namespace
 
@@ -161,18 +164,17 @@ void bluetooth_logs::pub_cancel_extraction()
 
 void bluetooth_logs::pub_find_source_file()
 {
-    if (os_scheme_internal == macos_scheme)
-        return macos_obj->macos_find_artifacts_source();
-    if (os_scheme_internal == ios_uid_scheme)
-        return ios_uid_obj->ios_uid_find_artifacts_source();
-    if (os_scheme_internal == winos_scheme)
-        return winos_obj->winos_find_artifacts_source();
-
-    // No blank before "=", unlike the message of the extraction: text is part of the log format.
-    plugin_static_function::app_debug(
-        u"------FAILED------- supported os scheme internal not matched, received os scheme internal=  "_s
-            + os_scheme_internal + u", plugin name is "_s + pub_get_artifact_name(),
-        u"virtual void bluetooth_logs::pub_find_source_file()"_s);
+    if (os_scheme_internal == macos_scheme) {
+        macos_obj->macos_find_artifacts_source();
+    } else if (os_scheme_internal == ios_uid_scheme) {
+        ios_uid_obj->ios_uid_find_artifacts_source();
+    } else if (os_scheme_internal == winos_scheme) {
+        winos_obj->winos_find_artifacts_source();
+    } else {
+        // No blank before "=", unlike the message of the extraction: text is part of the log format.
+        log_find(u"------FAILED------- supported os scheme internal not matched, received os scheme internal=  "_s
+                 + os_scheme_internal + u", plugin name is "_s + pub_get_artifact_name());
+    }
 }
 
 void bluetooth_logs::pub_set_extended_attributes_list(QList<QString> list)
@@ -182,7 +184,7 @@ void bluetooth_logs::pub_set_extended_attributes_list(QList<QString> list)
 
 void bluetooth_logs::pub_extract_artifacts()
 {
-    log_extract(u"[pub_extract_artifacts] - START"_s);
+    log_extract(u"[pub_extract_artifacts] - START");
     Q_EMIT signal_extracted_records_of_plugin_overall(0);
 
     macos_obj->macos_set_plugin_helper_obj(helper_obj);
@@ -195,17 +197,15 @@ void bluetooth_logs::pub_extract_artifacts()
     winos_obj->winos_set_record_count(records_count);
     winos_obj->winos_set_tab_processed_count(tabs_processed_count);
 
-    const bool is_macos = os_scheme_internal == macos_scheme;
-    const bool is_ios_uid = os_scheme_internal == ios_uid_scheme;
-    const bool is_winos = os_scheme_internal == winos_scheme;
-    if (bool_cancel_extraction && (is_macos || is_ios_uid || is_winos))
+    const bool is_supported = std::ranges::find(schemes, os_scheme_internal) != std::end(schemes);
+    if (bool_cancel_extraction && is_supported)
         return;
 
-    if (is_macos) {
+    if (os_scheme_internal == macos_scheme) {
         macos_obj->macos_extract_artifacts();
-    } else if (is_ios_uid) {
+    } else if (os_scheme_internal == ios_uid_scheme) {
         ios_uid_obj->ios_uid_extract_artifacts();
-    } else if (is_winos) {
+    } else if (os_scheme_internal == winos_scheme) {
         winos_obj->winos_extract_artifacts();
     } else {
         log_extract(u"------FAILED------- supported os scheme internal not matched, received os scheme internal =  "_s
@@ -213,7 +213,7 @@ void bluetooth_logs::pub_extract_artifacts()
     }
 
     Q_EMIT signal_extracted_records_of_plugin_overall(records_count);
-    log_extract(u"[pub_extract_artifacts] - END"_s);
+    log_extract(u"[pub_extract_artifacts] - END");
 }
 
 void bluetooth_logs::pub_generate_chat_html_pages()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/evidence_file.h"
+#include "common/function_log.h"
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "common/sqlite_connection.h"
@@ -18,8 +19,8 @@ using namespace Qt::StringLiterals;
 
 void bluetooth_logs::set_destination_location(QString dir)
 {
-    const QString function_info = u"void bluetooth_logs::set_destination_location(QString)"_s;
-    plugin_static_function::app_debug(u"[set_destination_location] starts"_s, function_info);
+    constexpr function_log log(u"void bluetooth_logs::set_destination_location(QString)");
+    log(u"[set_destination_location] starts");
 
     const QString file_name = pub_get_artifact_name().replace(u' ', u'_');
     plugin_result_directory = dir + (dir.endsWith(u'/') ? QLatin1StringView() : "/"_L1) + u"Artifacts_Result/"_s
@@ -38,27 +39,26 @@ void bluetooth_logs::set_destination_location(QString dir)
     ios_uid_obj->ios_uid_set_destination_location(plugin_result_directory, temp_directory, destination_db_file);
     winos_obj->winos_set_destination_location(plugin_result_directory, temp_directory, destination_db_file);
 
-    plugin_static_function::app_debug(u"[set_destination_location] ends"_s, function_info);
+    log(u"[set_destination_location] ends");
 }
 
 void bluetooth_logs::create_destination_database()
 {
-    const QString function_info = u"void bluetooth_logs::create_destination_database()"_s;
-    plugin_static_function::app_debug(u"[create_destination_database] starts"_s, function_info);
+    constexpr function_log log(u"void bluetooth_logs::create_destination_database()");
+    log(u"[create_destination_database] starts");
     create_db_tables();
-    plugin_static_function::app_debug(u"[create_destination_database] ends"_s, function_info);
+    log(u"[create_destination_database] ends");
 }
 
 void bluetooth_logs::create_db_tables()
 {
-    const QString function_info = u"void bluetooth_logs::create_db_tables()"_s;
-    plugin_static_function::app_debug(u"[create_db_tables] starts"_s, function_info);
+    constexpr function_log log(u"void bluetooth_logs::create_db_tables()");
+    log(u"[create_db_tables] starts");
 
+    const QString function_info = log.function_info().toString();
     QSqlDatabase database = open_result_database(function_info, destination_db_file, source_root_path);
     if (!database.isOpen()) {
-        plugin_static_function::app_debug(u"[create_db_tables]Destination Db opening------FAILED-------"_s
-                                              + destination_db_file,
-                                          function_info);
+        log(u"[create_db_tables]Destination Db opening------FAILED-------"_s + destination_db_file);
         return;
     }
 
@@ -66,18 +66,19 @@ void bluetooth_logs::create_db_tables()
     for (const result_table &table : result_tables) {
         if (!plugin_static_function::execute_db_command_by_dbreference(table.create_statement.toString(), database,
                                                                        function_info))
-            plugin_static_function::app_debug(table.creation_failed.toString(), function_info);
+            log(table.creation_failed);
     }
     database.commit();
     database.close();
-    plugin_static_function::app_debug(u"[create_db_tables] end"_s, function_info);
+    log(u"[create_db_tables] end");
 }
 
 void bluetooth_logs::clear_db_tables()
 {
-    const QString function_info = u"void bluetooth_logs::clear_db_tables()"_s;
+    constexpr function_log log(u"void bluetooth_logs::clear_db_tables()");
+    // A database that a link leads into the evidence counts as missing.
     if (!QFile::exists(destination_db_file) || !is_safe_target(destination_db_file, source_root_path)) {
-        plugin_static_function::app_debug(u"[clear_db_tables]DB not exists and so returning..."_s, function_info);
+        log(u"[clear_db_tables]DB not exists and so returning...");
         return;
     }
     if (unsigned(engine_type) > 2)
@@ -85,7 +86,7 @@ void bluetooth_logs::clear_db_tables()
 
     for (const QString &tab : std::as_const(selected_tabs_list)) {
         plugin_static_function::execute_db_command_by_dbpath(u"delete from '"_s + tab + u'\'', destination_db_file,
-                                                             function_info);
+                                                             log.function_info().toString());
     }
 }
 
