@@ -79,8 +79,7 @@ void plugin_helper_functions::set_adhoc_parent_path(QString path)
 
 QString plugin_helper_functions::get_adhoc_path_for_database(QString source)
 {
-    const QString copy = free_adhoc_path(source,
-                                         u"QString plugin_helper_functions::get_adhoc_path_for_database(QString)"_s);
+    QString copy = free_adhoc_path(source, u"QString plugin_helper_functions::get_adhoc_path_for_database(QString)"_s);
     if (copy.isEmpty())
         return {};
 

@@ -51,7 +51,7 @@ QByteArray binary_object(plist_t node)
     plist_to_bin(node, &bytes, &length);
     const QByteArray list(bytes, static_cast<qsizetype>(length));
     plist_to_bin_free(bytes);
-    return list.mid(qstrlen("bplist00"));
+    return list.mid(QByteArrayView("bplist00").size());
 }
 
 QVariant integer_of(plist_t node)

@@ -260,8 +260,9 @@ void test_files_and_paths::copy_reports_an_unreadable_file()
 
 void test_files_and_paths::copy_of_large_files()
 {
-    const QByteArray exact(2 * 102400, 'x');
-    const QByteArray odd(3 * 102400 + 17, 'y');
+    constexpr qsizetype block = 102400;
+    const QByteArray exact(2 * block, 'x');
+    const QByteArray odd(3 * block + 17, 'y');
     write_file(path(u"a/exact"_s), exact);
     write_file(path(u"a/odd"_s), odd);
     library::copy_directory(path(u"a"_s), path(u"b"_s));

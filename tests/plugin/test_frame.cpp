@@ -18,6 +18,8 @@
 #include <QTest>
 #include <QTranslator>
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 /** What the object keeps, some of it for the host alone. */
@@ -135,7 +137,7 @@ void test_frame::initial_values()
 void test_frame::children()
 {
     // The extractors die with the frame; the helper object lives on.
-    auto *frame = new bluetooth_logs;
+    auto frame = std::make_unique<bluetooth_logs>();
     const QObjectList children = frame->children();
     QCOMPARE(children.size(), 3);
     QVERIFY(qobject_cast<bluetooth_logs_macos *>(children.at(0)));
@@ -143,7 +145,7 @@ void test_frame::children()
     QVERIFY(qobject_cast<bluetooth_logs_winos *>(children.at(2)));
     QPointer<QObject> extractors[] = {children.at(0), children.at(1), children.at(2)};
     plugin_helper_functions *helper = settings_of(*frame).helper_obj;
-    delete frame;
+    frame.reset();
     for (const QPointer<QObject> &extractor : extractors)
         QVERIFY(extractor.isNull());
     QVERIFY(helper->check_is_image_by_extn(u"a.jpg"_s));

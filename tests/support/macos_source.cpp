@@ -11,7 +11,7 @@ namespace {
 
 sqlite_file make_database(const QString &path, const QString &table)
 {
-    const sqlite_file database(path);
+    sqlite_file database(path);
     database.execute(u"CREATE TABLE "_s + table
                      + u"(Uuid TEXT, Name TEXT, NameOrigin INT, Address TEXT, ResolvedAddress TEXT, LastSeenTime INT, "
                        "LastConnectionTime INT, GATTServiceChangeConfig INT, Tags TEXT, iCloudIdentifier TEXT)"_s);

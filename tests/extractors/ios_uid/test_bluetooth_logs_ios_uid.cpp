@@ -82,9 +82,9 @@ void test_bluetooth_logs_ios_uid::own_methods_are_the_two_signals()
 void test_bluetooth_logs_ios_uid::starts_empty()
 {
     QWidget parent;
-    const auto *extractor = new bluetooth_logs_ios_uid(&parent);
-    QCOMPARE(extractor->parentWidget(), &parent);
-    QVERIFY(settings_of(*extractor) == kept_settings());
+    const bluetooth_logs_ios_uid extractor(&parent);
+    QCOMPARE(extractor.parentWidget(), &parent);
+    QVERIFY(settings_of(extractor) == kept_settings());
 }
 
 void test_bluetooth_logs_ios_uid::setters_store()

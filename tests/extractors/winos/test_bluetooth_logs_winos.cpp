@@ -83,11 +83,10 @@ void test_bluetooth_logs_winos::own_methods_are_the_two_signals()
 void test_bluetooth_logs_winos::starts_empty()
 {
     QWidget parent;
-    auto *extractor = new bluetooth_logs_winos(&parent);
-    QCOMPARE(extractor->parentWidget(), &parent);
-    QVERIFY(!extractor->isVisible());
-
-    QVERIFY(settings_of(*extractor) == kept_settings());
+    const bluetooth_logs_winos extractor(&parent);
+    QCOMPARE(extractor.parentWidget(), &parent);
+    QVERIFY(!extractor.isVisible());
+    QVERIFY(settings_of(extractor) == kept_settings());
 }
 
 void test_bluetooth_logs_winos::setters_store()
