@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/host_error.h"
-#include "host/ledevices.h"
+#include "host/files/host_error.h"
 #include "host/sample/device_names.h"
 #include "host/sample/sample_parts.h"
 #include "host/sample/sample_random.h"
+#include "host/source/macos_databases.h"
 
 #include <QFile>
 #include <QSqlDatabase>
@@ -95,7 +95,7 @@ void fill_paired_devices(const QSqlDatabase &database)
 
 /** One database in the write-ahead journal mode that the operating system uses; closing it moves all rows to the file.
  */
-void write_database(const QString &folder, const ledevices_database &kind, void (*fill)(const QSqlDatabase &))
+void write_database(const QString &folder, const macos_database &kind, void (*fill)(const QSqlDatabase &))
 {
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, connection_name);

@@ -40,7 +40,7 @@ void test_extract_refusals::initTestCase()
     QVERIFY(QDir().mkpath(host.path(u"only_other/Library/Bluetooth"_s)));
     QVERIFY(QFile::copy(host.path(u"sample/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s),
                         host.path(u"only_other/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s)));
-    QVERIFY(QDir().mkpath(host.path(u"old_case/Artifacts_Result/Bluetooth_Logs/source/Windows/System32"_s)));
+    QVERIFY(QDir().mkpath(host.path(u"old_case/Source1/Artifacts_Result/Bluetooth_Logs/source/Windows/System32"_s)));
     QCOMPARE(::mkfifo(QFile::encodeName(host.path(u"fifo"_s)).constData(), 0600), 0);
     QVERIFY(QFile(host.path(u"taken.log"_s)).open(QIODevice::WriteOnly));
 }
@@ -60,20 +60,15 @@ void test_extract_refusals::refusal_data()
     QTest::newRow("no command")          << u""_s                                             << 2 << u"one of the commands sample, extract and show is needed (bluetooth-logs --help tells more)"_s;
     QTest::newRow("unknown command")     << u"extrakt"_s                                      << 2 << u"one of the commands sample, extract and show is needed (bluetooth-logs --help tells more)"_s;
     QTest::newRow("no case")             << u"extract -i sample/macos"_s                      << 2 << u"--output is required (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("unknown type")        << u"extract -i sample/macos -o c -t macos"_s        << 2 << u"--type: macos not in {macOS,iOS_UID,winOS,auto} (bluetooth-logs --help tells more)"_s;
     QTest::newRow("unknown table")       << u"extract -i sample/macos -o c --table x"_s       << 2 << u"--table: x not in {devices,paired_devices} (bluetooth-logs --help tells more)"_s;
     QTest::newRow("unknown engine")      << u"extract -i sample/macos -o c --engine 0"_s      << 2 << u"--engine: 0 not in {KALDO_DESK,KALDO_FIELD,KALDO_BOOT} (bluetooth-logs --help tells more)"_s;
     QTest::newRow("wrong zone")          << u"extract -i sample/macos -o c --timezone-offset 5h"_s << 2 << u"--timezone-offset: must look like +05:30, -08:00 or 19800 (bluetooth-logs --help tells more)"_s;
     QTest::newRow("seconds out of range") << u"extract -i sample/macos -o c --timezone-offset -50401"_s << 2 << u"--timezone-offset: must look like +05:30, -08:00 or 19800 (bluetooth-logs --help tells more)"_s;
     QTest::newRow("zone out of range")   << u"extract -i sample/macos -o c --timezone-offset +14:01"_s << 2 << u"--timezone-offset: must look like +05:30, -08:00 or 19800 (bluetooth-logs --help tells more)"_s;
     QTest::newRow("iOS, other engine")   << u"extract -i sample/ios/system.log -o c --engine KALDO_FIELD"_s << 2 << u"iOS sources are extracted with the engine KALDO_DESK only"_s;
-    QTest::newRow("widened macOS")       << u"extract -i sample/macos -o c --widen-ios-tables"_s << 2 << u"--widen-ios-tables is for iOS sources, and this is a macOS source"_s;
     QTest::newRow("case is the source")  << u"extract -i sample/macos -o sample/macos"_s      << 2 << u"the case lies inside the source, where nothing may be written: $/sample/macos"_s;
     QTest::newRow("case in the source")  << u"extract -i sample/macos -o sample/macos/new/case"_s << 2 << u"the case lies inside the source, where nothing may be written: $/sample/macos/new/case"_s;
-    QTest::newRow("source in the case's result") << u"extract -i old_case/Artifacts_Result/Bluetooth_Logs/source -o old_case --force"_s << 2 << u"the source lies inside the case's result, which is made anew: $/old_case/Artifacts_Result/Bluetooth_Logs/source"_s;
-    QTest::newRow("log in the source")   << u"extract -i sample/macos -o c --log-file sample/macos/x.log"_s << 2 << u"the log file lies inside the source, where nothing may be written: sample/macos/x.log"_s;
-    QTest::newRow("log is the evidence") << u"extract -i sample/ios/system.log -o c --log-file sample/ios/system.log --force"_s << 2 << u"the log file lies inside the source, where nothing may be written: sample/ios/system.log"_s;
-    QTest::newRow("log is there")        << u"extract -i sample/macos -o c --log-file taken.log"_s << 2 << u"the log file is already there: taken.log: --force replaces it"_s;
+    QTest::newRow("source in the case's result") << u"extract -i old_case/Source1/Artifacts_Result/Bluetooth_Logs/source -o old_case --force"_s << 2 << u"the source lies inside the case's folder for it, which is made anew: $/old_case/Source1/Artifacts_Result/Bluetooth_Logs/source"_s;
 
     QTest::newRow("no source")           << u"extract -i nothing -o c"_s                      << 3 << u"there is no source at $/nothing"_s;
     QTest::newRow("not recognized")      << u"extract -i bare -o c"_s                         << 3 << u"this is no source that can be recognized: $/bare (a macOS source holds one of the LE device databases in Library/Bluetooth, a Windows source the folder Windows/System32, an iOS source is a log text file; --type says which it is)"_s;
@@ -83,11 +78,11 @@ void test_extract_refusals::refusal_data()
     QTest::newRow("no databases")        << u"extract -i bare -o c -t macOS"_s                << 3 << u"the source holds no LE device database for devices or paired_devices in $/bare/Library/Bluetooth/"_s;
     QTest::newRow("not this table")      << u"extract -i only_other -o c --table paired_devices"_s << 3 << u"the source holds no LE device database for paired_devices in $/only_other/Library/Bluetooth/"_s;
     QTest::newRow("folder as database")  << u"extract -i folder_as_database -o c"_s           << 3 << u"the evidence cannot be read: $/folder_as_database/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db: it is not a regular file"_s;
-    QTest::newRow("no case to show")     << u"show c"_s                                       << 3 << u"there is no result database $/c/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s;
+    QTest::newRow("no case to show")     << u"show c"_s                                       << 3 << u"there is no result database $/c/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s;
 
     QTest::newRow("no plug-in")          << u"extract -i sample/macos -o c --plugin x.so"_s   << 1 << u"there is no plug-in file $/x.so"_s;
     QTest::newRow("not a plug-in")       << u"extract -i sample/macos -o c --plugin taken.log"_s << 1 << u"the plug-in file $/taken.log cannot be loaded: "_s;
-    QTest::newRow("case is a file")      << u"extract -i sample/macos -o taken.log"_s         << 1 << u"the case's folder cannot be made: $/taken.log"_s;
+    QTest::newRow("case is a file")      << u"extract -i sample/macos -o taken.log"_s         << 1 << u"$/taken.log cannot be written: not a directory"_s;
     // clang-format on
 }
 
@@ -112,7 +107,7 @@ void test_extract_refusals::refusal()
 void test_extract_refusals::case_reached_by_a_link()
 {
     QVERIFY(QDir().mkpath(host.path(u"linked_case"_s)));
-    QVERIFY(QFile::link(host.path(u"sample/macos/Library"_s), host.path(u"linked_case/Artifacts_Result"_s)));
+    QVERIFY(QFile::link(host.path(u"sample/macos/Library"_s), host.path(u"linked_case/Source1"_s)));
     QVERIFY(QFile::link(host.path(u"sample/macos"_s), host.path(u"link"_s)));
     for (const QString &directory : {u"link/case"_s, u"linked_case"_s}) {
         const host_result result = host.run({u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, directory});

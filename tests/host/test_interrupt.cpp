@@ -43,7 +43,7 @@ void test_interrupt::first_one_ends_the_extraction()
     QCOMPARE(result.exit_code, 130);
     QCOMPARE(result.errors, u"error: interrupted: the result is incomplete\n"_s);
     QVERIFY(result.output.endsWith(u"        paired_devices          0 rows\n"_s));
-    QVERIFY(!QDir(host.path(u"case/Artifacts_Result/Bluetooth_Logs/tmp"_s)).exists());
+    QVERIFY(!QDir(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/tmp"_s)).exists());
 }
 
 void test_interrupt::second_one_ends_the_program()
@@ -78,7 +78,7 @@ void test_interrupt::table_that_is_being_written_is_finished()
 
     QProcess process;
     host.start(process, {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s});
-    const QString result_folder = host.path(u"case/Artifacts_Result/Bluetooth_Logs/"_s);
+    const QString result_folder = host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/"_s);
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(result_folder + u"Logs/com.apple.MobileBluetooth.ledevices.other.db"_s),
                              60000);
     QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);

@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/plugin_log.h"
+#include "host/run/plugin_log.h"
 
+#include <QBuffer>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -31,6 +32,14 @@ QString log_of(const QStringList &messages)
     return text;
 }
 
+QList<logged_failure> failures_in_log(const QString &log, const QStringList &known_paths)
+{
+    QBuffer file;
+    file.setData(log.toUtf8());
+    file.open(QIODevice::ReadOnly);
+    return read_plugin_log(file, known_paths).failures;
+}
+
 QStringList texts(const QList<logged_failure> &failures)
 {
     QStringList result;
@@ -53,7 +62,7 @@ void test_plugin_log::words_data()
 
     // clang-format off
     QTest::newRow("insert")         << QStringList{u" query insert file------FAILED------"_s, u"table devices has no column named model Unable to execute statement"_s, u"insert into devices(?)"_s}
-                                    << u"1 insert a row could not be written: table devices has no column named model Unable to execute statement"_s;
+                                    << u"1 insert a row could not be written: table devices has no column named model"_s;
     QTest::newRow("iOS insert")     << QStringList{u" query insert file------FAILED------/case/x.sqlite"_s, u"no column"_s, u"insert"_s}
                                     << u"1 insert a row could not be written: no column"_s;
     QTest::newRow("read warning")   << QStringList{u" -- READ WARNING -- no such table: OtherDevices"_s}

@@ -42,7 +42,7 @@ void test_show::init()
 
 sqlite_file test_show::make_case(const host_program &host)
 {
-    const QString folder = host.path(u"case/Artifacts_Result/Bluetooth_Logs"_s);
+    const QString folder = host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs"_s);
     if (!QDir().mkpath(folder))
         qFatal("no case");
     const sqlite_file database(folder + u"/Bluetooth_Logs.sqlite"_s);
@@ -164,7 +164,7 @@ void test_show::damaged_database_is_told()
     const host_result result = host.run({u"show"_s, u"case"_s, u"--table"_s, u"devices"_s});
     QCOMPARE(result.exit_code, 3);
     QCOMPARE(result.errors,
-             u"error: the table devices cannot be read: file is not a database Unable to execute statement\n"_s);
+             u"error: the table devices of "_s + file.fileName() + u" cannot be read: file is not a database\n"_s);
     const host_result every_table = host.run({u"show"_s, u"case"_s});
     QCOMPARE(every_table.exit_code, 3);
     QVERIFY2(every_table.errors.contains(u"cannot be read: "_s), qPrintable(every_table.errors));

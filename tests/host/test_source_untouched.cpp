@@ -165,7 +165,7 @@ void test_source_untouched::state_stays()
     const QStringList states_before = states(paths);
 
     host.run({u"extract"_s, u"-i"_s, source, u"-o"_s, u"case"_s});
-    QVERIFY(QFile::exists(host.path(u"case/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)));
+    QVERIFY(QFile::exists(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)));
     QCOMPARE(states(paths), states_before);
     QCOMPARE(paths_from(path), paths);
     QCOMPARE(hashes(path), hashes_before);
@@ -196,7 +196,7 @@ void test_source_untouched::system_calls_only_read()
     const host_result result = host_program::finish(process);
     if (result.errors.contains(u"ptrace"_s))
         QSKIP("tracing is not permitted here");
-    QVERIFY2(QFile::exists(host.path(u"case/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)),
+    QVERIFY2(QFile::exists(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)),
              qPrintable(result.errors));
 
     QFile trace(host.path(u"trace"_s));

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/terminal_text.h"
-#include "host/text_table.h"
+#include "host/cli/text_table.h"
+#include "host/files/terminal_text.h"
 
 #include <QRegularExpression>
 #include <QTest>

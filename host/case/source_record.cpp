@@ -1,0 +1,119 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/case/source_record.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1StringView status_names[] = {
+    "running"_L1,   "done"_L1,          "partial"_L1,     "failed"_L1,           "crashed"_L1,
+    "timed out"_L1, "out of memory"_L1, "interrupted"_L1, "evidence changed"_L1, "not run"_L1,
+};
+
+QJsonValue number_or_null(const std::optional<qint64> &number)
+{
+    return number ? QJsonValue(*number) : QJsonValue();
+}
+
+std::optional<qint64> number_from(const QJsonValue &json)
+{
+    if (!json.isDouble())
+        return {};
+    return json.toInteger();
+}
+
+QJsonValue text_or_null(const QString &text)
+{
+    return text.isEmpty() ? QJsonValue() : QJsonValue(text);
+}
+
+QStringList texts_from(const QJsonValue &json)
+{
+    QStringList texts;
+    for (const QJsonValue &text : json.toArray())
+        texts.append(text.toString());
+    return texts;
+}
+
+} // namespace
+
+QLatin1StringView status_name(source_status status)
+{
+    return status_names[int(status)];
+}
+
+source_status status_named(const QString &name)
+{
+    const auto found = std::find(std::begin(status_names), std::end(status_names), name);
+    return found == std::end(status_names) ? source_status::failed : source_status(found - std::begin(status_names));
+}
+
+QJsonObject source_record::to_json() const
+{
+    QJsonObject row_counts;
+    for (const table_rows &table : rows)
+        row_counts.insert(table.table, QJsonObject{{u"found"_s, number_or_null(table.found)},
+                                                   {u"announced"_s, number_or_null(table.announced)},
+                                                   {u"stored"_s, number_or_null(table.stored)}});
+    QJsonArray files;
+    for (const evidence_file &file : evidence.files)
+        files.append(file.to_json());
+    QJsonValue result;
+    if (!result_path.isEmpty())
+        result = QJsonObject{{u"path"_s, result_path}, {u"sha256"_s, text_or_null(result_sha256)}};
+
+    return {
+        {u"number"_s, number},
+        {u"name"_s, name},
+        {u"path"_s, path},
+        {u"type"_s, type},
+        {u"status"_s, QString(status_name(status))},
+        {u"exit_code"_s, exit_code ? QJsonValue(*exit_code) : QJsonValue()},
+        {u"messages"_s, QJsonArray::fromStringList(messages)},
+        {u"started"_s, text_or_null(started)},
+        {u"finished"_s, text_or_null(finished)},
+        {u"rows"_s, row_counts},
+        {u"evidence"_s, files},
+        {u"listing"_s, QJsonObject{{u"before"_s, QJsonArray::fromStringList(evidence.listing_before)},
+                                   {u"after"_s, QJsonArray::fromStringList(evidence.listing_after)}}},
+        {u"wal"_s, wal},
+        {u"result"_s, result},
+    };
+}
+
+source_record source_record::from_json(const QJsonObject &json)
+{
+    source_record record;
+    record.number = json.value("number"_L1).toInt();
+    record.name = json.value("name"_L1).toString();
+    record.path = json.value("path"_L1).toString();
+    record.type = json.value("type"_L1).toString();
+    record.status = status_named(json.value("status"_L1).toString());
+    if (json.value("exit_code"_L1).isDouble())
+        record.exit_code = json.value("exit_code"_L1).toInt();
+    record.messages = texts_from(json.value("messages"_L1));
+    record.started = json.value("started"_L1).toString();
+    record.finished = json.value("finished"_L1).toString();
+    const QJsonObject row_counts = json.value("rows"_L1).toObject();
+    for (auto table = row_counts.begin(); table != row_counts.end(); ++table) {
+        const QJsonObject counts = table.value().toObject();
+        record.rows.append({table.key(), number_from(counts.value("found"_L1)),
+                            number_from(counts.value("announced"_L1)), number_from(counts.value("stored"_L1))});
+    }
+    for (const QJsonValue &file : json.value("evidence"_L1).toArray())
+        record.evidence.files.append(evidence_file::from_json(file.toObject()));
+    const QJsonObject listing = json.value("listing"_L1).toObject();
+    record.evidence.listing_before = texts_from(listing.value("before"_L1));
+    record.evidence.listing_after = texts_from(listing.value("after"_L1));
+    record.wal = json.value("wal"_L1);
+    const QJsonObject result = json.value("result"_L1).toObject();
+    record.result_path = result.value("path"_L1).toString();
+    record.result_sha256 = result.value("sha256"_L1).toString();
+    return record;
+}

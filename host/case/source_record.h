@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CASE_SOURCE_RECORD_H
+#define HOST_CASE_SOURCE_RECORD_H
+
+#include "host/source/evidence_files.h"
+
+#include <QJsonObject>
+#include <QLatin1StringView>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/** How many rows of one result table there are, counted in three places that must agree. */
+struct table_rows
+{
+    QString table;
+    std::optional<qint64> found;     ///< in the evidence, by the host's own count; none for a log text
+    std::optional<qint64> announced; ///< by the plug-in's signals
+    std::optional<qint64> stored;    ///< in the result database, by a fresh connection
+};
+
+/** How the run of a source ended. */
+enum class source_status {
+    running,
+    done,
+    partial,
+    failed,
+    crashed,
+    timed_out,
+    out_of_memory,
+    interrupted,
+    evidence_changed,
+    not_run,
+};
+
+QLatin1StringView status_name(source_status status);
+/** failed for a name that no status has. */
+source_status status_named(const QString &name);
+
+/** All that is known of one source of a case; source.json holds it, and the manifest takes it from there. */
+struct source_record
+{
+    int number = 1;
+    QString name; ///< as the examiner calls it; may be empty
+    QString path;
+    QString type;
+    source_status status = source_status::not_run;
+    std::optional<int> exit_code; ///< none before its run has ended
+    QStringList messages;
+    QString started; ///< UTC
+    QString finished;
+    QList<table_rows> rows;
+    evidence_state evidence;
+    QJsonValue wal;      ///< rows that a write-ahead log adds, changes and deletes, by result table; null without one
+    QString result_path; ///< relative to the case; empty: there is none
+    QString result_sha256;
+
+    QJsonObject to_json() const;
+    static source_record from_json(const QJsonObject &json);
+};
+
+#endif

@@ -1,0 +1,241 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/cli/command_line.h"
+
+#include "host/files/host_error.h"
+#include "host/files/paths.h"
+#include "host/source/macos_databases.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char *exit_codes_help = R"(Exit codes:
+    0  done
+    1  internal error, the plug-in cannot be loaded for instance
+    2  wrong use
+    3  the source is missing, unreadable or free of evidence
+    4  partial: evidence was found, but a part could not be read or written
+    5  the evidence changed during the run
+  130  interrupted)";
+
+/** The suite's editions; their places are the numbers that the plug-in knows them by. */
+const std::vector<std::string> engine_names = {"KALDO_DESK", "KALDO_FIELD", "KALDO_BOOT"};
+const std::vector<std::string> table_names = {other_devices_database.result_table.data(),
+                                              paired_devices_database.result_table.data()};
+
+QString path_text(const std::string &path)
+{
+    const QString text = QString::fromStdString(path);
+    if (text.toStdString() != path)
+        throw CLI::ValidationError("the path " + text.toStdString() + " is not valid UTF-8");
+    return text;
+}
+
+/** An option whose value becomes a path. */
+CLI::Option *add_path(CLI::App *command, const std::string &name, QString &path, const std::string &help)
+{
+    return command
+        ->add_option_function<std::string>(
+            name, [&path](const std::string &value) { path = path_text(value); }, help)
+        ->type_name("PATH");
+}
+
+CLI::Option *add_text(CLI::App *command, const std::string &name, QString &text, const std::string &help)
+{
+    return command
+        ->add_option_function<std::string>(
+            name, [&text](const std::string &value) { text = QString::fromStdString(value); }, help)
+        ->type_name("TEXT");
+}
+
+/** "+05:30", or plain seconds, in seconds east of UTC. */
+qint64 offset_seconds(const std::string &text)
+{
+    bool is_number = false;
+    const qint64 number = QString::fromStdString(text).toLongLong(&is_number);
+    if (is_number && number >= -14 * 3600 && number <= 14 * 3600)
+        return number;
+    static const QRegularExpression form(u"^([+-])(\\d\\d):([0-5]\\d)$"_s);
+    const QRegularExpressionMatch match = form.match(QString::fromStdString(text));
+    const qint64 seconds = match.captured(2).toLongLong() * 3600 + match.captured(3).toLongLong() * 60;
+    if (!match.hasMatch() || seconds > 14 * 3600)
+        throw CLI::ValidationError("--timezone-offset", "must look like +05:30, -08:00 or 19800");
+    return match.captured(1) == "-"_L1 ? -seconds : seconds;
+}
+
+int engine_type(const std::string &name)
+{
+    return int(std::find(engine_names.begin(), engine_names.end(), name) - engine_names.begin());
+}
+
+CLI::App *add_sample(CLI::App &app, sample_options &options)
+{
+    CLI::App *sample = app.add_subcommand("sample", "Write a synthetic macOS, iOS and Windows source to try things on");
+    add_path(sample, "DIR", options.directory, "Folder for the sample; created if missing")->required();
+    sample->add_flag("--force", options.force, "Replace an earlier sample in DIR");
+    return sample;
+}
+
+/** What "extract" is told, as it is told. */
+struct extract_arguments
+{
+    QString input;
+    QString output;
+    QString type = u"auto"_s;
+    QString plugin_file;
+    int number = 1;
+    bool widen_ios_tables = false; ///< what the program does by itself now; still understood
+    bool force = false;
+    extraction_options options;
+};
+
+CLI::App *add_extract(CLI::App &app, extract_arguments &arguments)
+{
+    extraction_options &options = arguments.options;
+    CLI::App *extract = app.add_subcommand("extract", "Extract the Bluetooth devices of a source into a case");
+    add_path(
+        extract, "-i,--input", arguments.input,
+        "macOS, Windows: the folder at which the source's file system is reachable. iOS: the system log's text file")
+        ->required();
+    add_path(extract, "-o,--output", arguments.output, "The case's folder, outside the source")->required();
+    add_text(extract, "-t,--type", arguments.type, "Kind of the source (default auto)")
+        ->type_name("TYPE")
+        ->check(CLI::IsMember({"macOS", "macos", "iOS_UID", "ios", "winOS", "windows", "auto"}));
+    extract
+        ->add_option_function<std::vector<std::string>>(
+            "--table",
+            [&options](const std::vector<std::string> &names) {
+                options.tables.clear();
+                for (const std::string &name : names)
+                    options.tables.append(QString::fromStdString(name));
+                options.tables.removeDuplicates();
+            },
+            "Fill only this table; may be given twice")
+        ->type_name("TABLE")
+        ->check(CLI::IsMember(table_names))
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    extract
+        ->add_option_function<std::string>(
+            "--engine", [&options](const std::string &name) { options.engine_type = engine_type(name); },
+            "Edition of the suite (default KALDO_DESK)")
+        ->type_name("NAME")
+        ->check(CLI::IsMember(engine_names));
+    extract->add_option("--source-number", arguments.number, "Number of the source in the case (default 1)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 1000000).description(""));
+    add_text(extract, "--os-name", options.display_name, "Operating system's name as the rows show it");
+    extract
+        ->add_option_function<std::string>(
+            "--timezone-offset",
+            [&options](const std::string &text) { options.timezone_offset = offset_seconds(text); },
+            "Offset of the examiner's time zone from UTC, like +05:30, or in seconds (default 0)")
+        ->type_name("OFFSET");
+    extract->add_flag("--suite-tables", options.suite_tables,
+                      "iOS: leave the result tables as the suite makes them; they hold no iOS rows then");
+    extract->add_flag("--widen-ios-tables", arguments.widen_ios_tables,
+                      "iOS: add the columns that iOS rows fill to the result tables (the default)");
+    extract->add_flag("--live", options.is_live,
+                      "The source is a system in use, like / : its evidence may change during the run");
+    extract->add_option("--memory-limit", options.memory_limit, "Most memory that one source may take (default 2048)")
+        ->type_name("MIB")
+        ->check(CLI::Range(qint64(128), qint64(1) << 30).description(""));
+    extract->add_option("--max-database", options.max_database, "Largest database that is read (default 1024)")
+        ->type_name("MIB")
+        ->check(CLI::Range(qint64(1), qint64(1) << 30).description(""));
+    extract->add_option("--timeout", options.timeout, "Longest time that one source may take (default: any)")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(qint64(1), qint64(1) << 30).description(""));
+    extract->add_flag("-v,--verbose", options.is_verbose, "Show the plug-in's log on standard error");
+    add_path(extract, "--plugin", arguments.plugin_file, "Plug-in file (default: the one beside this program)");
+    extract->add_flag("--force", arguments.force, "Remove the case's earlier result first");
+    return extract;
+}
+
+case_request request_of(const extract_arguments &arguments)
+{
+    case_request request;
+    named_source source;
+    source.path = absolute_path(arguments.input, u"--input"_s);
+    if (arguments.type != "auto"_L1)
+        source.kind = source_kind_named(arguments.type);
+    source.number = arguments.number;
+    request.sources.append(source);
+    request.directory = absolute_path(arguments.output, u"--output"_s);
+    request.options = arguments.options;
+    request.options.plugin_file = arguments.plugin_file.isNull()
+                                      ? QCoreApplication::applicationDirPath() + u"/" BLUETOOTH_LOGS_PLUGIN_FILE ""_s
+                                      : absolute_path(arguments.plugin_file, u"--plugin"_s);
+    request.force = arguments.force;
+    return request;
+}
+
+CLI::App *add_show(CLI::App &app, show_options &options)
+{
+    CLI::App *show = app.add_subcommand("show", "Show the extracted rows of a case");
+    add_path(show, "CASE", options.case_directory, "The case's folder")->required();
+    add_text(show, "--table", options.table, "Show only this table")
+        ->type_name("TABLE")
+        ->check(CLI::IsMember(table_names));
+    return show;
+}
+
+/** Help goes to standard output and is no error; everything else that is wrong is. */
+command_line help_or_throw(const CLI::App &app, const CLI::ParseError &error)
+{
+    if (error.get_exit_code() == 0) {
+        app.exit(error);
+        return {};
+    }
+    const QString reason = app.get_subcommands().empty() ? u"one of the commands sample, extract and show is needed"_s
+                                                         : QString::fromUtf8(error.what());
+    throw host_error(exit_code::usage, reason + u" (bluetooth-logs --help tells more)"_s);
+}
+
+} // namespace
+
+command_line parse_command_line(int argc, char **argv)
+{
+    command_line result;
+    sample_options sample;
+    extract_arguments extract;
+    show_options show;
+
+    CLI::App app("Extracts Bluetooth devices from macOS, iOS and Windows sources.", "bluetooth-logs");
+    app.set_version_flag("--version", "bluetooth-logs " BLUETOOTH_LOGS_VERSION);
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.footer(exit_codes_help);
+    app.add_flag("-q,--quiet", result.output.quiet, "Only data, warnings and errors");
+    app.add_flag("--no-color", result.output.no_color, "No colours on a terminal; NO_COLOR does the same");
+
+    const CLI::App *sample_command = add_sample(app, sample);
+    const CLI::App *extract_command = add_extract(app, extract);
+    add_show(app, show);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return help_or_throw(app, error);
+    }
+    result.output.no_progress = extract.options.is_verbose;
+    if (sample_command->parsed())
+        result.command = sample;
+    else if (extract_command->parsed())
+        result.command = request_of(extract);
+    else
+        result.command = show;
+    return result;
+}

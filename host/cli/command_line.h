@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CLI_COMMAND_LINE_H
+#define HOST_CLI_COMMAND_LINE_H
+
+#include "host/cli/console.h"
+#include "host/cli/extract_command.h"
+#include "host/cli/sample_command.h"
+#include "host/cli/show_command.h"
+
+#include <variant>
+
+/** What the examiner asked for. */
+struct command_line
+{
+    console_options output;
+    std::variant<std::monostate, sample_options, case_request, show_options> command; ///< monostate: only help
+};
+
+/** Reads the arguments of main(). Prints help itself. Throws host_error (usage) with the reason in plain words. */
+command_line parse_command_line(int argc, char **argv);
+
+#endif

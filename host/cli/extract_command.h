@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CLI_EXTRACT_COMMAND_H
+#define HOST_CLI_EXTRACT_COMMAND_H
+
+#include "host/cli/console.h"
+#include "host/run/case_run.h"
+
+/**
+ * Extracts the sources into a case and tells what came of it. Nothing is touched before sources, case and plug-in are
+ * known to be usable. Throws host_error when the run cannot begin.
+ */
+exit_code run_extract(const case_request &request, const console &out);
+
+#endif

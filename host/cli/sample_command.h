@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CLI_SAMPLE_COMMAND_H
+#define HOST_CLI_SAMPLE_COMMAND_H
+
+#include "host/cli/console.h"
+#include "host/files/host_error.h"
+
+#include <QString>
+
+struct sample_options
+{
+    QString directory;
+    bool force = false;
+};
+
+/** Writes a synthetic source of each kind below a folder. Throws host_error, also when one is there already. */
+exit_code run_sample(const sample_options &options, const console &out);
+
+#endif

@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/files/file_lock.h"
+
+#include "host/files/host_error.h"
+#include "host/files/system_error.h"
+#include "host/files/utc_time.h"
+
+#include <QFile>
+#include <QSysInfo>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int most_holder_bytes = 300;
+
+/** What the holder wrote about itself. */
+QString holder_of(int file)
+{
+    QByteArray text(most_holder_bytes, '\0');
+    const auto size = ::pread(file, text.data(), size_t(text.size()), 0);
+    const QString holder = QString::fromUtf8(text.first(qMax<qsizetype>(0, size))).trimmed();
+    return holder.isEmpty() ? u"another process"_s : holder;
+}
+
+/** "process 4711 on laptop since 2026-01-31T12:00:00Z". */
+QByteArray this_holder()
+{
+    return "process " + QByteArray::number(qint64(::getpid())) + " on " + QSysInfo::machineHostName().toUtf8()
+           + " since " + utc_now().toUtf8() + '\n';
+}
+
+} // namespace
+
+file_lock::file_lock(const QString &path)
+    : file(::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644))
+{
+    if (!file.is_open())
+        throw host_error(exit_code::internal_error,
+                         u"the lock "_s + path + u" cannot be written: "_s + system_error_text(errno));
+    if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK)
+            throw host_error(exit_code::usage,
+                             u"another run works here, "_s + holder_of(file.number()) + u": "_s + path);
+        throw host_error(exit_code::internal_error,
+                         u"the file system of "_s + path + u" gives no lock: "_s + system_error_text(errno));
+    }
+    // A full disk keeps the name out, not the lock.
+    const QByteArray holder = this_holder();
+    if (::ftruncate(file.number(), 0) == 0)
+        static_cast<void>(::pwrite(file.number(), holder.constData(), size_t(holder.size()), 0) == holder.size());
+}
+
+bool file_lock::is_held(const QString &path)
+{
+    const descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    return file.is_open() && ::flock(file.number(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}

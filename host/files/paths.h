@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_FILES_PATHS_H
+#define HOST_FILES_PATHS_H
+
+#include <QString>
+
+#include <filesystem>
+
+/** The same path for the standard library. */
+std::filesystem::path to_std_path(const QString &path);
+
+/**
+ * The absolute form of a path that the examiner gave, links not followed. Throws host_error (usage) for an empty path,
+ * and for a relative one when the working folder is gone. @p name says in the message what the path is for.
+ */
+QString absolute_path(const QString &path, const QString &name);
+
+/** Whether anything stands at the path, be it a link that leads nowhere. False also where nobody lets us look. */
+bool path_exists(const QString &path);
+
+/**
+ * Whether @p path, which need not exist, is @p folder or lies below it once every link is followed. Folders are
+ * compared by what they are, not by their names: capitals, links and second mounts deceive nobody.
+ */
+bool is_inside(const QString &path, const QString &folder);
+
+/** Makes the folder with its parents. Throws host_error (internal_error) with the system's reason. */
+void make_folder(const QString &path);
+
+#endif

@@ -1,0 +1,132 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/files/terminal_text.h"
+
+#include <QList>
+
+#include <algorithm>
+
+#include <utf8proc.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char32_t zero_width_joiner = 0x200d;
+constexpr char32_t text_selector = 0xfe0e;
+constexpr char32_t emoji_selector = 0xfe0f;
+constexpr int most_marks = 8; // on one base; more would run over the lines above and below
+
+const utf8proc_property_t &property(char32_t character)
+{
+    return *utf8proc_get_property(utf8proc_int32_t(character));
+}
+
+bool is_pictograph(char32_t character)
+{
+    return property(character).boundclass == UTF8PROC_BOUNDCLASS_EXTENDED_PICTOGRAPHIC;
+}
+
+bool is_mark(char32_t character)
+{
+    const auto category = property(character).category;
+    return category == UTF8PROC_CATEGORY_MN || category == UTF8PROC_CATEGORY_MC || category == UTF8PROC_CATEGORY_ME;
+}
+
+bool is_unseen(char32_t character)
+{
+    switch (property(character).category) {
+    case UTF8PROC_CATEGORY_CC:
+    case UTF8PROC_CATEGORY_CF:
+    case UTF8PROC_CATEGORY_CS:
+    case UTF8PROC_CATEGORY_CN:
+    case UTF8PROC_CATEGORY_ZL:
+    case UTF8PROC_CATEGORY_ZP:
+        return true;
+    case UTF8PROC_CATEGORY_ZS:
+        return character != U' ';
+    default:
+        return property(character).ignorable;
+    }
+}
+
+/** Walks through a text and tells which of its characters can be shown as they are. */
+class visibility
+{
+public:
+    bool shows(char32_t character, char32_t next)
+    {
+        const bool joins = joins_emoji(character, next);
+        const bool marks = is_mark(character);
+        mark_count = marks ? mark_count + 1 : 0;
+        const bool shown = joins || (!is_unseen(character) && !(marks && (is_first || mark_count > most_marks)));
+        if (is_pictograph(character))
+            in_emoji = true;
+        else if (!joins && property(character).boundclass != UTF8PROC_BOUNDCLASS_EXTEND)
+            in_emoji = false; // a skin tone extends
+        previous = character;
+        is_first = false;
+        return shown;
+    }
+
+private:
+    bool joins_emoji(char32_t character, char32_t next) const
+    {
+        if (!in_emoji)
+            return false;
+        if (character == zero_width_joiner)
+            return is_pictograph(next);
+        return (character == text_selector || character == emoji_selector) && is_pictograph(previous);
+    }
+
+    bool is_first = true;
+    bool in_emoji = false;
+    int mark_count = 0;
+    char32_t previous = 0;
+};
+
+} // namespace
+
+QString terminal_escape(char32_t character)
+{
+    return u"\\u{"_s + QString::number(uint(character), 16) + u'}';
+}
+
+QString terminal_text(const QString &text)
+{
+    const QList<uint> characters = text.toUcs4();
+    visibility visible;
+    QString result;
+    result.reserve(text.size());
+    for (qsizetype i = 0; i < characters.size(); ++i) {
+        const char32_t character = characters.at(i);
+        if (!visible.shows(character, characters.value(i + 1)))
+            result += terminal_escape(character);
+        else if (character == U'\\')
+            result += u"\\\\"_s;
+        else
+            result += QString::fromUcs4(&character, 1);
+    }
+    return result;
+}
+
+qsizetype terminal_width(const QString &text)
+{
+    qsizetype width = 0;
+    qsizetype cluster = 0; // what the terminal draws as one character takes two columns at the most
+    utf8proc_int32_t state = 0;
+    utf8proc_int32_t previous = -1;
+    const QList<uint> characters = text.toUcs4();
+    for (const uint value : characters) {
+        const auto character = utf8proc_int32_t(value);
+        if (previous == -1 || utf8proc_grapheme_break_stateful(previous, character, &state)) {
+            width += cluster;
+            cluster = 0;
+        }
+        const int columns = char32_t(value) == emoji_selector ? 2 : utf8proc_charwidth(character);
+        cluster = std::min<qsizetype>(2, cluster + columns);
+        previous = character;
+    }
+    return width + cluster;
+}

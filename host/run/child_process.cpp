@@ -1,0 +1,216 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/run/child_process.h"
+
+#include "host/files/host_error.h"
+#include "host/files/system_error.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+
+#include <cerrno>
+#include <csignal>
+#include <vector>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int milliseconds_between_looks = 50; // at the clock and at Ctrl-C
+constexpr qsizetype longest_line = qsizetype(1) << 28;
+
+struct pipe_ends
+{
+    descriptor reading;
+    descriptor writing;
+};
+
+pipe_ends make_pipe()
+{
+    int ends[2] = {-1, -1};
+#ifdef Q_OS_DARWIN
+    const bool is_made = ::pipe(ends) == 0 && ::fcntl(ends[0], F_SETFD, FD_CLOEXEC) == 0
+                         && ::fcntl(ends[1], F_SETFD, FD_CLOEXEC) == 0;
+#else
+    const bool is_made = ::pipe2(ends, O_CLOEXEC) == 0;
+#endif
+    if (!is_made)
+        throw host_error(exit_code::internal_error, u"no pipe can be made: "_s + system_error_text(errno));
+    return {descriptor(ends[0]), descriptor(ends[1])};
+}
+
+/** What the child takes over from this process, and what not. */
+class spawn_settings
+{
+public:
+    spawn_settings(int input, int output, int errors)
+    {
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
+        sigset_t none;
+        sigset_t all;
+        sigemptyset(&none);
+        sigfillset(&all);
+        posix_spawnattr_init(&attributes);
+        posix_spawnattr_setsigmask(&attributes, &none);
+        posix_spawnattr_setsigdefault(&attributes, &all);
+        posix_spawnattr_setpgroup(&attributes, 0);
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
+    }
+    ~spawn_settings()
+    {
+        posix_spawn_file_actions_destroy(&actions);
+        posix_spawnattr_destroy(&attributes);
+    }
+    spawn_settings(const spawn_settings &) = delete;
+    spawn_settings &operator=(const spawn_settings &) = delete;
+
+    posix_spawn_file_actions_t actions;
+    posix_spawnattr_t attributes;
+};
+
+std::vector<char *> pointers(const QList<QByteArray> &texts)
+{
+    std::vector<char *> result;
+    for (const QByteArray &text : texts)
+        result.push_back(const_cast<char *>(text.constData()));
+    result.push_back(nullptr);
+    return result;
+}
+
+/** Cuts what comes from a pipe into lines. */
+class line_reader
+{
+public:
+    /** Takes what is there. False at the end. */
+    bool read(int file, const std::function<void(const QByteArray &line)> &on_line)
+    {
+        char bytes[65536];
+        const auto count = ::read(file, bytes, sizeof bytes);
+        if (count < 0 && errno == EINTR)
+            return true;
+        if (count <= 0) {
+            if (!rest.isEmpty())
+                on_line(rest);
+            return false;
+        }
+        rest.append(bytes, count);
+        qsizetype start = 0;
+        for (qsizetype end = rest.indexOf('\n'); end != -1; end = rest.indexOf('\n', start)) {
+            on_line(rest.sliced(start, end - start));
+            start = end + 1;
+        }
+        rest.remove(0, start);
+        if (rest.size() > longest_line)
+            rest.clear();
+        return true;
+    }
+
+private:
+    QByteArray rest;
+};
+
+} // namespace
+
+QString child_end::signal_name() const
+{
+#ifdef Q_OS_DARWIN
+    return u"SIG"_s + QString::fromLatin1(signal > 0 && signal < NSIG ? sys_signame[signal] : "?").toUpper();
+#else
+    const char *name = ::sigabbrev_np(signal);
+    return name ? QString(u"SIG"_s + QLatin1StringView(name)) : QString(u"signal "_s + QString::number(signal));
+#endif
+}
+
+child_process::child_process(const QString &program, const QStringList &arguments, const QList<QByteArray> &environment)
+{
+    pipe_ends to_child = make_pipe();
+    pipe_ends from_child = make_pipe();
+    pipe_ends errors_of_child = make_pipe();
+
+    const QByteArray file = QFile::encodeName(program);
+    QList<QByteArray> texts{file};
+    for (const QString &argument : arguments)
+        texts.append(QFile::encodeName(argument));
+    const spawn_settings settings(to_child.reading.number(), from_child.writing.number(),
+                                  errors_of_child.writing.number());
+    const int error = ::posix_spawn(&process, file.constData(), &settings.actions, &settings.attributes,
+                                    pointers(texts).data(), pointers(environment).data());
+    if (error != 0) {
+        process = -1;
+        throw host_error(exit_code::internal_error, program + u" cannot be started: "_s + system_error_text(error));
+    }
+    input = std::move(to_child.writing);
+    output = std::move(from_child.reading);
+    errors = std::move(errors_of_child.reading);
+}
+
+child_process::~child_process()
+{
+    if (process == -1)
+        return;
+    ::kill(process, SIGKILL);
+    int status = 0;
+    while (::waitpid(process, &status, 0) == -1 && errno == EINTR) {
+    }
+}
+
+void child_process::write_line(const QByteArray &line)
+{
+    const QByteArray bytes = line + '\n';
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const auto count = ::write(input.number(), bytes.constData() + done, size_t(bytes.size() - done));
+        if (count < 0 && errno != EINTR)
+            return;
+        done += qMax<qsizetype>(0, count);
+    }
+}
+
+child_end child_process::wait(const std::function<void(const QByteArray &line)> &on_output,
+                              const std::function<void(const QByteArray &line)> &on_error, qint64 seconds,
+                              const std::function<bool()> &is_cancelled)
+{
+    child_end end;
+    const QDeadlineTimer deadline(seconds == 0 ? QDeadlineTimer(QDeadlineTimer::Forever)
+                                               : QDeadlineTimer(seconds * 1000));
+    bool was_told = false;
+    bool is_ended = false;
+    int status = 0;
+    line_reader output_lines;
+    line_reader error_lines;
+    // The pipes may outlive the child in a process that the plug-in left behind: the child's own end is what counts.
+    while (output.is_open() || errors.is_open() || !is_ended) {
+        pollfd pipes[] = {{output.number(), POLLIN, 0}, {errors.number(), POLLIN, 0}};
+        const bool is_silent = !output.is_open() && !errors.is_open(); // it is about to end
+        const int ready = ::poll(pipes, 2, is_silent ? 1 : milliseconds_between_looks);
+        if (ready > 0 && pipes[0].revents != 0 && !output_lines.read(output.number(), on_output))
+            output.close();
+        if (ready > 0 && pipes[1].revents != 0 && !error_lines.read(errors.number(), on_error))
+            errors.close();
+        if (is_ended && ready <= 0)
+            break;
+        if (!is_ended && ::waitpid(process, &status, WNOHANG) == process)
+            is_ended = true;
+        if (!was_told && is_cancelled()) {
+            ::kill(process, SIGINT);
+            was_told = true;
+        }
+        if (!is_ended && deadline.hasExpired() && !end.is_timed_out) {
+            end.is_timed_out = true;
+            ::kill(process, SIGKILL);
+        }
+    }
+    process = -1;
+    end.exit_code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+    end.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    return end;
+}

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_RUN_CHILD_PROCESS_H
+#define HOST_RUN_CHILD_PROCESS_H
+
+#include "host/files/descriptor.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+#include <sys/types.h>
+
+/** How a child process ended. */
+struct child_end
+{
+    int exit_code = 0;
+    int signal = 0; ///< 0: it ended by itself
+    bool is_timed_out = false;
+
+    /** "SIGSEGV". */
+    QString signal_name() const;
+};
+
+/**
+ * A child process with a line of text as unit of talk: it reads lines from its standard input, and this process gets
+ * the lines of its standard output and standard error. Its standard input ends with this process, which is how the
+ * child learns that it is alone. It does not get the terminal's Ctrl-C.
+ */
+class child_process
+{
+public:
+    /** @p environment: "NAME=value". Throws host_error (internal_error). */
+    child_process(const QString &program, const QStringList &arguments, const QList<QByteArray> &environment);
+    /** Kills the child if it still runs. */
+    ~child_process();
+    child_process(const child_process &) = delete;
+    child_process &operator=(const child_process &) = delete;
+
+    /** A line for the child's standard input. A child that is gone gets none; wait() tells. */
+    void write_line(const QByteArray &line);
+
+    /** Gives every line to one of the two until the child has ended; kills it after @p seconds (0: never). */
+    child_end wait(const std::function<void(const QByteArray &line)> &on_output,
+                   const std::function<void(const QByteArray &line)> &on_error, qint64 seconds,
+                   const std::function<bool()> &is_cancelled);
+
+private:
+    pid_t process = -1;
+    descriptor input;
+    descriptor output;
+    descriptor errors;
+};
+
+#endif

@@ -1,0 +1,170 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/run/inspection.h"
+
+#include "host/case/result_database.h"
+#include "host/files/host_error.h"
+#include "host/files/sha256.h"
+#include "host/source/evidence_folder.h"
+#include "host/source/macos_databases.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const evidence_file *file_of(const evidence_state &evidence, const QString &path)
+{
+    const auto found = std::find_if(evidence.files.cbegin(), evidence.files.cend(),
+                                    [&path](const evidence_file &file) { return file.path == path; });
+    return found == evidence.files.cend() ? nullptr : &*found;
+}
+
+QString path_of(const macos_database &database)
+{
+    return QString(macos_database_folder) + database.file_name;
+}
+
+/**
+ * Rows of the device table in the main file of the working copy, without what its write-ahead log says. Whole rows
+ * are counted, not entries of an index, which a hostile file may lack.
+ */
+qint64 count_rows(const QString &copy, const macos_database &database)
+{
+    sqlite_database opened(copy, sqlite_database::access::main_file_alone);
+    opened.distrust();
+    if (!opened.has_table(database.device_table))
+        throw sqlite_error(0, database.device_table + u" is no ordinary table of it"_s);
+    sqlite_statement statement(opened,
+                               "SELECT count(*) FROM " + QByteArray(database.device_table.data()) + " NOT INDEXED");
+    statement.next();
+    return statement.integer(0);
+}
+
+void count_found(inspection &result, table_rows &rows, const source_request &request)
+{
+    if (request.source.kind == &winos_kind)
+        rows.found = 0; // none are looked for
+    if (request.source.kind != &macos_kind)
+        return;
+    const auto database = std::find_if(std::begin(macos_databases), std::end(macos_databases),
+                                       [&rows](const auto *known) { return rows.table == known->result_table; });
+    const evidence_file *file = file_of(result.evidence, path_of(**database));
+    if (!file || file->state == evidence_file::presence::absent) {
+        rows.found = 0;
+        return;
+    }
+    if (file->copy_sha256.isEmpty())
+        return;
+    try {
+        rows.found = count_rows(request.layout().evidence_folder() + u'/' + file->path, **database);
+    } catch (const sqlite_error &error) {
+        result.is_out_of_memory = result.is_out_of_memory || error.is_out_of_memory();
+        result.problems.append(u"the rows of "_s + file->path + u" cannot be counted: "_s + error.message());
+    }
+}
+
+void count_stored(inspection &result, const source_request &request)
+{
+    const QString path = request.layout().result_database();
+    try {
+        const result_database database(path);
+        for (table_rows &rows : result.rows)
+            rows.stored = database.row_count(rows.table);
+    } catch (const host_error &error) {
+        result.problems.append(error.message().replace(path, request.layout().relative_to_case(path)));
+    }
+}
+
+QString hash_of_file(const QString &path)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return {};
+    sha256 hash;
+    for (QByteArray block = file.read(1 << 20); !block.isEmpty(); block = file.read(1 << 20))
+        hash.add(block);
+    return file.error() == QFile::NoError ? hash.result() : QString();
+}
+
+} // namespace
+
+QStringList refused_tables(const source_request &request, const evidence_state &evidence)
+{
+    QStringList tables;
+    for (const macos_database *database : macos_databases) {
+        const evidence_file *file = file_of(evidence, path_of(*database));
+        if (request.options.tables.contains(database->result_table) && file
+            && file->state == evidence_file::presence::refused)
+            tables.append(database->result_table);
+    }
+    return tables;
+}
+
+inspection inspect(const source_request &request, const evidence_state &evidence, const hash_observer &hashed)
+{
+    inspection result;
+    result.evidence = evidence;
+    look_after(result.evidence, request.source, hashed);
+    result.changes = result.evidence.changes();
+
+    QFile log(request.layout().plugin_log());
+    if (log.open(QIODevice::ReadOnly))
+        result.log = read_plugin_log(log, {request.source.path, request.case_directory});
+    for (const QString &table : request.options.tables) {
+        table_rows rows;
+        rows.table = table;
+        count_found(result, rows, request);
+        result.rows.append(rows);
+    }
+    count_stored(result, request);
+    result.result_sha256 = hash_of_file(request.layout().result_database());
+    return result;
+}
+
+QJsonObject evidence_to_json(const evidence_state &evidence)
+{
+    source_record record;
+    record.evidence = evidence;
+    return record.to_json();
+}
+
+evidence_state evidence_from_json(const QJsonObject &json)
+{
+    return source_record::from_json(json).evidence;
+}
+
+QJsonObject inspection::to_json() const
+{
+    source_record record;
+    record.evidence = evidence;
+    record.rows = rows;
+    return {{u"record"_s, record.to_json()},
+            {u"changes"_s, QJsonArray::fromStringList(changes)},
+            {u"problems"_s, QJsonArray::fromStringList(problems)},
+            {u"result_sha256"_s, result_sha256},
+            {u"log"_s, log.to_json()},
+            {u"is_out_of_memory"_s, is_out_of_memory}};
+}
+
+inspection inspection::from_json(const QJsonObject &json)
+{
+    inspection result;
+    const source_record record = source_record::from_json(json.value("record"_L1).toObject());
+    result.evidence = record.evidence;
+    result.rows = record.rows;
+    for (const QJsonValue &text : json.value("changes"_L1).toArray())
+        result.changes.append(text.toString());
+    for (const QJsonValue &text : json.value("problems"_L1).toArray())
+        result.problems.append(text.toString());
+    result.result_sha256 = json.value("result_sha256"_L1).toString();
+    result.log = log_findings::from_json(json.value("log"_L1).toObject());
+    result.is_out_of_memory = json.value("is_out_of_memory"_L1).toBool();
+    return result;
+}

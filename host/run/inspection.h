@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_RUN_INSPECTION_H
+#define HOST_RUN_INSPECTION_H
+
+#include "host/case/source_record.h"
+#include "host/run/plugin_log.h"
+#include "host/run/source_request.h"
+
+#include <QJsonObject>
+
+/**
+ * What the host itself finds after the plug-in has run, or has failed to: the evidence again, rows counted in the
+ * working copies and in the result, the plug-in's log. Made in a process that is watched and limited, since it reads
+ * what strangers wrote.
+ */
+struct inspection
+{
+    evidence_state evidence;
+    QStringList changes;    ///< of the evidence, in plain words
+    QList<table_rows> rows; ///< found and stored; for each table of the request
+    QStringList problems;   ///< why a count is missing, in plain words
+    QString result_sha256;
+    log_findings log;
+    bool is_out_of_memory = false; ///< a count failed for want of memory
+
+    QJsonObject to_json() const;
+    static inspection from_json(const QJsonObject &json);
+};
+
+/** The tables of the request whose evidence the host refuses to hand to the plug-in. */
+QStringList refused_tables(const source_request &request, const evidence_state &evidence);
+
+/** @p evidence is what look_before() gave; it is completed. */
+inspection inspect(const source_request &request, const evidence_state &evidence, const hash_observer &hashed);
+
+/** JSON of an evidence_state, as the worker process sends it. */
+QJsonObject evidence_to_json(const evidence_state &evidence);
+evidence_state evidence_from_json(const QJsonObject &json);
+
+#endif

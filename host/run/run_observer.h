@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_RUN_RUN_OBSERVER_H
+#define HOST_RUN_RUN_OBSERVER_H
+
+#include "host/run/source_outcome.h"
+
+#include <QString>
+
+/** Is told how a run goes. Sources that run side by side tell it one at a time. */
+class run_observer
+{
+public:
+    virtual ~run_observer() = default;
+
+    /** Paths that an earlier run's removal left alone. */
+    virtual void kept(const QStringList &paths) = 0;
+    virtual void source_started(const source_request &request, const QList<run_message> &messages) = 0;
+    virtual void bytes_hashed(const source_request &request, qint64 bytes) = 0;
+    /** The plug-in's running total of records, and the result tables that it has done. */
+    virtual void records_announced(const source_request &request, qint64 records, int tables_done) = 0;
+    /** A line that the process that runs the plug-in wrote to standard error. */
+    virtual void worker_said(const source_request &request, const QString &line) = 0;
+    virtual void source_finished(const source_request &request, const source_outcome &outcome) = 0;
+};
+
+#endif

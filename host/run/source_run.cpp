@@ -1,0 +1,225 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/run/source_run.h"
+
+#include "host/files/file_lock.h"
+#include "host/files/json_file.h"
+#include "host/files/paths.h"
+#include "host/files/system_error.h"
+#include "host/files/utc_time.h"
+#include "host/run/interruption.h"
+#include "host/run/worker_environment.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+
+#include <cerrno>
+#include <memory>
+
+#include <fcntl.h>
+#include <sys/statvfs.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype most_lines_of_a_failure = 10;
+
+QByteArray to_line(const QJsonObject &json)
+{
+    return QJsonDocument(json).toJson(QJsonDocument::Compact);
+}
+
+/** Bytes of the macOS databases, which are copied twice: by the plug-in and by the host. */
+qint64 bytes_to_stage(const source_request &request)
+{
+    qint64 bytes = 0;
+    if (request.source.kind != &macos_kind)
+        return bytes;
+    const qint64 largest = request.options.max_database << 20;
+    for (const QString &path : evidence_paths(request.source)) {
+        const qint64 size = QFileInfo(request.source.root + path).size();
+        if (size <= largest)
+            bytes += path.endsWith(".db"_L1) ? 2 * size : size;
+    }
+    return bytes;
+}
+
+void require_room(const source_request &request)
+{
+    struct statvfs system = {};
+    if (::statvfs(QFile::encodeName(request.case_directory).constData(), &system) != 0)
+        return;
+    const qint64 free = qint64(system.f_bavail) * qint64(system.f_frsize);
+    const qint64 needed = bytes_to_stage(request);
+    if (needed > free)
+        throw host_error(exit_code::partial, u"there is no room in the case to copy the evidence: "_s
+                                                 + QString::number(needed) + u" bytes are needed and "_s
+                                                 + QString::number(free) + u" are free"_s);
+}
+
+/** The plug-in appends to its log and never creates it. */
+void create_plugin_log(const QString &path)
+{
+    const descriptor file(
+        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+    if (!file.is_open())
+        throw host_error(exit_code::internal_error, path + u" cannot be written: "_s + system_error_text(errno));
+}
+
+/** The one run of a source while it goes on. */
+class running_source
+{
+public:
+    running_source(const source_request &source, const case_facts &case_members, run_observer &run)
+        : request(source)
+        , facts(case_members)
+        , observer(run)
+    {
+        record.number = request.number;
+        record.name = request.name;
+        record.path = request.source.path;
+        record.type = request.source.kind->name;
+    }
+
+    source_outcome run(const std::function<void()> &prepare)
+    {
+        const child_end end = run_worker(u"extract"_s, prepare);
+        if (failure)
+            std::rethrow_exception(failure);
+        report.end = end;
+        if (!is_prepared && is_interrupted())
+            throw host_error(exit_code::interrupted, u"interrupted before anything was written"_s);
+        if (!is_prepared && !end.is_timed_out && !report.is_out_of_memory)
+            throw_unusable_plugin();
+        if (!is_prepared) {
+            prepare();
+            prepare_source();
+        }
+        // What the worker could not look at any more, another one does that never loads the plug-in.
+        if (!report.inspected && report.looked)
+            run_worker(u"inspect"_s, {});
+        return finish();
+    }
+
+private:
+    bool is_interrupted() const
+    {
+        return interruption::was_asked_for();
+    }
+
+    child_end run_worker(const QString &task, const std::function<void()> &prepare)
+    {
+        child_process worker(QCoreApplication::applicationFilePath(), {u"worker"_s},
+                             worker_environment(request.layout().temporary_folder()));
+        QJsonObject message = request.to_json();
+        message.insert(u"task"_s, task);
+        if (report.looked)
+            message.insert(u"evidence"_s, evidence_to_json(*report.looked));
+        worker.write_line(to_line(message));
+        const auto on_event = [&](const QByteArray &line) {
+            const QString event = report.take(line);
+            if (event == worker_events::loaded)
+                start(worker, prepare);
+            else
+                tell(event);
+        };
+        const auto on_error = [this](const QByteArray &line) {
+            const QString text = QString::fromUtf8(line);
+            observer.worker_said(request, text);
+            last_lines.append(text);
+            if (last_lines.size() > most_lines_of_a_failure)
+                last_lines.removeFirst();
+        };
+        return worker.wait(on_event, on_error, request.options.timeout,
+                           [this, &worker] { return is_interrupted() || bool(failure); });
+    }
+
+    /** The plug-in can be used: now the case is laid out, and the worker may go on. */
+    void start(child_process &worker, const std::function<void()> &prepare)
+    {
+        try {
+            prepare();
+            prepare_source();
+            worker.write_line(worker_events::start_word.toByteArray());
+        } catch (const host_error &) {
+            failure = std::current_exception();
+        }
+    }
+
+    void prepare_source()
+    {
+        const source_layout layout = request.layout();
+        make_folder(layout.folder());
+        lock = std::make_unique<file_lock>(layout.lock());
+        require_room(request);
+        make_folder(layout.temporary_folder());
+        create_plugin_log(layout.plugin_log());
+        record.status = source_status::running;
+        record.started = utc_now();
+        write_source_record(request, facts, record);
+        observer.source_started(request, messages_before_run(request));
+        is_prepared = true;
+    }
+
+    void tell(const QString &event)
+    {
+        if (event == worker_events::hashed)
+            observer.bytes_hashed(request, report.last_count);
+        else if (event == worker_events::records || event == worker_events::table_done)
+            observer.records_announced(request, report.last_count, int(report.announced.size()));
+    }
+
+    [[noreturn]] void throw_unusable_plugin() const
+    {
+        const QString start = u"the plug-in file "_s + request.options.plugin_file + u" cannot be used: "_s;
+        if (!report.problems.isEmpty())
+            throw host_error(exit_code::internal_error, report.problems.first());
+        if (report.end.signal != 0)
+            throw host_error(exit_code::internal_error,
+                             start + u"it crashed while it was loaded, with "_s + report.end.signal_name());
+        throw host_error(exit_code::internal_error, start
+                                                        + u"it ended the process while it was loaded, with exit code "_s
+                                                        + QString::number(report.end.exit_code));
+    }
+
+    source_outcome finish()
+    {
+        source_outcome outcome = judge_source(request, record, report, is_interrupted());
+        outcome.record.finished = utc_now();
+        std::error_code error;
+        std::filesystem::remove(to_std_path(request.layout().temporary_folder()), error);
+        write_source_record(request, facts, outcome.record);
+        return outcome;
+    }
+
+    const source_request &request;
+    const case_facts &facts;
+    run_observer &observer;
+    source_record record;
+    worker_report report;
+    std::unique_ptr<file_lock> lock;
+    std::exception_ptr failure; ///< of the preparation
+    bool is_prepared = false;
+    QStringList last_lines; ///< of the worker's standard error
+};
+
+} // namespace
+
+void write_source_record(const source_request &request, const case_facts &facts, const source_record &record)
+{
+    QJsonObject json = facts.members;
+    const QJsonObject members = record.to_json();
+    for (auto member = members.begin(); member != members.end(); ++member)
+        json.insert(member.key(), member.value());
+    write_json_file(request.layout().record(), json);
+}
+
+source_outcome run_source(const source_request &request, const case_facts &facts, run_observer &observer,
+                          const std::function<void()> &prepare)
+{
+    return running_source(request, facts, observer).run(prepare);
+}

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/files/host_error.h"
+#include "host/sample/sample_parts.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+void make_sample_folder(const QString &folder)
+{
+    if (!QDir().mkpath(folder))
+        throw host_error(exit_code::internal_error, u"the folder cannot be made: "_s + folder);
+}
+
+void write_sample_file(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || file.write(content) != content.size() || !file.flush())
+        throw host_error(exit_code::internal_error,
+                         u"the file cannot be written: "_s + path + u": "_s + file.errorString());
+}

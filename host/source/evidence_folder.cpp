@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/source/evidence_folder.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <memory>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/statvfs.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Systems without the flag keep the access time by mounting evidence read-only.
+#ifdef O_NOATIME
+constexpr int keep_access_time = O_NOATIME;
+#else
+constexpr int keep_access_time = 0;
+#endif
+
+constexpr int reading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+/** The name as text: stray bytes become "\xff". */
+QString name_text(const char *name)
+{
+    const QString text = QString::fromUtf8(name);
+    if (text.toUtf8() == name)
+        return text;
+    QString escaped;
+    for (const char *byte = name; *byte != '\0'; ++byte) {
+        const auto value = static_cast<unsigned char>(*byte);
+        escaped += value < 0x80 ? QString(QLatin1Char(*byte)) : u"\\x"_s + QString::number(value, 16);
+    }
+    return escaped;
+}
+
+} // namespace
+
+descriptor open_evidence(const QString &path, int more_flags)
+{
+    const QByteArray name = QFile::encodeName(path);
+    const int file = ::open(name.constData(), reading | more_flags | keep_access_time);
+    if (file == -1 && errno == EPERM)
+        return descriptor(::open(name.constData(), reading | more_flags)); // only the owner may keep the access time
+    return descriptor(file);
+}
+
+QStringList entry_names(const QString &folder)
+{
+    const descriptor opened = open_evidence(folder, O_DIRECTORY);
+    const int file = ::fcntl(opened.number(), F_DUPFD_CLOEXEC, 0);
+    const std::unique_ptr<DIR, int (*)(DIR *)> directory(file == -1 ? nullptr : ::fdopendir(file), ::closedir);
+    QStringList names;
+    if (!directory)
+        return names;
+    while (const dirent *entry = ::readdir(directory.get())) {
+        const QString name = name_text(entry->d_name);
+        if (name != "."_L1 && name != ".."_L1)
+            names.append(name);
+    }
+    names.sort();
+    return names;
+}
+
+bool reading_changes_access_time(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct statvfs system = {};
+    if (::statvfs(name.constData(), &system) == 0 && (system.f_flag & ST_RDONLY) != 0)
+        return false;
+#ifdef ST_NOATIME
+    if ((system.f_flag & ST_NOATIME) != 0)
+        return false;
+#endif
+    if (keep_access_time == 0)
+        return true;
+    const descriptor file(::open(name.constData(), reading | keep_access_time));
+    return !file.is_open() && errno == EPERM;
+}

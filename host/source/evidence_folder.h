@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_SOURCE_EVIDENCE_FOLDER_H
+#define HOST_SOURCE_EVIDENCE_FOLDER_H
+
+#include "host/files/descriptor.h"
+
+#include <QString>
+#include <QStringList>
+
+/** Opens a file or folder of the evidence for reading: waits for nobody, and keeps the access time where it may. */
+descriptor open_evidence(const QString &path, int more_flags = 0);
+
+/**
+ * The names in a folder, sorted, without "." and "..". A name that is no UTF-8 has its stray bytes as "\xff". Empty
+ * where there is no folder or it may not be listed. Keeps the folder's access time where it may.
+ */
+QStringList entry_names(const QString &folder);
+
+/**
+ * Whether reading @p path, which exists, changes its access time: the system keeps it for the owner and for root, and
+ * on file systems that are mounted read-only or without access times.
+ */
+bool reading_changes_access_time(const QString &path);
+
+#endif

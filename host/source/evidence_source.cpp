@@ -1,0 +1,134 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/source/evidence_source.h"
+
+#include "host/files/host_error.h"
+#include "host/source/evidence_folder.h"
+#include "host/source/macos_databases.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+[[noreturn]] void fail(const QString &message)
+{
+    throw host_error(exit_code::input, message);
+}
+
+/** The entry of a folder whose name is @p name in any letter case, empty if there is none. */
+QString find_entry(const QString &folder, QLatin1StringView name)
+{
+    const QStringList names = entry_names(folder);
+    const auto found = std::find_if(names.cbegin(), names.cend(), [name](const QString &entry) {
+        return entry.compare(name, Qt::CaseInsensitive) == 0;
+    });
+    return found == names.cend() ? QString() : folder + u'/' + *found;
+}
+
+bool looks_like_macos(const QString &path)
+{
+    const QString folder = path + u'/' + macos_database_folder;
+    return std::any_of(std::begin(macos_databases), std::end(macos_databases),
+                       [&folder](const auto *database) { return QFileInfo::exists(folder + database->file_name); });
+}
+
+bool looks_like_windows(const QString &path)
+{
+    const QString windows = find_entry(path, "Windows"_L1);
+    return !windows.isEmpty() && QFileInfo(find_entry(windows, "System32"_L1)).isDir();
+}
+
+const source_kind &recognized_kind(const QFileInfo &place)
+{
+    if (place.isFile())
+        return ios_uid_kind;
+    if (place.isDir() && looks_like_macos(place.filePath()))
+        return macos_kind;
+    if (place.isDir() && looks_like_windows(place.filePath()))
+        return winos_kind;
+    fail(u"this is no source that can be recognized: "_s + place.filePath()
+         + u" (a macOS source holds one of the LE device databases in Library/Bluetooth, a Windows source the folder "
+           "Windows/System32, an iOS source is a log text file; --type says which it is)"_s);
+}
+
+/** Why the plug-in could not read the file. Links to a file count as that file. */
+std::optional<QString> unreadable_reason(const QFileInfo &file)
+{
+    if (!file.isFile())
+        return u"it is not a regular file"_s;
+    if (!file.isReadable())
+        return u"permission denied"_s;
+    return {};
+}
+
+/** The databases of the tables that are asked for: one of them at least must be there and readable. */
+void require_macos_evidence(const QString &folder, const QStringList &tables)
+{
+    QStringList problems;
+    QStringList missing;
+    for (const macos_database *database : macos_databases) {
+        if (!tables.contains(database->result_table))
+            continue;
+        const QFileInfo file(folder + database->file_name);
+        if (!file.exists() && !file.isSymLink()) {
+            missing.append(database->result_table);
+            continue;
+        }
+        const std::optional<QString> problem = unreadable_reason(file);
+        if (!problem)
+            return;
+        problems.append(file.filePath() + u": "_s + *problem);
+    }
+    if (!problems.isEmpty())
+        fail(u"the evidence cannot be read: "_s + problems.join(u"; "_s));
+    fail(u"the source holds no LE device database for "_s + missing.join(u" or "_s) + u" in "_s + folder);
+}
+
+void require_folder(const evidence_source &source)
+{
+    const QFileInfo folder(source.path);
+    if (!folder.isDir())
+        fail(u"a "_s + source.kind->name + u" source is a folder, and this is none: "_s + source.path);
+    if (!folder.isReadable() || !folder.isExecutable())
+        fail(u"the source cannot be read: "_s + source.path + u": permission denied"_s);
+}
+
+} // namespace
+
+evidence_source find_source(const QString &path, const source_kind *kind, const QStringList &tables)
+{
+    const QFileInfo place(path);
+    if (!place.exists())
+        fail(u"there is no source at "_s + path);
+
+    evidence_source source;
+    source.path = path;
+    source.kind = kind ? kind : &recognized_kind(place);
+    if (source.kind == &ios_uid_kind) {
+        if (const std::optional<QString> problem = unreadable_reason(place))
+            fail(u"the log text cannot be read: "_s + path + u": "_s + *problem);
+        source.log_file = path;
+        source.root = place.path();
+    } else {
+        require_folder(source);
+        source.root = path;
+    }
+    if (!source.root.endsWith(u'/'))
+        source.root += u'/';
+    if (source.kind == &macos_kind)
+        require_macos_evidence(source.root + macos_database_folder, tables);
+    return source;
+}
+
+QStringList evidence_folders(const evidence_source &source)
+{
+    if (source.kind == &macos_kind)
+        return {source.root + u"Library/Bluetooth"_s, source.root + u"Library/Preferences"_s};
+    return {source.path};
+}

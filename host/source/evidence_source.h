@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_SOURCE_EVIDENCE_SOURCE_H
+#define HOST_SOURCE_EVIDENCE_SOURCE_H
+
+#include "host/source/source_kinds.h"
+
+#include <QString>
+#include <QStringList>
+
+/** A source of evidence, as far as it can be told without opening its evidence. */
+struct evidence_source
+{
+    const source_kind *kind = nullptr;
+    QString path;     ///< what the examiner gave, absolute; nothing is ever written at it or below
+    QString root;     ///< the folder that the evidence stands in; ends with "/"
+    QString log_file; ///< iOS only: the log text
+};
+
+/**
+ * Recognizes what stands at the absolute @p path. @p kind is null where the examiner left it open. Throws host_error
+ * (input) when there is nothing to extract for the result tables @p tables, or when it cannot be read.
+ */
+evidence_source find_source(const QString &path, const source_kind *kind, const QStringList &tables);
+
+/** The folders that hold the evidence of the source: even of a live system nothing is written below them. */
+QStringList evidence_folders(const evidence_source &source);
+
+#endif

@@ -1,0 +1,48 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_WORKER_EXTRACTION_H
+#define HOST_WORKER_EXTRACTION_H
+
+#include "host/run/source_request.h"
+
+#include <QJsonObject>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+class bluetooth_logs;
+
+/** Turns the plug-in's signals into events for the process that watches this one. */
+class extraction_observer : public QObject
+{
+    Q_OBJECT
+
+public:
+    using event_sender = void (*)(QLatin1StringView event, QJsonObject members);
+
+    /** @p tables are done in this order. */
+    extraction_observer(const QStringList &tables, event_sender send);
+
+public Q_SLOTS:
+    void take_records(qint64 records);
+    void take_tables(int count);
+
+private:
+    QStringList tables;
+    event_sender send;
+    qint64 records = 0;
+    qint64 records_before_table = 0;
+};
+
+/** What the plug-in gave out as its log. */
+struct extraction_end
+{
+    QString log_sha256; ///< of the lines, each with its line end
+    bool log_has_its_end = false;
+};
+
+/** Drives the plug-in through one run, in the order that it relies on. SIGINT cancels it. Throws host_error. */
+extraction_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer);
+
+#endif

@@ -1,0 +1,233 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/worker/worker.h"
+
+#include "host/files/host_error.h"
+#include "host/run/inspection.h"
+#include "host/run/worker_report.h"
+#include "host/worker/cancellation.h"
+#include "host/worker/extraction.h"
+#include "host/worker/plugin_loader.h"
+#include "plugin/bluetooth_logs.h"
+
+#include <QApplication>
+#include <QJsonDocument>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <future>
+#include <iostream>
+#include <new>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 bytes_between_events = qint64(64) << 20;
+
+// Sanitizers reserve terabytes of addresses.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool can_limit_memory = false;
+#else
+constexpr bool can_limit_memory = true;
+#endif
+
+constexpr char no_memory_line[] = "{\"event\":\"no memory\"}\n";
+
+int events = -1; // the descriptor that the watching process reads
+
+/** Nothing is allocated here: there may be no memory left. */
+[[noreturn]] void end_without_memory()
+{
+    static_cast<void>(::write(events, no_memory_line, sizeof no_memory_line - 1) > 0);
+    ::_exit(int(exit_code::partial));
+}
+
+/** An exception that nobody caught; where nothing may be thrown, want of memory comes here too. */
+[[noreturn]] void on_terminate()
+{
+    try {
+        if (std::current_exception())
+            std::rethrow_exception(std::current_exception());
+    } catch (const std::bad_alloc &) {
+        end_without_memory();
+    } catch (...) {
+    }
+    std::abort();
+}
+
+void send(QLatin1StringView event, QJsonObject members = {})
+{
+    members.insert(u"event"_s, QString(event));
+    const QByteArray line = QJsonDocument(members).toJson(QJsonDocument::Compact) + '\n';
+    qsizetype done = 0;
+    while (done < line.size()) {
+        const auto count = ::write(events, line.constData() + done, size_t(line.size() - done));
+        if (count < 0 && errno != EINTR)
+            ::_exit(int(exit_code::internal_error)); // nobody listens any more
+        done += qMax<qsizetype>(0, count);
+    }
+}
+
+/** Standard output becomes a line to the watching process alone: whatever else is printed goes to standard error. */
+void take_over_standard_output()
+{
+    events = ::dup(STDOUT_FILENO);
+    ::dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+std::string read_line()
+{
+    std::string line;
+    if (!std::getline(std::cin, line))
+        ::_exit(int(exit_code::internal_error)); // the watching process is gone
+    return line;
+}
+
+/**
+ * From here on the process ends when the one that watches it does, whatever the plug-in does meanwhile. Gives what
+ * waits for the word to start.
+ */
+std::future<void> end_with_the_watcher()
+{
+    static std::promise<void> start;
+    cancellation::hold();
+    std::thread([] {
+        bool is_started = false;
+        char byte = 0;
+        for (;;) {
+            const auto count = ::read(STDIN_FILENO, &byte, 1);
+            if (count == 0 || (count < 0 && errno != EINTR))
+                ::_exit(int(exit_code::internal_error));
+            if (byte == '\n' && !std::exchange(is_started, true))
+                start.set_value();
+        }
+    }).detach();
+    cancellation::release();
+    return start.get_future();
+}
+
+void limit_memory(qint64 mebibytes)
+{
+    if (!can_limit_memory)
+        return;
+    const rlimit limit{rlim_t(mebibytes) << 20, rlim_t(mebibytes) << 20};
+    ::setrlimit(RLIMIT_AS, &limit);
+    const rlimit no_core{0, 0}; // evidence would be in it, outside the case
+    ::setrlimit(RLIMIT_CORE, &no_core);
+}
+
+/** Sends what was hashed, not too often. */
+class hash_reporter
+{
+public:
+    void operator()(qint64 bytes)
+    {
+        unsent += bytes;
+        if (unsent < bytes_between_events)
+            return;
+        send(worker_events::hashed, {{u"bytes"_s, unsent}});
+        unsent = 0;
+    }
+
+    ~hash_reporter()
+    {
+        if (unsent > 0)
+            send(worker_events::hashed, {{u"bytes"_s, unsent}});
+    }
+
+private:
+    qint64 unsent = 0;
+};
+
+void send_inspection(const source_request &request, const evidence_state &evidence)
+{
+    std::signal(SIGINT, SIG_IGN); // what was done is looked at even if the examiner has had enough
+    hash_reporter hashed;
+    const inspection found = inspect(request, evidence, [&hashed](qint64 bytes) { hashed(bytes); });
+    send(worker_events::inspected, {{u"inspection"_s, found.to_json()}});
+}
+
+void extract(source_request request, std::future<void> &start)
+{
+    std::unique_ptr<bluetooth_logs> plugin = load_plugin(request.options.plugin_file);
+    send(worker_events::loaded);
+    start.wait();
+
+    evidence_state evidence;
+    {
+        hash_reporter hashed;
+        evidence = look_before(request.source, request.layout().evidence_folder(), request.options.max_database << 20,
+                               [&hashed](qint64 bytes) { hashed(bytes); });
+    }
+    send(worker_events::looked, {{u"evidence"_s, evidence_to_json(evidence)}});
+
+    const QStringList all_tables = request.options.tables;
+    for (const QString &table : refused_tables(request, evidence))
+        request.options.tables.removeAll(table);
+    extraction_observer observer(request.options.tables, send);
+    const extraction_end end = run_extraction(*plugin, request, observer);
+    plugin.reset();
+    send(worker_events::extracted, {{u"log_sha256"_s, end.log_sha256}, {u"log_has_its_end"_s, end.log_has_its_end}});
+
+    request.options.tables = all_tables;
+    send_inspection(request, evidence);
+}
+
+int work()
+{
+    const QJsonObject message = QJsonDocument::fromJson(QByteArray::fromStdString(read_line())).object();
+    const source_request request = source_request::from_json(message);
+    std::future<void> start = end_with_the_watcher();
+    limit_memory(request.options.memory_limit);
+    try {
+        if (message.value("task"_L1).toString() == "inspect"_L1) {
+            send_inspection(request, evidence_from_json(message.value("evidence"_L1).toObject()));
+        } else {
+            extract(request, start);
+        }
+    } catch (const host_error &error) {
+        send(worker_events::problem, {{u"text"_s, error.message()}});
+        return int(error.code());
+    } catch (const std::bad_alloc &) {
+        end_without_memory();
+    }
+    return 0;
+}
+
+/** Without a desktop session the toolkit complains of what only a desktop needs. */
+void report_only_errors(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", qPrintable(message));
+}
+
+} // namespace
+
+int run_worker()
+{
+    take_over_standard_output();
+    std::set_terminate(on_terminate);
+    static_cast<void>(::chdir("/"));
+    // The plug-in is a widget. Qt gets none of our arguments, and none of its threads receives Ctrl-C.
+    static int argument_count = 1;
+    static char name[] = "bluetooth-logs";
+    static char *arguments[] = {name, nullptr};
+    cancellation::hold();
+    const QtMessageHandler usual_handler = qInstallMessageHandler(report_only_errors);
+    const QApplication application(argument_count, arguments);
+    qInstallMessageHandler(usual_handler);
+    cancellation::release();
+    const int code = work();
+    std::fflush(nullptr);
+    ::_exit(code); // what the plug-in leaves behind is not run: its work is done and counted
+}

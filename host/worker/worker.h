@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_WORKER_WORKER_H
+#define HOST_WORKER_WORKER_H
+
+#include <QLatin1StringView>
+
+/** The argument that makes the program the process that runs the plug-in. It is for the program itself alone. */
+inline constexpr QLatin1StringView worker_argument("worker");
+
+/**
+ * The process that runs the plug-in over one source: reads its request from standard input, tells on standard output
+ * how it goes, and ends when standard input ends. Gives the process's exit code.
+ */
+int run_worker();
+
+#endif
