@@ -146,7 +146,9 @@ bool copy_evidence_file(const QString &source, const QString &target)
     QFile source_file(source);
     QFile target_file(target);
     const std::optional<QString> error = open_evidence_file(source_file);
-    if (error || !target_file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+    // A copy for everyone would show what the source's permissions, or those of a folder above it, hide.
+    constexpr QFileDevice::Permissions for_its_owner = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+    if (error || !target_file.open(QIODevice::WriteOnly | QIODevice::NewOnly, for_its_owner))
         return false;
 
     if (copy_content(source_file, target_file))

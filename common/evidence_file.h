@@ -21,8 +21,9 @@
 std::optional<QString> open_evidence_file(QFile &file);
 
 /**
- * Copies the regular file @p source to @p target, byte by byte. Never overwrites and never follows a link at the
- * target. False when no whole copy could be made; then nothing new stands at the target.
+ * Copies the regular file @p source to @p target, byte by byte. Only the copy's owner can read and write it. Never
+ * overwrites and never follows a link at the target. False when no whole copy could be made; then nothing new stands
+ * at the target.
  */
 bool copy_evidence_file(const QString &source, const QString &target);
 

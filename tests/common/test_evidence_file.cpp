@@ -31,6 +31,8 @@ private Q_SLOTS:
     void errors_are_those_of_qt_data();
     void errors_are_those_of_qt();
     void copy_is_whole();
+    void copy_is_its_owners_data();
+    void copy_is_its_owners();
     void copy_never_overwrites_data();
     void copy_never_overwrites();
     void safe_target_data();
@@ -128,6 +130,23 @@ void test_evidence_file::copy_is_whole()
     QCOMPARE(content_of(path(u"case/large"_s)), content);
     QCOMPARE(content_of(path(u"case/empty"_s)), "");
     QVERIFY(!copy_evidence_file(path(u"source/large"_s), path(u"missing/large"_s)));
+}
+
+void test_evidence_file::copy_is_its_owners_data()
+{
+    QTest::addColumn<QFileDevice::Permissions>("of_source");
+    QTest::newRow("only its owner reads") << QFileDevice::Permissions(QFileDevice::ReadOwner);
+    QTest::newRow("everyone may do all") << QFileDevice::Permissions(0x7777);
+}
+
+void test_evidence_file::copy_is_its_owners()
+{
+    QFETCH(QFileDevice::Permissions, of_source);
+    QVERIFY(QFile::setPermissions(path(u"source/file"_s), of_source));
+    QVERIFY(copy_evidence_file(path(u"source/file"_s), path(u"case/copy"_s)));
+    struct stat status = {};
+    QCOMPARE(::stat(QFile::encodeName(path(u"case/copy"_s)).constData(), &status), 0);
+    QCOMPARE(status.st_mode & 07777, mode_t(0600));
 }
 
 void test_evidence_file::copy_never_overwrites_data()
