@@ -7,9 +7,7 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QSqlDatabase add_connection(const QString &name, const QString &file)
+QSqlDatabase add_sqlite_connection(const QString &name, const QString &file)
 {
     QSqlDatabase::removeDatabase(name);
     QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
@@ -17,18 +15,16 @@ QSqlDatabase add_connection(const QString &name, const QString &file)
     return database;
 }
 
-} // namespace
-
 QSqlDatabase open_sqlite_connection(const QString &name, const QString &file)
 {
-    QSqlDatabase database = add_connection(name, file);
+    QSqlDatabase database = add_sqlite_connection(name, file);
     database.open();
     return database;
 }
 
 QSqlDatabase open_result_database(const QString &name, const QString &file, const QString &source_root)
 {
-    QSqlDatabase database = add_connection(name, file);
+    QSqlDatabase database = add_sqlite_connection(name, file);
     if (is_safe_target(file, source_root))
         database.open();
     return database;

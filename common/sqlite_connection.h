@@ -9,9 +9,12 @@
 #include <QString>
 #include <QStringList>
 
+/** Registers a "QSQLITE" connection to @p file under @p name, in place of an older one of that name, without opening
+ * it. */
+QSqlDatabase add_sqlite_connection(const QString &name, const QString &file);
+
 /**
- * Registers a "QSQLITE" connection under @p name, in place of an older one of that name, and opens @p file; SQLite
- * creates a missing file. Check isOpen() on the result; lastError() says why it failed.
+ * The same, and opens it; SQLite creates a missing file. Check isOpen() on the result; lastError() says why it failed.
  */
 QSqlDatabase open_sqlite_connection(const QString &name, const QString &file);
 

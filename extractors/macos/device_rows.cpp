@@ -15,16 +15,29 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/** What the parsed schema says of a table: "table" for an ordinary one, "view", "virtual", or nothing. */
-QString kind_of_table(const QSqlDatabase &database, const QString &name)
+enum class table_kind { missing, ordinary, other };
+
+/**
+ * What stands in the database under a table's name. The schema is only searched: the views in it are not compiled, of
+ * which a few can take hours.
+ *
+ * SQLite makes its tables from the column "sql", and writes that column itself: it begins with "CREATE TABLE " for
+ * every ordinary table and for nothing else. A forged column "type" or "rootpage" could hide a virtual table. SQLite
+ * compares names as C strings without regard to case; forged names may be BLOBs or hold a NUL, and printf() reads both
+ * as SQLite does. Of two objects with one name SQLite may take either, so that each must be an ordinary table. Triggers
+ * have names of their own.
+ */
+table_kind kind_of_table(const QSqlDatabase &database, const QString &name)
 {
     QSqlQuery query(database);
     query.setForwardOnly(true);
-    const bool found =
-        execute_with_values(query,
-                            u"SELECT type FROM pragma_table_list WHERE schema='main' AND name=? COLLATE NOCASE"_s,
-                            {name});
-    return found && query.next() ? query.value(0).toString() : QString();
+    const bool is_asked = execute_with_values(query,
+                                              u"SELECT min(substr(sql, 1, 13) IS 'CREATE TABLE ') FROM sqlite_master "
+                                              "WHERE type IS NOT 'trigger' AND printf('%s', name)=? COLLATE NOCASE"_s,
+                                              {name});
+    if (!is_asked || !query.next() || query.isNull(0))
+        return table_kind::missing;
+    return query.value(0).toBool() ? table_kind::ordinary : table_kind::other;
 }
 
 bool is_empty_text(const QVariant &value)
@@ -37,12 +50,14 @@ bool is_empty_text(const QVariant &value)
 device_rows select_devices(const QSqlDatabase &database, const reading_texts &texts)
 {
     const QString table = texts.table_name.toString();
+    const table_kind kind = kind_of_table(database, table);
     QSqlQuery query(database);
     query.setForwardOnly(true);
-    const bool is_prepared = query.prepare(texts.select_statement.toString());
-    if (is_prepared && kind_of_table(database, table) != "table"_L1)
+    if (kind != table_kind::other && !query.prepare(texts.select_statement.toString()))
+        return {.warning = query.lastError().text()};
+    if (kind != table_kind::ordinary)
         return {.warning = table + u" is not an ordinary table"_s};
-    if (!is_prepared || !query.exec())
+    if (!query.exec())
         return {.warning = query.lastError().text()};
 
     device_rows rows{.devices = read_rows(query, texts.to_json), .is_read = true};

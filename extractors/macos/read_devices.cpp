@@ -13,13 +13,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-/** The advice of SQLite's makers for files from strangers: https://www.sqlite.org/security.html */
-constexpr QStringView untrusted_file_settings[] = {u"PRAGMA trusted_schema=OFF", u"PRAGMA cell_size_check=ON"};
-
-} // namespace
-
 QList<QJsonObject> bluetooth_logs_macos::read_other_devices()
 {
     // Not the source's path: the log format has it so.
@@ -36,19 +29,19 @@ QList<QJsonObject> bluetooth_logs_macos::read_devices(const reading_texts &texts
 {
     const function_log &log = texts.log;
     log(texts.start);
-    log(texts.file + copy);
     // A copy that leads back into the source counts as one that could not be made: it reads as an empty database.
-    QSqlDatabase database = open_sqlite_connection(u"MY_DAMAGED_CONNECTION"_s,
-                                                   leads_into_source(copy) ? u":memory:"_s : copy);
-    if (!database.isOpen()) {
+    QSqlDatabase database = add_sqlite_connection(u"MY_DAMAGED_CONNECTION"_s,
+                                                  leads_into_source(copy) ? u":memory:"_s : copy);
+    log(texts.file + copy);
+    if (!database.open()) {
         log(texts.open_failed);
         log(database.lastError().text());
         if (open_failed_detail)
             log(*open_failed_detail);
         return {};
     }
-    for (const QStringView setting : untrusted_file_settings)
-        QSqlQuery(database).exec(setting.toString());
+    // Finds damaged pages before their cells are used: https://www.sqlite.org/security.html
+    QSqlQuery(database).exec(u"PRAGMA cell_size_check=ON"_s);
 
     database.transaction();
     const device_rows rows = select_devices(database, texts);

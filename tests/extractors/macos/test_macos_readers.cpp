@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/plugin_static_function.h"
+#include "common/sqlite_connection.h"
 #include "extractors/macos/bluetooth_logs_macos.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/file_content.h"
@@ -31,9 +32,12 @@ private Q_SLOTS:
     void rows_keep_the_query_order();
     void empty_table_and_empty_file();
     void older_layout();
+    void json_functions_in_the_schema_data();
+    void json_functions_in_the_schema();
     void names_of_any_script();
     void other_files_than_databases_data();
     void other_files_than_databases();
+    void connection_is_set_up_before_the_path_is_logged();
     void connection_stays_registered_and_closed();
     void copy_is_not_changed_by_reading();
 
@@ -197,6 +201,29 @@ void test_macos_readers::older_layout()
              QStringList{u"'u'|'n'|'a'|'text time'|NULL|NULL|NULL"_s});
 }
 
+void test_macos_readers::json_functions_in_the_schema_data()
+{
+    QTest::addColumn<QString>("statement");
+
+    // clang-format off
+    QTest::newRow("check of another table") << u"CREATE TABLE CustomProperties(Uuid TEXT, JSON TEXT CHECK(json_valid(JSON)))"_s;
+    QTest::newRow("index")                  << u"CREATE INDEX i ON OtherDevices(json_quote(Name))"_s;
+    QTest::newRow("partial index")          << u"CREATE INDEX i ON OtherDevices(Name) WHERE json_valid(Name)"_s;
+    QTest::newRow("computed column")        << u"ALTER TABLE OtherDevices ADD COLUMN Quoted AS (json_quote(Name))"_s;
+    // clang-format on
+}
+
+void test_macos_readers::json_functions_in_the_schema()
+{
+    // With trusted_schema=OFF SQLite 3.40 refuses every such schema as a whole.
+    QFETCH(QString, statement);
+    const sqlite_file database = source->make_other();
+    macos_source::add_device(database, u"OtherDevices"_s, {u"u"_s, u"n"_s});
+    database.execute(statement);
+    QCOMPARE(read_other().size(), 1);
+    QCOMPARE(run->database().quoted_rows(u"devices"_s, {u"device_name"_s}), QStringList{u"'n'"_s});
+}
+
 void test_macos_readers::names_of_any_script()
 {
     const sqlite_file database = source->make_other();
@@ -231,6 +258,29 @@ void test_macos_readers::other_files_than_databases()
     write_file(source->other_db(), content);
     QCOMPARE(read_other(), QList<QJsonObject>());
     QCOMPARE(run->take_messages().last(), u"bluetooth_logs_macos::read_other_devices:  -- READ WARNING -- "_s + error);
+    QVERIFY(!QSqlDatabase::database(u"MY_DAMAGED_CONNECTION"_s, false).isOpen());
+}
+
+void test_macos_readers::connection_is_set_up_before_the_path_is_logged()
+{
+    source->make_other();
+    extract();
+    // A host that still holds the connection makes Qt warn at the moment when the reader removes it.
+    const QSqlDatabase held = open_sqlite_connection(u"MY_DAMAGED_CONNECTION"_s, u":memory:"_s);
+    static QStringList messages;
+    messages.clear();
+    plugin_static_function::debug_print_on_terminal_bool = true;
+    const QtMessageHandler earlier = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &message) {
+            messages.append(message.section(u"]:-- "_s, -1).section(u'/', 0, 0));
+        });
+    run->frame.findChild<bluetooth_logs_macos *>()->read_other_devices();
+    qInstallMessageHandler(earlier);
+    plugin_static_function::debug_print_on_terminal_bool = false;
+    QCOMPARE(messages, QStringList({u"[read_other_devices] start"_s,
+                                    u"QSqlDatabasePrivate::removeDatabase: connection 'MY_DAMAGED_CONNECTION' is still "
+                                    "in use, all queries will cease to work."_s,
+                                    u"[read_other_devices] source_other_db_file : "_s, u"[read_other_devices] end"_s}));
 }
 
 void test_macos_readers::connection_stays_registered_and_closed()
