@@ -160,10 +160,21 @@ class test_include_arrows : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void rules_point_downwards();
     void this_tree();
     void made_up_tree_data();
     void made_up_tree();
 };
+
+void test_include_arrows::rules_point_downwards()
+{
+    QStringList folders_below;
+    for (const folder_rule &rule : folder_rules) {
+        for (const QString &target : rule.may_include)
+            QVERIFY2(folders_below.contains(target.endsWith(".h"_L1) ? folder_of(target) : target), qPrintable(target));
+        folders_below.append(rule.folder);
+    }
+}
 
 void test_include_arrows::this_tree()
 {
