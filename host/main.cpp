@@ -23,9 +23,14 @@ exit_code run(const sample_options &options, const console &out)
     return run_sample(options, out);
 }
 
-exit_code run(const case_request &request, const console &out)
+exit_code run(const extract_options &options, const console &out)
 {
-    return run_extract(request, out);
+    return run_extract(options, out);
+}
+
+exit_code run(const collect_options &options, const console &out)
+{
+    return run_collect(options.case_directory, out);
 }
 
 exit_code run(const show_options &options, const console &out)

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -91,11 +92,19 @@ CLI::App *add_sample(CLI::App &app, sample_options &options)
 /** What "extract" is told, as it is told. */
 struct extract_arguments
 {
-    QString input;
+    std::vector<std::string> inputs;
+    QString source_list;
     QString output;
     QString type = u"auto"_s;
+    QString progress = u"text"_s;
+    QString examiner;
+    QString case_number;
     QString plugin_file;
-    int number = 1;
+    int number = -1; ///< none was given
+    int only = 0;
+    int jobs = 0;
+    bool add = false;
+    bool resume = false;
     bool widen_ios_tables = false; ///< what the program does by itself now; still understood
     bool force = false;
     extraction_options options;
@@ -105,10 +114,14 @@ CLI::App *add_extract(CLI::App &app, extract_arguments &arguments)
 {
     extraction_options &options = arguments.options;
     CLI::App *extract = app.add_subcommand("extract", "Extract the Bluetooth devices of a source into a case");
-    add_path(
-        extract, "-i,--input", arguments.input,
-        "macOS, Windows: the folder at which the source's file system is reachable. iOS: the system log's text file")
-        ->required();
+    extract
+        ->add_option("-i,--input", arguments.inputs,
+                     "macOS, Windows: the folder at which the source's file system is reachable. iOS: the system log's "
+                     "text file. May be given several times")
+        ->type_name("PATH")
+        ->allow_extra_args(false);
+    add_path(extract, "--sources", arguments.source_list,
+             "JSON file with the sources: {\"sources\": [{\"path\": \"...\"}]}");
     add_path(extract, "-o,--output", arguments.output, "The case's folder, outside the source")->required();
     add_text(extract, "-t,--type", arguments.type, "Kind of the source (default auto)")
         ->type_name("TYPE")
@@ -159,27 +172,92 @@ CLI::App *add_extract(CLI::App &app, extract_arguments &arguments)
         ->type_name("SECONDS")
         ->check(CLI::Range(qint64(1), qint64(1) << 30).description(""));
     extract->add_flag("-v,--verbose", options.is_verbose, "Show the plug-in's log on standard error");
+    extract->add_option("--jobs", arguments.jobs, "Sources that are worked on side by side (default: processor cores)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024).description(""));
+    extract->add_option("--only", arguments.only, "Work on the source of this number alone; \"collect\" comes after")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 1000000).description(""));
+    extract->add_flag("--add", arguments.add, "Add the sources to a case that is there");
+    extract->add_flag("--resume", arguments.resume, "Run what an earlier run of the case left undone");
+    add_text(extract, "--examiner", arguments.examiner, "Examiner's name, for the manifest");
+    add_text(extract, "--case-number", arguments.case_number, "Number of the case, for the manifest");
+    add_text(extract, "--progress", arguments.progress, "json: JSON Lines on standard error (default text)")
+        ->type_name("FORM")
+        ->check(CLI::IsMember({"text", "json"}));
     add_path(extract, "--plugin", arguments.plugin_file, "Plug-in file (default: the one beside this program)");
     extract->add_flag("--force", arguments.force, "Remove the case's earlier result first");
     return extract;
 }
 
-case_request request_of(const extract_arguments &arguments)
+[[noreturn]] void refuse(const QString &message)
 {
-    case_request request;
-    named_source source;
-    source.path = absolute_path(arguments.input, u"--input"_s);
-    if (arguments.type != "auto"_L1)
-        source.kind = source_kind_named(arguments.type);
-    source.number = arguments.number;
-    request.sources.append(source);
+    throw host_error(exit_code::usage, message);
+}
+
+QList<named_source> sources_of(const extract_arguments &arguments)
+{
+    const source_kind *kind = arguments.type == "auto"_L1 ? nullptr : source_kind_named(arguments.type);
+    QList<named_source> sources;
+    if (!arguments.source_list.isNull()) {
+        if (!arguments.inputs.empty())
+            refuse(u"--input and --sources are two ways to say the same: use one of them"_s);
+        if (kind || arguments.number != -1)
+            refuse(u"--type and --source-number go with --input; in the file of --sources each source has its own"_s);
+        return read_source_list(absolute_path(arguments.source_list, u"--sources"_s));
+    }
+    for (const std::string &input : arguments.inputs) {
+        named_source source;
+        source.path = absolute_path(path_text(input), u"--input"_s);
+        source.kind = kind;
+        source.place = u"-i "_s + path_text(input);
+        sources.append(source);
+    }
+    if (sources.isEmpty())
+        refuse(u"no source is given: --input or --sources names them"_s);
+    if (arguments.number != -1) {
+        if (sources.size() > 1)
+            refuse(u"--source-number is for one source; several are numbered in their order, or by --sources"_s);
+        sources.first().number = arguments.number;
+    }
+    return sources;
+}
+
+extract_options options_of(const extract_arguments &arguments, const QStringList &all_arguments)
+{
+    using earlier_run = case_request::earlier_run;
+    if (int(arguments.force) + int(arguments.resume) + int(arguments.add) > 1)
+        refuse(u"--force, --resume and --add exclude each other"_s);
+    extract_options result;
+    case_request &request = result.request;
+    request.sources = sources_of(arguments);
     request.directory = absolute_path(arguments.output, u"--output"_s);
     request.options = arguments.options;
     request.options.plugin_file = arguments.plugin_file.isNull()
                                       ? QCoreApplication::applicationDirPath() + u"/" BLUETOOTH_LOGS_PLUGIN_FILE ""_s
                                       : absolute_path(arguments.plugin_file, u"--plugin"_s);
-    request.force = arguments.force;
-    return request;
+    request.earlier = arguments.force    ? earlier_run::removed
+                      : arguments.resume ? earlier_run::continued
+                      : arguments.add    ? earlier_run::added_to
+                                         : earlier_run::refused;
+    if (arguments.only != 0) {
+        if (arguments.resume || arguments.add)
+            refuse(u"--only works on one source of the case; --resume and --add are for the whole"_s);
+        request.only = arguments.only;
+    }
+    request.jobs = arguments.jobs != 0 ? arguments.jobs : int(std::max(1U, std::thread::hardware_concurrency()));
+    request.arguments = all_arguments;
+    request.examiner = arguments.examiner;
+    request.case_number = arguments.case_number;
+    result.json_progress = arguments.progress == "json"_L1;
+    return result;
+}
+
+CLI::App *add_collect(CLI::App &app, collect_options &options)
+{
+    CLI::App *collect = app.add_subcommand("collect", "Make the manifest of a case from the records of its sources");
+    add_path(collect, "CASE", options.case_directory, "The case's folder")->required();
+    return collect;
 }
 
 CLI::App *add_show(CLI::App &app, show_options &options)
@@ -192,6 +270,14 @@ CLI::App *add_show(CLI::App &app, show_options &options)
     return show;
 }
 
+QStringList arguments_of(int argc, char **argv)
+{
+    QStringList texts;
+    for (int i = 1; i < argc; ++i)
+        texts.append(QString::fromUtf8(argv[i]));
+    return texts;
+}
+
 /** Help goes to standard output and is no error; everything else that is wrong is. */
 command_line help_or_throw(const CLI::App &app, const CLI::ParseError &error)
 {
@@ -199,8 +285,9 @@ command_line help_or_throw(const CLI::App &app, const CLI::ParseError &error)
         app.exit(error);
         return {};
     }
-    const QString reason = app.get_subcommands().empty() ? u"one of the commands sample, extract and show is needed"_s
-                                                         : QString::fromUtf8(error.what());
+    const QString reason = app.get_subcommands().empty()
+                               ? u"one of the commands sample, extract, collect and show is needed"_s
+                               : QString::fromUtf8(error.what());
     throw host_error(exit_code::usage, reason + u" (bluetooth-logs --help tells more)"_s);
 }
 
@@ -212,6 +299,7 @@ command_line parse_command_line(int argc, char **argv)
     sample_options sample;
     extract_arguments extract;
     show_options show;
+    collect_options collect;
 
     CLI::App app("Extracts Bluetooth devices from macOS, iOS and Windows sources.", "bluetooth-logs");
     app.set_version_flag("--version", "bluetooth-logs " BLUETOOTH_LOGS_VERSION);
@@ -224,17 +312,20 @@ command_line parse_command_line(int argc, char **argv)
     const CLI::App *sample_command = add_sample(app, sample);
     const CLI::App *extract_command = add_extract(app, extract);
     add_show(app, show);
+    const CLI::App *collect_command = add_collect(app, collect);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
         return help_or_throw(app, error);
     }
-    result.output.no_progress = extract.options.is_verbose;
+    result.output.no_progress = extract.options.is_verbose || extract.progress == "json"_L1;
     if (sample_command->parsed())
         result.command = sample;
     else if (extract_command->parsed())
-        result.command = request_of(extract);
+        result.command = options_of(extract, arguments_of(argc, argv));
+    else if (collect_command->parsed())
+        result.command = collect;
     else
         result.command = show;
     return result;

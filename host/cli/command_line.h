@@ -4,6 +4,7 @@
 #ifndef HOST_CLI_COMMAND_LINE_H
 #define HOST_CLI_COMMAND_LINE_H
 
+#include "host/cli/collect_command.h"
 #include "host/cli/console.h"
 #include "host/cli/extract_command.h"
 #include "host/cli/sample_command.h"
@@ -11,11 +12,17 @@
 
 #include <variant>
 
+struct collect_options
+{
+    QString case_directory;
+};
+
 /** What the examiner asked for. */
 struct command_line
 {
     console_options output;
-    std::variant<std::monostate, sample_options, case_request, show_options> command; ///< monostate: only help
+    std::variant<std::monostate, sample_options, extract_options, show_options, collect_options>
+        command; ///< monostate: only help
 };
 
 /** Reads the arguments of main(). Prints help itself. Throws host_error (usage) with the reason in plain words. */

@@ -7,6 +7,7 @@
 
 #include <cstdio>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -18,6 +19,8 @@ constexpr const char *error_color = "\033[1;31m";
 constexpr const char *warning_color = "\033[1;33m";
 constexpr const char *no_color = "\033[0m";
 constexpr const char *clear_line = "\r\033[K";
+constexpr const char *line_up = "\033[A";
+constexpr qsizetype usual_columns = 80;
 
 void write(FILE *stream, const QString &text)
 {
@@ -33,6 +36,21 @@ bool is_terminal(FILE *stream)
 QString colored(const char *color, const QString &text)
 {
     return QLatin1StringView(color) + text + QLatin1StringView(no_color);
+}
+
+qsizetype terminal_columns()
+{
+    winsize size = {};
+    return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual_columns;
+}
+
+/** As much of a text as fits. */
+QString cut_to_width(const QString &text, qsizetype width)
+{
+    QString cut = text;
+    while (terminal_width(cut) > width)
+        cut.chop(1);
+    return cut;
 }
 
 /** https://no-color.org: set and not empty. */
@@ -98,19 +116,26 @@ void console::message(const char *color, QLatin1StringView kind, const QString &
     write(stderr, label + u' ' + terminal_text(text) + u'\n');
 }
 
-void console::show_progress(const QString &text) const
+void console::show_progress(const QStringList &lines) const
 {
     if (!has_progress)
         return;
-    write(stderr, QLatin1StringView(clear_line) + terminal_text(text));
-    is_progress_shown = true;
+    clear_progress();
+    const qsizetype width = terminal_columns() - 1;
+    QStringList shown;
+    for (const QString &line : lines)
+        shown.append(cut_to_width(terminal_text(line), width));
+    write(stderr, shown.join(u'\n'));
+    progress_lines = shown.size();
 }
 
 void console::clear_progress() const
 {
-    if (is_progress_shown)
+    for (; progress_lines > 1; --progress_lines)
+        write(stderr, QString::fromLatin1(clear_line) + QString::fromLatin1(line_up));
+    if (progress_lines == 1)
         write(stderr, QString::fromLatin1(clear_line));
-    is_progress_shown = false;
+    progress_lines = 0;
 }
 
 bool console::finish() const

@@ -35,8 +35,8 @@ public:
     /** A line of the plug-in's log, on standard error. */
     void log_line(const QString &line) const;
 
-    /** Replaces the line that tells how far the run is; only on a terminal. */
-    void show_progress(const QString &text) const;
+    /** Replaces the lines that tell how far the run is; only on a terminal, and cut to its width. */
+    void show_progress(const QStringList &lines) const;
     void clear_progress() const;
 
     /** False when something could not be written to standard output, a full disk for instance. */
@@ -49,7 +49,7 @@ private:
     bool has_progress;
     bool has_output_colors;
     bool has_error_colors;
-    mutable bool is_progress_shown = false;
+    mutable qsizetype progress_lines = 0;
 };
 
 #endif

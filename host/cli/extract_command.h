@@ -4,13 +4,20 @@
 #ifndef HOST_CLI_EXTRACT_COMMAND_H
 #define HOST_CLI_EXTRACT_COMMAND_H
 
-#include "host/cli/console.h"
+#include "host/cli/run_display.h"
 #include "host/run/case_run.h"
+
+/** What "extract" was told. */
+struct extract_options
+{
+    case_request request;
+    bool json_progress = false;
+};
 
 /**
  * Extracts the sources into a case and tells what came of it. Nothing is touched before sources, case and plug-in are
  * known to be usable. Throws host_error when the run cannot begin.
  */
-exit_code run_extract(const case_request &request, const console &out);
+exit_code run_extract(const extract_options &options, const console &out);
 
 #endif

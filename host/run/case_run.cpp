@@ -4,122 +4,304 @@
 #include "host/run/case_run.h"
 
 #include "host/files/file_lock.h"
+#include "host/files/json_file.h"
 #include "host/files/paths.h"
+#include "host/files/utc_time.h"
+#include "host/run/case_plan.h"
 #include "host/run/interruption.h"
 #include "host/run/source_run.h"
-#include "host/source/macos_databases.h"
 
-#include <QJsonArray>
+#include <QDir>
+#include <QFile>
 
+#include <algorithm>
 #include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-[[noreturn]] void refuse(const QString &message)
-{
-    throw host_error(exit_code::usage, message);
-}
-
-/** Options that the source's kind makes no use of would only mislead. */
-void check_options_fit(const extraction_options &options, const evidence_source &source)
-{
-    if (source.kind == &ios_uid_kind && options.engine_type != 0)
-        refuse(u"iOS sources are extracted with the engine KALDO_DESK only"_s);
-}
-
-/** Nothing may ever be written below the source, and --force must not remove it. */
-void check_places(const case_request &request, const source_request &source)
-{
-    const QStringList forbidden = request.options.is_live ? evidence_folders(source.source)
-                                                          : QStringList{source.source.path};
-    const source_layout layout = source.layout();
-    for (const QString &place :
-         {request.directory, layout.folder(), layout.result_folder(), layout.evidence_folder()}) {
-        for (const QString &folder : forbidden) {
-            if (is_inside(place, folder))
-                refuse(u"the case lies inside the source, where nothing may be written: "_s + place);
-        }
-    }
-    if (is_inside(source.source.path, layout.folder()))
-        refuse(u"the source lies inside the case's folder for it, which is made anew: "_s + source.source.path);
-}
-
-void refuse_earlier_run(const case_request &request, const source_request &source)
-{
-    if (!request.force && source.layout().holds_a_run())
-        refuse(u"the case already holds a result, "_s + source.layout().folder() + u": --force removes it first"_s);
-}
-
-/** Locks the case and makes room in it, once for all its sources. */
+/** Locks the case and makes room in it, once, when the first plug-in is loaded. */
 class case_preparation
 {
 public:
-    case_preparation(const case_request &case_to_prepare, const QList<source_request> &case_sources, run_observer &run)
+    case_preparation(const case_request &case_to_prepare, const case_plan &case_to_run, run_observer &run)
         : request(case_to_prepare)
-        , sources(case_sources)
+        , plan(case_to_run)
         , observer(run)
     {
     }
 
     void prepare()
     {
-        if (lock)
+        const std::lock_guard guard(mutex);
+        if (is_prepared)
             return;
+        make_folder(request.directory);
         const case_layout layout(request.directory);
-        make_folder(layout.directory());
-        lock = std::make_unique<file_lock>(layout.lock());
-        for (const source_request &source : sources) {
-            check_places(request, source); // links may have come meanwhile
-            refuse_earlier_run(request, source);
-        }
-        if (!request.force)
-            return;
-        QStringList kept;
-        for (const int number : layout.source_numbers())
-            kept += layout.source(number).remove_run();
-        if (!kept.isEmpty())
-            observer.kept(kept);
+        if (!request.only)
+            lock = std::make_unique<file_lock>(layout.lock());
+        plan_case(request); // another run may have been here meanwhile
+        remove_earlier_runs(layout);
+        is_prepared = true;
+    }
+
+    bool is_done() const
+    {
+        const std::lock_guard guard(mutex);
+        return is_prepared;
     }
 
 private:
+    void remove_earlier_runs(const case_layout &layout)
+    {
+        QList<int> numbers;
+        for (const named_source &source : plan.to_run)
+            numbers.append(source.number);
+        if (request.earlier == case_request::earlier_run::removed && !request.only)
+            numbers += layout.source_numbers();
+        std::sort(numbers.begin(), numbers.end());
+        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+        for (const int number : std::as_const(numbers)) {
+            if (path_exists(layout.source(number).lock()))
+                const file_lock nobody_works_here(layout.source(number).lock());
+        }
+        if (request.earlier != case_request::earlier_run::removed
+            && request.earlier != case_request::earlier_run::continued)
+            return;
+        QStringList kept;
+        for (const int number : std::as_const(numbers))
+            kept += layout.source(number).remove_run();
+        if (!kept.isEmpty())
+            observer.kept(kept);
+        if (request.earlier == case_request::earlier_run::removed && !request.only) {
+            QFile::remove(layout.manifest());
+            QFile::remove(layout.manifest_hash());
+            remove_other_folders(layout);
+        }
+    }
+
+    /** The folders of sources that the case has no longer, if nothing else is in them. */
+    void remove_other_folders(const case_layout &layout) const
+    {
+        for (const int number : layout.source_numbers()) {
+            const bool is_ours = std::any_of(plan.all.cbegin(), plan.all.cend(),
+                                             [number](const named_source &source) { return source.number == number; });
+            if (is_ours)
+                continue;
+            QFile::remove(layout.source(number).lock());
+            QDir().rmdir(layout.source(number).folder());
+        }
+    }
+
     const case_request &request;
-    const QList<source_request> &sources;
+    const case_plan &plan;
     run_observer &observer;
+    mutable std::mutex mutex;
     std::unique_ptr<file_lock> lock;
+    bool is_prepared = false;
 };
 
-} // namespace
-
-exit_code run_case(const case_request &request, run_observer &observer)
+/** Lets sources that run side by side tell one observer. */
+class shared_observer : public run_observer
 {
-    QList<source_request> sources;
-    for (const named_source &named : request.sources) {
+public:
+    explicit shared_observer(run_observer &run)
+        : observer(run)
+    {
+    }
+
+    void kept(const QStringList &paths) override
+    {
+        const std::lock_guard guard(mutex);
+        observer.kept(paths);
+    }
+    void source_started(const source_request &request, const QList<run_message> &messages) override
+    {
+        const std::lock_guard guard(mutex);
+        observer.source_started(request, messages);
+    }
+    void bytes_hashed(const source_request &request, qint64 bytes) override
+    {
+        const std::lock_guard guard(mutex);
+        observer.bytes_hashed(request, bytes);
+    }
+    void records_announced(const source_request &request, qint64 records, int tables_done) override
+    {
+        const std::lock_guard guard(mutex);
+        observer.records_announced(request, records, tables_done);
+    }
+    void worker_said(const source_request &request, const QString &line) override
+    {
+        const std::lock_guard guard(mutex);
+        observer.worker_said(request, line);
+    }
+    void source_finished(const source_request &request, const source_outcome &outcome) override
+    {
+        const std::lock_guard guard(mutex);
+        observer.source_finished(request, outcome);
+    }
+
+private:
+    run_observer &observer;
+    std::mutex mutex;
+};
+
+/** The sources that wait for their turn, and what became of the others. */
+class source_queue
+{
+public:
+    source_queue(const case_request &case_to_run, const case_plan &case_plan, run_observer &run)
+        : request(case_to_run)
+        , plan(case_plan)
+        , observer(run)
+        , preparation(case_to_run, case_plan, observer)
+    {
+    }
+
+    case_tally run()
+    {
+        std::vector<std::thread> workers;
+        const qsizetype jobs = std::clamp<qsizetype>(request.jobs, 1, plan.to_run.size());
+        for (qsizetype i = 1; i < jobs; ++i)
+            workers.emplace_back([this] { work(); });
+        work();
+        for (std::thread &worker : workers)
+            worker.join();
+        if (failure)
+            std::rethrow_exception(failure);
+        return tally;
+    }
+
+private:
+    const named_source *next()
+    {
+        const std::lock_guard guard(mutex);
+        if (failure || interruption::was_asked_for() || position == plan.to_run.size())
+            return nullptr;
+        return &plan.to_run.at(position++);
+    }
+
+    void work()
+    {
+        while (const named_source *source = next()) {
+            try {
+                run_one(*source);
+            } catch (...) {
+                const std::lock_guard guard(mutex);
+                if (!failure)
+                    failure = std::current_exception();
+            }
+        }
+    }
+
+    void run_one(const named_source &named)
+    {
         source_request source;
-        source.source = find_source(named.path, named.kind, request.options.tables);
+        source_outcome outcome;
+        try {
+            source = request_for(request, named);
+            outcome = run_source(source, plan.facts, observer, [this] { preparation.prepare(); });
+        } catch (const host_error &error) {
+            const bool is_unreadable = error.code() == exit_code::input;
+            if (is_unreadable)
+                preparation.prepare();
+            if (!preparation.is_done() || plan.all.size() == 1)
+                throw;
+            source = unreadable_request(named);
+            outcome = failed_outcome(named, error);
+            if (error.code() != exit_code::usage) // somebody else works on it
+                write_failed_record(source, outcome);
+        }
+        observer.source_finished(source, outcome);
+        const std::lock_guard guard(mutex);
+        tally.add(outcome.record);
+    }
+
+    source_request unreadable_request(const named_source &named) const
+    {
+        source_request source;
+        source.source.path = named.path;
+        source.source.kind = named.kind;
         source.number = named.number;
         source.name = named.name;
         source.case_directory = request.directory;
         source.options = request.options;
-        check_options_fit(request.options, source.source);
-        check_places(request, source);
-        refuse_earlier_run(request, source);
-        sources.append(source);
+        return source;
     }
 
-    case_facts facts;
-    facts.members = {{u"format"_s, u"bluetooth-logs source"_s},
-                     {u"version"_s, 1},
-                     {u"options"_s, QJsonArray::fromStringList(request.arguments)}};
-    const interruption ctrl_c;
-    case_preparation preparation(request, sources, observer);
-    exit_code worst = exit_code::done;
-    for (const source_request &source : sources) {
-        const source_outcome outcome = run_source(source, facts, observer, [&preparation] { preparation.prepare(); });
-        observer.source_finished(source, outcome);
-        if (outcome.code() != exit_code::done)
-            worst = outcome.code();
+    static source_outcome failed_outcome(const named_source &named, const host_error &error)
+    {
+        source_outcome outcome;
+        outcome.record.number = named.number;
+        outcome.record.name = named.name;
+        outcome.record.path = named.path;
+        outcome.record.type = named.kind ? QString(named.kind->name) : QString();
+        outcome.record.status = source_status::failed;
+        outcome.record.exit_code = int(error.code() == exit_code::input ? exit_code::input : exit_code::partial);
+        outcome.record.started = utc_now();
+        outcome.record.finished = outcome.record.started;
+        outcome.record.messages = {error.message()};
+        outcome.messages = {{run_message::weight::error, error.message()}};
+        return outcome;
     }
-    return worst;
+
+    void write_failed_record(const source_request &source, source_outcome &outcome) const
+    {
+        try {
+            make_folder(source.layout().folder());
+            const file_lock lock(source.layout().lock());
+            write_source_record(source, plan.facts, outcome.record);
+        } catch (const host_error &error) {
+            outcome.messages.append({run_message::weight::error, error.message()});
+        }
+    }
+
+    const case_request &request;
+    const case_plan &plan;
+    shared_observer observer;
+    case_preparation preparation;
+    std::mutex mutex;
+    qsizetype position = 0;
+    case_tally tally;
+    std::exception_ptr failure; ///< before anything was touched, or with one source alone
+};
+
+/** Brings the list of sources in the records of the others up to date, and changes nothing else of theirs. */
+void renew_list(const case_layout &layout, const QJsonObject &facts)
+{
+    for (const int number : recorded_sources(layout)) {
+        const file_lock lock(layout.source(number).lock());
+        QJsonObject members = read_json_file(layout.source(number).record());
+        if (members.value("case_sources"_L1) == facts.value("case_sources"_L1))
+            continue;
+        members.insert("case_sources"_L1, facts.value("case_sources"_L1));
+        write_json_file(layout.source(number).record(), members);
+    }
+}
+
+} // namespace
+
+case_tally run_case(const case_request &request, run_observer &observer)
+{
+    const case_plan plan = plan_case(request);
+    const case_layout layout(request.directory);
+    if (plan.to_run.isEmpty()) { // a case that is continued and was done
+        const file_lock lock(layout.lock());
+        return collect_case(layout);
+    }
+
+    const interruption ctrl_c;
+    source_queue queue(request, plan, observer);
+    const case_tally of_this_run = queue.run();
+    if (request.only)
+        return of_this_run;
+    if (request.earlier == case_request::earlier_run::added_to)
+        renew_list(layout, plan.facts.members);
+    case_tally tally = collect_case(layout);
+    tally.is_interrupted = interruption::was_asked_for();
+    return tally;
 }

@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 
 #include <QDir>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -61,6 +62,15 @@ host_result host_program::finish(QProcess &process)
     result.output = QString::fromUtf8(process.readAllStandardOutput());
     result.errors = QString::fromUtf8(process.readAllStandardError());
     return result;
+}
+
+QString host_program::without_manifest(const QString &output)
+{
+    static const QRegularExpression last_line(u"Manifest  SHA-256 [0-9a-f]{64}\n$"_s);
+    if (!output.contains(last_line))
+        qFatal("no manifest: %s", qPrintable(output));
+    QString rest = output;
+    return rest.remove(last_line);
 }
 
 QString host_program::path(const QString &relative) const

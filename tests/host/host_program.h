@@ -32,6 +32,9 @@ public:
     void start(QProcess &process, const QStringList &arguments) const;
     static host_result finish(QProcess &process);
 
+    /** What "extract" printed, without its last line, which is the manifest's hash. Ends the test program without. */
+    static QString without_manifest(const QString &output);
+
     /** A path below the working directory. */
     QString path(const QString &relative) const;
 

@@ -1,0 +1,188 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/case/case_sources.h"
+
+#include "host/files/host_error.h"
+#include "host/files/json_file.h"
+#include "host/files/paths.h"
+#include "host/files/sha256.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <algorithm>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int largest_number = 1000000;
+constexpr QLatin1StringView list_members[] = {"path"_L1, "type"_L1, "name"_L1, "number"_L1};
+
+[[noreturn]] void refuse(const QString &message)
+{
+    throw host_error(exit_code::usage, message);
+}
+
+QString text_of(const QJsonObject &entry, QLatin1StringView member, const QString &place)
+{
+    const QJsonValue value = entry.value(member);
+    if (!value.isUndefined() && !value.isString())
+        refuse(place + u'.' + member + u" is no text"_s);
+    return value.toString();
+}
+
+named_source read_entry(const QJsonValue &value, const QString &place, const QDir &folder)
+{
+    if (!value.isObject())
+        refuse(place + u" is no object"_s);
+    const QJsonObject entry = value.toObject();
+    for (auto member = entry.begin(); member != entry.end(); ++member) {
+        if (std::find(std::begin(list_members), std::end(list_members), member.key()) == std::end(list_members))
+            refuse(place + u" has an unknown member, "_s + member.key());
+    }
+
+    named_source source;
+    source.place = place;
+    source.name = text_of(entry, "name"_L1, place);
+    const QString path = text_of(entry, "path"_L1, place);
+    if (path.isEmpty())
+        refuse(place + u".path is missing or empty"_s);
+    source.path = QDir::cleanPath(path.startsWith(u'/') ? path : folder.absoluteFilePath(path));
+    const QString type = text_of(entry, "type"_L1, place);
+    source.kind = source_kind_named(type);
+    if (!type.isEmpty() && type != "auto"_L1 && !source.kind)
+        refuse(place + u".type is "_s + type + u", and only macOS, iOS_UID, winOS and auto are known"_s);
+    const QJsonValue number = entry.value("number"_L1);
+    if (!number.isUndefined()) {
+        const qint64 given = number.toInteger(-1);
+        if (given < 1 || given > largest_number || number.toDouble() != double(given))
+            refuse(place + u".number is no whole number from 1 to 1000000"_s);
+        source.number = int(given);
+    }
+    return source;
+}
+
+/** What a path is, however it is reached. Empty for one that is not there. */
+QString identity_of(const QString &path)
+{
+    struct stat status = {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return {};
+    return QString::number(quint64(status.st_dev)) + u':' + QString::number(quint64(status.st_ino));
+}
+
+QString described(const named_source &source)
+{
+    return source.path + u" ("_s + source.place + u')';
+}
+
+} // namespace
+
+QList<named_source> read_source_list(const QString &file)
+{
+    const QJsonObject list = read_json_file(file);
+    const QString name = QFileInfo(file).fileName();
+    for (auto member = list.begin(); member != list.end(); ++member) {
+        if (member.key() != "sources"_L1)
+            refuse(name + u" has an unknown member, "_s + member.key());
+    }
+    const QJsonValue entries = list.value("sources"_L1);
+    if (!entries.isArray() || entries.toArray().isEmpty())
+        refuse(name + u": sources is no list of at least one source"_s);
+
+    QList<named_source> sources;
+    const QDir folder = QFileInfo(file).dir();
+    for (const QJsonValue &entry : entries.toArray())
+        sources.append(read_entry(entry, name + u": sources["_s + QString::number(sources.size()) + u']', folder));
+    return sources;
+}
+
+void number_sources(QList<named_source> &sources)
+{
+    QHash<int, QString> places;
+    for (const named_source &source : std::as_const(sources)) {
+        if (source.number == -1)
+            continue;
+        if (places.contains(source.number))
+            refuse(u"the number "_s + QString::number(source.number) + u" is given twice: "_s
+                   + places.value(source.number) + u" and "_s + described(source));
+        places.insert(source.number, described(source));
+    }
+    int next = 1;
+    for (named_source &source : sources) {
+        if (source.number == -1) {
+            while (places.contains(next))
+                ++next;
+            source.number = next++;
+        }
+    }
+}
+
+void refuse_overlaps(const QList<named_source> &sources)
+{
+    QHash<QString, const named_source *> known;
+    for (const named_source &source : sources) {
+        QString identity = identity_of(source.path);
+        if (identity.isEmpty())
+            identity = source.path;
+        if (const named_source *other = known.value(identity))
+            refuse(u"a source is given twice: "_s + described(*other) + u" and "_s + described(source));
+        known.insert(identity, &source);
+    }
+    for (const named_source &source : sources) {
+        QString folder = QFileInfo(source.path).canonicalFilePath();
+        while (folder.size() > 1) {
+            folder = folder.left(qMax<qsizetype>(1, folder.lastIndexOf(u'/')));
+            if (const named_source *outer = known.value(identity_of(folder)))
+                refuse(u"a source lies inside another: "_s + described(source) + u" inside "_s + described(*outer));
+        }
+    }
+}
+
+QJsonObject sources_identity(const QList<named_source> &sources)
+{
+    QList<const named_source *> sorted;
+    for (const named_source &source : sources)
+        sorted.append(&source);
+    std::sort(sorted.begin(), sorted.end(),
+              [](const auto *one, const auto *other) { return one->number < other->number; });
+
+    QJsonArray list;
+    QString ranges;
+    for (qsizetype i = 0; i < sorted.size(); ++i) {
+        list.append(QJsonArray{sorted.at(i)->number, sorted.at(i)->name, sorted.at(i)->path});
+        const int first = sorted.at(i)->number;
+        int last = first;
+        while (i + 1 < sorted.size() && sorted.at(i + 1)->number == last + 1) {
+            ++i;
+            ++last;
+            list.append(QJsonArray{sorted.at(i)->number, sorted.at(i)->name, sorted.at(i)->path});
+        }
+        ranges += (ranges.isEmpty() ? u""_s : u","_s) + QString::number(first)
+                  + (last == first ? QString() : QString(u'-' + QString::number(last)));
+    }
+    return {{u"count"_s, sources.size()},
+            {u"numbers"_s, ranges},
+            {u"sha256"_s, sha256::of(QJsonDocument(list).toJson(QJsonDocument::Compact))}};
+}
+
+QList<int> numbers_in(const QString &ranges)
+{
+    QList<int> numbers;
+    const QStringList parts = ranges.split(u',', Qt::SkipEmptyParts);
+    for (const QString &part : parts) {
+        const int first = part.section(u'-', 0, 0).toInt();
+        const int last = part.section(u'-', -1).toInt();
+        for (int number = first; number <= last && number - first <= largest_number; ++number)
+            numbers.append(number);
+    }
+    return numbers;
+}

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CASE_CASE_SOURCES_H
+#define HOST_CASE_CASE_SOURCES_H
+
+#include "host/source/source_kinds.h"
+
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+
+/** A source as the examiner names it. */
+struct named_source
+{
+    int number = -1;                   ///< -1: none was given yet
+    QString name;                      ///< may be empty
+    QString path;                      ///< absolute
+    const source_kind *kind = nullptr; ///< null: to be recognized
+    QString place;                     ///< where the examiner named it, for messages: "-i" or "list.json: sources[2]"
+};
+
+/**
+ * The sources that a JSON file lists; docs/sources.schema.json describes it. Relative paths start at the file's
+ * folder. Throws host_error: input when the file cannot be read, usage, with the place in it, when it is not right.
+ */
+QList<named_source> read_source_list(const QString &file);
+
+/**
+ * Gives each source without a number the lowest one that is free above all others before it: 1, 2, … Throws host_error
+ * (usage) when a number or a source is there twice, or one source lies inside another.
+ */
+void number_sources(QList<named_source> &sources);
+
+/** Throws host_error (usage) when two of the sources are one, or one lies inside another. */
+void refuse_overlaps(const QList<named_source> &sources);
+
+/**
+ * Which sources a case has, as each of their records says it: "count", "numbers" ("1-3,7") and "sha256", the hash of
+ * the list: compact JSON of [number, name, path] for each, by number.
+ */
+QJsonObject sources_identity(const QList<named_source> &sources);
+
+/** The numbers in a text such as "1-3,7", as sources_identity() writes it. */
+QList<int> numbers_in(const QString &ranges);
+
+#endif

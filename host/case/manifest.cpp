@@ -1,0 +1,226 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/case/manifest.h"
+
+#include "host/case/case_sources.h"
+#include "host/files/file_lock.h"
+#include "host/files/json_file.h"
+#include "host/files/paths.h"
+#include "host/files/sha256.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cstdio>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1StringView record_format("bluetooth-logs source");
+constexpr QLatin1StringView manifest_format("bluetooth-logs manifest");
+
+/** What all records of a case must agree on, and what the manifest says of the whole. */
+struct case_heading
+{
+    int first_number = 0;
+    QJsonObject members; ///< of the first record
+    QString started;
+    QString finished;
+};
+
+QString list_hash(const QJsonObject &members)
+{
+    return members.value("case_sources"_L1).toObject().value("sha256"_L1).toString();
+}
+
+case_heading read_heading(const case_layout &layout, const QList<int> &numbers)
+{
+    case_heading heading;
+    for (const int number : numbers) {
+        const kept_record record = read_source_record(layout, number);
+        if (record.source.status == source_status::running)
+            throw host_error(exit_code::usage, u"source "_s + QString::number(number) + u" still runs"_s);
+        if (heading.first_number == 0) {
+            heading.first_number = number;
+            heading.members = record.members;
+        }
+        if (list_hash(record.members) != list_hash(heading.members))
+            throw host_error(exit_code::usage,
+                             u"the records of source "_s + QString::number(heading.first_number) + u" and source "_s
+                                 + QString::number(number) + u" are of different lists of sources: "_s
+                                 + list_hash(heading.members) + u" and "_s + list_hash(record.members));
+        const QString &started = record.source.started;
+        if (!started.isEmpty() && (heading.started.isEmpty() || started < heading.started))
+            heading.started = started;
+        heading.finished = qMax(heading.finished, record.source.finished);
+    }
+    return heading;
+}
+
+QByteArray compact(const QJsonObject &json)
+{
+    return QJsonDocument(json).toJson(QJsonDocument::Compact);
+}
+
+/** A file that is written piece by piece, hashed on the way, and takes its name when it is whole. */
+class hashed_file
+{
+public:
+    explicit hashed_file(const QString &path)
+        : name(path)
+        , file(path + u".new"_s)
+    {
+        file.remove(); // of a run that was killed here
+        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            fail();
+    }
+
+    ~hashed_file()
+    {
+        if (!is_whole)
+            file.remove();
+    }
+
+    void write(const QByteArray &bytes)
+    {
+        hash.add(bytes);
+        if (file.write(bytes) != bytes.size())
+            fail();
+    }
+
+    QString commit()
+    {
+        is_whole = file.flush() && ::fsync(file.handle()) == 0
+                   && ::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(name).constData())
+                          == 0;
+        if (!is_whole)
+            fail();
+        return hash.result();
+    }
+
+private:
+    [[noreturn]] void fail() const
+    {
+        throw host_error(exit_code::internal_error, name + u" cannot be written: "_s + file.errorString());
+    }
+
+    QString name;
+    QFile file;
+    sha256 hash;
+    bool is_whole = false;
+};
+
+source_record not_run(int number)
+{
+    source_record record;
+    record.number = number;
+    record.status = source_status::not_run;
+    record.messages = {u"this source of the case was not run"_s};
+    return record;
+}
+
+} // namespace
+
+kept_record read_source_record(const case_layout &layout, int number)
+{
+    const source_layout source = layout.source(number);
+    kept_record record;
+    record.members = read_json_file(source.record());
+    if (record.members.value("format"_L1) != record_format || record.members.value("version"_L1) != 1)
+        throw host_error(exit_code::input, source.record() + u" is no record of this version of the program"_s);
+    record.source = source_record::from_json(record.members);
+    if (record.source.status == source_status::running && !file_lock::is_held(source.lock())) {
+        record.source.status = source_status::interrupted;
+        record.source.exit_code = int(exit_code::interrupted);
+        record.source.messages.append(u"interrupted: the run ended without a word, the result is incomplete"_s);
+    }
+    return record;
+}
+
+QList<int> recorded_sources(const case_layout &layout)
+{
+    QList<int> numbers;
+    for (const int number : layout.source_numbers()) {
+        if (path_exists(layout.source(number).record()))
+            numbers.append(number);
+    }
+    return numbers;
+}
+
+void case_tally::add(const source_record &source)
+{
+    ++sources[source.status];
+    ++codes[exit_code(source.exit_code.value_or(int(exit_code::partial)))];
+    if (source.status != source_status::done)
+        not_done.append(source.number);
+}
+
+exit_code case_tally::code() const
+{
+    int count = 0;
+    for (const int sources_with_code : codes)
+        count += sources_with_code;
+    if (codes.contains(exit_code::evidence_changed))
+        return exit_code::evidence_changed;
+    if (is_interrupted || codes.contains(exit_code::interrupted))
+        return exit_code::interrupted;
+    if (count > 0 && codes.value(exit_code::input) == count)
+        return exit_code::input;
+    return codes.value(exit_code::done) == count ? exit_code::done : exit_code::partial;
+}
+
+case_tally collect_case(const case_layout &layout)
+{
+    const QList<int> recorded = recorded_sources(layout);
+    if (recorded.isEmpty())
+        throw host_error(exit_code::input, layout.directory() + u" holds no record of a source"_s);
+    const case_heading heading = read_heading(layout, recorded);
+    QList<int> numbers = numbers_in(heading.members.value("case_sources"_L1).toObject().value("numbers"_L1).toString());
+    for (const int number : recorded) {
+        if (!numbers.contains(number))
+            throw host_error(exit_code::usage, u"source "_s + QString::number(number)
+                                                   + u" has a record and is not in the list of the case's sources"_s);
+    }
+
+    QJsonObject head{{u"format"_s, QString(manifest_format)}, {u"version"_s, 1}};
+    for (const QLatin1StringView member : {"tool"_L1, "options"_L1, "examiner"_L1, "case_number"_L1, "case_sources"_L1})
+        head.insert(member, heading.members.value(member));
+    head.insert("started"_L1, heading.started.isEmpty() ? QJsonValue() : QJsonValue(heading.started));
+    head.insert("finished"_L1, heading.finished.isEmpty() ? QJsonValue() : QJsonValue(heading.finished));
+
+    case_tally tally;
+    hashed_file manifest(layout.manifest());
+    manifest.write(compact(head).chopped(1) + ",\"sources\":[");
+    bool is_first = true;
+    for (const int number : std::as_const(numbers)) {
+        const source_record record = path_exists(layout.source(number).record())
+                                         ? read_source_record(layout, number).source
+                                         : not_run(number);
+        tally.add(record);
+        manifest.write((is_first ? "\n" : ",\n") + compact(record.to_json()));
+        is_first = false;
+    }
+    manifest.write("\n]}\n");
+    tally.manifest_sha256 = manifest.commit();
+    write_whole_file(layout.manifest_hash(), tally.manifest_sha256.toLatin1() + "  manifest.json\n");
+    return tally;
+}
+
+QList<int> sources_unlike_manifest(const case_layout &layout, const QJsonObject &manifest)
+{
+    QList<int> numbers;
+    for (const QJsonValue &value : manifest.value("sources"_L1).toArray()) {
+        const QJsonObject entry = value.toObject();
+        const int number = entry.value("number"_L1).toInt();
+        const bool has_record = path_exists(layout.source(number).record());
+        const bool was_run = entry.value("status"_L1) != QString(status_name(source_status::not_run));
+        if (has_record != was_run || (has_record && read_source_record(layout, number).source.to_json() != entry))
+            numbers.append(number);
+    }
+    return numbers;
+}

@@ -1,0 +1,276 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/cli/run_display.h"
+
+#include "host/files/terminal_text.h"
+
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLocale>
+#include <QMap>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 milliseconds_between_lines = 100;
+
+QString number_text(qint64 number)
+{
+    return QLocale(QLocale::English).toString(number);
+}
+
+QString rows_text(const std::optional<qint64> &rows)
+{
+    if (!rows)
+        return u"unknown"_s;
+    return number_text(*rows) + (*rows == 1 ? u" row"_s : u" rows"_s);
+}
+
+QLatin1StringView weight_name(run_message::weight importance)
+{
+    switch (importance) {
+    case run_message::weight::note:
+        return "note"_L1;
+    case run_message::weight::warning:
+        return "warning"_L1;
+    case run_message::weight::error:
+        break;
+    }
+    return "error"_L1;
+}
+
+void tell(const console &out, const run_message &message, const QString &prefix)
+{
+    const QString text = prefix + message.text;
+    switch (message.importance) {
+    case run_message::weight::note:
+        return out.note(text);
+    case run_message::weight::warning:
+        return out.warning(text);
+    case run_message::weight::error:
+        return out.error(text);
+    }
+}
+
+QString kind_text(const source_request &request)
+{
+    return request.source.kind ? QString(request.source.kind->display_name) : u"unknown kind"_s;
+}
+
+/** Where the result is and how many rows each table of this run got. */
+QStringList result_lines(const source_request &request, const source_outcome &outcome)
+{
+    QStringList lines{u"Source  "_s + terminal_text(kind_text(request) + u": "_s + request.source.path),
+                      u"Result  "_s + terminal_text(request.layout().result_database())};
+    for (const table_rows &rows : outcome.record.rows)
+        lines.append(u"        "_s + rows.table.leftJustified(14) + u"  "_s
+                     + rows_text(rows.stored).rightJustified(14));
+    return lines;
+}
+
+/** "Source3  done  1,000 devices, 20 paired_devices  macOS: /evidence/laptop". */
+QString result_line(const source_request &request, const source_outcome &outcome)
+{
+    QStringList counts;
+    for (const table_rows &rows : outcome.record.rows)
+        counts.append((rows.stored ? number_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
+    return u"Source"_s + QString::number(request.number) + u"  "_s + status_name(outcome.record.status) + u"  "_s
+           + (counts.isEmpty() ? QString() : QString(counts.join(u", "_s) + u"  "_s))
+           + terminal_text(kind_text(request) + u": "_s + request.source.path);
+}
+
+QString duration_text(qint64 seconds)
+{
+    return seconds < 90 ? QString::number(seconds) + u" s"_s : QString::number((seconds + 30) / 60) + u" min"_s;
+}
+
+/** For examiners. */
+class text_display : public run_observer
+{
+public:
+    text_display(const display_options &display, const console &console)
+        : options(display)
+        , out(console)
+    {
+        clock.start();
+    }
+
+    void kept(const QStringList &paths) override
+    {
+        for (const QString &path : paths)
+            out.note(u"this is not of an earlier run and stays: "_s + path);
+    }
+
+    void source_started(const source_request &request, const QList<run_message> &messages) override
+    {
+        running[request.number] = kind_text(request) + u": hashing"_s;
+        for (const run_message &message : messages)
+            tell(out, message, prefix(request));
+        show();
+    }
+
+    void bytes_hashed(const source_request &, qint64 bytes) override
+    {
+        hashed += bytes;
+        show();
+    }
+
+    void records_announced(const source_request &request, qint64 records, int tables_done) override
+    {
+        const qsizetype tables = request.options.tables.size();
+        running[request.number] = u"table "_s + QString::number(qMin<qsizetype>(tables_done + 1, tables)) + u" of "_s
+                                  + QString::number(tables) + u", "_s + number_text(records) + u" rows"_s;
+        show(tables_done == tables);
+    }
+
+    void worker_said(const source_request &request, const QString &line) override
+    {
+        if (request.options.is_verbose)
+            out.log_line(prefix(request) + line);
+    }
+
+    void source_finished(const source_request &request, const source_outcome &outcome) override
+    {
+        running.remove(request.number);
+        ++sources_done;
+        for (const table_rows &rows : outcome.record.rows)
+            rows_stored += rows.stored.value_or(0);
+        out.clear_progress();
+        if (options.source_count == 1)
+            out.print_unless_quiet(result_lines(request, outcome));
+        else
+            out.print_unless_quiet({result_line(request, outcome)});
+        for (const run_message &message : outcome.messages)
+            tell(out, message, prefix(request));
+        if (sources_done < options.source_count)
+            show();
+    }
+
+private:
+    QString prefix(const source_request &request) const
+    {
+        return options.source_count == 1 ? QString() : QString(u"Source"_s + QString::number(request.number) + u": "_s);
+    }
+
+    /** One source: what it does. Several: all of them in one line, then a line for each that runs. */
+    QStringList lines() const
+    {
+        if (options.source_count == 1)
+            return {u"Extracting: "_s + running.first()};
+        QString all = number_text(sources_done) + u" of "_s + number_text(options.source_count) + u" sources, "_s
+                      + number_text(rows_stored) + u" rows, "_s + number_text(hashed >> 20) + u" MiB hashed"_s;
+        if (sources_done > 0)
+            all += u", "_s
+                   + duration_text(clock.elapsed() * (options.source_count - sources_done) / sources_done / 1000)
+                   + u" left"_s;
+        QStringList result{all};
+        for (auto source = running.begin(); source != running.end(); ++source)
+            result.append(u"  Source"_s + QString::number(source.key()) + u"  "_s + source.value());
+        return result;
+    }
+
+    void show(bool is_important = false)
+    {
+        if (running.isEmpty()
+            || (!is_important && since_last.isValid() && since_last.elapsed() < milliseconds_between_lines))
+            return;
+        since_last.start();
+        out.show_progress(lines());
+    }
+
+    const display_options options;
+    const console &out;
+    QMap<int, QString> running; ///< what each source that runs does
+    qint64 hashed = 0;
+    qint64 rows_stored = 0;
+    qsizetype sources_done = 0;
+    QElapsedTimer clock;
+    QElapsedTimer since_last;
+};
+
+/** For programs. */
+class json_display : public run_observer
+{
+public:
+    explicit json_display(const display_options &display)
+        : options(display)
+    {
+    }
+
+    void kept(const QStringList &paths) override
+    {
+        write({{u"event"_s, u"kept"_s}, {u"paths"_s, QJsonArray::fromStringList(paths)}});
+    }
+
+    void source_started(const source_request &request, const QList<run_message> &messages) override
+    {
+        write({{u"event"_s, u"started"_s}, {u"source"_s, request.number}, {u"path"_s, request.source.path}});
+        for (const run_message &message : messages)
+            write_message(request, message);
+    }
+
+    void bytes_hashed(const source_request &request, qint64 bytes) override
+    {
+        write({{u"event"_s, u"hashed"_s}, {u"source"_s, request.number}, {u"bytes"_s, bytes}});
+    }
+
+    void records_announced(const source_request &request, qint64 records, int tables_done) override
+    {
+        write({{u"event"_s, u"records"_s},
+               {u"source"_s, request.number},
+               {u"records"_s, records},
+               {u"tables_done"_s, tables_done}});
+    }
+
+    void worker_said(const source_request &request, const QString &line) override
+    {
+        if (request.options.is_verbose)
+            write({{u"event"_s, u"log"_s}, {u"source"_s, request.number}, {u"line"_s, line}});
+    }
+
+    void source_finished(const source_request &request, const source_outcome &outcome) override
+    {
+        const QJsonObject record = outcome.record.to_json();
+        for (const run_message &message : outcome.messages)
+            write_message(request, message);
+        write({{u"event"_s, u"finished"_s},
+               {u"source"_s, request.number},
+               {u"status"_s, record.value("status"_L1)},
+               {u"exit_code"_s, record.value("exit_code"_L1)},
+               {u"rows"_s, record.value("rows"_L1)},
+               {u"sources_done"_s, ++sources_done},
+               {u"sources"_s, options.source_count}});
+    }
+
+private:
+    static void write_message(const source_request &request, const run_message &message)
+    {
+        write({{u"event"_s, u"message"_s},
+               {u"source"_s, request.number},
+               {u"weight"_s, QString(weight_name(message.importance))},
+               {u"text"_s, message.text}});
+    }
+
+    static void write(const QJsonObject &line)
+    {
+        const QByteArray text = QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n';
+        std::fwrite(text.constData(), 1, size_t(text.size()), stderr);
+    }
+
+    const display_options options;
+    qint64 sources_done = 0;
+};
+
+} // namespace
+
+std::unique_ptr<run_observer> make_display(const display_options &options, const console &out)
+{
+    if (options.is_json)
+        return std::make_unique<json_display>(options);
+    return std::make_unique<text_display>(options, out);
+}
