@@ -3,7 +3,7 @@
 
 #include "common/evidence_file.h"
 
-#include <QDir>
+#include "common/folder_entries.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -29,34 +29,40 @@ constexpr int keep_access_time = 0;
 #endif
 
 /** A descriptor, or -1 with errno set. Waits for nobody, not even for the writer of a FIFO. */
-int open_descriptor(const QByteArray &path)
+int open_descriptor(const std::filesystem::path &path)
 {
     constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    const int descriptor = ::open(path.constData(), flags | keep_access_time);
+    const int descriptor = ::open(path.c_str(), flags | keep_access_time);
     if (descriptor == -1 && errno == EPERM)
-        return ::open(path.constData(), flags); // only the owner may keep the access time
+        return ::open(path.c_str(), flags); // only the owner may keep the access time
     return descriptor;
 }
 
-std::filesystem::path to_std_path(const QString &path)
+std::filesystem::path absolute_path(const std::filesystem::path &path)
 {
-    return std::filesystem::path(QFile::encodeName(path).toStdString());
+    std::error_code error;
+    return std::filesystem::absolute(path, error);
+}
+
+std::filesystem::path without_final_slash(const std::filesystem::path &path)
+{
+    return path.has_filename() ? path : path.parent_path();
 }
 
 /** The path made absolute, links not followed. */
-std::filesystem::path as_written(const QString &path)
+std::filesystem::path as_written(const std::filesystem::path &path)
 {
-    return to_std_path(QDir::cleanPath(QDir().absoluteFilePath(path)));
+    return without_final_slash(absolute_path(path).lexically_normal());
 }
 
 /**
  * The place that @p path leads to when every link on the way is followed. Unlike the standard library's functions this
  * one also follows a link to something that does not exist: opening that link for writing would create the thing.
  */
-std::filesystem::path with_links_followed(const QString &path)
+std::filesystem::path with_links_followed(const std::filesystem::path &path)
 {
     constexpr int most_links = 40; // as many as the kernel follows; opening a longer chain fails
-    const std::filesystem::path start = to_std_path(QDir().absoluteFilePath(path));
+    const std::filesystem::path start = absolute_path(path);
     std::deque<std::filesystem::path> parts(start.begin(), start.end());
     std::filesystem::path place;
     int links = 0;
@@ -70,7 +76,7 @@ std::filesystem::path with_links_followed(const QString &path)
         else
             parts.insert(parts.begin(), target.begin(), target.end());
     }
-    return place.has_filename() ? place : place.parent_path(); // without a final "/"
+    return without_final_slash(place);
 }
 
 /** Compares what exists by its identity: one folder can have names that differ in case or lie elsewhere. */
@@ -125,10 +131,15 @@ bool copy_content(QFile &source, QFile &target)
 
 std::optional<QString> open_evidence_file(QFile &file)
 {
+    return open_evidence_file(file, to_path(file.fileName()));
+}
+
+std::optional<QString> open_evidence_file(QFile &file, const std::filesystem::path &path)
+{
     // QFile itself words these errors so.
-    if (file.fileName().isEmpty())
+    if (path.empty())
         return u"No file name specified"_s;
-    const int descriptor = open_descriptor(QFile::encodeName(file.fileName()));
+    const int descriptor = open_descriptor(path);
     if (descriptor == -1)
         return qt_error_string(errno);
 
@@ -157,17 +168,27 @@ bool copy_evidence_file(const QString &source, const QString &target)
     return false;
 }
 
-bool is_safe_target(const QString &path, const QString &source_root)
+bool is_safe_target(const std::filesystem::path &path, const std::filesystem::path &source_root)
 {
-    if (source_root.isEmpty())
+    if (source_root.empty())
         return true;
     const std::filesystem::path root = with_links_followed(source_root);
     return !is_at_or_below(with_links_followed(path), root)
            || is_written_below(as_written(path), as_written(source_root)) || is_in_plain_sight(as_written(path), root);
 }
 
-bool is_same_file(const QString &first, const QString &second)
+bool is_safe_target(const QString &path, const QString &source_root)
+{
+    return is_safe_target(to_path(path), to_path(source_root));
+}
+
+bool is_same_file(const std::filesystem::path &first, const std::filesystem::path &second)
 {
     std::error_code error;
-    return std::filesystem::equivalent(to_std_path(first), to_std_path(second), error);
+    return std::filesystem::equivalent(first, second, error);
+}
+
+bool is_same_file(const QString &first, const QString &second)
+{
+    return is_same_file(to_path(first), to_path(second));
 }

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QString>
 
+#include <filesystem>
 #include <optional>
 
 // An adversary may have made the evidence. These functions read it without changing it, never wait for it, and are not
@@ -19,6 +20,8 @@
  * would explain it.
  */
 std::optional<QString> open_evidence_file(QFile &file);
+/** The same for a file by its path. */
+std::optional<QString> open_evidence_file(QFile &file, const std::filesystem::path &path);
 
 /**
  * Copies the regular file @p source to @p target, byte by byte. Only the copy's owner can read and write it. Never
@@ -32,9 +35,11 @@ bool copy_evidence_file(const QString &source, const QString &target);
  * place at or below @p source_root. A path that lies there in plain sight, before any link on its way, is the host's
  * own choice; with an empty root every path is safe.
  */
+bool is_safe_target(const std::filesystem::path &path, const std::filesystem::path &source_root);
 bool is_safe_target(const QString &path, const QString &source_root);
 
 /** Whether both paths name one existing file, by the same name, a symbolic link or a hard link. */
+bool is_same_file(const std::filesystem::path &first, const std::filesystem::path &second);
 bool is_same_file(const QString &first, const QString &second);
 
 #endif

@@ -4,17 +4,15 @@
 #include "common/plugin_helper_functions.h"
 
 #include "common/evidence_file.h"
+#include "common/file_names.h"
 #include "common/media_extensions.h"
-#include "common/plugin_static_function.h"
-
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 /** What SQLite keeps beside a database in WAL mode. */
-constexpr QLatin1StringView database_companions[] = {"-shm"_L1, "-wal"_L1};
+const QStringList database_companions{u"-shm"_s, u"-wal"_s};
 
 bool may_begin_extension(QChar character)
 {
@@ -79,30 +77,19 @@ void plugin_helper_functions::set_adhoc_parent_path(QString path)
 
 QString plugin_helper_functions::get_adhoc_path_for_database(QString source)
 {
-    QString copy = free_adhoc_path(source, u"QString plugin_helper_functions::get_adhoc_path_for_database(QString)"_s);
-    if (copy.isEmpty())
+    // A companion of an earlier copy would be taken for this one's.
+    QString copy = free_adhoc_path(source, database_companions);
+    if (copy.isEmpty() || !copy_evidence_file(source, copy))
         return {};
-
-    // Companions of an earlier database would be taken for this one's.
-    QFile::remove(copy);
-    for (const QLatin1StringView companion : database_companions)
-        QFile::remove(copy + companion);
-    if (!copy_evidence_file(source, copy))
-        return {};
-    for (const QLatin1StringView companion : database_companions)
+    for (const QString &companion : database_companions)
         copy_evidence_file(source + companion, copy + companion);
     return copy;
 }
 
 QString plugin_helper_functions::get_adhoc_path_for_regular_file(QString source)
 {
-    const QString copy =
-        free_adhoc_path(source, u"QString plugin_helper_functions::get_adhoc_path_for_regular_file(QString)"_s);
-    if (copy.isEmpty())
-        return {};
-
-    QFile::remove(copy);
-    return copy_evidence_file(source, copy) ? copy : QString();
+    const QString copy = free_adhoc_path(source);
+    return !copy.isEmpty() && copy_evidence_file(source, copy) ? copy : QString();
 }
 
 void plugin_helper_functions::initialize_image_extension_list()
@@ -121,11 +108,11 @@ void plugin_helper_functions::initialize_video_extension_list()
 }
 
 /** Empty when cancelled, and without an ad-hoc folder: evidence is never copied into the current folder. */
-QString plugin_helper_functions::free_adhoc_path(const QString &source, const QString &caller) const
+QString plugin_helper_functions::free_adhoc_path(const QString &source, const QStringList &companions) const
 {
     if (adhoc_parent_path.isEmpty())
         return {};
-    const QString name = plugin_static_function::get_available_file(source, adhoc_parent_path, caller);
+    const QString name = free_file_name(source, adhoc_parent_path, companions);
     if (name.isEmpty())
         return {};
     return adhoc_parent_path + (adhoc_parent_path.endsWith(u'/') ? QLatin1StringView() : "/"_L1) + name;

@@ -42,7 +42,7 @@ private:
     void initialize_image_extension_list();
     void initialize_audio_extension_list();
     void initialize_video_extension_list();
-    QString free_adhoc_path(const QString &source, const QString &caller) const;
+    QString free_adhoc_path(const QString &source, const QStringList &companions = {}) const;
 
     bool bool_cancel_extraction = false;
     QStringList image_extension_list;

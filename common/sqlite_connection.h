@@ -9,8 +9,7 @@
 #include <QString>
 #include <QStringList>
 
-/** Registers a "QSQLITE" connection to @p file under @p name, in place of an older one of that name, without opening
- * it. */
+/** Registers a "QSQLITE" connection to @p file under @p name, in place of an older one. Does not open it. */
 QSqlDatabase add_sqlite_connection(const QString &name, const QString &file);
 
 /**

@@ -2,18 +2,20 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/date_parsing.h"
+#include "common/folder_entries.h"
 #include "common/function_log.h"
 #include "common/platform/reference_date.h"
 #include "common/plugin_static_function.h"
 #include "common/text_parts.h"
 
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QStringTokenizer>
 #include <QtNumeric>
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 using namespace Qt::StringLiterals;
 
@@ -75,19 +77,19 @@ QString value_in_braces(const QString &description)
 }
 
 /** The size of everything below a folder; nothing when the cancel flag stopped the walk. */
-std::optional<QString> size_below(const QString &folder)
+std::optional<QString> size_below(const std::filesystem::path &folder)
 {
     qint64 sum = 0;
-    QDirIterator entries(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                         QDirIterator::Subdirectories);
-    while (entries.hasNext()) {
-        if (plugin_static_function::bool_cancel_extraction)
-            return std::nullopt;
-        const QFileInfo entry = entries.nextFileInfo();
-        if (!entry.isSymLink() && !entry.isDir() && qAddOverflow(sum, entry.size(), &sum))
-            return QString();
-    }
-    return QString::number(sum);
+    bool does_not_fit = false;
+    const bool is_cut_short = visit_below(folder, [&](const std::filesystem::directory_entry &entry) {
+        std::error_code error;
+        if (!entry.is_symlink(error) && entry.is_regular_file(error))
+            does_not_fit = qAddOverflow(sum, static_cast<qint64>(entry.file_size(error)), &sum);
+        return plugin_static_function::bool_cancel_extraction || does_not_fit;
+    });
+    if (does_not_fit)
+        return QString();
+    return is_cut_short ? std::nullopt : std::optional(QString::number(sum));
 }
 
 bool is_hexadecimal_digit(QChar digit)
@@ -139,7 +141,7 @@ QString plugin_static_function::mining_size(QString path)
     if (!info.exists())
         return {};
     const QString own_size = QString::number(info.size());
-    return info.isDir() ? size_below(path).value_or(own_size) : own_size;
+    return info.isDir() ? size_below(to_path(path)).value_or(own_size) : own_size;
 }
 
 QString plugin_static_function::get_examiner_machine_os_scan_version()

@@ -52,6 +52,7 @@ private:
 void test_evidence_file::init()
 {
     QTest::failOnWarning(QRegularExpression(u".*"_s));
+    ::umask(022);
     directory = std::make_unique<QTemporaryDir>();
     write_file(path(u"source/file"_s), "evidence");
     QDir().mkpath(path(u"source/folder"_s));

@@ -6,6 +6,7 @@
 #include "tests/support/file_content.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -59,16 +60,22 @@ private Q_SLOTS:
     void copy_of_a_missing_folder_data();
     void copy_of_a_missing_folder();
     void copy_of_a_tree_of();
+    void copy_of_names_that_are_no_texts();
+    void copy_carries_no_permissions();
     void copy_into_an_existing_folder();
     void copy_follows_links();
     void copy_ends_on_link_cycles();
+    void copy_ends_where_links_double();
     void copy_into_itself_ends();
+    void copy_through_links_into_the_source_data();
+    void copy_through_links_into_the_source();
     void copy_onto_itself_is_reported();
-    void copy_skips_fifos_and_broken_links();
+    void copy_skips_what_is_no_plain_file();
     void copy_without_a_destination();
     void copy_reports_an_unopenable_destination();
     void copy_reports_an_unreadable_file();
     void copy_of_large_files();
+    void copy_reads_blocks();
     void copy_when_cancelled();
     void copy_cut_short_in_a_file();
 
@@ -76,6 +83,8 @@ private Q_SLOTS:
     void remove_of_nothing_data();
     void remove_of_nothing();
     void remove_leaves_link_targets();
+    void remove_behind_a_link();
+    void remove_of_names_that_are_no_texts();
     void remove_ignores_the_cancel_flag();
     void remove_of_odd_entries();
 
@@ -88,6 +97,7 @@ private Q_SLOTS:
     void existence_in_dir();
     void existence_when_cancelled();
     void available_file();
+    void available_file_of_many();
     void available_file_creates_the_folder();
     void available_file_when_cancelled();
     void complete_path_data();
@@ -154,6 +164,38 @@ void test_files_and_paths::copy_of_a_tree_of()
     QCOMPARE(log.take_lines(), QStringList());
 }
 
+void test_files_and_paths::copy_of_names_that_are_no_texts()
+{
+    if (!names_are_bytes)
+        QSKIP("file names are texts here");
+    write_file(path(u"a"_s), "bad\xff", "1");
+    write_file(path(u"a"_s), "dir\xfe/in", "2");
+    write_file(path(u"a"_s), "good", "3");
+    write_file(path(u"b"_s), "bad\xff/a folder", "in the way");
+    library::copy_directory(path(u"a"_s), path(u"b"_s));
+    const QString prefix = u"plugin_static_function::copy_directory: [copy_directory] "_s;
+    QCOMPARE(log.take_messages(),
+             QStringList({prefix + u"destination file open ----FAILED---- :"_s + path(u"b/bad\uFFFD"_s),
+                          prefix + u"Error:Is a directory"_s}));
+
+    library::copy_directory(path(u"a"_s), path(u"copy"_s));
+    QCOMPARE(log.take_messages(), QStringList());
+    QCOMPARE(tree_of(path(u"copy"_s)), QStringList({u"bad\uFFFD"_s, u"dir\uFFFD/"_s, u"dir\uFFFD/in"_s, u"good"_s}));
+    for (const QString &folder : {u"a"_s, u"b"_s, u"copy"_s}) // the temporary folder does not see such names
+        library::remove_directory(path(folder));
+}
+
+void test_files_and_paths::copy_carries_no_permissions()
+{
+    ::umask(022);
+    write_file(path(u"a/file"_s), "content");
+    QFile::setPermissions(path(u"a/file"_s), QFile::ReadOwner | QFile::ExeOwner);
+    library::copy_directory(path(u"a"_s), path(u"b"_s));
+    struct stat status = {};
+    QCOMPARE(::stat(QFile::encodeName(path(u"b/file"_s)).constData(), &status), 0);
+    QCOMPARE(uint(status.st_mode & 07777), 0644u);
+}
+
 void test_files_and_paths::copy_into_an_existing_folder()
 {
     write_file(path(u"a/same"_s), "new");
@@ -184,6 +226,24 @@ void test_files_and_paths::copy_ends_on_link_cycles()
     QCOMPARE(tree_of(path(u"copy"_s)), QStringList({u"b/"_s, u"b/file"_s}));
 }
 
+void test_files_and_paths::copy_ends_where_links_double()
+{
+    constexpr int levels = 14;
+    for (int level = 0; level < levels; ++level) {
+        QDir().mkpath(path(QString::number(level)));
+        for (const QString &name : {u"a"_s, u"b"_s})
+            QVERIFY(QFile::link(u"../"_s + QString::number(level + 1), path(QString::number(level) + u'/' + name)));
+    }
+    write_file(path(QString::number(levels) + u"/file"_s), "content");
+    library::copy_directory(path(u"0"_s), path(u"copy"_s));
+    QCOMPARE(tree_of(path(u"copy"_s)).filter(u"/file"_s).size(), 64); // not 16384
+
+    const QString prefix = u"plugin_static_function::copy_directory: [copy_directory] "_s;
+    const QStringList messages = log.take_messages();
+    QVERIFY(messages.contains(prefix + u"source file open ----FAILED---- :"_s + path(QString::number(levels))));
+    QCOMPARE(messages.value(1), prefix + u"Error:Too many levels of symbolic links"_s);
+}
+
 void test_files_and_paths::copy_into_itself_ends()
 {
     write_file(path(u"a/file"_s), "content");
@@ -207,7 +267,41 @@ void test_files_and_paths::copy_onto_itself_is_reported()
     QCOMPARE(content_of(path(u"a/file"_s)), "kept");
 }
 
-void test_files_and_paths::copy_skips_fifos_and_broken_links()
+void test_files_and_paths::copy_through_links_into_the_source_data()
+{
+    QTest::addColumn<QString>("destination");
+    QTest::addColumn<QString>("reported");
+    QTest::newRow("link to a file") << u"links"_s << u"links/file"_s;
+    QTest::newRow("link to a file to be") << u"new"_s << u"new/file"_s;
+    QTest::newRow("hard link to a file") << u"hard"_s << u"hard/file"_s;
+    QTest::newRow("link to a folder") << u"folders"_s << u"folders/sub"_s;
+    QTest::newRow("new folder behind a link") << u"outermost/new"_s << u"outermost/new"_s;
+}
+
+void test_files_and_paths::copy_through_links_into_the_source()
+{
+    QFETCH(QString, destination);
+    QFETCH(QString, reported);
+    write_file(path(u"a/file"_s), "new");
+    write_file(path(u"a/sub/other"_s), "kept");
+    for (const QString &folder : {u"links"_s, u"new"_s, u"hard"_s, u"folders"_s})
+        QDir().mkpath(path(folder));
+    const QString other = path(u"a/sub/other"_s);
+    QVERIFY(QFile::link(other, path(u"links/file"_s)));
+    QVERIFY(QFile::link(path(u"a/sub/more"_s), path(u"new/file"_s)));
+    QCOMPARE(::link(QFile::encodeName(other).constData(), QFile::encodeName(path(u"hard/file"_s)).constData()), 0);
+    QVERIFY(QFile::link(path(u"a"_s), path(u"folders/sub"_s)));
+    QVERIFY(QFile::link(path(u"a"_s), path(u"outermost"_s)));
+    const QStringList before = tree_of(path(u"a"_s));
+    library::copy_directory(path(u"a"_s), path(destination));
+    const QString prefix = u"plugin_static_function::copy_directory: [copy_directory] "_s;
+    QCOMPARE(log.take_messages(), QStringList({prefix + u"destination file open ----FAILED---- :"_s + path(reported),
+                                               prefix + u"Error:a link leads into the source"_s}));
+    QCOMPARE(tree_of(path(u"a"_s)), before);
+    QCOMPARE(content_of(other), "kept");
+}
+
+void test_files_and_paths::copy_skips_what_is_no_plain_file()
 {
     QDir().mkpath(path(u"a"_s));
     QCOMPARE(::mkfifo(QFile::encodeName(path(u"a/fifo"_s)).constData(), 0600), 0);
@@ -216,6 +310,7 @@ void test_files_and_paths::copy_skips_fifos_and_broken_links()
     QVERIFY(QFile::link(u"/dev/zero"_s, path(u"a/endless"_s)));
     library::copy_directory(path(u"a"_s), path(u"copy"_s));
     QCOMPARE(tree_of(path(u"copy"_s)), QStringList());
+    QCOMPARE(log.take_lines(), QStringList());
 }
 
 void test_files_and_paths::copy_without_a_destination()
@@ -268,6 +363,20 @@ void test_files_and_paths::copy_of_large_files()
     library::copy_directory(path(u"a"_s), path(u"b"_s));
     QCOMPARE(content_of(path(u"b/exact"_s)), exact);
     QCOMPARE(content_of(path(u"b/odd"_s)), odd);
+}
+
+void test_files_and_paths::copy_reads_blocks()
+{
+    write_file(path(u"a/file"_s), QByteArray(10 * 102400 + 1, 'x'));
+    const auto write_calls = [] {
+        const QByteArray counters = content_of(u"/proc/self/io"_s);
+        return counters.mid(counters.indexOf("syscw: ") + 7).split('\n').value(0).toLongLong();
+    };
+    if (!QFile::exists(u"/proc/self/io"_s))
+        QSKIP("counts system calls as Linux does");
+    const qint64 before = write_calls();
+    library::copy_directory(path(u"a"_s), path(u"b"_s));
+    QCOMPARE(write_calls() - before, 11);
 }
 
 void test_files_and_paths::copy_when_cancelled()
@@ -343,6 +452,31 @@ void test_files_and_paths::remove_leaves_link_targets()
     library::remove_directory(path(u"a"_s));
     library::remove_directory(path(u"root link/"_s));
     QCOMPARE(tree_of(directory->path()), QStringList({u"target/"_s, u"target/file"_s}));
+}
+
+void test_files_and_paths::remove_behind_a_link()
+{
+    write_file(path(u"elsewhere/folder/file"_s), "kept");
+    write_file(path(u"elsewhere/x/file"_s), "content");
+    write_file(path(u"here/x/file"_s), "kept");
+    QVERIFY(QFile::link(path(u"elsewhere/folder"_s), path(u"here/link"_s)));
+    library::remove_directory(path(u"here/link/../x"_s));
+    library::remove_directory(path(u"here/link/../missing/"_s));
+    QCOMPARE(tree_of(directory->path()),
+             QStringList({u"elsewhere/"_s, u"elsewhere/folder/"_s, u"elsewhere/folder/file"_s, u"here/"_s,
+                          u"here/link@"_s, u"here/x/"_s, u"here/x/file"_s}));
+    library::remove_directory(path(u"here/x/."_s));
+    QCOMPARE(tree_of(path(u"here"_s)), QStringList{u"link@"_s});
+}
+
+void test_files_and_paths::remove_of_names_that_are_no_texts()
+{
+    if (!names_are_bytes)
+        QSKIP("file names are texts here");
+    write_file(path(u"a"_s), "bad\xff", "content");
+    write_file(path(u"a"_s), "dir\xfe/in", "content");
+    library::remove_directory(path(u"a"_s));
+    QCOMPARE(tree_of(directory->path()), QStringList());
 }
 
 void test_files_and_paths::remove_ignores_the_cancel_flag()
@@ -481,6 +615,20 @@ void test_files_and_paths::available_file()
     write_file(path(u"2_report.txt"_s), "content");
     QCOMPARE(available(), u"3_report.txt"_s);
     QCOMPARE(library::get_available_file(u"plain"_s, directory->path(), u""_s), u"plain"_s);
+}
+
+/** One listing a call: a listing for each number took most of a minute. */
+void test_files_and_paths::available_file_of_many()
+{
+    constexpr int copies = 4000;
+    write_file(path(u"x"_s), "");
+    for (int number = 1; number < copies; ++number)
+        write_file(path(QString::number(number) + u"_x"_s), "");
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(library::get_available_file(u"x"_s, directory->path(), u""_s), u"4000_x"_s);
+    qInfo("%lld ms for %d copies", timer.elapsed(), copies);
+    QVERIFY(timer.elapsed() < 3000);
 }
 
 void test_files_and_paths::available_file_creates_the_folder()

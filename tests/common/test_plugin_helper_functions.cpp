@@ -34,7 +34,7 @@ private Q_SLOTS:
     void classification_data();
     void classification();
     void database_copies_with_companions();
-    void database_copy_replaces_stale_companions();
+    void database_copy_keeps_earlier_copies();
     void regular_copies();
     void parent_path_with_and_without_slash();
     void no_copy_gives_an_empty_text_data();
@@ -165,15 +165,20 @@ void test_plugin_helper_functions::database_copies_with_companions()
     QCOMPARE(content_of(copy + u"-wal"_s), "wal");
 }
 
-void test_plugin_helper_functions::database_copy_replaces_stale_companions()
+void test_plugin_helper_functions::database_copy_keeps_earlier_copies()
 {
     write_file(path(u"x.db"_s), "main");
-    write_file(path(u"tmp/x.db-wal"_s), "stale");
-    write_file(path(u"tmp/x.db-shm"_s), "stale");
+    write_file(path(u"x.db-wal"_s), "wal");
+    write_file(path(u"1_x.db-shm"_s), "shm");
     plugin_helper_functions helper(nullptr);
     helper.set_adhoc_parent_path(path(u"tmp/"_s));
-    QCOMPARE(helper.get_adhoc_path_for_database(path(u"x.db"_s)), path(u"tmp/x.db"_s));
-    QCOMPARE(QDir(path(u"tmp"_s)).entryList(QDir::Files), QStringList{u"x.db"_s});
+    QCOMPARE(helper.get_adhoc_path_for_regular_file(path(u"x.db-wal"_s)), path(u"tmp/x.db-wal"_s));
+    QCOMPARE(helper.get_adhoc_path_for_regular_file(path(u"1_x.db-shm"_s)), path(u"tmp/1_x.db-shm"_s));
+    write_file(path(u"x.db-wal"_s), "later");
+    QCOMPARE(helper.get_adhoc_path_for_database(path(u"x.db"_s)), path(u"tmp/2_x.db"_s));
+    QCOMPARE(tree_of(path(u"tmp"_s)), QStringList({u"1_x.db-shm"_s, u"2_x.db"_s, u"2_x.db-wal"_s, u"x.db-wal"_s}));
+    QCOMPARE(content_of(path(u"tmp/x.db-wal"_s)), "wal");
+    QCOMPARE(content_of(path(u"tmp/2_x.db-wal"_s)), "later");
 }
 
 void test_plugin_helper_functions::regular_copies()

@@ -3,6 +3,7 @@
 
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
+#include "tests/support/file_content.h"
 #include "tests/support/text_function.h"
 
 #include <QDir>
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void size_of_what_does_not_exist();
     void size_of_a_file();
     void size_of_a_folder();
+    void size_of_names_that_are_no_texts();
     void size_of_a_folder_when_cancelled();
     void size_that_does_not_fit();
     void os_scan_version_data();
@@ -279,6 +281,19 @@ void test_value_formatting::size_of_a_folder()
     QCOMPARE(library::mining_size(root.path() + u'/'), u"5000004321"_s);
     QCOMPARE(library::mining_size(root.filePath(u"link to a folder"_s)), u"1000"_s);
     QCOMPARE(library::mining_size(root.filePath(u"pipe"_s)), u"0"_s);
+}
+
+void test_value_formatting::size_of_names_that_are_no_texts()
+{
+    if (!names_are_bytes)
+        QSKIP("file names are texts here");
+    const QTemporaryDir directory;
+    const QString folder = directory.filePath(u"folder"_s);
+    write_file(folder, "bad\xff", "1");
+    write_file(folder, "dir\xfe/in", "22");
+    write_file(folder, "good", "3");
+    QCOMPARE(library::mining_size(folder), u"4"_s);
+    library::remove_directory(folder); // the temporary folder does not see such names
 }
 
 void test_value_formatting::size_of_a_folder_when_cancelled()

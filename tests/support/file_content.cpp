@@ -4,8 +4,12 @@
 #include "tests/support/file_content.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
+
+#include <filesystem>
+#include <fstream>
+#include <system_error>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +21,15 @@ void write_file(const QString &path, const QByteArray &content)
         qFatal("cannot write %s", qPrintable(path));
 }
 
+void write_file(const QString &folder, const QByteArray &name, const QByteArray &content)
+{
+    const std::filesystem::path path = QFile::encodeName(folder).toStdString() + '/' + name.toStdString();
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream file(path, std::ios::binary);
+    if (!file.write(content.constData(), content.size()).flush())
+        qFatal("cannot write a file with an odd name");
+}
+
 QByteArray content_of(const QString &path)
 {
     QFile file(path);
@@ -25,16 +38,15 @@ QByteArray content_of(const QString &path)
 
 QStringList tree_of(const QString &root)
 {
+    const std::filesystem::path top = QFile::encodeName(root).toStdString();
     QStringList paths;
-    QDirIterator entries(root, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                         QDirIterator::Subdirectories);
-    while (entries.hasNext()) {
-        entries.next();
-        const QFileInfo info = entries.fileInfo();
-        paths.append(QDir(root).relativeFilePath(info.filePath())
-                     + (info.isSymLink() ? u"@"_s
-                        : info.isDir()   ? u"/"_s
-                                         : u""_s));
+    std::error_code error;
+    for (const auto &entry : std::filesystem::recursive_directory_iterator(top, error)) {
+        const std::string relative = entry.path().lexically_relative(top).native();
+        paths.append(QFile::decodeName(QByteArray::fromStdString(relative))
+                     + (entry.is_symlink()     ? u"@"_s
+                        : entry.is_directory() ? u"/"_s
+                                               : u""_s));
     }
     paths.sort();
     return paths;
