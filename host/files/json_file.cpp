@@ -5,14 +5,13 @@
 
 #include "host/files/descriptor.h"
 #include "host/files/host_error.h"
-#include "host/files/paths.h"
+#include "host/files/new_file.h"
 #include "host/files/system_error.h"
 
 #include <QFile>
 #include <QJsonDocument>
 
 #include <cerrno>
-#include <cstdio>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -23,41 +22,13 @@ namespace {
 
 constexpr qint64 most_json_bytes = qint64(1) << 30;
 
-[[noreturn]] void fail_to_write(const QString &path, int error)
-{
-    throw host_error(exit_code::internal_error, path + u" cannot be written: "_s + system_error_text(error));
-}
-
-bool write_all(int file, const QByteArray &content)
-{
-    qsizetype done = 0;
-    while (done < content.size()) {
-        const auto count = ::write(file, content.constData() + done, size_t(content.size() - done));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        done += count;
-    }
-    return true;
-}
-
 } // namespace
 
 void write_whole_file(const QString &path, const QByteArray &content)
 {
-    const QByteArray target = QFile::encodeName(path);
-    const QByteArray temporary = target + ".new";
-    ::unlink(temporary.constData()); // of a run that was killed here
-    const descriptor file(::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
-    if (!file.is_open())
-        fail_to_write(path, errno);
-    if (!write_all(file.number(), content) || ::fsync(file.number()) != 0
-        || ::rename(temporary.constData(), target.constData()) != 0) {
-        const int error = errno;
-        ::unlink(temporary.constData());
-        fail_to_write(path, error);
-    }
+    new_file file(path);
+    file.add(content);
+    file.commit();
 }
 
 void write_json_file(const QString &path, const QJsonObject &content)

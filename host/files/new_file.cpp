@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/files/new_file.h"
+
+#include "host/files/host_error.h"
+#include "host/files/system_error.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qsizetype buffer_bytes = 1 << 18;
+
+} // namespace
+
+new_file::new_file(const QString &target)
+    : path(target)
+    , temporary(QFile::encodeName(target) + ".new")
+{
+    ::unlink(temporary.constData()); // of a run that was killed here
+    file = descriptor(::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+    if (!file.is_open())
+        fail(errno);
+    buffer.reserve(buffer_bytes);
+}
+
+new_file::~new_file()
+{
+    if (file.is_open())
+        ::unlink(temporary.constData());
+}
+
+void new_file::add(QByteArrayView bytes)
+{
+    if (buffer.size() + bytes.size() > buffer_bytes) {
+        write(buffer);
+        buffer.resize(0); // keeps its room
+    }
+    if (bytes.size() > buffer_bytes)
+        write(bytes);
+    else
+        buffer.append(bytes);
+}
+
+void new_file::commit()
+{
+    write(buffer);
+    if (::fsync(file.number()) != 0 || ::rename(temporary.constData(), QFile::encodeName(path).constData()) != 0)
+        fail(errno);
+    file.close();
+}
+
+void new_file::fail(int error) const
+{
+    throw host_error(exit_code::internal_error, path + u" cannot be written: "_s + system_error_text(error));
+}
+
+void new_file::write(QByteArrayView bytes)
+{
+    while (!bytes.isEmpty()) {
+        const auto count = ::write(file.number(), bytes.data(), size_t(bytes.size()));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            fail(errno);
+        bytes = bytes.sliced(count);
+    }
+}

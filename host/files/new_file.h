@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_FILES_NEW_FILE_H
+#define HOST_FILES_NEW_FILE_H
+
+#include "host/files/descriptor.h"
+
+#include <QByteArray>
+#include <QString>
+
+/**
+ * A file that is written piece by piece and has its name only when it is whole: until then it stands beside it as
+ * "<name>.new", and goes if it is given up. Every function throws host_error (internal_error) with the system's reason.
+ */
+class new_file
+{
+public:
+    explicit new_file(const QString &path);
+    ~new_file();
+    Q_DISABLE_COPY_MOVE(new_file)
+
+    void add(QByteArrayView bytes);
+
+    /** Puts the file on the disk and in place of an earlier one of that name. */
+    void commit();
+
+private:
+    [[noreturn]] void fail(int error) const;
+    void write(QByteArrayView bytes);
+
+    QString path;
+    QByteArray temporary;
+    QByteArray buffer;
+    descriptor file;
+};
+
+#endif
