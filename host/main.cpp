@@ -38,6 +38,11 @@ exit_code run(const show_options &options, const console &out)
     return run_show(options, out);
 }
 
+exit_code run(const check_request &request, const console &out)
+{
+    return run_verify(request, out);
+}
+
 exit_code run_reporting_errors(int argc, char **argv)
 {
     console_options output;

@@ -260,6 +260,49 @@ CLI::App *add_collect(CLI::App &app, collect_options &options)
     return collect;
 }
 
+/** What "verify" is told, as it is told. */
+struct verify_arguments
+{
+    QString case_directory;
+    QString manifest_sha256;
+    std::vector<std::string> moved;
+    bool results_only = false;
+};
+
+CLI::App *add_verify(CLI::App &app, verify_arguments &arguments)
+{
+    CLI::App *verify = app.add_subcommand("verify", "Compare evidence, working copies and results with the manifest");
+    add_path(verify, "CASE", arguments.case_directory, "The case's folder")->required();
+    add_text(verify, "--manifest-sha256", arguments.manifest_sha256,
+             "The manifest's hash from the examiner's notes (default: the file beside it)")
+        ->type_name("HEX");
+    verify->add_option("--evidence", arguments.moved, "Where the evidence of a source lies now; may be repeated")
+        ->type_name("NUMBER=PATH")
+        ->allow_extra_args(false);
+    verify->add_flag("--results-only", arguments.results_only, "Leave the evidence out");
+    return verify;
+}
+
+check_request request_of(const verify_arguments &arguments)
+{
+    check_request request;
+    request.directory = absolute_path(arguments.case_directory, u"CASE"_s);
+    request.manifest_sha256 = arguments.manifest_sha256;
+    static const QRegularExpression hash_form(u"^([0-9A-Fa-f]{64})?$"_s);
+    if (!hash_form.match(request.manifest_sha256).hasMatch())
+        refuse(u"--manifest-sha256 is no SHA-256 of 64 hexadecimal digits: "_s + request.manifest_sha256);
+    for (const std::string &moved : arguments.moved) {
+        const QString text = path_text(moved);
+        bool is_number = false;
+        const int number = text.section(u'=', 0, 0).toInt(&is_number);
+        if (!is_number || !text.contains(u'='))
+            refuse(u"--evidence must look like 3=/new/place, and this does not: "_s + text);
+        request.moved_to.insert(number, absolute_path(text.section(u'=', 1), u"--evidence"_s));
+    }
+    request.leaves_out_evidence = arguments.results_only;
+    return request;
+}
+
 CLI::App *add_show(CLI::App &app, show_options &options)
 {
     CLI::App *show = app.add_subcommand("show", "Show the extracted rows of a case");
@@ -286,7 +329,7 @@ command_line help_or_throw(const CLI::App &app, const CLI::ParseError &error)
         return {};
     }
     const QString reason = app.get_subcommands().empty()
-                               ? u"one of the commands sample, extract, collect and show is needed"_s
+                               ? u"one of the commands sample, extract, collect, verify and show is needed"_s
                                : QString::fromUtf8(error.what());
     throw host_error(exit_code::usage, reason + u" (bluetooth-logs --help tells more)"_s);
 }
@@ -300,6 +343,7 @@ command_line parse_command_line(int argc, char **argv)
     extract_arguments extract;
     show_options show;
     collect_options collect;
+    verify_arguments verify;
 
     CLI::App app("Extracts Bluetooth devices from macOS, iOS and Windows sources.", "bluetooth-logs");
     app.set_version_flag("--version", "bluetooth-logs " BLUETOOTH_LOGS_VERSION);
@@ -313,6 +357,7 @@ command_line parse_command_line(int argc, char **argv)
     const CLI::App *extract_command = add_extract(app, extract);
     add_show(app, show);
     const CLI::App *collect_command = add_collect(app, collect);
+    const CLI::App *verify_command = add_verify(app, verify);
 
     try {
         app.parse(argc, argv);
@@ -326,6 +371,8 @@ command_line parse_command_line(int argc, char **argv)
         result.command = options_of(extract, arguments_of(argc, argv));
     else if (collect_command->parsed())
         result.command = collect;
+    else if (verify_command->parsed())
+        result.command = request_of(verify);
     else
         result.command = show;
     return result;

@@ -9,6 +9,7 @@
 #include "host/cli/extract_command.h"
 #include "host/cli/sample_command.h"
 #include "host/cli/show_command.h"
+#include "host/cli/verify_command.h"
 
 #include <variant>
 
@@ -21,7 +22,7 @@ struct collect_options
 struct command_line
 {
     console_options output;
-    std::variant<std::monostate, sample_options, extract_options, show_options, collect_options>
+    std::variant<std::monostate, sample_options, extract_options, show_options, collect_options, check_request>
         command; ///< monostate: only help
 };
 

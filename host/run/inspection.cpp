@@ -4,8 +4,8 @@
 #include "host/run/inspection.h"
 
 #include "host/case/result_database.h"
+#include "host/files/file_hash.h"
 #include "host/files/host_error.h"
-#include "host/files/sha256.h"
 #include "host/source/evidence_folder.h"
 #include "host/source/macos_databases.h"
 
@@ -82,17 +82,6 @@ void count_stored(inspection &result, const source_request &request)
     }
 }
 
-QString hash_of_file(const QString &path)
-{
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
-        return {};
-    sha256 hash;
-    for (QByteArray block = file.read(1 << 20); !block.isEmpty(); block = file.read(1 << 20))
-        hash.add(block);
-    return file.error() == QFile::NoError ? hash.result() : QString();
-}
-
 } // namespace
 
 QStringList refused_tables(const source_request &request, const evidence_state &evidence)
@@ -124,7 +113,7 @@ inspection inspect(const source_request &request, const evidence_state &evidence
         result.rows.append(rows);
     }
     count_stored(result, request);
-    result.result_sha256 = hash_of_file(request.layout().result_database());
+    result.result_sha256 = hash_of_file(request.layout().result_database()).value_or(QString());
     return result;
 }
 

@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CLI_VERIFY_COMMAND_H
+#define HOST_CLI_VERIFY_COMMAND_H
+
+#include "host/cli/console.h"
+#include "host/run/case_check.h"
+
+/** Compares a case with its manifest and tells what is different. Throws host_error. */
+exit_code run_verify(const check_request &request, const console &out);
+
+#endif

@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/files/file_hash.h"
+
+#include "host/files/descriptor.h"
+#include "host/files/sha256.h"
+
+#include <QFile>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr qsizetype block_bytes = 1 << 20;
+
+} // namespace
+
+std::optional<QString> hash_of_file(const QString &path)
+{
+    const descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    struct stat status = {};
+    if (!file.is_open() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))
+        return {};
+    QByteArray buffer(block_bytes, Qt::Uninitialized);
+    sha256 hash;
+    for (;;) {
+        const auto count = ::read(file.number(), buffer.data(), size_t(buffer.size()));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return {};
+        if (count == 0)
+            return hash.result();
+        hash.add(QByteArrayView(buffer.constData(), count));
+    }
+}
