@@ -128,6 +128,16 @@ QString source_layout::evidence_folder() const
     return source_folder + u"/Evidence"_s;
 }
 
+QString source_layout::wal_changes() const
+{
+    return source_folder + u"/wal_changes.json"_s;
+}
+
+QString source_layout::ios_lines() const
+{
+    return source_folder + u"/ios_lines.jsonl"_s;
+}
+
 QString source_layout::temporary_folder() const
 {
     return source_folder + u"/tmp"_s;

@@ -19,6 +19,8 @@ public:
     QString record() const;
     QString plugin_log() const;
     QString evidence_folder() const; ///< the host's working copies
+    QString wal_changes() const;
+    QString ios_lines() const;
     QString temporary_folder() const;
     QString result_folder() const;
     QString result_database() const;

@@ -8,6 +8,7 @@
 #include "host/files/host_error.h"
 #include "host/source/evidence_folder.h"
 #include "host/source/macos_databases.h"
+#include "host/source/wal_changes.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -113,6 +114,11 @@ inspection inspect(const source_request &request, const evidence_state &evidence
         result.rows.append(rows);
     }
     count_stored(result, request);
+    const wal_findings wal = write_wal_changes(result.evidence, request.layout().evidence_folder(),
+                                               request.layout().temporary_folder(), request.layout().wal_changes());
+    result.wal = wal.counts;
+    result.warnings = wal.problems;
+    result.is_out_of_memory = result.is_out_of_memory || wal.is_out_of_memory;
     result.result_sha256 = hash_of_file(request.layout().result_database()).value_or(QString());
     return result;
 }
@@ -134,9 +140,11 @@ QJsonObject inspection::to_json() const
     source_record record;
     record.evidence = evidence;
     record.rows = rows;
+    record.wal = wal;
     return {{u"record"_s, record.to_json()},
             {u"changes"_s, QJsonArray::fromStringList(changes)},
             {u"problems"_s, QJsonArray::fromStringList(problems)},
+            {u"warnings"_s, QJsonArray::fromStringList(warnings)},
             {u"result_sha256"_s, result_sha256},
             {u"log"_s, log.to_json()},
             {u"is_out_of_memory"_s, is_out_of_memory}};
@@ -148,10 +156,13 @@ inspection inspection::from_json(const QJsonObject &json)
     const source_record record = source_record::from_json(json.value("record"_L1).toObject());
     result.evidence = record.evidence;
     result.rows = record.rows;
+    result.wal = record.wal;
     for (const QJsonValue &text : json.value("changes"_L1).toArray())
         result.changes.append(text.toString());
     for (const QJsonValue &text : json.value("problems"_L1).toArray())
         result.problems.append(text.toString());
+    for (const QJsonValue &text : json.value("warnings"_L1).toArray())
+        result.warnings.append(text.toString());
     result.result_sha256 = json.value("result_sha256"_L1).toString();
     result.log = log_findings::from_json(json.value("log"_L1).toObject());
     result.is_out_of_memory = json.value("is_out_of_memory"_L1).toBool();

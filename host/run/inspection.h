@@ -21,7 +21,9 @@ struct inspection
     QStringList changes;    ///< of the evidence, in plain words
     QList<table_rows> rows; ///< found and stored; for each table of the request
     QStringList problems;   ///< why a count is missing, in plain words
+    QStringList warnings;   ///< what the plug-in does not need, and could not be looked into
     QString result_sha256;
+    QJsonValue wal; ///< as in a source_record
     log_findings log;
     bool is_out_of_memory = false; ///< a count failed for want of memory
 

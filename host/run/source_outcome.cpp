@@ -233,6 +233,7 @@ source_outcome judge_source(const source_request &request, const source_record &
     if (report.inspected) {
         outcome.record.evidence = report.inspected->evidence;
         outcome.record.rows = report.inspected->rows;
+        outcome.record.wal = report.inspected->wal;
         outcome.record.result_sha256 = report.inspected->result_sha256;
     } else if (report.looked) {
         outcome.record.evidence = *report.looked;
@@ -255,6 +256,8 @@ source_outcome judge_source(const source_request &request, const source_record &
         verdict.say(weight::error, u"the evidence could not be looked at again after the run"_s);
         verdict.end_as(source_status::failed, exit_code::partial);
     } else {
+        for (const QString &warning : report.inspected->warnings)
+            verdict.say(weight::warning, warning);
         tell_failures(request, report.inspected->log, verdict);
         for (const QString &problem : report.inspected->problems) {
             verdict.say(weight::error, problem);

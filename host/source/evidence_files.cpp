@@ -9,6 +9,7 @@
 #include "host/files/system_error.h"
 #include "host/files/utc_time.h"
 #include "host/source/evidence_folder.h"
+#include "host/source/ios_lines.h"
 #include "host/source/macos_databases.h"
 
 #include <QFile>
@@ -166,7 +167,14 @@ QString mebibytes(qint64 bytes)
     return QString::number(bytes / (1 << 20)) + u" MiB"_s;
 }
 
-void look_at(evidence_file &file, const QString &full_path, const QString &copy_path, qint64 most_bytes,
+/** Where the bytes of a file go while it is hashed. */
+struct file_targets
+{
+    QString copy; ///< empty: no working copy is made
+    std::function<void(QByteArrayView block)> take_block = [](QByteArrayView) {};
+};
+
+void look_at(evidence_file &file, const QString &full_path, const file_targets &targets, qint64 most_bytes,
              const hash_observer &hashed)
 {
     const descriptor opened = open_and_describe(file, full_path, file.before);
@@ -174,7 +182,7 @@ void look_at(evidence_file &file, const QString &full_path, const QString &copy_
         return;
     struct stat status = {};
     ::fstat(opened.number(), &status);
-    if (!copy_path.isEmpty() && status.st_size > most_bytes) {
+    if (!targets.copy.isEmpty() && status.st_size > most_bytes) {
         file.state = evidence_file::presence::refused;
         file.reason = u"it has "_s + QString::number(qint64(status.st_size)) + u" bytes ("_s + mebibytes(status.st_size)
                       + u"), more than the "_s + mebibytes(most_bytes) + u" that --max-database allows"_s;
@@ -182,8 +190,8 @@ void look_at(evidence_file &file, const QString &full_path, const QString &copy_
     }
 
     std::optional<working_copy> copy;
-    if (!copy_path.isEmpty())
-        copy.emplace(copy_path, status.st_mode);
+    if (!targets.copy.isEmpty())
+        copy.emplace(targets.copy, status.st_mode);
     sha256 hash;
     QByteArray start;
     const bool is_read = read_blocks(opened.number(), [&](QByteArrayView block) {
@@ -192,6 +200,7 @@ void look_at(evidence_file &file, const QString &full_path, const QString &copy_
         hash.add(block);
         if (copy)
             copy->add(block);
+        targets.take_block(block);
         hashed(block.size());
     });
     if (!is_read) {
@@ -366,18 +375,32 @@ QStringList listing_of(const evidence_source &source)
 
 } // namespace
 
-evidence_state look_before(const evidence_source &source, const QString &copy_folder, qint64 most_database_bytes,
+evidence_state look_before(const evidence_source &source, const evidence_places &places, qint64 most_database_bytes,
                            const hash_observer &hashed)
 {
     evidence_state evidence;
     evidence.listing_before = listing_of(source);
+    std::optional<ios_line_writer> writer;
+    std::optional<ios_line_finder> finder;
+    if (source.kind == &ios_uid_kind) {
+        writer.emplace(places.ios_lines);
+        finder.emplace([&writer](const ios_line &line) { writer->add(line); });
+    }
     const QStringList paths = evidence_paths(source);
     for (const QString &path : paths) {
         evidence_file file;
         file.path = path;
-        look_at(file, source.root + path, source.kind == &macos_kind ? copy_folder + u'/' + path : QString(),
-                most_database_bytes, hashed);
+        file_targets targets;
+        if (finder)
+            targets.take_block = [&finder](QByteArrayView block) { finder->add(block); };
+        else
+            targets.copy = places.copy_folder + u'/' + path;
+        look_at(file, source.root + path, targets, most_database_bytes, hashed);
         evidence.files.append(file);
+    }
+    if (finder) {
+        finder->finish();
+        writer->commit();
     }
     return evidence;
 }

@@ -57,12 +57,18 @@ struct evidence_state
 /** Tells how many more bytes were hashed. */
 using hash_observer = std::function<void(qint64 bytes)>;
 
+/** Where the host keeps what it takes from the evidence. */
+struct evidence_places
+{
+    QString copy_folder; ///< macOS: working copies, at the paths that the files have in the source
+    QString ios_lines;   ///< iOS: the file for the lines of the log that rows are made of
+};
+
 /**
- * Looks at the evidence before the plug-in does: states and hashes, and for macOS working copies below @p copy_folder,
- * at the paths that the files have in the source. A database larger than @p most_database_bytes is refused, unread.
- * Throws host_error (internal_error) when a copy cannot be written.
+ * Looks at the evidence before the plug-in does: states and hashes, working copies, lines. A database larger than
+ * @p most_database_bytes is refused, unread. Throws host_error (internal_error) when something cannot be written.
  */
-evidence_state look_before(const evidence_source &source, const QString &copy_folder, qint64 most_database_bytes,
+evidence_state look_before(const evidence_source &source, const evidence_places &places, qint64 most_database_bytes,
                            const hash_observer &hashed);
 
 /** Looks again, after the plug-in, and completes @p evidence. */

@@ -166,8 +166,9 @@ void extract(source_request request, std::future<void> &start)
     evidence_state evidence;
     {
         hash_reporter hashed;
-        evidence = look_before(request.source, request.layout().evidence_folder(), request.options.max_database << 20,
-                               [&hashed](qint64 bytes) { hashed(bytes); });
+        const source_layout layout = request.layout();
+        evidence = look_before(request.source, {layout.evidence_folder(), layout.ios_lines()},
+                               request.options.max_database << 20, [&hashed](qint64 bytes) { hashed(bytes); });
     }
     send(worker_events::looked, {{u"evidence"_s, evidence_to_json(evidence)}});
 
