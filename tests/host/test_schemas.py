@@ -1,0 +1,183 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+# SPDX-License-Identifier: MIT
+#
+# test_schemas.py PROGRAM WAITING_PLUGIN
+# Cases of every kind that can be made quickly fit docs/*.schema.json, what does not fit is refused, and the lists of
+# sources that the program takes and refuses are those that their schema takes and refuses.
+
+import copy
+import json
+import pathlib
+import shutil
+import signal
+import sys
+import time
+import unittest
+
+try:
+    import jsonschema
+except ImportError:
+    print("skipped: the package python3-jsonschema is missing")
+    sys.exit(77)
+
+from case_in_a_folder import case_in_a_folder, patience
+
+docs = pathlib.Path(__file__).resolve().parents[2] / "docs"
+waiting_plugin = sys.argv[2]
+
+
+def validator(name):
+    schemas = {file.name: json.loads(file.read_text()) for file in docs.glob("*.schema.json")}
+    for schema in schemas.values():
+        jsonschema.Draft202012Validator.check_schema(schema)
+    resolver = jsonschema.RefResolver.from_schema(
+        schemas[name], store={schema["$id"]: schema for schema in schemas.values()})
+    return jsonschema.Draft202012Validator(schemas[name], resolver=resolver)
+
+
+class fitting_case(case_in_a_folder):
+    def read(self, path):
+        return json.loads((self.folder / path).read_text())
+
+    def wait_until(self, is_so):
+        end = time.monotonic() + patience
+        while not is_so():
+            self.assertLess(time.monotonic(), end, "it took too long")
+            time.sleep(0.01)
+
+    def wait_for_the_plugin(self):
+        self.wait_until((self.folder / "started").exists)
+
+    def statuses_that_fit(self):
+        """The statuses of the case's sources, whose manifest and records fit their schemas."""
+        manifest = self.read("case/manifest.json")
+        validator("manifest.schema.json").validate(manifest)
+        for record in self.folder.glob("case/Source*/source.json"):
+            validator("source.schema.json").validate(json.loads(record.read_text()))
+        return [source["status"] for source in manifest["sources"]]
+
+
+class manifests(fitting_case):
+    def test_all_kinds_done(self):
+        self.run_program("extract", "-i", "sample/macos", "-i", "sample/ios/system.log", "-i", "sample/windows", "-o",
+                         "case", "--examiner", "A. Example", "--case-number", "47/11")
+        self.assertEqual(self.statuses_that_fit(), ["done", "done", "done"])
+
+    def test_failed_partial_and_not_run(self):
+        shutil.copytree(self.folder / "sample/macos", self.folder / "half")
+        paired = self.folder / "half/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db"
+        paired.write_bytes(paired.read_bytes()[:100] + bytes(4000))
+        paired.with_name(paired.name + "-wal").mkdir()
+        (self.folder / "list.json").write_text(json.dumps({"sources": [
+            {"path": "nothing"}, {"path": "half", "name": "half a database"}, {"path": "sample/macos"}]}))
+        for number, code in (("1", 3), ("2", 4)):
+            self.run_program("extract", "--sources", "list.json", "-o", "case", "--only", number, code=code)
+        self.run_program("collect", "case", code=4)
+        self.assertEqual(self.statuses_that_fit(), ["failed", "partial", "not run"])
+        states = {file["state"] for file in self.read("case/manifest.json")["sources"][1]["evidence"]}
+        self.assertEqual(states, {"present", "absent", "refused"})
+
+    def test_timed_out(self):
+        self.run_program("extract", "-i", "sample/macos", "-o", "case", "--plugin", waiting_plugin, "--timeout", "1",
+                         code=4)
+        self.assertEqual(self.statuses_that_fit(), ["timed out"])
+
+    def test_running_then_interrupted(self):
+        run = self.start("extract", "-i", "sample/ios/system.log", "-o", "case", "--plugin", waiting_plugin)
+        self.wait_for_the_plugin()
+        record = self.read("case/Source1/source.json")
+        self.assertEqual(record["status"], "running")
+        validator("source.schema.json").validate(record)
+        run.send_signal(signal.SIGINT)
+        self.finish(run, 130)
+        self.assertEqual(self.statuses_that_fit(), ["interrupted"])
+
+    def test_killed(self):
+        run = self.start("extract", "-i", "sample/macos", "-o", "case", "--plugin", waiting_plugin)
+        self.wait_for_the_plugin()
+        run.kill()
+        self.finish(run, -signal.SIGKILL)
+        self.run_program("collect", "case", code=130)
+        self.assertEqual(self.statuses_that_fit(), ["interrupted"])
+
+    def test_evidence_changed(self):
+        run = self.start("extract", "-i", "sample/macos", "-o", "case", "--plugin", waiting_plugin)
+        self.wait_for_the_plugin()
+        folder = self.folder / "sample/macos/Library/Bluetooth"
+        (folder / "com.apple.MobileBluetooth.ledevices.other.db").unlink()
+        (folder / "com.apple.MobileBluetooth.ledevices.other.db-shm").write_bytes(bytes(8))
+        (self.folder / "go").touch()
+        self.finish(run, 5)
+        self.assertEqual(self.statuses_that_fit(), ["evidence changed"])
+
+    def test_what_does_not_fit(self):
+        self.run_program("extract", "-i", "sample/macos", "-o", "case")
+        manifest = self.read("case/manifest.json")
+        fits = validator("manifest.schema.json").is_valid
+        self.assertTrue(fits(manifest))
+        changes = {
+            "another format": lambda m: m.update(format="manifest"),
+            "another version": lambda m: m.update(version=2),
+            "an unknown member": lambda m: m.update(more=1),
+            "no source": lambda m: m.update(sources=[]),
+            "a local time": lambda m: m.update(started="2026-01-31T12:00:00+01:00"),
+            "a thirteenth month": lambda m: m.update(started="2026-13-31T12:00:00Z"),
+            "a time of the wrong form": lambda m: m["sources"][0].update(finished="2026-01-31 12:00:00"),
+            "an unknown status": lambda m: m["sources"][0].update(status="finished"),
+            "a status against the code": lambda m: m["sources"][0].update(exit_code=4),
+            "done without a result": lambda m: m["sources"][0].update(result=None),
+            "a result elsewhere": lambda m: m["sources"][0]["result"].update(path="/etc/passwd"),
+            "fewer than no rows": lambda m: m["sources"][0]["rows"]["devices"].update(stored=-1),
+            "another table": lambda m: m["sources"][0]["rows"].update(others={}),
+            "a hash that is none": lambda m: m["sources"][0]["evidence"][0].update(copy_sha256="F" * 64),
+            "present without a state": lambda m: m["sources"][0]["evidence"][0].update(before=None),
+            "absent with a reason": lambda m: m["sources"][0]["evidence"][1].update(reason="it is gone"),
+            "no listing": lambda m: m["sources"][0].pop("listing"),
+        }
+        for what, change in changes.items():
+            with self.subTest(what):
+                changed = copy.deepcopy(manifest)
+                change(changed)
+                self.assertFalse(fits(changed))
+
+
+class lists_of_sources(case_in_a_folder):
+    def test_as_the_program_does(self):
+        good = {"path": "sample/macos"}
+        lists = {
+            "a path": ({"sources": [good]}, True),
+            "all members": ({"sources": [{**good, "type": "macOS", "name": "Laptop", "number": 3}]}, True),
+            "the type in other letters": ({"sources": [{**good, "type": "MACOS"}]}, True),
+            "the type to be told": ({"sources": [{**good, "type": "auto"}]}, True),
+            "the largest number": ({"sources": [{**good, "number": 1000000}]}, True),
+            "no object": ([], False),
+            "nothing": ({}, False),
+            "no sources": ({"sources": []}, False),
+            "sources that are no list": ({"sources": good}, False),
+            "a source that is a text": ({"sources": ["sample/macos"]}, False),
+            "an unknown member above": ({"sources": [good], "more": 1}, False),
+            "an unknown member": ({"sources": [{**good, "more": 1}]}, False),
+            "no path": ({"sources": [{"name": "Laptop"}]}, False),
+            "an empty path": ({"sources": [{"path": ""}]}, False),
+            "a path that is a number": ({"sources": [{"path": 1}]}, False),
+            "a name that is a number": ({"sources": [{**good, "name": 1}]}, False),
+            "an unknown type": ({"sources": [{**good, "type": "Amiga"}]}, False),
+            "the long type in other letters": ({"sources": [{**good, "type": "ios_uid"}]}, False),
+            "the number 0": ({"sources": [{**good, "number": 0}]}, False),
+            "a number too large": ({"sources": [{**good, "number": 1000001}]}, False),
+            "half a number": ({"sources": [{**good, "number": 1.5}]}, False),
+            "a number as text": ({"sources": [{**good, "number": "1"}]}, False),
+        }
+        fits = validator("sources.schema.json").is_valid
+        for what, (content, is_good) in lists.items():
+            with self.subTest(what):
+                self.assertEqual(fits(content), is_good)
+                (self.folder / "list.json").write_text(json.dumps(content))
+                run = self.start("extract", "--sources", "list.json", "-o", "case", "--force")
+                _, errors = run.communicate(timeout=patience)
+                self.assertEqual(run.returncode == 0, is_good, errors)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
