@@ -70,6 +70,16 @@ named_source read_entry(const QJsonValue &value, const QString &place, const QDi
     return source;
 }
 
+/** A list that is there and no JSON is wrong use, as any other fault in it is. */
+QJsonObject read_list_file(const QString &file)
+{
+    try {
+        return read_json_file(file);
+    } catch (const host_error &error) {
+        throw host_error(QFileInfo(file).isReadable() ? exit_code::usage : error.code(), error.message());
+    }
+}
+
 /** What a path is, however it is reached. Empty for one that is not there. */
 QString identity_of(const QString &path)
 {
@@ -88,7 +98,7 @@ QString described(const named_source &source)
 
 QList<named_source> read_source_list(const QString &file)
 {
-    const QJsonObject list = read_json_file(file);
+    const QJsonObject list = read_list_file(file);
     const QString name = QFileInfo(file).fileName();
     for (auto member = list.begin(); member != list.end(); ++member) {
         if (member.key() != "sources"_L1)

@@ -1,0 +1,550 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "tests/host/host_program.h"
+#include "tests/support/sqlite_file.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+/** Cases of several sources: what each gives, what a case is after a run that was cut short, and what never changes. */
+class test_cases : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void five_sources_one_out_of_memory();
+    void missing_source_fails_alone();
+    void changed_bytes_are_found_data();
+    void changed_bytes_are_found();
+    void other_times_are_a_note();
+    void evidence_that_moved_or_is_gone();
+    void killed_run_is_continued_data();
+    void killed_run_is_continued();
+    void workers_end_with_their_parent();
+    void second_run_is_refused();
+    void added_source_changes_no_other();
+    void one_source_done_anew_changes_no_other();
+    void sources_run_one_by_one_are_collected();
+    void records_of_different_lists_are_refused();
+    void continued_run_takes_the_same_options_data();
+    void continued_run_takes_the_same_options();
+    void wrong_list_is_refused_data();
+    void wrong_list_is_refused();
+    void progress_for_programs();
+};
+
+namespace {
+
+const QStringList three_sources{u"-i"_s, u"sample/macos"_s, u"-i"_s, u"copy"_s, u"-i"_s, u"sample/ios/system.log"_s};
+
+QByteArray content(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
+}
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("%s cannot be written", qPrintable(path));
+}
+
+/** Changes the byte in the middle of a file and leaves its times as they are. */
+void flip_a_byte(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite))
+        qFatal("%s cannot be changed", qPrintable(path));
+    const QDateTime modified = file.fileTime(QFileDevice::FileModificationTime);
+    file.seek(file.size() / 2);
+    const char byte = file.read(1).at(0);
+    file.seek(file.size() / 2);
+    file.putChar(char(byte ^ 1));
+    file.flush();
+    file.setFileTime(modified, QFileDevice::FileModificationTime);
+}
+
+void copy_folder(const QString &from, const QString &to)
+{
+    QDirIterator files(from, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString target = to + files.next().sliced(from.size());
+        if (!QDir().mkpath(QFileInfo(target).path()) || !QFile::copy(files.filePath(), target))
+            qFatal("%s cannot be copied", qPrintable(files.filePath()));
+    }
+}
+
+QMap<QString, QByteArray> contents(const QString &folder)
+{
+    QMap<QString, QByteArray> result;
+    QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        if (!path.endsWith("/.lock"_L1))
+            result.insert(path.sliced(folder.size()), content(path));
+    }
+    return result;
+}
+
+QJsonObject json(const QString &path)
+{
+    return QJsonDocument::fromJson(content(path)).object();
+}
+
+QStringList statuses(const host_program &host)
+{
+    QStringList result;
+    for (const QJsonValue &source : json(host.path(u"case/manifest.json"_s)).value("sources"_L1).toArray())
+        result.append(source.toObject().value("status"_L1).toString());
+    return result;
+}
+
+/** A manifest without what differs from run to run: when the runs were, and how the program was called. */
+QByteArray without_times(const QString &path)
+{
+    QString text = QString::fromUtf8(content(path));
+    static const QRegularExpression run(u"\"(started|finished)\":\"[^\"]*\",?|\"options\":\\[[^\\]]*\\],?"_s);
+    return text.remove(run).toUtf8();
+}
+
+/** Sample and a second macOS source. */
+void write_sources(const host_program &host)
+{
+    host.write_sample();
+    copy_folder(host.path(u"sample/macos"_s), host.path(u"copy"_s));
+    sqlite_file(host.path(u"copy/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db"_s))
+        .execute(u"DELETE FROM PairedDevices WHERE rowid > 3"_s);
+}
+
+/** A source whose only row is made of more bytes than a small limit allows. */
+void write_hungry_source(const host_program &host)
+{
+    QDir().mkpath(host.path(u"hungry/Library/Bluetooth"_s));
+    const sqlite_file database(host.path(u"hungry/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s));
+    database.execute(u"CREATE TABLE OtherDevices(Uuid TEXT, Name TEXT, Address TEXT, LastSeenTime INT, "
+                     "LastConnectionTime INT, Tags TEXT GENERATED ALWAYS AS (hex(zeroblob(400000000))))"_s);
+    database.execute(u"INSERT INTO OtherDevices(Uuid) VALUES('A')"_s);
+}
+
+host_result run_extract(const host_program &host, const QStringList &arguments)
+{
+    return host.run(QStringList{u"extract"_s, u"-o"_s, u"case"_s} + arguments);
+}
+
+/** Processes of this program that run a plug-in somewhere below @p folder. */
+QStringList workers_in(const QString &folder)
+{
+    QStringList found;
+    const QStringList processes = QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs);
+    for (const QString &process : processes) {
+        const QByteArray command = content(u"/proc/"_s + process + u"/cmdline"_s);
+        const QByteArray variables = content(u"/proc/"_s + process + u"/environ"_s);
+        if (command.endsWith(QByteArray("worker\0", 7)) && variables.contains(QFile::encodeName(folder)))
+            found.append(process);
+    }
+    return found;
+}
+
+bool is_sanitized()
+{
+#if defined(__SANITIZE_ADDRESS__)
+    return true;
+#else
+    return false;
+#endif
+}
+
+} // namespace
+
+void test_cases::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+void test_cases::five_sources_one_out_of_memory()
+{
+    if (is_sanitized())
+        QSKIP("the sanitizer takes more addresses than any limit allows");
+    const host_program host;
+    write_sources(host);
+    write_hungry_source(host);
+    const host_result result = run_extract(host, three_sources
+                                                     + QStringList{u"-i"_s, u"sample/windows"_s, u"-i"_s, u"hungry"_s,
+                                                                   u"--memory-limit"_s, u"256"_s});
+    QCOMPARE(result.exit_code, 4);
+    QCOMPARE(statuses(host), QStringList({u"done"_s, u"done"_s, u"done"_s, u"done"_s, u"out of memory"_s}));
+    QVERIFY2(result.errors.contains(u"error: not done: source 5\n"_s), qPrintable(result.errors));
+    QVERIFY2(result.errors.contains(u"error: Source5: out of memory: the run needs more than the 256 MiB of "
+                                    "--memory-limit\n"_s),
+             qPrintable(result.errors));
+    const QList<std::pair<int, QList<int>>> rows{{1, {1000, 20}}, {2, {1000, 3}}, {3, {50, 31}}, {4, {0, 0}}};
+    for (const auto &[number, counts] : rows) {
+        const sqlite_file database(
+            host.path(u"case/Source%1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s.arg(number)));
+        QCOMPARE(database.rows(u"SELECT (SELECT count(*) FROM devices), (SELECT count(*) FROM paired_devices)"_s),
+                 QList<QVariantList>({{counts.at(0), counts.at(1)}}));
+    }
+    const host_result verified = host.run({u"verify"_s, u"case"_s});
+    QCOMPARE(verified.errors, QString());
+    QVERIFY(verified.output.startsWith(u"UNCHANGED "_s));
+    QCOMPARE(verified.exit_code, 0);
+}
+
+void test_cases::missing_source_fails_alone()
+{
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, {u"-i"_s, u"nothing"_s, u"-i"_s, u"copy"_s}).exit_code, 4);
+    QCOMPARE(statuses(host), QStringList({u"failed"_s, u"done"_s}));
+    const QJsonObject record = json(host.path(u"case/Source1/source.json"_s));
+    QCOMPARE(record.value("exit_code"_L1).toInt(), 3);
+    QCOMPARE(record.value("messages"_L1).toArray().at(0).toString(),
+             QString(u"there is no source at "_s + host.path(u"nothing"_s)));
+
+    // What is missing can come.
+    copy_folder(host.path(u"copy"_s), host.path(u"nothing"_s));
+    QCOMPARE(run_extract(host, {u"-i"_s, u"nothing"_s, u"-i"_s, u"copy"_s, u"--resume"_s}).exit_code, 0);
+    QCOMPARE(statuses(host), QStringList({u"done"_s, u"done"_s}));
+}
+
+void test_cases::changed_bytes_are_found_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("name");
+
+    // clang-format off
+    QTest::newRow("evidence")     << u"copy/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s << u"Source2: Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db was changed: "_s;
+    QTest::newRow("log")          << u"sample/ios/system.log"_s                                               << u"Source3: system.log was changed: "_s;
+    QTest::newRow("working copy") << u"case/Source1/Evidence/Library/Preferences/com.apple.Bluetooth.plist"_s  << u"Source1/Evidence/Library/Preferences/com.apple.Bluetooth.plist was changed: "_s;
+    QTest::newRow("result")       << u"case/Source3/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s   << u"Source3/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite was changed: "_s;
+    QTest::newRow("manifest")     << u"case/manifest.json"_s                                                   << u"manifest.json was edited: "_s;
+    // clang-format on
+}
+
+void test_cases::changed_bytes_are_found()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, name);
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources).exit_code, 0);
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 0);
+
+    flip_a_byte(host.path(file));
+    const host_result verified = host.run({u"verify"_s, u"case"_s});
+    QCOMPARE(verified.exit_code, 5);
+    QVERIFY2(verified.errors.contains(u"error: "_s + name), qPrintable(verified.errors));
+    QVERIFY(verified.output.startsWith(u"CHANGED "_s));
+}
+
+void test_cases::other_times_are_a_note()
+{
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources).exit_code, 0);
+    QFile log(host.path(u"sample/ios/system.log"_s));
+    QVERIFY(log.open(QIODevice::ReadWrite)
+            && log.setFileTime(QDateTime::fromSecsSinceEpoch(1), QFileDevice::FileModificationTime));
+    const host_result verified = host.run({u"verify"_s, u"case"_s});
+    QCOMPARE(verified.exit_code, 0);
+    QCOMPARE(verified.errors, u"note: Source3: system.log has other times, and the same content\n"_s);
+}
+
+void test_cases::evidence_that_moved_or_is_gone()
+{
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources).exit_code, 0);
+    const QString hash = QString::fromLatin1(content(host.path(u"case/manifest.json.sha256"_s)).first(64));
+    QVERIFY(QDir().rename(host.path(u"copy"_s), host.path(u"moved"_s)));
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 3);
+    QCOMPARE(host.run({u"verify"_s, u"case"_s, u"--results-only"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"verify"_s, u"case"_s, u"--evidence"_s, u"2=moved"_s, u"--manifest-sha256"_s, hash}).exit_code,
+             0);
+    QCOMPARE(host.run({u"verify"_s, u"case"_s, u"--results-only"_s, u"--manifest-sha256"_s,
+                       hash.toUpper().replace(u'0', u'1')})
+                 .exit_code,
+             5);
+    QCOMPARE(host.run({u"verify"_s, u"moved"_s}).exit_code, 4);
+    QCOMPARE(host.run({u"verify"_s, u"nowhere"_s}).exit_code, 3);
+}
+
+void test_cases::killed_run_is_continued_data()
+{
+    QTest::addColumn<int>("milliseconds");
+
+    for (const int milliseconds : {5, 20, 40, 60, 90, 150})
+        QTest::addRow("after %d ms", milliseconds) << milliseconds;
+}
+
+void test_cases::killed_run_is_continued()
+{
+    QFETCH(int, milliseconds);
+    const host_program host;
+    write_sources(host);
+    const QStringList arguments = three_sources + QStringList{u"--jobs"_s, u"2"_s};
+    QCOMPARE(run_extract(host, arguments).exit_code, 0);
+    const QByteArray whole = without_times(host.path(u"case/manifest.json"_s));
+    QVERIFY(QDir(host.path(u"case"_s)).removeRecursively());
+
+    QProcess process;
+    host.start(process, QStringList{u"extract"_s, u"-o"_s, u"case"_s} + arguments);
+    QVERIFY(process.waitForStarted());
+    QTest::qWait(milliseconds);
+    process.kill();
+    process.waitForFinished();
+    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(u"case"_s)), QStringList(), 20000);
+
+    QCOMPARE(run_extract(host, arguments + QStringList{u"--resume"_s}).exit_code, 0);
+    QCOMPARE(without_times(host.path(u"case/manifest.json"_s)), whole);
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 0);
+}
+
+void test_cases::workers_end_with_their_parent()
+{
+    if (!QFile::exists(u"/proc/self/environ"_s))
+        QSKIP("no /proc");
+    const host_program host;
+    write_sources(host);
+    QProcess process;
+    host.start(process, QStringList{u"extract"_s, u"-o"_s, u"case"_s, u"--jobs"_s, u"3"_s, u"--plugin"_s,
+                                    host_program::waiting_plugin_file()}
+                            + three_sources);
+    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(u"case"_s)).size(), 3, 60000);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);
+    process.kill();
+    process.waitForFinished();
+    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(u"case"_s)), QStringList(), 20000);
+
+    // Whose parent is gone without a word was interrupted.
+    const host_result collected = host.run({u"collect"_s, u"case"_s});
+    QCOMPARE(collected.exit_code, 130);
+    QCOMPARE(statuses(host), QStringList({u"interrupted"_s, u"interrupted"_s, u"interrupted"_s}));
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 4);
+}
+
+void test_cases::second_run_is_refused()
+{
+    const host_program host;
+    write_sources(host);
+    QProcess process;
+    host.start(process, {u"extract"_s, u"-o"_s, u"case"_s, u"-i"_s, u"copy"_s, u"--plugin"_s,
+                         host_program::waiting_plugin_file()});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);
+    for (const QString &way : {u"--force"_s, u"--resume"_s}) {
+        const host_result refused = run_extract(host, {u"-i"_s, u"copy"_s, way});
+        QCOMPARE(refused.exit_code, 2);
+        QVERIFY2(refused.errors.startsWith(u"error: another run works here, process "_s
+                                           + QString::number(process.processId()) + u" on "_s),
+                 qPrintable(refused.errors));
+    }
+    write(host.path(u"go"_s), {});
+    QCOMPARE(host_program::finish(process).exit_code, 0);
+}
+
+void test_cases::added_source_changes_no_other()
+{
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources).exit_code, 0);
+    QMap<QString, QByteArray> before = contents(host.path(u"case"_s));
+    copy_folder(host.path(u"copy"_s), host.path(u"new"_s));
+
+    QCOMPARE(run_extract(host, {u"-i"_s, u"copy"_s, u"--add"_s}).exit_code, 2);
+    QCOMPARE(contents(host.path(u"case"_s)), before);
+    QCOMPARE(run_extract(host, {u"-i"_s, u"new"_s, u"--add"_s}).exit_code, 0);
+    QCOMPARE(statuses(host), QStringList({u"done"_s, u"done"_s, u"done"_s, u"done"_s}));
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 0);
+
+    QMap<QString, QByteArray> after = contents(host.path(u"case"_s));
+    for (const QString &name : {u"/manifest.json"_s, u"/manifest.json.sha256"_s}) {
+        before.remove(name);
+        after.remove(name);
+    }
+    after.removeIf([](const auto &file) { return file.key().startsWith("/Source4/"_L1); });
+    for (const QString &name : before.keys()) {
+        if (!name.endsWith("/source.json"_L1))
+            QVERIFY2(before.value(name) == after.value(name), qPrintable(name));
+        QJsonObject old_record = QJsonDocument::fromJson(before.value(name)).object();
+        QJsonObject new_record = QJsonDocument::fromJson(after.value(name)).object();
+        if (old_record.contains("case_sources"_L1)) {
+            QCOMPARE(new_record.value("case_sources"_L1).toObject().value("count"_L1).toInt(), 4);
+            old_record.remove("case_sources"_L1);
+            new_record.remove("case_sources"_L1);
+        }
+        QCOMPARE(new_record, old_record);
+    }
+    QCOMPARE(after.keys(), before.keys());
+}
+
+void test_cases::one_source_done_anew_changes_no_other()
+{
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources).exit_code, 0);
+    const auto of_others = [&host] {
+        QMap<QString, QByteArray> files = contents(host.path(u"case"_s));
+        files.removeIf([](const auto &file) { return file.key().startsWith("/Source2/"_L1); });
+        return files;
+    };
+    const QMap<QString, QByteArray> before = of_others();
+
+    const QStringList second = three_sources + QStringList{u"--only"_s, u"2"_s};
+    QCOMPARE(run_extract(host, second).exit_code, 2);
+    QTest::qWait(1100); // its times are whole seconds
+    QCOMPARE(run_extract(host, second + QStringList{u"--force"_s}).exit_code, 0);
+    QCOMPARE(of_others(), before);
+
+    const host_result verified = host.run({u"verify"_s, u"case"_s});
+    QCOMPARE(verified.exit_code, 5);
+    QCOMPARE(verified.errors, u"error: Source2/source.json is newer than the manifest: \"collect\" makes it anew\n"_s);
+    QCOMPARE(host.run({u"collect"_s, u"case"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 0);
+}
+
+void test_cases::sources_run_one_by_one_are_collected()
+{
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources).exit_code, 0);
+    const QByteArray together = without_times(host.path(u"case/manifest.json"_s));
+    QVERIFY(QDir(host.path(u"case"_s)).removeRecursively());
+
+    for (const QString &number : {u"3"_s, u"1"_s}) {
+        QCOMPARE(run_extract(host, three_sources + QStringList{u"--only"_s, number}).exit_code, 0);
+        QVERIFY(!QFile::exists(host.path(u"case/.lock"_s)));
+    }
+    QCOMPARE(host.run({u"collect"_s, u"case"_s}).exit_code, 4);
+    QCOMPARE(statuses(host), QStringList({u"done"_s, u"not run"_s, u"done"_s}));
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 4);
+
+    QCOMPARE(run_extract(host, three_sources + QStringList{u"--only"_s, u"2"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"collect"_s, u"case"_s}).exit_code, 0);
+    QCOMPARE(without_times(host.path(u"case/manifest.json"_s)), together);
+}
+
+void test_cases::records_of_different_lists_are_refused()
+{
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources + QStringList{u"--only"_s, u"1"_s}).exit_code, 0);
+    QCOMPARE(run_extract(host, three_sources + QStringList{u"-i"_s, u"sample/windows"_s, u"--only"_s, u"2"_s})
+                 .exit_code,
+             0);
+    const host_result refused = host.run({u"collect"_s, u"case"_s});
+    QCOMPARE(refused.exit_code, 2);
+    QVERIFY2(refused.errors.startsWith(
+                 u"error: the records of source 1 and source 2 are of different lists of sources: "_s),
+             qPrintable(refused.errors));
+    QVERIFY(!QFile::exists(host.path(u"case/manifest.json"_s)));
+}
+
+void test_cases::continued_run_takes_the_same_options_data()
+{
+    QTest::addColumn<QStringList>("more");
+    QTest::addColumn<int>("exit_code");
+    QTest::addColumn<QString>("named");
+
+    // clang-format off
+    QTest::newRow("same")           << QStringList{}                                      << 0 << QString();
+    QTest::newRow("jobs")           << QStringList{u"--jobs"_s, u"1"_s}                   << 0 << QString();
+    QTest::newRow("limits")         << QStringList{u"--timeout"_s, u"600"_s, u"--memory-limit"_s, u"4096"_s} << 0 << QString();
+    QTest::newRow("display")        << QStringList{u"-v"_s}                               << 0 << QString();
+    QTest::newRow("zone")           << QStringList{u"--timezone-offset"_s, u"+01:00"_s}   << 2 << u"timezone_offset"_s;
+    QTest::newRow("name")           << QStringList{u"--os-name"_s, u"x"_s}                << 2 << u"display_name"_s;
+    QTest::newRow("two")            << QStringList{u"--suite-tables"_s, u"--table"_s, u"devices"_s} << 2 << u"suite_tables, tables"_s;
+    QTest::newRow("other sources")  << QStringList{u"-i"_s, u"sample/windows"_s}          << 2 << u"the sources are not those of the first run"_s;
+    // clang-format on
+}
+
+void test_cases::continued_run_takes_the_same_options()
+{
+    QFETCH(QStringList, more);
+    QFETCH(int, exit_code);
+    QFETCH(QString, named);
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources).exit_code, 0);
+    const QMap<QString, QByteArray> before = contents(host.path(u"case/Source1"_s));
+    const host_result result = run_extract(host, three_sources + QStringList{u"--resume"_s} + more);
+    QCOMPARE(result.exit_code, exit_code);
+    QVERIFY2(result.errors.contains(named), qPrintable(result.errors));
+    QCOMPARE(contents(host.path(u"case/Source1"_s)), before);
+}
+
+void test_cases::wrong_list_is_refused_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QString>("message"); // $ stands for the working directory
+
+    // clang-format off
+    QTest::newRow("no JSON")         << QByteArray("{\"sources\": [}")                                       << u"$list.json is no JSON file: "_s;
+    QTest::newRow("unknown member")  << QByteArray(R"({"sources": [{"path": "copy", "tpye": "macOS"}]})")    << u"list.json: sources[0] has an unknown member, tpye\n"_s;
+    QTest::newRow("unknown outside") << QByteArray(R"({"sources": [{"path": "copy"}], "x": 1})")             << u"list.json has an unknown member, x\n"_s;
+    QTest::newRow("no sources")      << QByteArray(R"({"sources": []})")                                     << u"list.json: sources is no list of at least one source\n"_s;
+    QTest::newRow("no path")         << QByteArray(R"({"sources": [{"path": "copy"}, {"name": "x"}]})")      << u"list.json: sources[1].path is missing or empty\n"_s;
+    QTest::newRow("path, a number")  << QByteArray(R"({"sources": [{"path": 1}]})")                          << u"list.json: sources[0].path is no text\n"_s;
+    QTest::newRow("type")            << QByteArray(R"({"sources": [{"path": "copy", "type": "mac"}]})")      << u"list.json: sources[0].type is mac, and only macOS, iOS_UID, winOS and auto are known\n"_s;
+    QTest::newRow("number")          << QByteArray(R"({"sources": [{"path": "copy", "number": 1.5}]})")      << u"list.json: sources[0].number is no whole number from 1 to 1000000\n"_s;
+    QTest::newRow("number twice")    << QByteArray(R"({"sources": [{"path": "copy", "number": 2}, {"path": "sample/macos", "number": 2}]})") << u"the number 2 is given twice: $copy (list.json: sources[0]) and $sample/macos (list.json: sources[1])\n"_s;
+    QTest::newRow("source twice")    << QByteArray(R"({"sources": [{"path": "copy"}, {"path": "sample/../copy"}]})") << u"a source is given twice: $copy (list.json: sources[0]) and $copy (list.json: sources[1])\n"_s;
+    QTest::newRow("through a link")  << QByteArray(R"({"sources": [{"path": "copy"}, {"path": "link"}]})")   << u"a source is given twice: $copy (list.json: sources[0]) and $link (list.json: sources[1])\n"_s;
+    QTest::newRow("inside another")  << QByteArray(R"({"sources": [{"path": "sample"}, {"path": "sample/ios/system.log"}]})") << u"a source lies inside another: $sample/ios/system.log (list.json: sources[1]) inside $sample (list.json: sources[0])\n"_s;
+    // clang-format on
+}
+
+void test_cases::wrong_list_is_refused()
+{
+    QFETCH(QByteArray, list);
+    QFETCH(QString, message);
+    const host_program host;
+    write_sources(host);
+    QVERIFY(QFile::link(host.path(u"copy"_s), host.path(u"link"_s)));
+    write(host.path(u"list.json"_s), list);
+    const host_result refused = run_extract(host, {u"--sources"_s, u"list.json"_s});
+    QVERIFY2(refused.errors.startsWith(u"error: "_s + message.replace(u"$"_s, host.path(u""_s) + u'/')),
+             qPrintable(refused.errors));
+    QCOMPARE(refused.exit_code, 2);
+    QVERIFY(!QFile::exists(host.path(u"case"_s)));
+}
+
+void test_cases::progress_for_programs()
+{
+    const host_program host;
+    write_sources(host);
+    write(host.path(u"list.json"_s), R"({"sources": [{"path": "copy", "name": "Laptop of the hallway", "number": 3},
+                                                     {"path": "sample/macos", "type": "macos"}]})");
+    const host_result result = run_extract(host, {u"--sources"_s, u"list.json"_s, u"--progress"_s, u"json"_s});
+    QCOMPARE(result.exit_code, 0);
+    QMap<int, QString> ended;
+    const QStringList lines = result.errors.split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &line : lines) {
+        const QJsonObject event = QJsonDocument::fromJson(line.toUtf8()).object();
+        QVERIFY2(event.contains("event"_L1), qPrintable(line));
+        if (event.value("event"_L1) == u"finished"_s)
+            ended.insert(event.value("source"_L1).toInt(), event.value("status"_L1).toString());
+    }
+    QCOMPARE(ended, (QMap<int, QString>{{1, u"done"_s}, {3, u"done"_s}}));
+    QCOMPARE(json(host.path(u"case/Source3/source.json"_s)).value("name"_L1).toString(), u"Laptop of the hallway"_s);
+    QCOMPARE(content(host.path(u"case/manifest.json.sha256"_s)).size(), 64 + qstrlen("  manifest.json\n"));
+}
+
+QTEST_GUILESS_MAIN(test_cases)
+
+#include "test_cases.moc"
