@@ -62,7 +62,7 @@ exit_code run_reporting_errors(int argc, char **argv)
 
 } // namespace
 
-int main(int argc, char **argv)
+int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown one ends the process, and says so
 {
     if (argc == 2 && QLatin1StringView(argv[1]) == worker_argument)
         return run_worker();

@@ -110,7 +110,7 @@ QList<named_source> read_source_list(const QString &file)
 
     QList<named_source> sources;
     const QDir folder = QFileInfo(file).dir();
-    for (const QJsonValue &entry : entries.toArray())
+    for (const auto entry : entries.toArray())
         sources.append(read_entry(entry, name + u": sources["_s + QString::number(sources.size()) + u']', folder));
     return sources;
 }

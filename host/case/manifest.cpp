@@ -214,7 +214,7 @@ case_tally collect_case(const case_layout &layout)
 QList<int> sources_unlike_manifest(const case_layout &layout, const QJsonObject &manifest)
 {
     QList<int> numbers;
-    for (const QJsonValue &value : manifest.value("sources"_L1).toArray()) {
+    for (const auto value : manifest.value("sources"_L1).toArray()) {
         const QJsonObject entry = value.toObject();
         const int number = entry.value("number"_L1).toInt();
         const bool has_record = path_exists(layout.source(number).record());

@@ -36,7 +36,7 @@ QJsonValue text_or_null(const QString &text)
 QStringList texts_from(const QJsonValue &json)
 {
     QStringList texts;
-    for (const QJsonValue &text : json.toArray())
+    for (const auto text : json.toArray())
         texts.append(text.toString());
     return texts;
 }
@@ -106,7 +106,7 @@ source_record source_record::from_json(const QJsonObject &json)
         record.rows.append({table.key(), number_from(counts.value("found"_L1)),
                             number_from(counts.value("announced"_L1)), number_from(counts.value("stored"_L1))});
     }
-    for (const QJsonValue &file : json.value("evidence"_L1).toArray())
+    for (const auto file : json.value("evidence"_L1).toArray())
         record.evidence.files.append(evidence_file::from_json(file.toObject()));
     const QJsonObject listing = json.value("listing"_L1).toObject();
     record.evidence.listing_before = texts_from(listing.value("before"_L1));

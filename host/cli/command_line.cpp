@@ -38,7 +38,7 @@ const std::vector<std::string> table_names = {other_devices_database.result_tabl
 
 QString path_text(const std::string &path)
 {
-    const QString text = QString::fromStdString(path);
+    QString text = QString::fromStdString(path);
     if (text.toStdString() != path)
         throw CLI::ValidationError("the path " + text.toStdString() + " is not valid UTF-8");
     return text;
@@ -64,14 +64,15 @@ CLI::Option *add_text(CLI::App *command, const std::string &name, QString &text,
 /** "+05:30", or plain seconds, in seconds east of UTC. */
 qint64 offset_seconds(const std::string &text)
 {
+    constexpr qint64 most = 14 * 3600;
     bool is_number = false;
     const qint64 number = QString::fromStdString(text).toLongLong(&is_number);
-    if (is_number && number >= -14 * 3600 && number <= 14 * 3600)
+    if (is_number && number >= -most && number <= most)
         return number;
     static const QRegularExpression form(u"^([+-])(\\d\\d):([0-5]\\d)$"_s);
     const QRegularExpressionMatch match = form.match(QString::fromStdString(text));
     const qint64 seconds = match.captured(2).toLongLong() * 3600 + match.captured(3).toLongLong() * 60;
-    if (!match.hasMatch() || seconds > 14 * 3600)
+    if (!match.hasMatch() || seconds > most)
         throw CLI::ValidationError("--timezone-offset", "must look like +05:30, -08:00 or 19800");
     return match.captured(1) == "-"_L1 ? -seconds : seconds;
 }

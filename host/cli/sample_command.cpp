@@ -31,7 +31,7 @@ constexpr QLatin1StringView sample_entries[] = {"/macos"_L1, "/ios"_L1, "/window
 bool is_our_sample(const QString &directory)
 {
     QFile file(directory + readme_name);
-    return file.open(QIODevice::ReadOnly) && file.read(qstrlen(readme) + 1) == readme;
+    return file.open(QIODevice::ReadOnly) && file.read(qint64(qstrlen(readme)) + 1) == readme;
 }
 
 /** Makes room for a sample. What this program did not write is never removed. */

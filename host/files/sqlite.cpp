@@ -13,9 +13,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 longest_statement = 5 * 60 * 1000; // milliseconds
-constexpr int steps_between_looks = 100000;         // of SQLite's virtual machine: some milliseconds
-constexpr int busy_timeout = 2000;                  // milliseconds
+constexpr qint64 longest_statement = 300'000; // milliseconds
+constexpr int steps_between_looks = 100000;   // of SQLite's virtual machine: some milliseconds
+constexpr int busy_timeout = 2000;            // milliseconds
 
 qint64 steady_milliseconds()
 {

@@ -52,7 +52,7 @@ public:
             return outcome;
         }
         check_records(manifest);
-        for (const QJsonValue &value : manifest.value("sources"_L1).toArray())
+        for (const auto value : manifest.value("sources"_L1).toArray())
             check_source(source_record::from_json(value.toObject()));
         return outcome;
     }

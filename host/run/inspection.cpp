@@ -56,6 +56,8 @@ void count_found(inspection &result, table_rows &rows, const source_request &req
         return;
     const auto database = std::find_if(std::begin(macos_databases), std::end(macos_databases),
                                        [&rows](const auto *known) { return rows.table == known->result_table; });
+    if (database == std::end(macos_databases))
+        return;
     const evidence_file *file = file_of(result.evidence, path_of(**database));
     if (!file || file->state == evidence_file::presence::absent) {
         rows.found = 0;
@@ -157,11 +159,11 @@ inspection inspection::from_json(const QJsonObject &json)
     result.evidence = record.evidence;
     result.rows = record.rows;
     result.wal = record.wal;
-    for (const QJsonValue &text : json.value("changes"_L1).toArray())
+    for (const auto text : json.value("changes"_L1).toArray())
         result.changes.append(text.toString());
-    for (const QJsonValue &text : json.value("problems"_L1).toArray())
+    for (const auto text : json.value("problems"_L1).toArray())
         result.problems.append(text.toString());
-    for (const QJsonValue &text : json.value("warnings"_L1).toArray())
+    for (const auto text : json.value("warnings"_L1).toArray())
         result.warnings.append(text.toString());
     result.result_sha256 = json.value("result_sha256"_L1).toString();
     result.log = log_findings::from_json(json.value("log"_L1).toObject());

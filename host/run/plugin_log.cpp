@@ -122,7 +122,7 @@ QJsonObject log_findings::to_json() const
 log_findings log_findings::from_json(const QJsonObject &json)
 {
     log_findings findings;
-    for (const QJsonValue &value : json.value("failures"_L1).toArray()) {
+    for (const auto value : json.value("failures"_L1).toArray()) {
         const QJsonObject failure = value.toObject();
         findings.failures.append({failure.value("text"_L1).toString(), failure.value("count"_L1).toInteger(),
                                   failure.value("is_insert"_L1).toBool()});

@@ -26,7 +26,7 @@ extraction_options extraction_options::from_json(const QJsonObject &json)
 {
     extraction_options options;
     options.tables.clear();
-    for (const QJsonValue &table : json.value("tables"_L1).toArray())
+    for (const auto table : json.value("tables"_L1).toArray())
         options.tables.append(table.toString());
     options.engine_type = json.value("engine_type"_L1).toInt();
     options.display_name = json.value("display_name"_L1).toString();

@@ -135,7 +135,7 @@ private:
                 last_lines.removeFirst();
         };
         return worker.wait(on_event, on_error, request.options.timeout,
-                           [this, &worker] { return is_interrupted() || bool(failure); });
+                           [this] { return is_interrupted() || bool(failure); });
     }
 
     /** The plug-in can be used: now the case is laid out, and the worker may go on. */

@@ -5,7 +5,7 @@
 
 #include <QFile>
 
-extern char **environ;
+extern char **environ; // NOLINT(readability-redundant-declaration): not every system's headers declare it
 
 namespace {
 

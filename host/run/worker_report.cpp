@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 QString worker_report::take(const QByteArray &line)
 {
     const QJsonObject json = QJsonDocument::fromJson(line).object();
-    const QString event = json.value("event"_L1).toString();
+    QString event = json.value("event"_L1).toString();
     if (event == worker_events::loaded) {
         is_loaded = true;
     } else if (event == worker_events::looked) {

@@ -28,7 +28,7 @@ constexpr int reading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 /** The name as text: stray bytes become "\xff". */
 QString name_text(const char *name)
 {
-    const QString text = QString::fromUtf8(name);
+    QString text = QString::fromUtf8(name);
     if (text.toUtf8() == name)
         return text;
     QString escaped;
