@@ -86,6 +86,13 @@ std::vector<char *> pointers(const QList<QByteArray> &texts)
     return result;
 }
 
+/** Whether the child has ended; waitpid() can still ask how. */
+bool has_ended(pid_t process)
+{
+    siginfo_t info = {};
+    return ::waitid(P_PID, id_t(process), &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == process;
+}
+
 /** Cuts what comes from a pipe into lines. */
 class line_reader
 {
@@ -157,7 +164,7 @@ child_process::~child_process()
 {
     if (process == -1)
         return;
-    ::kill(process, SIGKILL);
+    ::kill(-process, SIGKILL);
     int status = 0;
     while (::waitpid(process, &status, 0) == -1 && errno == EINTR) {
     }
@@ -198,15 +205,19 @@ child_end child_process::wait(const std::function<void(const QByteArray &line)> 
             errors.close();
         if (is_ended && ready <= 0)
             break;
-        if (!is_ended && ::waitpid(process, &status, WNOHANG) == process)
+        if (!is_ended && has_ended(process)) {
+            ::kill(-process, SIGKILL); // what it may have left behind in its group, while the number is still its own
+            while (::waitpid(process, &status, 0) == -1 && errno == EINTR) {
+            }
             is_ended = true;
+        }
         if (!was_told && is_cancelled()) {
             ::kill(process, SIGINT);
             was_told = true;
         }
         if (!is_ended && deadline.hasExpired() && !end.is_timed_out) {
             end.is_timed_out = true;
-            ::kill(process, SIGKILL);
+            ::kill(-process, SIGKILL);
         }
     }
     process = -1;

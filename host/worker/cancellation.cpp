@@ -54,11 +54,6 @@ cancellation::~cancellation()
     cancel_target = nullptr;
 }
 
-bool cancellation::came() const
-{
-    return interrupt_count != 0;
-}
-
 void cancellation::hold()
 {
     change_mask(SIG_BLOCK);

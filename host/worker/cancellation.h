@@ -6,20 +6,17 @@
 
 class bluetooth_logs;
 
-/** Ctrl-C. The first one cancels the extraction that runs, a second one ends the program at once with 130. */
+/** The signal by which the watching process cancels the extraction. A second one ends the process at once. */
 class cancellation
 {
 public:
-    /** From here on Ctrl-C cancels @p plugin; until then it ends the program as usual. */
+    /** From here on the signal cancels @p plugin; until then it ends the process as usual. */
     explicit cancellation(bluetooth_logs *plugin);
     ~cancellation();
     cancellation(const cancellation &) = delete;
     cancellation &operator=(const cancellation &) = delete;
 
-    /** Whether there was a Ctrl-C since construction. */
-    bool came() const;
-
-    /** Threads that are started between these two never get Ctrl-C, so that it always reaches the main thread. */
+    /** Threads that are started between these two never get the signal, so that it always reaches the main thread. */
     static void hold();
     static void release();
 };
