@@ -22,6 +22,17 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+QByteArray with_second_object_as_root(QByteArray binary_list)
+{
+    constexpr qsizetype from_end = 9; // the last byte of the root's place in the trailer
+    binary_list[binary_list.size() - from_end] = 1;
+    return binary_list;
+}
+
+} // namespace
+
 class test_property_list : public QObject
 {
     Q_OBJECT
@@ -36,6 +47,7 @@ private Q_SLOTS:
     void refused();
     void nesting_ends_at_a_level_data();
     void nesting_ends_at_a_level();
+    void largest_list();
     void xml_is_written_anew();
     void damaged_binary_lists_are_survived();
     void files_data();
@@ -88,6 +100,13 @@ void test_property_list::values_data()
     QTest::newRow("binary array")      << binary_list({binary_array({1, 2, 1}), "\x09"_ba, binary_text("a")}) << QVariant(QVariantList{true, u"a"_s, true});
     QTest::newRow("binary dictionary") << binary_list({binary_dictionary({1, 2}, {3, 4}), binary_text("b"), binary_text("a"), "\x09"_ba, binary_dictionary({}, {})})
                                        << QVariant(QVariantMap{{u"a"_s, QVariantMap()}, {u"b"_s, true}});
+    QTest::newRow("root behind another object") << with_second_object_as_root(binary_list({binary_text("b"), binary_text("a")})) << QVariant(u"a"_s);
+    QTest::newRow("more entries than levels are allowed") << xml_list("<array>" + QByteArray("<true/>").repeated(200) + "</array>") << QVariant(QVariantList(200, true));
+    QTest::newRow("first second of all")   << binary_list({binary_date(-63113904000.0)}) << QVariant(QDateTime(QDate(1, 1, 1), QTime(0, 0), QTimeZone::utc()));
+    QTest::newRow("before it")             << binary_list({binary_date(-63113904001.0)}) << QVariant(QDateTime());
+    QTest::newRow("last second of all")    << binary_list({binary_date(252423993599.0)}) << QVariant(QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59), QTimeZone::utc()));
+    QTest::newRow("after it")              << binary_list({binary_date(252423993600.0)}) << QVariant(QDateTime());
+    QTest::newRow("half a second before 2001") << binary_list({binary_date(-0.5)})       << QVariant(QDateTime(QDate(2000, 12, 31), QTime(23, 59, 59), QTimeZone::utc()));
     // clang-format on
 }
 
@@ -273,6 +292,14 @@ void test_property_list::nesting_ends_at_a_level()
     QCOMPARE(!guarded.isNull(), readable);
     if (readable)
         QVERIFY(parse_property_list(guarded).isValid());
+}
+
+void test_property_list::largest_list()
+{
+    QByteArray list = xml_list("<true/>");
+    list.append(QByteArray(largest_property_list_bytes - list.size(), '\n'));
+    QVERIFY(!guarded_property_list(list).isNull());
+    QVERIFY(guarded_property_list(list + '\n').isNull());
 }
 
 void test_property_list::xml_is_written_anew()
