@@ -16,11 +16,11 @@
  * up to and with its "\n". The result is that of reading line by line; but no other line is ever decoded or held, so
  * that logs of gigabytes cost little more than reading them. The markers hold no line end; the rarest stands first.
  *
- * False when @p cancelled cut the scan short. The flag stands for one that is polled before each line; polling once a
- * block and before and after each line found is enough, since on this thread only @p on_line can set it (a signal
- * handler may at any moment, and is noticed within a block). Set in the last line, it comes too late.
+ * Works as if @p cancelled were checked before each line, and returns false when that ended the scan. It is in fact
+ * checked once a block and around each line found: on this thread only @p on_line can set it, and a signal handler's
+ * change is noticed within a block. A flag set while the last line is handled has no effect.
  *
- * A read error ends the log at that place; the file's own error tells.
+ * A read error ends the log at that place; the file's own error says which. @p block_bytes are read at a time.
  */
 bool scan_log(QIODevice &file, std::span<const QLatin1StringView> markers, const bool &cancelled,
               const std::function<void(const QByteArray &line)> &on_line, qsizetype block_bytes = 1 << 16);
