@@ -39,6 +39,8 @@ public:
     QString get_adhoc_path_for_regular_file(QString source);
 
 private:
+    friend class test_frame;
+
     void initialize_image_extension_list();
     void initialize_audio_extension_list();
     void initialize_video_extension_list();

@@ -74,6 +74,9 @@ public Q_SLOTS:
     void slot_total_tabs_processed(int);
 
 private:
+    friend class test_frame;
+    friend class test_result_store;
+
     void set_destination_location(QString dir);
     void create_destination_database();
     void create_db_tables();

@@ -65,6 +65,9 @@ Q_SIGNALS:
     void signal_total_tabs_processed_ios_uid(int count);
 
 private:
+    friend class test_bluetooth_logs_ios_uid;
+    friend class test_frame;
+
     void extract_devices(const log_table &table);
     /** Writes a row for each line of the table. False when the log was not read to its end. */
     bool read_log(const log_table &table, QSqlDatabase &database);

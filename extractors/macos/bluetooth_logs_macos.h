@@ -87,6 +87,9 @@ Q_SIGNALS:
     void signal_total_tabs_processed_macos(int count);
 
 private:
+    friend class test_frame;
+    friend class test_macos_source;
+
     void stage(const device_table &table, const QStringList &found, QStringList &copies);
     QList<QJsonObject> read_devices(const reading_texts &texts, const QString &copy,
                                     const std::optional<QString> &open_failed_detail);

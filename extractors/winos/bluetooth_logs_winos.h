@@ -52,6 +52,9 @@ Q_SIGNALS:
     void signal_total_tabs_processed_winos(int count);
 
 private:
+    friend class test_bluetooth_logs_winos;
+    friend class test_frame;
+
     qint64 record_count = 0;
     int tab_processed_count = 0;
     std::unique_ptr<QElapsedTimer> elapsed_timer;

@@ -54,6 +54,7 @@ class test_plugin_file : public QObject
 private Q_SLOTS:
     void init();
     void exported_names();
+    void fields_of_the_records_stand_in_order();
     void operations_stand_in_slot_order();
 };
 
@@ -82,6 +83,48 @@ void test_plugin_file::exported_names()
     names.removeAll(u"create_object"_s);
     names.removeIf([&ours](const QString &name) { return ours.match(name).hasMatch(); });
     QCOMPARE(names, QStringList());
+}
+
+void test_plugin_file::fields_of_the_records_stand_in_order()
+{
+    // A host that was built on its own knows the fields by their places only.
+    const struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_system_account account{u"1"_s, u"2"_s};
+    QCOMPARE(QStringList({account.system_user, account.system_account_home_path}), QStringList({u"1"_s, u"2"_s}));
+
+    const struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info source{u"1"_s,    u"2"_s,  u"3"_s, u"4"_s,   u"5"_s,
+                                                                     {account}, u"7"_s,  u"8"_s, {u"9"_s}, u"10"_s,
+                                                                     u"11"_s,   u"12"_s, u"13"_s};
+    QCOMPARE(QStringList({source.source_root_path, source.source_path_2, source.os_scheme_display,
+                          source.os_scheme_internal, source.os_version_full, source.source_text_7, source.source_text_8,
+                          source.source_path_list.value(0), source.source_log_file_path, source.source_text_11,
+                          source.source_text_12, source.source_text_13}),
+             QStringList(
+                 {u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"5"_s, u"7"_s, u"8"_s, u"9"_s, u"10"_s, u"11"_s, u"12"_s, u"13"_s}));
+    QCOMPARE(source.system_account_list.size(), 1);
+
+    for (int flag = 0; flag < 5; ++flag) {
+        const struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_general_info general{flag == 0, flag == 1, flag == 2,
+                                                                           flag == 3, flag == 4, u"6"_s};
+        const bool flags[] = {general.general_flag_1, general.debug_mode_status, general.debug_print_on_terminal,
+                              general.debug_print_in_file, general.general_flag_5};
+        QVERIFY(flags[flag]);
+    }
+
+    const struct_GLOBAL_KALDO_AND_ARTIFACT_COMMON_examiner_machine_info machine{1, u"2"_s};
+    QVERIFY(machine.timezone_offset == 1 && machine.os_version_full == u"2"_s);
+
+    const struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_desktop_info desktop{u"1"_s, u"2"_s, true, u"4"_s, u"5"_s};
+    QCOMPARE(QStringList(
+                 {desktop.desktop_text_1, desktop.desktop_text_2, desktop.desktop_text_4, desktop.desktop_text_5}),
+             QStringList({u"1"_s, u"2"_s, u"4"_s, u"5"_s}));
+
+    const struct_GLOBAL_ARTIFACT_artifact_source_file file{u"1"_s, u"2"_s};
+    QCOMPARE(QStringList({file.artifact_source_file, file.complete_source_file_path}), QStringList({u"1"_s, u"2"_s}));
+
+    const struct_GLOBAL_ARTIFACT_used_dates dates{u"1"_s, {u"2"_s}, u"3"_s, u"4"_s};
+    QCOMPARE(QStringList({dates.last_used_date, dates.used_dates_list.value(0), dates.first_used_date,
+                          dates.last_entry_used_date}),
+             QStringList({u"1"_s, u"2"_s, u"3"_s, u"4"_s}));
 }
 
 void test_plugin_file::operations_stand_in_slot_order()

@@ -4,7 +4,6 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/file_content.h"
 #include "tests/support/plugin_run.h"
-#include "tests/support/private_settings.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -12,19 +11,6 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-
-/** What the object keeps, some of it for the host alone. */
-struct kept_settings
-{
-    QString temp_directory;
-    QString destination_db_file;
-    QString plugin_result_directory;
-};
-
-kept_settings settings_of(const bluetooth_logs &object);
-
-template struct private_settings<bluetooth_logs, kept_settings, &bluetooth_logs::temp_directory,
-                                 &bluetooth_logs::destination_db_file, &bluetooth_logs::plugin_result_directory>;
 
 class test_result_store : public QObject
 {
@@ -42,6 +28,7 @@ private Q_SLOTS:
     void failed_table_creation_data();
     void failed_table_creation();
     void clearing();
+    void clearing_that_is_not_wanted();
     void clearing_of_odd_names();
     void clearing_without_a_database();
     void clearing_that_is_gated_data();
@@ -72,10 +59,9 @@ void test_result_store::paths()
     QFETCH(QString, end);
     const QString dir = run->result_directory();
     run->frame.pub_set_result_directory(dir + end);
-    QCOMPARE(settings_of(run->frame).plugin_result_directory, dir + u"/Artifacts_Result/Bluetooth_Logs/"_s);
-    QCOMPARE(settings_of(run->frame).temp_directory, dir + u"/Artifacts_Result/Bluetooth_Logs/tmp/"_s);
-    QCOMPARE(settings_of(run->frame).destination_db_file,
-             dir + u"/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s);
+    QCOMPARE(run->frame.plugin_result_directory, dir + u"/Artifacts_Result/Bluetooth_Logs/"_s);
+    QCOMPARE(run->frame.temp_directory, dir + u"/Artifacts_Result/Bluetooth_Logs/tmp/"_s);
+    QCOMPARE(run->frame.destination_db_file, dir + u"/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s);
     QCOMPARE(tree_of(dir), QStringList({u"Artifacts_Result/"_s, u"Artifacts_Result/Bluetooth_Logs/"_s,
                                         u"Artifacts_Result/Bluetooth_Logs/tmp/"_s}));
     run->frame.pub_set_result_directory(dir + end); // existing folders are no error
@@ -204,6 +190,14 @@ void test_result_store::clearing()
         QCOMPARE(run->database().rows(u"SELECT * FROM devices"_s).size(), 0);
         QCOMPARE(run->database().rows(u"SELECT * FROM paired_devices"_s).size(), 1);
     }
+}
+
+void test_result_store::clearing_that_is_not_wanted()
+{
+    run->prepare();
+    run->database().execute(u"INSERT INTO devices(uuid) VALUES('x')"_s);
+    run->frame.pub_set_clear_db(false);
+    QCOMPARE(run->database().rows(u"SELECT * FROM devices"_s).size(), 1);
 }
 
 void test_result_store::clearing_of_odd_names()

@@ -3,7 +3,6 @@
 
 #include "common/plugin_helper_functions.h"
 #include "tests/extractors/ios_uid/ios_uid_case.h"
-#include "tests/support/private_settings.h"
 
 #include <QMetaMethod>
 #include <QRegularExpression>
@@ -15,6 +14,7 @@ class ios_uid_backup_parser
 {
 };
 
+/** What the object keeps, most of it for the host alone. */
 struct kept_settings
 {
     qint64 record_count = 0;
@@ -37,18 +37,6 @@ struct kept_settings
     bool operator==(const kept_settings &) const = default;
 };
 
-kept_settings settings_of(const bluetooth_logs_ios_uid &extractor);
-template struct private_settings<
-    bluetooth_logs_ios_uid, kept_settings, &bluetooth_logs_ios_uid::record_count,
-    &bluetooth_logs_ios_uid::tab_processed_count, &bluetooth_logs_ios_uid::plugin_helper_obj,
-    &bluetooth_logs_ios_uid::destination_tmp_dir_path, &bluetooth_logs_ios_uid::destination_db_file_path,
-    &bluetooth_logs_ios_uid::destination_result_dir_path, &bluetooth_logs_ios_uid::source_root_path,
-    &bluetooth_logs_ios_uid::source_path_2, &bluetooth_logs_ios_uid::engine_type,
-    &bluetooth_logs_ios_uid::bool_cancel_extraction, &bluetooth_logs_ios_uid::source_count,
-    &bluetooth_logs_ios_uid::os_scheme_display, &bluetooth_logs_ios_uid::selected_tab_list,
-    &bluetooth_logs_ios_uid::plugin_name, &bluetooth_logs_ios_uid::ios_backup_pointer,
-    &bluetooth_logs_ios_uid::source_log_file_path>;
-
 class test_bluetooth_logs_ios_uid : public QObject
 {
     Q_OBJECT
@@ -62,6 +50,27 @@ private Q_SLOTS:
     void a_run_emits_data();
     void a_run_emits();
     void counts_go_on_from_run_to_run();
+
+private:
+    static kept_settings settings_of(const bluetooth_logs_ios_uid &extractor)
+    {
+        return {extractor.record_count,
+                extractor.tab_processed_count,
+                extractor.plugin_helper_obj,
+                extractor.destination_tmp_dir_path,
+                extractor.destination_db_file_path,
+                extractor.destination_result_dir_path,
+                extractor.source_root_path,
+                extractor.source_path_2,
+                extractor.engine_type,
+                extractor.bool_cancel_extraction,
+                extractor.source_count,
+                extractor.os_scheme_display,
+                extractor.selected_tab_list,
+                extractor.plugin_name,
+                extractor.ios_backup_pointer,
+                extractor.source_log_file_path};
+    }
 };
 
 void test_bluetooth_logs_ios_uid::init()

@@ -3,6 +3,7 @@
 
 #include "common/plugin_static_function.h"
 #include "tests/extractors/ios_uid/ios_uid_case.h"
+#include "tests/support/log_watch.h"
 #include "tests/support/plugin_run.h"
 
 #include <QDir>
@@ -57,21 +58,6 @@ qint64 row_count(const ios_uid_case &test)
         .toLongLong();
 }
 
-/** Runs @p work; the message that a step starts takes more than a second, so that its first row is due to be told. */
-template<typename Work>
-void with_slow_starts(Work work)
-{
-    plugin_static_function::debug_print_on_terminal_bool = true;
-    const QtMessageHandler earlier = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext &, const QString &message) {
-            if (message.endsWith(u"]:--  start"_s))
-                QTest::qSleep(1100);
-        });
-    work();
-    qInstallMessageHandler(earlier);
-    plugin_static_function::debug_print_on_terminal_bool = false;
-}
-
 } // namespace
 
 class test_read_log : public QObject
@@ -99,6 +85,7 @@ private Q_SLOTS:
     void cancelled_by_a_progress_signal_data();
     void cancelled_by_a_progress_signal();
     void progress_within_a_step();
+    void rows_are_committed_together_and_labelled_one_by_one();
     void a_timer_that_never_started_reports_nothing();
     void connection_stays_closed_data();
     void connection_stays_closed();
@@ -379,7 +366,7 @@ void test_read_log::cancelled_by_a_progress_signal()
     test.extractor.ios_uid_set_essential_for_kaldo_desk_extraction({u"devices"_s});
     connect(&test.extractor, &bluetooth_logs_ios_uid::signal_extracted_records_of_plugin_ios_uid, &test.extractor,
             &bluetooth_logs_ios_uid::ios_uid_cancel_extraction);
-    with_slow_starts([&test] { test.extractor.ios_uid_extract_artifacts(); });
+    slow_down_at(u" start"_s, [&test] { test.extractor.ios_uid_extract_artifacts(); });
 
     QStringList messages{u" start"_s};
     if (reaches_the_end)
@@ -395,10 +382,28 @@ void test_read_log::progress_within_a_step()
     widen_tables(test.results);
     test.write_log(log_text);
     test.extractor.ios_uid_set_record_count(100);
-    with_slow_starts([&test] { test.extractor.ios_uid_extract_artifacts(); });
+    slow_down_at(u" start"_s, [&test] { test.extractor.ios_uid_extract_artifacts(); });
     // More than a second has passed at the first row of each step, and starts anew there.
     QCOMPARE(test.signals_emitted, QStringList({u"records 101"_s, u"records 103"_s, u"tabs 1"_s, u"records 104"_s,
                                                 u"records 106"_s, u"tabs 2"_s, u"records 106"_s}));
+}
+
+void test_read_log::rows_are_committed_together_and_labelled_one_by_one()
+{
+    ios_uid_case test;
+    widen_tables(test.results);
+    test.write_log(log_text);
+    test.extractor.ios_uid_set_essential_for_kaldo_desk_extraction({u"devices"_s});
+    QList<qint64> rows_seen;
+    connect(&test.extractor, &bluetooth_logs_ios_uid::signal_extracted_records_of_plugin_ios_uid, &test.extractor,
+            [&](qint64) {
+                rows_seen.append(row_count(test));
+                plugin_static_function::set_source_count(9);
+            });
+    slow_down_at(u" start"_s, [&test] { test.extractor.ios_uid_extract_artifacts(); });
+    QCOMPARE(rows_seen, QList<qint64>({0, 3, 3})); // the first signal comes between the rows
+    QCOMPARE(test.results.quoted_rows(u"devices"_s, {u"source_count_name"_s}),
+             QStringList({u"'Source3'"_s, u"'Source9'"_s, u"'Source9'"_s}));
 }
 
 void test_read_log::a_timer_that_never_started_reports_nothing()

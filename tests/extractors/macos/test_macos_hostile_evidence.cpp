@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/support/file_content.h"
+#include "tests/support/log_watch.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
 
@@ -9,6 +10,9 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QRegularExpression>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -45,6 +49,7 @@ private Q_SLOTS:
     void ordinary_table_in_another_case();
     void damaged_page_data();
     void damaged_page();
+    void copy_is_locked_until_the_rows_are_read();
     void damaged_cell();
     void truncated_file();
     void things_that_are_no_files_data();
@@ -152,6 +157,33 @@ void test_macos_hostile_evidence::damaged_page()
     QCOMPARE(reader_lines().mid(2),
              QStringList({prefix + u" -- READ WARNING -- database disk image is malformed Unable to fetch row"_s,
                           prefix + u"[read_other_devices] end"_s}));
+}
+
+void test_macos_hostile_evidence::copy_is_locked_until_the_rows_are_read()
+{
+    // The reader holds its transaction when it reports that a damaged page has ended the rows.
+    const sqlite_file database = source->make_other();
+    database.execute_many(u"INSERT INTO OtherDevices(Name, Tags) VALUES('name', ?)"_s,
+                          QList<QVariantList>(3000, {QString(100, u'x')}));
+    QByteArray content = content_of(source->other_db());
+    content.replace(content.size() / 4096 / 2 * 4096, 4096, QByteArray(4096, '\0'));
+    write_file(source->other_db(), content);
+
+    QString answer;
+    const auto try_to_write = [&](const QString &message) {
+        if (!message.startsWith(u" -- READ WARNING -- "_s))
+            return;
+        QSqlDatabase copy = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"another program"_s);
+        copy.setDatabaseName(run->plugin_directory() + u"Logs/"_s + other_name);
+        copy.setConnectOptions(u"QSQLITE_BUSY_TIMEOUT=0"_s);
+        QVERIFY(copy.open());
+        QSqlQuery query(copy);
+        answer = query.exec(u"BEGIN EXCLUSIVE"_s) ? u"free"_s : query.lastError().databaseText();
+    };
+    run->prepare();
+    watch_log(try_to_write, [this] { run->extract(); });
+    QSqlDatabase::removeDatabase(u"another program"_s);
+    QCOMPARE(answer, u"database is locked"_s);
 }
 
 void test_macos_hostile_evidence::damaged_cell()

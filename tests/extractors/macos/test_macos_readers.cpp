@@ -6,6 +6,7 @@
 #include "extractors/macos/bluetooth_logs_macos.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/file_content.h"
+#include "tests/support/log_watch.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
 
@@ -267,16 +268,9 @@ void test_macos_readers::connection_is_set_up_before_the_path_is_logged()
     extract();
     // A host that still holds the connection makes Qt warn at the moment when the reader removes it.
     const QSqlDatabase held = open_sqlite_connection(u"MY_DAMAGED_CONNECTION"_s, u":memory:"_s);
-    static QStringList messages;
-    messages.clear();
-    plugin_static_function::debug_print_on_terminal_bool = true;
-    const QtMessageHandler earlier = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext &, const QString &message) {
-            messages.append(message.section(u"]:-- "_s, -1).section(u'/', 0, 0));
-        });
-    run->frame.findChild<bluetooth_logs_macos *>()->read_other_devices();
-    qInstallMessageHandler(earlier);
-    plugin_static_function::debug_print_on_terminal_bool = false;
+    QStringList messages;
+    watch_log([&messages](const QString &message) { messages.append(message.section(u'/', 0, 0)); },
+              [this] { run->frame.findChild<bluetooth_logs_macos *>()->read_other_devices(); });
     QCOMPARE(messages, QStringList({u"[read_other_devices] start"_s,
                                     u"QSqlDatabasePrivate::removeDatabase: connection 'MY_DAMAGED_CONNECTION' is still "
                                     "in use, all queries will cease to work."_s,

@@ -6,7 +6,6 @@
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
-#include "tests/support/private_settings.h"
 
 #include <QDir>
 #include <QMetaMethod>
@@ -15,51 +14,6 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-
-/** What the object keeps, some of it for the host alone. */
-struct kept_settings
-{
-    qint64 records_count;
-    int tabs_processed_count;
-    QString desktop_text_4;
-    plugin_helper_functions *helper_obj;
-    QString temp_directory;
-    QString destination_db_file;
-    QString plugin_result_directory;
-    QString source_root_path;
-    QString source_path_2;
-    int engine_type;
-    bool bool_cancel_extraction;
-    int source_count;
-    QString os_scheme_display;
-    QStringList system_user_list;
-    QStringList selected_tabs_list;
-    QString plugin_name;
-    QString source_text_8;
-    QString source_path_list_text;
-    QStringList source_file_paired_list;
-    QStringList source_file_other_list;
-    QStringList source_file_copied_paired_list;
-    QStringList source_file_copied_connected_list;
-    QString source_other_db_file;
-    QString source_paired_db_file;
-};
-
-kept_settings settings_of(const bluetooth_logs_macos &object);
-
-template struct private_settings<
-    bluetooth_logs_macos, kept_settings, &bluetooth_logs_macos::records_count,
-    &bluetooth_logs_macos::tabs_processed_count, &bluetooth_logs_macos::desktop_text_4,
-    &bluetooth_logs_macos::helper_obj, &bluetooth_logs_macos::temp_directory,
-    &bluetooth_logs_macos::destination_db_file, &bluetooth_logs_macos::plugin_result_directory,
-    &bluetooth_logs_macos::source_root_path, &bluetooth_logs_macos::source_path_2, &bluetooth_logs_macos::engine_type,
-    &bluetooth_logs_macos::bool_cancel_extraction, &bluetooth_logs_macos::source_count,
-    &bluetooth_logs_macos::os_scheme_display, &bluetooth_logs_macos::system_user_list,
-    &bluetooth_logs_macos::selected_tabs_list, &bluetooth_logs_macos::plugin_name, &bluetooth_logs_macos::source_text_8,
-    &bluetooth_logs_macos::source_path_list_text, &bluetooth_logs_macos::source_file_paired_list,
-    &bluetooth_logs_macos::source_file_other_list, &bluetooth_logs_macos::source_file_copied_paired_list,
-    &bluetooth_logs_macos::source_file_copied_connected_list, &bluetooth_logs_macos::source_other_db_file,
-    &bluetooth_logs_macos::source_paired_db_file>;
 
 class test_macos_source : public QObject
 {
@@ -105,25 +59,22 @@ void test_macos_source::signals_in_order()
 void test_macos_source::initial_values()
 {
     const bluetooth_logs_macos extractor;
-    QCOMPARE(settings_of(extractor).records_count, 0);
-    QCOMPARE(settings_of(extractor).tabs_processed_count, 0);
-    QCOMPARE(settings_of(extractor).helper_obj, nullptr);
-    QCOMPARE(settings_of(extractor).engine_type, 0);
-    QCOMPARE(settings_of(extractor).bool_cancel_extraction, false);
-    QCOMPARE(settings_of(extractor).source_count, 0);
+    QCOMPARE(extractor.records_count, 0);
+    QCOMPARE(extractor.tabs_processed_count, 0);
+    QCOMPARE(extractor.helper_obj, nullptr);
+    QCOMPARE(extractor.engine_type, 0);
+    QCOMPARE(extractor.bool_cancel_extraction, false);
+    QCOMPARE(extractor.source_count, 0);
     for (const QString &text :
-         {settings_of(extractor).desktop_text_4, settings_of(extractor).temp_directory,
-          settings_of(extractor).destination_db_file, settings_of(extractor).plugin_result_directory,
-          settings_of(extractor).source_root_path, settings_of(extractor).source_path_2,
-          settings_of(extractor).os_scheme_display, settings_of(extractor).plugin_name,
-          settings_of(extractor).source_text_8, settings_of(extractor).source_path_list_text,
-          settings_of(extractor).source_other_db_file, settings_of(extractor).source_paired_db_file})
+         {extractor.desktop_text_4, extractor.temp_directory, extractor.destination_db_file,
+          extractor.plugin_result_directory, extractor.source_root_path, extractor.source_path_2,
+          extractor.os_scheme_display, extractor.plugin_name, extractor.source_text_8, extractor.source_path_list_text,
+          extractor.source_other_db_file, extractor.source_paired_db_file})
         QCOMPARE(text, QString());
     for (const QStringList &list :
-         {settings_of(extractor).system_user_list, settings_of(extractor).selected_tabs_list,
-          settings_of(extractor).source_file_paired_list, settings_of(extractor).source_file_other_list,
-          settings_of(extractor).source_file_copied_paired_list,
-          settings_of(extractor).source_file_copied_connected_list})
+         {extractor.system_user_list, extractor.selected_tabs_list, extractor.source_file_paired_list,
+          extractor.source_file_other_list, extractor.source_file_copied_paired_list,
+          extractor.source_file_copied_connected_list})
         QCOMPARE(list, QStringList());
 }
 
@@ -132,30 +83,30 @@ void test_macos_source::setters()
     bluetooth_logs_macos extractor;
     plugin_helper_functions helper(nullptr);
     extractor.macos_set_plugin_helper_obj(&helper);
-    QCOMPARE(settings_of(extractor).helper_obj, &helper);
+    QCOMPARE(extractor.helper_obj, &helper);
     extractor.macos_set_record_count(qint64(1) << 40);
-    QCOMPARE(settings_of(extractor).records_count, qint64(1) << 40);
+    QCOMPARE(extractor.records_count, qint64(1) << 40);
     extractor.macos_set_tab_processed_count(7);
-    QCOMPARE(settings_of(extractor).tabs_processed_count, 7);
+    QCOMPARE(extractor.tabs_processed_count, 7);
     extractor.macos_set_desktop_info({u"1"_s, u"2"_s, true, u"4"_s, u"5"_s});
-    QCOMPARE(settings_of(extractor).desktop_text_4, u"4"_s);
+    QCOMPARE(extractor.desktop_text_4, u"4"_s);
     extractor.macos_set_plugin_name(u" \tBluetooth Logs\n"_s);
-    QCOMPARE(settings_of(extractor).plugin_name, u"Bluetooth Logs"_s);
+    QCOMPARE(extractor.plugin_name, u"Bluetooth Logs"_s);
     extractor.macos_set_destination_location(u"result"_s, u"tmp"_s, u"db"_s);
-    QCOMPARE(settings_of(extractor).plugin_result_directory, u"result"_s);
-    QCOMPARE(settings_of(extractor).temp_directory, u"tmp"_s);
-    QCOMPARE(settings_of(extractor).destination_db_file, u"db"_s);
+    QCOMPARE(extractor.plugin_result_directory, u"result"_s);
+    QCOMPARE(extractor.temp_directory, u"tmp"_s);
+    QCOMPARE(extractor.destination_db_file, u"db"_s);
     extractor.macos_set_essential_for_kaldo_desk_extraction({u"a"_s});
     extractor.macos_set_essential_for_kaldo_desk_extraction({u"b"_s, u"c"_s});
-    QCOMPARE(settings_of(extractor).selected_tabs_list, QStringList({u"b"_s, u"c"_s}));
+    QCOMPARE(extractor.selected_tabs_list, QStringList({u"b"_s, u"c"_s}));
     extractor.macos_set_engine_type(2);
-    QCOMPARE(settings_of(extractor).engine_type, 2);
+    QCOMPARE(extractor.engine_type, 2);
     extractor.macos_set_source_count(9);
-    QCOMPARE(settings_of(extractor).source_count, 9);
+    QCOMPARE(extractor.source_count, 9);
     extractor.macos_cancel_extraction();
-    QCOMPARE(settings_of(extractor).bool_cancel_extraction, true);
+    QCOMPARE(extractor.bool_cancel_extraction, true);
     extractor.macos_set_essentials();
-    QCOMPARE(settings_of(extractor).bool_cancel_extraction, false);
+    QCOMPARE(extractor.bool_cancel_extraction, false);
     extractor.macos_set_general_info({});
     extractor.macos_set_examiner_machine_info({});
     extractor.macos_set_extended_attributes_list({u"x"_s});
@@ -171,12 +122,12 @@ void test_macos_source::source_info()
     info.os_scheme_display = u"macOS 13"_s;
     info.source_path_list = QStringList{u"a"_s, u""_s, u"b"_s};
     extractor.macos_set_source_info(info);
-    QCOMPARE(settings_of(extractor).source_root_path, u"/root/"_s);
-    QCOMPARE(settings_of(extractor).source_path_2, u"/second/"_s);
-    QCOMPARE(settings_of(extractor).source_text_8, u"eight"_s);
-    QCOMPARE(settings_of(extractor).os_scheme_display, u"macOS 13"_s);
-    QCOMPARE(settings_of(extractor).source_path_list_text, u"a;++::++;;++::++;b"_s);
-    QCOMPARE(settings_of(extractor).system_user_list, QStringList());
+    QCOMPARE(extractor.source_root_path, u"/root/"_s);
+    QCOMPARE(extractor.source_path_2, u"/second/"_s);
+    QCOMPARE(extractor.source_text_8, u"eight"_s);
+    QCOMPARE(extractor.os_scheme_display, u"macOS 13"_s);
+    QCOMPARE(extractor.source_path_list_text, u"a;++::++;;++::++;b"_s);
+    QCOMPARE(extractor.system_user_list, QStringList());
 }
 
 void test_macos_source::user_names_data()
@@ -199,7 +150,7 @@ void test_macos_source::user_names()
     for (const QString &name : accounts)
         info.system_account_list.append({name, u"/home"_s});
     extractor.macos_set_source_info(info);
-    QTEST(settings_of(extractor).system_user_list, "names");
+    QTEST(extractor.system_user_list, "names");
 }
 
 void test_macos_source::user_names_of_several_sources()
@@ -210,7 +161,7 @@ void test_macos_source::user_names_of_several_sources()
     extractor.macos_set_source_info(info);
     info.system_account_list = {{u"c"_s, {}}, {u"a"_s, {}}};
     extractor.macos_set_source_info(info);
-    QCOMPARE(settings_of(extractor).system_user_list, QStringList({u"a"_s, u"b"_s, u"c"_s}));
+    QCOMPARE(extractor.system_user_list, QStringList({u"a"_s, u"b"_s, u"c"_s}));
 }
 
 void test_macos_source::root_without_slash_finds_nothing()
@@ -239,18 +190,19 @@ void test_macos_source::found_lists_are_replaced_and_copied_lists_stay()
     run.source.source_root_path = source.root();
     run.run();
     const auto &extractor = *run.frame.findChild<bluetooth_logs_macos *>();
-    QCOMPARE(settings_of(extractor).source_file_other_list, QStringList{source.other_db()});
-    QCOMPARE(settings_of(extractor).source_file_paired_list, QStringList());
+    QCOMPARE(extractor.source_file_other_list, QStringList{source.other_db()});
+    QCOMPARE(extractor.source_file_paired_list, QStringList());
     const QStringList copies{run.plugin_directory() + u"Logs/com.apple.MobileBluetooth.ledevices.other.db"_s};
-    QCOMPARE(settings_of(extractor).source_file_copied_connected_list, copies);
-    QCOMPARE(settings_of(extractor).source_file_copied_paired_list, QStringList());
-    QCOMPARE(settings_of(extractor).source_other_db_file, copies.first());
+    QCOMPARE(extractor.source_file_copied_connected_list, copies);
+    QCOMPARE(extractor.source_file_copied_paired_list, QStringList());
+    QCOMPARE(extractor.source_other_db_file, copies.first());
 
     QFile::remove(source.other_db());
+    run.frame.pub_set_essentials();
     run.frame.pub_find_source_file();
     run.frame.pub_find_source_file();
-    QCOMPARE(settings_of(extractor).source_file_other_list, QStringList());
-    QCOMPARE(settings_of(extractor).source_file_copied_connected_list, copies);
+    QCOMPARE(extractor.source_file_other_list, QStringList());
+    QCOMPARE(extractor.source_file_copied_connected_list, copies);
 }
 
 void test_macos_source::any_kind_of_entry_is_found()
@@ -263,8 +215,8 @@ void test_macos_source::any_kind_of_entry_is_found()
     run.prepare();
     run.frame.pub_find_source_file();
     const auto &extractor = *run.frame.findChild<bluetooth_logs_macos *>();
-    QCOMPARE(settings_of(extractor).source_file_other_list, QStringList{source.other_db()});
-    QCOMPARE(settings_of(extractor).source_file_paired_list, QStringList{source.paired_db()});
+    QCOMPARE(extractor.source_file_other_list, QStringList{source.other_db()});
+    QCOMPARE(extractor.source_file_paired_list, QStringList{source.paired_db()});
 }
 
 void test_macos_source::cancelled_staging_adds_nothing()
@@ -281,7 +233,7 @@ void test_macos_source::cancelled_staging_adds_nothing()
     extractor.copy_source_bluetooth_other_db();
     QCOMPARE(run.take_messages(),
              QStringList{u"bluetooth_logs_macos::copy_source_bluetooth_other_db: [copy_source_bluetooth_dbs] start"_s});
-    QCOMPARE(settings_of(extractor).source_file_copied_connected_list, QStringList());
+    QCOMPARE(extractor.source_file_copied_connected_list, QStringList());
     QVERIFY(!QFile::exists(run.plugin_directory() + u"Logs"_s));
 }
 

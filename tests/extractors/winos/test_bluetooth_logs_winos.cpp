@@ -5,7 +5,6 @@
 
 #include "common/plugin_helper_functions.h"
 #include "tests/support/debug_log_capture.h"
-#include "tests/support/private_settings.h"
 
 #include <QDir>
 #include <QMetaMethod>
@@ -17,6 +16,7 @@ using namespace Qt::StringLiterals;
 
 using account = struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_system_account;
 
+/** What the object keeps, most of it for the host alone. */
 struct kept_settings
 {
     qint64 record_count = 0;
@@ -38,17 +38,6 @@ struct kept_settings
     bool operator==(const kept_settings &) const = default;
 };
 
-kept_settings settings_of(const bluetooth_logs_winos &extractor);
-template struct private_settings<
-    bluetooth_logs_winos, kept_settings, &bluetooth_logs_winos::record_count,
-    &bluetooth_logs_winos::tab_processed_count, &bluetooth_logs_winos::plugin_helper_obj,
-    &bluetooth_logs_winos::destination_tmp_dir_path, &bluetooth_logs_winos::destination_db_file_path,
-    &bluetooth_logs_winos::destination_result_dir_path, &bluetooth_logs_winos::source_root_path,
-    &bluetooth_logs_winos::source_path_2, &bluetooth_logs_winos::engine_type,
-    &bluetooth_logs_winos::bool_cancel_extraction, &bluetooth_logs_winos::source_count,
-    &bluetooth_logs_winos::os_scheme_display, &bluetooth_logs_winos::system_account_text_list,
-    &bluetooth_logs_winos::selected_tab_list, &bluetooth_logs_winos::plugin_name>;
-
 class test_bluetooth_logs_winos : public QObject
 {
     Q_OBJECT
@@ -63,6 +52,26 @@ private Q_SLOTS:
     void accounts_of_a_second_source_are_added();
     void a_run_emits_one_records_signal_data();
     void a_run_emits_one_records_signal();
+
+private:
+    static kept_settings settings_of(const bluetooth_logs_winos &extractor)
+    {
+        return {extractor.record_count,
+                extractor.tab_processed_count,
+                extractor.plugin_helper_obj,
+                extractor.destination_tmp_dir_path,
+                extractor.destination_db_file_path,
+                extractor.destination_result_dir_path,
+                extractor.source_root_path,
+                extractor.source_path_2,
+                extractor.engine_type,
+                extractor.bool_cancel_extraction,
+                extractor.source_count,
+                extractor.os_scheme_display,
+                extractor.system_account_text_list,
+                extractor.selected_tab_list,
+                extractor.plugin_name};
+    }
 };
 
 void test_bluetooth_logs_winos::init()
