@@ -2,29 +2,29 @@
 // SPDX-License-Identifier: MIT
 
 // bench_log_scan MEGABYTES
-// Times the step that reads seen devices on a synthetic log of that size against grep on the same file, by turns, and
-// tells the peak memory of this process. The log and the result database stand in the temporary folder for that time.
+// Times the extraction of found devices from a synthetic log of that size against reading the file, and against grep
+// and ripgrep where they are installed, by turns. Ratios are formed round by round. Prints their medians and the peak
+// memory of this process. The log and the result database stand in the temporary folder for that time.
 
+#include "bench/measure.h"
 #include "common/sqlite_connection.h"
 #include "extractors/ios_uid/bluetooth_logs_ios_uid.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRandomGenerator>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTextStream>
 
-#include <algorithm>
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int rounds = 5;
 constexpr qint64 lines_per_match = 100'000;
 
 constexpr const char *messages[] = {
@@ -68,46 +68,33 @@ void create_table(const QString &path)
     database.close();
 }
 
-/** Seconds that the work takes, which must find @p matches lines. */
-template<typename Work>
-double timed(qint64 matches, Work work)
+/** A program that the extraction is compared to. */
+struct rival
 {
-    QElapsedTimer timer;
-    timer.start();
-    const qint64 found = work();
-    const double seconds = double(timer.nsecsElapsed()) / 1e9;
+    QString program;
+    QStringList arguments;
+    bool counts_matches = true;
+    std::vector<double> seconds = {};
+    std::vector<double> ratios = {};
+};
+
+void require_matches(qint64 found, qint64 matches)
+{
     if (found != matches)
         qFatal("found %lld of %lld matching lines", found, matches);
-    return seconds;
 }
 
-qint64 run_grep(const QString &path)
+void run(const rival &rival, qint64 matches)
 {
-    QProcess grep;
+    QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"LC_ALL"_s, u"C"_s);
-    grep.setProcessEnvironment(environment);
-    grep.start(u"grep"_s, {u"-cF"_s, u"BLE device found:"_s, path});
-    grep.waitForFinished(-1);
-    return grep.readAllStandardOutput().trimmed().toLongLong();
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
-/** The most memory that this process ever held, as the kernel tells it; "?" where it does not. */
-QString peak_memory()
-{
-    QFile file(u"/proc/self/status"_s);
-    if (!file.open(QIODevice::ReadOnly))
-        return u"?"_s;
-    const QByteArray status = file.readAll();
-    const QByteArray name = "VmHWM:";
-    const qsizetype start = status.indexOf(name) + name.size();
-    return QString::fromLatin1(status.mid(start, status.indexOf('\n', start) - start).simplified());
+    process.setProcessEnvironment(environment);
+    process.start(rival.program, rival.arguments);
+    if (!process.waitForFinished(-1) || process.exitCode() != 0)
+        qFatal("%s failed", qPrintable(rival.program));
+    if (rival.counts_matches)
+        require_matches(process.readAllStandardOutput().trimmed().toLongLong(), matches);
 }
 
 } // namespace
@@ -136,20 +123,28 @@ int main(int argc, char **argv)
     QObject::connect(&extractor, &bluetooth_logs_ios_uid::signal_extracted_records_of_plugin_ios_uid, &extractor,
                      [&records](qint64 count) { records = count; });
 
-    std::vector<double> step_seconds;
-    std::vector<double> grep_seconds;
-    run_grep(log); // warms the cache
-    for (int round = 0; round < rounds; ++round) {
+    const QString marker = u"BLE device found:"_s;
+    std::vector<rival> rivals = {
+        {u"dd"_s, {u"if="_s + log, u"of=/dev/null"_s, u"bs=64k"_s}, false},
+        {u"rg"_s, {u"-cF"_s, u"--no-mmap"_s, marker, log}},
+        {u"grep"_s, {u"-cF"_s, marker, log}},
+    };
+    std::erase_if(rivals, [](const rival &rival) { return QStandardPaths::findExecutable(rival.program).isEmpty(); });
+
+    std::vector<double> extraction_seconds;
+    for (int round = 0; round < rounds; ++round) { // the file is in the page cache: it was just written
         extractor.ios_uid_set_record_count(0);
-        step_seconds.push_back(timed(matches, [&] {
-            extractor.ios_uid_extract_artifacts();
-            return records;
-        }));
-        grep_seconds.push_back(timed(matches, [&] { return run_grep(log); }));
+        extraction_seconds.push_back(seconds_of([&extractor] { extractor.ios_uid_extract_artifacts(); }));
+        require_matches(records, matches);
+        for (rival &rival : rivals) {
+            rival.seconds.push_back(seconds_of([&] { run(rival, matches); }));
+            rival.ratios.push_back(extraction_seconds.back() / rival.seconds.back());
+        }
     }
 
-    const double step = median(step_seconds);
-    const double grep = median(grep_seconds);
-    QTextStream(stdout) << megabytes << " MB, " << matches << " rows: step " << step << " s, grep " << grep
-                        << " s, ratio " << step / grep << ", peak memory " << peak_memory() << '\n';
+    QTextStream out(stdout);
+    out << megabytes << " MB, " << matches << " rows: extraction " << median(extraction_seconds) << " s";
+    for (const rival &rival : rivals)
+        out << ", " << rival.program << ' ' << median(rival.seconds) << " s, ratio " << median(rival.ratios);
+    out << ", peak memory " << process_memory("VmHWM:") / 1024 << " kB\n";
 }

@@ -6,25 +6,22 @@
 // prepare, bind and execute in one transaction, by turns, and tells the peak memory that the extraction adds. One
 // number a call gives the cleanest memory figure.
 
+#include "bench/measure.h"
 #include "common/sqlite_connection.h"
 #include "plugin/bluetooth_logs.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTextStream>
 
-#include <algorithm>
 #include <ctime>
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int rounds = 5;
 
 const QString insert_statement =
     u"insert into devices(bookmark, uuid, device_name, address, source_file,last_seen_time, last_connection_time,os_scheme_display,source_count_name) values(?,?,?,?,?,?,?, ?,?)"_s;
@@ -52,11 +49,9 @@ struct seconds
 template<typename Work>
 seconds timed(Work work)
 {
-    QElapsedTimer timer;
-    timer.start();
     const std::clock_t begin = std::clock();
-    work();
-    return {double(timer.nsecsElapsed()) / 1e9, double(std::clock() - begin) / CLOCKS_PER_SEC};
+    const double wall = seconds_of(work);
+    return {wall, double(std::clock() - begin) / CLOCKS_PER_SEC};
 }
 
 /** Runs statements on a file, all in one transaction. */
@@ -147,32 +142,12 @@ private:
     bluetooth_logs plugin;
 };
 
-/** A field of this process's status in bytes: VmHWM: is the peak, VmRSS: the present size. 0 where there is none. */
-qint64 memory(const QByteArray &field)
-{
-    QFile status(u"/proc/self/status"_s);
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = status.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith(field))
-            return line.simplified().split(' ').value(1).toLongLong() * 1024;
-    }
-    return 0;
-}
-
 /** Lets the peak begin anew at the present size. */
 void reset_peak_memory()
 {
     QFile clear(u"/proc/self/clear_refs"_s);
     if (clear.open(QIODevice::WriteOnly))
         clear.write("5");
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 } // namespace
@@ -189,13 +164,13 @@ int main(int argc, char *argv[])
         make_source(root, rows);
 
         reset_peak_memory();
-        const qint64 before = memory("VmRSS:");
+        const qint64 before = process_memory("VmRSS:");
         {
             prepared_case one(root);
             one.extract();
             require(one.row_count() == rows, "extraction");
         }
-        const double bytes_a_row = double(memory("VmHWM:") - before) / rows;
+        const double bytes_a_row = double(process_memory("VmHWM:") - before) / rows;
 
         QList<QStringList> values;
         for (int row = 0; row < rows; ++row) {
