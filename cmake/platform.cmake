@@ -5,7 +5,7 @@
 #   apple     Foundation and Spotlight
 #   gnustep   the same Foundation file on GNUstep Base, to test it where there is no Mac
 #   libplist  builds without Foundation
-if(APPLE)
+if(CMAKE_SYSTEM_NAME STREQUAL "Darwin") # macOS alone: other Apple systems have no Spotlight
     set(bluetooth_logs_default_platform apple)
 else()
     set(bluetooth_logs_default_platform libplist)
@@ -43,3 +43,7 @@ elseif(BLUETOOTH_LOGS_PLATFORM STREQUAL "libplist")
 else()
     message(FATAL_ERROR "BLUETOOTH_LOGS_PLATFORM is apple, gnustep or libplist, not ${BLUETOOTH_LOGS_PLATFORM}")
 endif()
+
+# The Objective-C++ files release what they own themselves. GCC never does it for them.
+target_compile_options(bluetooth_logs_platform INTERFACE
+    $<$<AND:$<COMPILE_LANGUAGE:OBJCXX>,$<OBJCXX_COMPILER_ID:Clang,AppleClang>>:-fno-objc-arc>)

@@ -6,7 +6,7 @@
 #include "common/plugin_static_function.h"
 
 #include <QDateTime>
-#include <QLocale>
+#include <QTimeZone>
 #include <QVariantMap>
 
 #include <cmath>
@@ -164,12 +164,14 @@ QString labelled(const QString &label, const std::optional<QString> &text)
 
 qint64 plugin_static_function::convert_nsdate_to_epoch(void *date, void *object)
 {
-    if (!date || property_list_value(object).typeId() != QMetaType::QDateTime)
+    const QVariant value = property_list_value(date);
+    if (value.typeId() != QMetaType::QDateTime || property_list_value(object).typeId() != QMetaType::QDateTime)
         return 0;
-    // Read with the zone, or a time that this machine's own zone skips could not be read.
-    const QDateTime written = QLocale::c().toDateTime(property_list_date_text(date) + u" UTC"_s,
-                                                      property_list_date_pattern.toString() + u" t"_s);
-    return written.isValid() ? written.toSecsSinceEpoch() : 0;
+    // What a clock in this machine's zone showed is taken as UTC, as if it had been written down and read again. Qt's
+    // calendar is Gregorian at all times; a year that four digits do not hold could not be read.
+    const QDateTime local = value.toDateTime().toLocalTime();
+    const bool is_readable = local.isValid() && local.date().year() >= 1 && local.date().year() <= 9999;
+    return is_readable ? QDateTime(local.date(), local.time(), QTimeZone::utc()).toSecsSinceEpoch() : 0;
 }
 
 QString plugin_static_function::convert_cfstring_to_qstring(const __CFString *string)

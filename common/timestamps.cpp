@@ -133,7 +133,11 @@ QString plugin_static_function::convert_human_readable_to_epoch_1(QString date)
     }
 
     const QDateTime parsed = parse_as_utc(date, u"MMM d, yyyy, h:mm:ss AP"_s);
-    return whole_seconds_text(zone == "UTC"_L1 ? parsed : QDateTime(parsed.date(), parsed.time()));
+    if (zone == "UTC"_L1)
+        return whole_seconds_text(parsed);
+    const QDateTime local(parsed.date(), parsed.time());
+    // What summer time skips was no time; Qt before 6.7 has no date for it either, later versions move it.
+    return local.time() == parsed.time() ? whole_seconds_text(local) : QString();
 }
 
 QString plugin_static_function::convert_human_readable_to_epoch_2(QString date)

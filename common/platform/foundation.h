@@ -6,7 +6,15 @@
 
 #include <QString>
 
+#include <functional>
+
 #import <Foundation/Foundation.h>
+
+#ifdef __has_feature
+#if __has_feature(objc_arc)
+#error "The files of Foundation count references themselves: compile them with -fno-objc-arc"
+#endif
+#endif
 
 /** A pool for the objects of one call; drained on every way out of the scope. */
 class autorelease_pool
@@ -22,6 +30,18 @@ public:
 private:
     NSAutoreleasePool *pool = [[NSAutoreleasePool alloc] init];
 };
+
+/** Does the work, up to an exception that Foundation raises. Frees the objects left to the autorelease pool. */
+void without_exceptions(const std::function<void()> &work);
+
+/** What @p work gives, or an empty result after an exception. Each function of the seam does its work so. */
+template<typename Work>
+auto result_of(Work work)
+{
+    decltype(work()) result{};
+    without_exceptions([&result, &work] { result = work(); });
+    return result;
+}
 
 /** Texts go from one side to the other as UTF-16, which both hold. */
 QString to_qstring(NSString *text);

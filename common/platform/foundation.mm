@@ -43,11 +43,13 @@ QVariant number_of(NSNumber *number)
     }
 }
 
+QVariant value_of(id value);
+
 QVariantList array_of(NSArray *array)
 {
     QVariantList list;
     for (NSUInteger i = 0; i < [array count]; ++i)
-        list.append(property_list_value([array objectAtIndex:i]));
+        list.append(value_of([array objectAtIndex:i]));
     return list;
 }
 
@@ -57,9 +59,26 @@ QVariantMap dictionary_of(NSDictionary *dictionary)
     NSArray *keys = [dictionary allKeys];
     for (NSUInteger i = 0; i < [keys count]; ++i) {
         const id key = [keys objectAtIndex:i];
-        map.insert(property_list_value(key).toString(), property_list_value([dictionary objectForKey:key]));
+        map.insert(value_of(key).toString(), value_of([dictionary objectForKey:key]));
     }
     return map;
+}
+
+QVariant value_of(id value)
+{
+    if (is_kind_of(value, [NSString class]))
+        return to_qstring(value);
+    if (is_kind_of(value, [NSNumber class]))
+        return number_of(value);
+    if (is_kind_of(value, [NSDate class]))
+        return date_of_reference_seconds([value timeIntervalSinceReferenceDate]);
+    if (is_kind_of(value, [NSData class]))
+        return QByteArray(static_cast<const char *>([value bytes]), static_cast<qsizetype>([value length]));
+    if (is_kind_of(value, [NSArray class]))
+        return array_of(value);
+    if (is_kind_of(value, [NSDictionary class]))
+        return dictionary_of(value);
+    return {};
 }
 
 } // namespace
@@ -77,51 +96,37 @@ NSString *to_nsstring(const QString &text)
                                    length:static_cast<NSUInteger>(text.size())];
 }
 
-QVariant property_list_value(const void *object)
+void without_exceptions(const std::function<void()> &work)
 {
     const autorelease_pool pool;
-    const id value = object_of(object);
-    if (is_kind_of(value, [NSString class]))
-        return to_qstring(value);
-    if (is_kind_of(value, [NSNumber class]))
-        return number_of(value);
-    if (is_kind_of(value, [NSDate class]))
-        return date_of_reference_seconds([value timeIntervalSinceReferenceDate]);
-    if (is_kind_of(value, [NSData class]))
-        return QByteArray(static_cast<const char *>([value bytes]), static_cast<qsizetype>([value length]));
-    if (is_kind_of(value, [NSArray class]))
-        return array_of(value);
-    if (is_kind_of(value, [NSDictionary class]))
-        return dictionary_of(value);
-    return {};
+    @try {
+        work();
+    } @catch (NSException *exception) {
+        Q_UNUSED(exception)
+    }
+}
+
+QVariant property_list_value(const void *object)
+{
+    return result_of([object] { return value_of(object_of(object)); });
 }
 
 QVariant property_list_entry(const void *dictionary, const void *key)
 {
-    const autorelease_pool pool;
-    if (!is_kind_of(object_of(dictionary), [NSDictionary class]) || !is_kind_of(object_of(key), [NSString class]))
-        return {};
-    return property_list_value([object_of(dictionary) objectForKey:object_of(key)]);
-}
-
-QString property_list_date_text(const void *date)
-{
-    const autorelease_pool pool;
-    if (!property_list_value(date).toDateTime().isValid()) // the formatter does not take every number for a date
-        return {};
-    NSDateFormatter *formatter = [[[NSDateFormatter alloc] init] autorelease];
-    // Month names must not follow the language of the machine: they are read back as English.
-    [formatter setLocale:[[[NSLocale alloc] initWithLocaleIdentifier:@"en_US_POSIX"] autorelease]];
-    [formatter setDateFormat:to_nsstring(property_list_date_pattern.toString())];
-    return to_qstring([formatter stringFromDate:object_of(date)]);
+    return result_of([=] { // GCC takes a list of two for a message
+        if (!is_kind_of(object_of(dictionary), [NSDictionary class]) || !is_kind_of(object_of(key), [NSString class]))
+            return QVariant();
+        return value_of([object_of(dictionary) objectForKey:object_of(key)]);
+    });
 }
 
 QVariant parse_property_list(const QByteArray &guarded)
 {
-    const autorelease_pool pool;
-    NSData *data = [NSData dataWithBytes:guarded.constData() length:static_cast<NSUInteger>(guarded.size())];
-    return property_list_value([NSPropertyListSerialization propertyListWithData:data
-                                                                          options:NSPropertyListImmutable
-                                                                           format:nullptr
-                                                                            error:nullptr]);
+    return result_of([&guarded] {
+        NSData *data = [NSData dataWithBytes:guarded.constData() length:static_cast<NSUInteger>(guarded.size())];
+        return value_of([NSPropertyListSerialization propertyListWithData:data
+                                                                  options:NSPropertyListImmutable
+                                                                   format:nullptr
+                                                                    error:nullptr]);
+    });
 }

@@ -35,10 +35,12 @@ QString boolean_class_name()
 
 spotlight_descriptions read_spotlight_descriptions(const QString &path)
 {
-    const autorelease_pool pool;
-    const MDItemRef item = MDItemCreate(kCFAllocatorDefault, reinterpret_cast<CFStringRef>(to_nsstring(path)));
-    if (!item)
-        return {};
-    const owned_reference owned_item = owned(item);
-    return {description_of(item, CFSTR("kMDItemLastUsedDate")), description_of(item, CFSTR("kMDItemUsedDates"))};
+    return result_of([&path] {
+        const MDItemRef item = MDItemCreate(kCFAllocatorDefault, reinterpret_cast<CFStringRef>(to_nsstring(path)));
+        if (!item)
+            return spotlight_descriptions();
+        const owned_reference owned_item = owned(item);
+        return spotlight_descriptions{description_of(item, CFSTR("kMDItemLastUsedDate")),
+                                      description_of(item, CFSTR("kMDItemUsedDates"))};
+    });
 }

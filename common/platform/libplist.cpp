@@ -3,9 +3,9 @@
 
 #include "common/platform/property_list.h"
 #include "common/platform/reference_date.h"
+#include "common/platform/xml_property_list.h"
 
 #include <QDateTime>
-#include <QLocale>
 #include <QtEndian>
 
 #include <cstdlib>
@@ -98,16 +98,31 @@ QVariantList array_of(plist_t node)
     return list;
 }
 
-QVariantMap dictionary_of(plist_t node)
+/** Calls @p visit with each key and value, in order. */
+template<typename Visit>
+void visit_pairs(plist_t dictionary, Visit visit)
 {
     plist_dict_iter iterator = nullptr;
-    plist_dict_new_iter(node, &iterator);
+    plist_dict_new_iter(dictionary, &iterator);
     const c_iterator owned(iterator);
-    QVariantMap map;
-    plist_t item = nullptr;
+    plist_t value = nullptr;
     char *key = nullptr;
-    for (plist_dict_next_item(node, iterator, &key, &item); item; plist_dict_next_item(node, iterator, &key, &item))
-        map.insert(QString::fromUtf8(c_text(std::exchange(key, nullptr)).get()), property_list_value(item));
+    plist_dict_next_item(dictionary, iterator, &key, &value);
+    while (value) {
+        const c_text owned_key(key);
+        visit(QByteArrayView(key), value);
+        key = nullptr;
+        plist_dict_next_item(dictionary, iterator, &key, &value);
+    }
+}
+
+/** Of a doubled key the last value counts. */
+QVariantMap dictionary_of(plist_t node)
+{
+    QVariantMap map;
+    visit_pairs(node, [&map](QByteArrayView key, plist_t value) {
+        map.insert(QString::fromUtf8(key), property_list_value(value));
+    });
     return map;
 }
 
@@ -147,23 +162,22 @@ QVariant property_list_entry(const void *dictionary, const void *key)
     const plist_t key_node = node_of(key);
     if (type_of(node_of(dictionary)) != PLIST_DICT || type_of(key_node) != PLIST_STRING)
         return {};
-    return property_list_value(plist_dict_get_item(node_of(dictionary), plist_get_string_ptr(key_node, nullptr)));
-}
-
-QString property_list_date_text(const void *date)
-{
-    const QDateTime time = property_list_value(date).toDateTime();
-    return QLocale::c().toString(time.toLocalTime(), property_list_date_pattern.toString());
+    const QByteArrayView wanted(plist_get_string_ptr(key_node, nullptr));
+    plist_t found = nullptr;
+    visit_pairs(node_of(dictionary), [&](QByteArrayView candidate, plist_t value) {
+        if (candidate == wanted)
+            found = value; // the last one counts, as in the dictionary as a whole
+    });
+    return property_list_value(found);
 }
 
 QVariant parse_property_list(const QByteArray &guarded)
 {
     const auto length = static_cast<uint32_t>(guarded.size());
+    if (!plist_is_binary(guarded.constData(), length))
+        return parse_xml_property_list(guarded);
     plist_t root = nullptr;
-    if (plist_is_binary(guarded.constData(), length))
-        plist_from_bin(guarded.constData(), length, &root);
-    else
-        plist_from_xml(guarded.constData(), length, &root);
+    plist_from_bin(guarded.constData(), length, &root);
     const owned_node owned(root, plist_free);
     return property_list_value(root);
 }

@@ -28,15 +28,6 @@ QVariant property_list_value(const void *object);
  */
 QVariant property_list_entry(const void *dictionary, const void *key);
 
-/** How property_list_date_text() writes a date, in names that Qt's date parser and Foundation's formatter share. */
-inline constexpr QStringView property_list_date_pattern = u"dd-MMM-yyyy,HH:mm:ss a";
-
-/**
- * The date object in the zone of this machine, as property_list_date_pattern says, with English names. Empty for
- * anything that is not a date.
- */
-QString property_list_date_text(const void *date);
-
 /**
  * Parses a property list, XML or binary, that guarded_property_list() has let through. Invalid when it is malformed.
  */

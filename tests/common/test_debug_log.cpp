@@ -25,6 +25,8 @@ private Q_SLOTS:
     void a_missing_file_is_not_created();
     void a_file_that_cannot_be_opened_is_reported();
     void terminal_and_file_are_independent();
+    void the_terminal_comes_first();
+    void lines_are_appended();
     void message_is_written_unchanged();
 
 private:
@@ -148,6 +150,36 @@ void test_debug_log::terminal_and_file_are_independent()
     QTest::ignoreMessage(QtDebugMsg, line);
     plugin_static_function::app_debug(u"\"message\""_s, u"void a::b()"_s);
     QCOMPARE(log.take_lines(), QStringList());
+}
+
+void test_debug_log::the_terminal_comes_first()
+{
+    static QString path;
+    static QByteArray file_before;
+    path = log.path();
+    file_before = "not printed";
+    plugin_static_function::debug_print_on_terminal_bool = true;
+    const QtMessageHandler earlier = qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {
+        QFile file(path);
+        file_before = file.open(QIODevice::ReadOnly) ? file.readAll() : "unreadable";
+    });
+    plugin_static_function::app_debug(u"message"_s, u"void a::b()"_s);
+    qInstallMessageHandler(earlier);
+    QCOMPARE(file_before, "");
+    QCOMPARE(log.take_lines().size(), 1);
+}
+
+void test_debug_log::lines_are_appended()
+{
+    QFile file(log.path());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("the host's own first line\n");
+    file.close();
+    plugin_static_function::app_debug(u"first"_s, u"void a::b()"_s);
+    plugin_static_function::app_debug(u"second"_s, u"void a::b()"_s);
+    const QString fields = u"[time][KALDO_DESK][Artifacts Extraction][a::b]:-- "_s;
+    QCOMPARE(log.take_lines(),
+             QStringList({u"the host's own first line"_s, fields + u"first"_s, fields + u"second"_s}));
 }
 
 void test_debug_log::message_is_written_unchanged()

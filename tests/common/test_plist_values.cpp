@@ -32,6 +32,7 @@ private Q_SLOTS:
     void failures_are_logged_under_their_own_name();
     void keys_count_exactly_data();
     void keys_count_exactly();
+    void doubled_key();
     void cfstring_data();
     void cfstring();
     void nsdate_data();
@@ -262,14 +263,14 @@ void test_plist_values::failures_are_logged_under_their_own_name()
     const QString line = u"plugin_static_function::"_s + name + u": ["_s + name + u"]-----FAILED----- to get value: "_s;
     void *const list = dictionary(value);
     QCOMPARE(function(key(), list), QString());
-    QCOMPARE(function(key("größe 🎧"), list), QString());
+    QCOMPARE(function(key(" größe 🎧 "), list), QString());
     QCOMPARE(function(key(), nullptr), QString());
     QCOMPARE(function(nullptr, list), QString());
     QCOMPARE(function(nullptr, nullptr), QString());
     QCOMPARE(function(key(), key()), QString()); // no dictionary
     QCOMPARE(function(list, list), QString());   // no key
     QCOMPARE(log.take_messages(),
-             QStringList({line + u"key"_s, line + u"größe 🎧"_s, line + u"key"_s, line, line, line + u"key"_s, line}));
+             QStringList({line + u"key"_s, line + u" größe 🎧 "_s, line + u"key"_s, line, line, line + u"key"_s, line}));
 }
 
 void test_plist_values::keys_count_exactly_data()
@@ -295,6 +296,14 @@ void test_plist_values::keys_count_exactly()
 
     void *const list = objects.root(xml_list("<dict><key>aa-BB größe &amp; 🎧</key><string>found</string></dict>"));
     QCOMPARE(plugin_static_function::get_nsstring_values(key(name), list), text);
+}
+
+void test_plist_values::doubled_key()
+{
+    SKIP_AT_PLATFORM_LIMIT();
+    void *const list = objects.root(binary_list(
+        {binary_dictionary({1, 1}, {2, 3}), binary_text("key"), binary_text("first"), binary_text("last")}));
+    QCOMPARE(plugin_static_function::get_nsstring_values(key(), list), u"last"_s);
 }
 
 void test_plist_values::cfstring_data()
@@ -339,6 +348,9 @@ void test_plist_values::nsdate_data()
     QTest::newRow("in a gap of New York when taken as UTC") << 605327400.0 << 1583634600LL << 1583654400LL << 1583616600LL;
     QTest::newRow("Unix time 0")        << -978307200.0 <<          0LL <<      19800LL <<     -18000LL;
     QTest::newRow("far away")           <<         far  << 8978307200LL << 8978327000LL << 8978292800LL;
+    QTest::newRow("before the calendar's reform") << -13198550400.0 << -12220243200LL << -12220221992LL << -12220260962LL;
+    QTest::newRow("a millennium ago") << -30946838400.0 << -29968531200LL << -29968509992LL << -29968548962LL;
+    QTest::newRow("first year") << -63113817600.0 << -62135510400LL << -62135489192LL << -62135528162LL;
     QTest::newRow("beyond every year")  <<        1e300 <<          0LL <<          0LL <<          0LL;
     QTest::newRow("no number")          << std::numeric_limits<double>::quiet_NaN() << 0LL << 0LL << 0LL;
     // clang-format on
@@ -367,6 +379,8 @@ void test_plist_values::nsdate_of_no_date()
     QCOMPARE(plugin_static_function::convert_nsdate_to_epoch(date, nullptr), 0);
     QCOMPARE(plugin_static_function::convert_nsdate_to_epoch(date, key()), 0);
     QCOMPARE(plugin_static_function::convert_nsdate_to_epoch(key(), date), 0);
+    void *const date_text = objects.root(xml_list("<string>2020-05-03T10:00:00Z</string>"));
+    QCOMPARE(plugin_static_function::convert_nsdate_to_epoch(date_text, date), 0);
     QCOMPARE(log.take_lines(), QStringList());
 }
 

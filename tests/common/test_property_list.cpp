@@ -78,6 +78,15 @@ void test_property_list::values_data()
     QTest::newRow("highest integer")   << xml_list("<integer>9223372036854775807</integer>")   << QVariant(std::numeric_limits<qint64>::max());
     QTest::newRow("highest unsigned")  << xml_list("<integer>18446744073709551615</integer>")  << QVariant(std::numeric_limits<quint64>::max());
     QTest::newRow("real")              << xml_list("<real>-2.5</real>")                        << QVariant(-2.5);
+    QTest::newRow("real with exponent") << xml_list("<real>1.5e10</real>")                     << QVariant(1.5e10);
+    QTest::newRow("blanks around")     << xml_list("<array><integer> 7\n</integer><real> 2.5 </real></array>") << QVariant(QVariantList{7LL, 2.5});
+    QTest::newRow("zeros in front")    << xml_list("<array><integer>010</integer><integer>-0010</integer><integer>+07</integer></array>") << QVariant(QVariantList{10LL, -10LL, 7LL});
+    QTest::newRow("reals beyond range") << xml_list("<array><real>1e999</real><real>-1e999</real><real>-infinity</real></array>")
+                                       << QVariant(QVariantList{std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()});
+    QTest::newRow("first year's date") << xml_list("<date>0001-01-01T00:00:00Z</date>")        << QVariant(QDateTime(QDate(1, 1, 1), QTime(0, 0), QTimeZone::utc()));
+    QTest::newRow("empty key")         << xml_list("<dict><key/><true/><key>a</key><false/></dict>") << QVariant(QVariantMap{{u""_s, true}, {u"a"_s, false}});
+    QTest::newRow("doubled key")       << xml_list("<dict><key>a</key><true/><key>a</key><false/></dict>") << QVariant(QVariantMap{{u"a"_s, false}});
+    QTest::newRow("without plist")     << "<dict/>"_ba                                         << QVariant(QVariantMap());
     QTest::newRow("true")              << xml_list("<true/>")                                  << QVariant(true);
     QTest::newRow("false")             << xml_list("<false/>")                                 << QVariant(false);
     QTest::newRow("date")              << xml_list("<date>2020-05-03T10:00:00Z</date>")        << QVariant(date);
@@ -107,6 +116,8 @@ void test_property_list::values_data()
     QTest::newRow("last second of all")    << binary_list({binary_date(252423993599.0)}) << QVariant(QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59), QTimeZone::utc()));
     QTest::newRow("after it")              << binary_list({binary_date(252423993600.0)}) << QVariant(QDateTime());
     QTest::newRow("half a second before 2001") << binary_list({binary_date(-0.5)})       << QVariant(QDateTime(QDate(2000, 12, 31), QTime(23, 59, 59), QTimeZone::utc()));
+    QTest::newRow("binary empty key")  << binary_list({binary_dictionary({1}, {2}), binary_text(""), "\x09"_ba}) << QVariant(QVariantMap{{u""_s, true}});
+    QTest::newRow("binary doubled key") << binary_list({binary_dictionary({1, 1}, {2, 3}), binary_text("a"), "\x09"_ba, "\x08"_ba}) << QVariant(QVariantMap{{u"a"_s, false}});
     // clang-format on
 }
 
@@ -210,6 +221,8 @@ void test_property_list::refused_data()
     QTest::newRow("XML without an end")          << "<plist><dict>"_ba;
     QTest::newRow("XML closed the wrong way")    << "<plist><dict></plist></dict>"_ba;
     QTest::newRow("XML behind the end")          << xml_list("<dict/>") + "<plist/>";
+    QTest::newRow("no value")                    << xml_list("");
+    QTest::newRow("value without a key")         << xml_list("<dict><true/></dict>");
     QTest::newRow("unknown element")             << xml_list("<dictionary/>");
     QTest::newRow("entities that grow")          << entities;
     QTest::newRow("entity from a file")          << "<!DOCTYPE plist [<!ENTITY a SYSTEM \"file:///etc/passwd\">]><plist><string>&a;</string></plist>"_ba;

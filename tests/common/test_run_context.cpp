@@ -91,6 +91,8 @@ void test_run_context::source_count_name()
     QCOMPARE(library::get_source_count_name(), u"Source1"_s);
     library::set_source_count(0);
     QCOMPARE(library::get_source_count_name(), u"Source0"_s);
+    library::set_source_count(-25);
+    QCOMPARE(library::get_source_count_name(), u"Source-25"_s);
     library::set_essentials();
     QCOMPARE(library::get_source_count_name(), u"Source-1"_s);
 }

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void text_to_text();
     void local_date_data();
     void local_date();
+    void local_date_that_summer_time_skips();
     void timezone_to_seconds_data();
     void timezone_to_seconds();
     void display_data();
@@ -39,6 +40,7 @@ private Q_SLOTS:
     void display_logs_its_start_only_with_timezone();
     void posix_timestamp_of_a_file_data();
     void posix_timestamp_of_a_file();
+    void posix_timestamp_of_a_changed_file();
     void posix_timestamp_of_what_does_not_exist_data();
     void posix_timestamp_of_what_does_not_exist();
     void posix_timestamp_in_the_hour_that_autumn_repeats();
@@ -289,6 +291,15 @@ void test_timestamps::local_date()
     QCOMPARE(library::convert_human_readable_to_epoch_1(date), QString::number(expected));
 }
 
+/** New York went from 02:00 to 03:00: 02:30 was no time of that day. */
+void test_timestamps::local_date_that_summer_time_skips()
+{
+    if (qEnvironmentVariable("TZ") != u"America/New_York"_s)
+        QSKIP("New York's summer time");
+    QCOMPARE(library::convert_human_readable_to_epoch_1(u"Mar 8, 2020, 2:30:00 AM EST"_s), QString());
+    QCOMPARE(library::convert_human_readable_to_epoch_1(u"Mar 8, 2020, 2:30:00 AM UTC"_s), u"1583634600"_s);
+}
+
 void test_timestamps::timezone_to_seconds_data()
 {
     QTest::addColumn<QString>("zone");
@@ -510,6 +521,20 @@ void test_timestamps::posix_timestamp_of_a_file()
         QCOMPARE(times.last_access_time, accessed_seconds);
         QCOMPARE(times.last_modification_time, modified_seconds);
     }
+}
+
+/** A file is born once; its permissions may change later. */
+void test_timestamps::posix_timestamp_of_a_changed_file()
+{
+    const QTemporaryDir directory;
+    const QString path = file_with_times(directory, u"file"_s, 1556877600, 1556877500);
+    const qint64 born = library::get_posix_timestamp(path, {}).birth_time;
+    if (born == 0)
+        QSKIP("this file system does not know when a file was born");
+    QTest::qSleep(1100);
+    QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
+    QVERIFY(QFileInfo(path).metadataChangeTime().toSecsSinceEpoch() > born);
+    QCOMPARE(library::get_posix_timestamp(path, {}).birth_time, born);
 }
 
 void test_timestamps::posix_timestamp_of_what_does_not_exist_data()

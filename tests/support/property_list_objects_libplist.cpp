@@ -5,6 +5,9 @@
 
 #include <QtGlobal>
 
+#include <clocale>
+
+#include <locale.h>
 #include <plist/plist.h>
 
 property_list_objects::~property_list_objects()
@@ -13,8 +16,30 @@ property_list_objects::~property_list_objects()
         plist_free(root);
 }
 
+namespace {
+
+/** Reads numbers with a decimal point while it lives, which libplist leaves to the machine's locale. */
+class point_in_numbers
+{
+public:
+    point_in_numbers() = default;
+    ~point_in_numbers()
+    {
+        ::uselocale(before);
+        ::freelocale(with_point);
+    }
+    Q_DISABLE_COPY_MOVE(point_in_numbers)
+
+private:
+    locale_t with_point = ::newlocale(LC_NUMERIC_MASK, "C", locale_t());
+    locale_t before = ::uselocale(with_point);
+};
+
+} // namespace
+
 void *property_list_objects::root(const QByteArray &list)
 {
+    const point_in_numbers in_numbers;
     const auto length = static_cast<uint32_t>(list.size());
     plist_t object = nullptr;
     if (plist_is_binary(list.constData(), length))
