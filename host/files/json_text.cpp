@@ -124,23 +124,23 @@ void append_json_bytes(QByteArray &json, QByteArrayView bytes)
         append_base64(json, bytes);
 }
 
-void append_json_value(QByteArray &json, const sqlite_statement &row, int column)
+void append_json_value(QByteArray &json, const sqlite_statement::cell &value)
 {
-    switch (row.column_type(column)) {
+    switch (value.kind) {
     case sqlite_statement::type::null:
         json.append("null");
         break;
     case sqlite_statement::type::integer:
-        json.append(QByteArray::number(row.integer(column)));
+        json.append(QByteArray::number(value.integer));
         break;
     case sqlite_statement::type::real:
-        append_real(json, row.real(column));
+        append_real(json, value.real);
         break;
     case sqlite_statement::type::text:
-        append_json_bytes(json, row.bytes(column));
+        append_json_bytes(json, value.bytes);
         break;
     case sqlite_statement::type::blob:
-        append_base64(json, row.bytes(column));
+        append_base64(json, value.bytes);
         break;
     }
 }

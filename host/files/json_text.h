@@ -24,6 +24,6 @@ void append_json_bytes(QByteArray &json, QByteArrayView bytes);
  * Appends a value of a row: null, an exact integer, a real (always with a point or an exponent; {"real": "inf"} for
  * what JSON has no number for), a text as append_json_bytes() does, a blob as {"base64": "…"}.
  */
-void append_json_value(QByteArray &json, const sqlite_statement &row, int column);
+void append_json_value(QByteArray &json, const sqlite_statement::cell &value);
 
 #endif

@@ -169,6 +169,15 @@ QString sqlite_statement::column_name(int column) const
     return QString::fromUtf8(sqlite3_column_name(statement.get(), column));
 }
 
+int sqlite_statement::column_named(QLatin1StringView name) const
+{
+    for (int column = 0; column < column_count(); ++column) {
+        if (column_name(column).compare(name, Qt::CaseInsensitive) == 0)
+            return column;
+    }
+    return -1;
+}
+
 sqlite_statement::type sqlite_statement::column_type(int column) const
 {
     switch (sqlite3_column_type(statement.get(), column)) {
@@ -183,6 +192,19 @@ sqlite_statement::type sqlite_statement::column_type(int column) const
     default:
         return type::null;
     }
+}
+
+sqlite_statement::cell sqlite_statement::value_of(int column) const
+{
+    cell result;
+    result.kind = column_type(column);
+    if (result.kind == type::integer)
+        result.integer = integer(column);
+    else if (result.kind == type::real)
+        result.real = real(column);
+    else if (result.kind != type::null)
+        result.bytes = bytes(column);
+    return result;
 }
 
 qint64 sqlite_statement::integer(int column) const

@@ -86,6 +86,15 @@ class sqlite_statement
 public:
     enum class type { null, integer, real, text, blob };
 
+    /** What stands in a column; bytes are those of a text or a blob, and valid until the next call of next(). */
+    struct cell
+    {
+        type kind = type::null;
+        qint64 integer = 0;
+        double real = 0;
+        QByteArrayView bytes;
+    };
+
     sqlite_statement(const sqlite_database &database, const QByteArray &sql);
 
     void bind_null(int parameter);
@@ -99,7 +108,10 @@ public:
 
     int column_count() const;
     QString column_name(int column) const;
+    /** The first column of this name, letter case aside; -1: there is none. */
+    int column_named(QLatin1StringView name) const;
     type column_type(int column) const;
+    cell value_of(int column) const;
     qint64 integer(int column) const;
     double real(int column) const;
     /** The bytes of a text (UTF-8 by SQLite's rule, not checked) or a blob; valid until the next call of next(). */

@@ -115,7 +115,7 @@ public:
                 json.append(',');
             append_json_text(json, rows->column_name(column).toUtf8());
             json.append(':');
-            append_json_value(json, *rows, column);
+            append_json_value(json, rows->value_of(column));
         }
         return json + '}';
     }
@@ -123,19 +123,10 @@ public:
 private:
     bool has_same_value(const table_reader &other, int column) const
     {
-        const sqlite_statement::type type = rows->column_type(column);
-        if (type != other.rows->column_type(column))
-            return false;
-        switch (type) {
-        case sqlite_statement::type::null:
-            return true;
-        case sqlite_statement::type::integer:
-            return rows->integer(column) == other.rows->integer(column);
-        case sqlite_statement::type::real:
-            return !(rows->real(column) < other.rows->real(column)) && !(rows->real(column) > other.rows->real(column));
-        default:
-            return rows->bytes(column) == other.rows->bytes(column);
-        }
+        const sqlite_statement::cell one = rows->value_of(column);
+        const sqlite_statement::cell two = other.rows->value_of(column);
+        return one.kind == two.kind && one.integer == two.integer && !(one.real < two.real) && !(one.real > two.real)
+               && one.bytes == two.bytes;
     }
 
     /** Any column may hide one of the names that SQLite has for it. */
@@ -329,7 +320,7 @@ private:
     void end_table(const macos_database &database, const std::optional<change_counts> &found,
                    const std::optional<QString> &problem)
     {
-        QByteArray json = "],\"problem\":";
+        QByteArray json = "\n],\"problem\":";
         if (problem)
             append_json_text(json, problem->toUtf8());
         else

@@ -80,7 +80,7 @@ QByteArray one_table(const QByteArray &changes, const QByteArray &problem = "nul
     return "{\"format\":\"bluetooth-logs wal changes\",\"version\":1,\"tables\":[\n{\"result_table\":\"devices\","
            "\"file\":\"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db\",\"table\":\"OtherDevices\","
            "\"changes\":["
-           + changes + "],\"problem\":" + problem + "}\n]}\n";
+           + changes + "\n],\"problem\":" + problem + "}\n]}\n";
 }
 
 QJsonValue counts(int added, int changed, int deleted)
