@@ -43,6 +43,11 @@ exit_code run(const check_request &request, const console &out)
     return run_verify(request, out);
 }
 
+exit_code run(const report_options &options, const console &out)
+{
+    return run_report(options, out);
+}
+
 exit_code run_reporting_errors(int argc, char **argv)
 {
     console_options output;

@@ -14,6 +14,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <thread>
 #include <vector>
@@ -314,6 +315,43 @@ CLI::App *add_show(CLI::App &app, show_options &options)
     return show;
 }
 
+CLI::App *add_report(CLI::App &app, report_options &options)
+{
+    static const std::map<std::string, report_format> formats = {{"html", report_format::html},
+                                                                 {"csv", report_format::csv},
+                                                                 {"tsv", report_format::tsv},
+                                                                 {"jsonl", report_format::jsonl}};
+    CLI::App *report = app.add_subcommand("report", "Write reports of a case, for readers and for programs");
+    add_path(report, "CASE", options.case_directory, "The case's folder")->required();
+    report
+        ->add_option_function<std::vector<std::string>>(
+            "-f,--format",
+            [&options](const std::vector<std::string> &names) {
+                for (const std::string &name : names)
+                    options.formats.append(formats.at(name));
+            },
+            "html, csv, tsv or jsonl; may be repeated (default html)")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember({"html", "csv", "tsv", "jsonl"}))
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    add_path(report, "-o,--output", options.output, "Folder for the files (default CASE/Report)");
+    report->add_flag("--raw-cells", options.raw_cells, "CSV, TSV: leave texts that look like formulas as they are");
+    report->add_flag("--csv-bom", options.csv_bom, "CSV, TSV: begin with a byte order mark");
+    report->add_flag("--force", options.force, "Replace the files of an earlier report");
+    return report;
+}
+
+report_options with_places(report_options options)
+{
+    options.case_directory = absolute_path(options.case_directory, u"CASE"_s);
+    options.output = options.output.isNull() ? options.case_directory + u"/Report"_s
+                                             : absolute_path(options.output, u"--output"_s);
+    if (options.formats.isEmpty())
+        options.formats.append(report_format::html);
+    return options;
+}
+
 QStringList arguments_of(int argc, char **argv)
 {
     QStringList texts;
@@ -330,7 +368,7 @@ command_line help_or_throw(const CLI::App &app, const CLI::ParseError &error)
         return {};
     }
     const QString reason = app.get_subcommands().empty()
-                               ? u"one of the commands sample, extract, collect, verify and show is needed"_s
+                               ? u"one of the commands sample, extract, collect, verify, report and show is needed"_s
                                : QString::fromUtf8(error.what());
     throw host_error(exit_code::usage, reason + u" (bluetooth-logs --help tells more)"_s);
 }
@@ -345,6 +383,7 @@ command_line parse_command_line(int argc, char **argv)
     show_options show;
     collect_options collect;
     verify_arguments verify;
+    report_options report;
 
     CLI::App app("Extracts Bluetooth devices from macOS, iOS and Windows sources.", "bluetooth-logs");
     app.set_version_flag("--version", "bluetooth-logs " BLUETOOTH_LOGS_VERSION);
@@ -359,6 +398,7 @@ command_line parse_command_line(int argc, char **argv)
     add_show(app, show);
     const CLI::App *collect_command = add_collect(app, collect);
     const CLI::App *verify_command = add_verify(app, verify);
+    const CLI::App *report_command = add_report(app, report);
 
     try {
         app.parse(argc, argv);
@@ -374,6 +414,8 @@ command_line parse_command_line(int argc, char **argv)
         result.command = collect;
     else if (verify_command->parsed())
         result.command = request_of(verify);
+    else if (report_command->parsed())
+        result.command = with_places(report);
     else
         result.command = show;
     return result;

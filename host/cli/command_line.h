@@ -7,6 +7,7 @@
 #include "host/cli/collect_command.h"
 #include "host/cli/console.h"
 #include "host/cli/extract_command.h"
+#include "host/cli/report_command.h"
 #include "host/cli/sample_command.h"
 #include "host/cli/show_command.h"
 #include "host/cli/verify_command.h"
@@ -22,7 +23,8 @@ struct collect_options
 struct command_line
 {
     console_options output;
-    std::variant<std::monostate, sample_options, extract_options, show_options, collect_options, check_request>
+    std::variant<std::monostate, sample_options, extract_options, show_options, collect_options, check_request,
+                 report_options>
         command; ///< monostate: only help
 };
 

@@ -57,8 +57,8 @@ void test_extract_refusals::refusal_data()
     QTest::addColumn<QString>("message"); // $ stands for the working directory
 
     // clang-format off
-    QTest::newRow("no command")          << u""_s                                             << 2 << u"one of the commands sample, extract, collect, verify and show is needed (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("unknown command")     << u"extrakt"_s                                      << 2 << u"one of the commands sample, extract, collect, verify and show is needed (bluetooth-logs --help tells more)"_s;
+    QTest::newRow("no command")          << u""_s                                             << 2 << u"one of the commands sample, extract, collect, verify, report and show is needed (bluetooth-logs --help tells more)"_s;
+    QTest::newRow("unknown command")     << u"extrakt"_s                                      << 2 << u"one of the commands sample, extract, collect, verify, report and show is needed (bluetooth-logs --help tells more)"_s;
     QTest::newRow("no case")             << u"extract -i sample/macos"_s                      << 2 << u"--output is required (bluetooth-logs --help tells more)"_s;
     QTest::newRow("unknown table")       << u"extract -i sample/macos -o c --table x"_s       << 2 << u"--table: x not in {devices,paired_devices} (bluetooth-logs --help tells more)"_s;
     QTest::newRow("unknown engine")      << u"extract -i sample/macos -o c --engine 0"_s      << 2 << u"--engine: 0 not in {KALDO_DESK,KALDO_FIELD,KALDO_BOOT} (bluetooth-logs --help tells more)"_s;

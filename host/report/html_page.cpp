@@ -1,0 +1,188 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/html_page.h"
+
+#include "host/case/result_tables.h"
+#include "host/files/new_file.h"
+#include "host/report/html_summary.h"
+#include "host/report/html_text.h"
+#include "host/report/json_lines.h"
+#include "host/report/page_parts.h"
+
+#include <QCryptographicHash>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char *ranks_of_seen = "rank_last_seen";
+constexpr const char *ranks_of_connected = "rank_last_connection";
+
+QByteArray policy_hash(const char *part)
+{
+    return "'sha256-" + QCryptographicHash::hash(QByteArrayView(part), QCryptographicHash::Sha256).toBase64() + '\'';
+}
+
+QByteArray page_head()
+{
+    return "<!DOCTYPE html>\n<html lang=\"en\" dir=\"ltr\">\n<head>\n<meta charset=\"utf-8\">\n"
+           "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
+           + policy_hash(page_style) + "; script-src " + policy_hash(page_script)
+           + "; base-uri 'none'; form-action 'none'\">\n"
+             "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+             "<meta name=\"referrer\" content=\"no-referrer\">\n<title>Bluetooth devices of a case</title>\n<style>"
+           + QByteArray(page_style) + "</style>\n</head>\n<body>\n";
+}
+
+/** All counters of a row, from the evidence where the host has read it, else from the result. */
+std::optional<qint64> counter_in(const report_row &row, host_field field, QLatin1StringView column)
+{
+    const sqlite_statement::cell in_evidence = row.host.value_of(field);
+    if (in_evidence.kind != sqlite_statement::type::null)
+        return counter_of(in_evidence);
+    const int place = row.plugin.column_named(column);
+    return place < 0 ? std::nullopt : counter_of(row.plugin.value_of(place));
+}
+
+html_table wal_table(const report_case &that_case)
+{
+    html_table table(u"wal-changes"_s, u"Rows that write-ahead logs change"_s,
+                     u"Host reading. The plug-in reads the main file of a database alone; these rows are different in "
+                     "the main file with its -wal."_s);
+    for (const report_source &source : that_case.sources) {
+        tell_wal_changes(that_case, source, [&table, &source](QByteArrayView line) {
+            const QJsonObject json = QJsonDocument::fromJson(line.toByteArray()).object();
+            const QJsonObject place = json.value("locator"_L1).toObject();
+            table.begin_row();
+            table.add(u"source"_s, std::optional<qint64>(source.record.number));
+            table.add(u"table"_s, json.value("table"_L1).toString().toUtf8());
+            table.add(u"change"_s, json.value("change"_L1).toString().toUtf8());
+            table.add(u"file"_s, place.value("file"_L1).toString().toUtf8());
+            table.add(u"rowid"_s, std::optional(place.value("rowid"_L1).toInteger()));
+            for (const QLatin1StringView side : {"before"_L1, "after"_L1}) {
+                const QJsonValue row = json.value(side);
+                table.add(side,
+                          row.isObject() ? QJsonDocument(row.toObject()).toJson(QJsonDocument::Compact) : QByteArray());
+            }
+        });
+    }
+    return table;
+}
+
+/** The texts of one kind in a device's appearances, each once. */
+QByteArray texts_of(const device_join &join, const joined_device &device, QByteArray device_appearance::*text)
+{
+    QByteArrayList texts;
+    for (const qsizetype place : device.appearances) {
+        const QByteArray &one = join.appearances().at(place).*text;
+        if (!one.isEmpty() && !texts.contains(one))
+            texts.append(one);
+    }
+    return texts.join(" | ");
+}
+
+html_table card_table(const report_case &that_case, const device_join &join, const QList<joined_device> &devices)
+{
+    html_table table(u"cards"_s, u"Devices of the case"_s,
+                     u"What the sources know of each device, joined: within a source by UUID, across sources by public "
+                     "address or iCloud identifier. Several texts are separated by |."_s);
+    for (const joined_device &device : devices) {
+        QByteArrayList numbers;
+        for (const int source : device.sources)
+            numbers.append(QByteArray::number(that_case.sources.at(source).record.number));
+        table.begin_row();
+        table.add(u"device_name"_s, texts_of(join, device, &device_appearance::name));
+        table.add(u"address"_s, texts_of(join, device, &device_appearance::address));
+        table.add(u"uuid"_s, texts_of(join, device, &device_appearance::uuid));
+        table.add(u"sources"_s, numbers.join(", "));
+        table.add(u"rows"_s, std::optional<qint64>(device.appearances.size()));
+    }
+    return table;
+}
+
+} // namespace
+
+html_page::html_page(const report_case &that_case)
+    : facts(that_case)
+{
+    tables.insert(u"devices"_s, html_table(u"devices"_s, u"Devices seen (devices)"_s,
+                                           u"Each row of the result table \"devices\" as the plug-in wrote it; columns "
+                                           "that begin with host_ are the host's own reading of the evidence."_s));
+    tables.insert(u"paired_devices"_s,
+                  html_table(u"paired-devices"_s, u"Devices paired or in use (paired_devices)"_s,
+                             u"Each row of the result table \"paired_devices\" as the plug-in wrote it; columns that "
+                             "begin with host_ are the host's own reading of the evidence."_s));
+}
+
+void html_page::add(const report_row &row)
+{
+    html_table &table = tables.find(row.table).value();
+    table.begin_row();
+    table.add(u"source"_s, std::optional<qint64>(row.source.record.number));
+    table.add(u"source_name"_s, row.source.name.toUtf8());
+    row_counters &known = counters[row.table][row.source.record.number];
+    known.seen.append(counter_in(row, host_field::last_seen_time, "last_seen_time"_L1));
+    known.connected.append(counter_in(row, host_field::last_connection_time, "last_connection_time"_L1));
+    table.add(QString::fromLatin1(ranks_of_seen), std::optional<qint64>());
+    table.add(QString::fromLatin1(ranks_of_connected), std::optional<qint64>());
+    for (int column = 0; column < row.plugin.column_count(); ++column)
+        table.add(u"plugin_"_s + row.plugin.column_name(column), row.plugin.value_of(column));
+    table.add(u"last_seen_as_time"_s, plausible_time(known.seen.last()).toUtf8());
+    table.add(u"last_connection_as_time"_s, plausible_time(known.connected.last()).toUtf8());
+    const row_place &place = row.host.place();
+    table.add(u"host_file"_s, place.file);
+    table.add(u"host_table"_s, place.table);
+    table.add(u"host_rowid"_s, place.rowid);
+    table.add(u"host_line"_s, place.line);
+    table.add(u"host_offset"_s, place.offset);
+    for (std::size_t field = 0; field < host_field_names.size(); ++field)
+        table.add(u"host_"_s + host_field_names[field], row.host.value_of(host_field(field)));
+}
+
+void html_page::write(const QString &path, const device_join &join, const QList<joined_device> &devices,
+                      const QStringList &shortcomings) const
+{
+    QMap<QString, html_table> ranked = tables;
+    QByteArray pictures;
+    for (const QString &name : result_tables()) {
+        html_table &table = ranked.find(name).value();
+        qsizetype row = 0;
+        for (const report_source &source : facts.sources) {
+            const row_counters known = counters.value(name).value(source.record.number);
+            const QList<std::optional<qint64>> seen = ranks_of(known.seen);
+            const QList<std::optional<qint64>> connected = ranks_of(known.connected);
+            for (qsizetype i = 0; i < seen.size(); ++i, ++row) {
+                table.set(row, QString::fromLatin1(ranks_of_seen), seen.at(i));
+                table.set(row, QString::fromLatin1(ranks_of_connected), connected.at(i));
+            }
+            pictures += rank_picture(source, name, seen, connected);
+        }
+    }
+    const QList<html_table> windows{card_table(facts, join, devices), ranked.value(u"devices"_s, tables.first()),
+                                    ranked.value(u"paired_devices"_s, tables.first()), wal_table(facts)};
+
+    new_file file(path);
+    file.add(page_head());
+    file.add(summary_sections(facts, join, devices, shortcomings, windows));
+    for (const html_table &table : windows)
+        file.add(table.section());
+    file.add(picture_section(pictures));
+    file.add(limitations_section());
+    file.add("</main>\n<dialog id=\"row\" aria-labelledby=\"row-heading\"><h2 id=\"row-heading\">Row</h2><dl></dl>"
+             "<p><button type=\"button\" class=\"copy\">Copy this row</button> <button type=\"button\" "
+             "class=\"close\">Close</button> <span role=\"status\"></span></p></dialog>\n"
+             "<script type=\"application/json\" id=\"data\">{\"tables\":[");
+    bool is_first = true;
+    for (const html_table &table : windows) {
+        file.add(is_first ? "\n" : ",\n");
+        file.add(table.data());
+        is_first = false;
+    }
+    file.add("\n]}</script>\n<script>");
+    file.add(page_script);
+    file.add("</script>\n</body>\n</html>\n");
+    file.commit();
+}

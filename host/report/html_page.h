@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_REPORT_HTML_PAGE_H
+#define HOST_REPORT_HTML_PAGE_H
+
+#include "host/report/device_join.h"
+#include "host/report/html_table.h"
+#include "host/report/rank.h"
+#include "host/report/report_row.h"
+
+#include <QByteArray>
+#include <QMap>
+
+/** The counters of the rows of one table of one source, for their ranks. */
+struct row_counters
+{
+    QList<std::optional<qint64>> seen;
+    QList<std::optional<qint64>> connected;
+};
+
+/** Makes report.html: one file that needs nothing else and asks nobody for anything. */
+class html_page
+{
+public:
+    explicit html_page(const report_case &that_case);
+
+    /** Rows come table by table, and source by source in each. */
+    void add(const report_row &row);
+
+    void write(const QString &path, const device_join &join, const QList<joined_device> &devices,
+               const QStringList &shortcomings) const;
+
+private:
+    const report_case &facts;
+    QMap<QString, html_table> tables;
+    QMap<QString, QMap<int, row_counters>> counters; ///< by table and number of the source
+};
+
+#endif

@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/report_case.h"
+
+#include "host/case/manifest.h"
+#include "host/files/host_error.h"
+#include "host/files/json_file.h"
+#include "host/files/paths.h"
+#include "host/files/sha256.h"
+
+#include <QJsonArray>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 most_manifest_bytes = qint64(1) << 30;
+
+void add_source(report_case &result, const source_record &record)
+{
+    const QString fallback = u"Source"_s + QString::number(record.number);
+    result.sources.append({record, record.name.isEmpty() ? fallback : record.name});
+    if (record.status != source_status::done)
+        result.shortcomings.append(u"source "_s + QString::number(record.number) + u": "_s
+                                   + status_name(record.status));
+}
+
+void read_manifest(report_case &result)
+{
+    result.manifest_sha256 = sha256::of(read_whole_file(result.layout.manifest(), most_manifest_bytes));
+    QJsonObject manifest = read_json_file(result.layout.manifest());
+    if (manifest.value("format"_L1) != "bluetooth-logs manifest"_L1 || manifest.value("version"_L1) != 1)
+        throw host_error(exit_code::input,
+                         result.layout.manifest() + u" is no manifest of this version of the program"_s);
+    for (const QJsonValue &source : manifest.value("sources"_L1).toArray())
+        add_source(result, source_record::from_json(source.toObject()));
+    for (const int number : sources_unlike_manifest(result.layout, manifest))
+        result.shortcomings.append(u"source "_s + QString::number(number)
+                                   + u" is not what the manifest says: it was done anew and not yet collected"_s);
+    manifest.remove(u"sources"_s);
+    result.heading = manifest;
+}
+
+void read_records(report_case &result)
+{
+    const QList<int> numbers = recorded_sources(result.layout);
+    if (numbers.isEmpty())
+        throw host_error(exit_code::input, u"there is no case in "_s + result.layout.directory());
+    result.shortcomings.append(u"the case was not collected: it has no manifest"_s);
+    for (const int number : numbers)
+        add_source(result, read_source_record(result.layout, number).source);
+}
+
+} // namespace
+
+report_case read_report_case(const QString &directory)
+{
+    report_case result{case_layout(directory), {}, {}, {}, {}};
+    if (path_exists(result.layout.manifest()))
+        read_manifest(result);
+    else
+        read_records(result);
+    return result;
+}

@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_REPORT_REPORT_FILES_H
+#define HOST_REPORT_REPORT_FILES_H
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+enum class report_format { html, csv, tsv, jsonl };
+
+struct report_options
+{
+    QString case_directory; ///< absolute
+    QString output;         ///< absolute
+    QList<report_format> formats;
+    bool force = false;     ///< files of an earlier report may be replaced
+    bool raw_cells = false; ///< CSV and TSV: texts that look like formulas stay as they are
+    bool csv_bom = false;   ///< CSV and TSV: a byte order mark stands in front
+};
+
+struct report_outcome
+{
+    QStringList files;        ///< names in the output folder
+    QStringList shortcomings; ///< what the case or the report lacks, in plain words
+};
+
+/**
+ * Writes reports of a case into a folder, from the case alone: no evidence is opened. Throws host_error: input when
+ * there is no case, usage when a file is in the way or the folder lies in the evidence, internal_error when a file
+ * cannot be written.
+ */
+report_outcome write_report(const report_options &options);
+
+#endif
