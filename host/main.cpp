@@ -11,57 +11,79 @@
 #include <csignal>
 #include <variant>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
-exit_code run(const std::monostate &, const console &)
+exit_code run(const help_text &help, console &out)
 {
+    out.print(help.lines);
     return exit_code::done;
 }
 
-exit_code run(const sample_options &options, const console &out)
+exit_code run(const host_error &error, console &)
+{
+    throw error;
+}
+
+exit_code run(const sample_options &options, console &out)
 {
     return run_sample(options, out);
 }
 
-exit_code run(const extract_options &options, const console &out)
+exit_code run(const extract_options &options, console &out)
 {
+    std::signal(SIGPIPE, SIG_IGN); // of a worker that is gone
     return run_extract(options, out);
 }
 
-exit_code run(const collect_options &options, const console &out)
+exit_code run(const collect_options &options, console &out)
 {
-    return run_collect(options.case_directory, out);
+    return run_collect(options.directory, out);
 }
 
-exit_code run(const show_options &options, const console &out)
+exit_code run(const show_options &options, console &out)
 {
     return run_show(options, out);
 }
 
-exit_code run(const check_request &request, const console &out)
+exit_code run(const check_request &request, console &out)
 {
     return run_verify(request, out);
 }
 
-exit_code run(const report_options &options, const console &out)
+exit_code run(const report_options &options, console &out)
 {
     return run_report(options, out);
 }
 
-exit_code run_reporting_errors(int argc, char **argv)
+exit_code run_reporting_errors(const command_line &line)
 {
-    console_options output;
+    console out(line.output);
     try {
-        const command_line line = parse_command_line(argc, argv);
-        output = line.output;
-        const console out(output);
         const exit_code code = std::visit([&out](const auto &command) { return run(command, out); }, line.command);
-        if (!out.finish())
-            throw host_error(exit_code::internal_error, QStringLiteral("standard output cannot be written"));
-        return code;
+        if (out.finish())
+            return code;
+        out.error(u"standard output cannot be written"_s);
+        return code == exit_code::done ? exit_code::internal_error : code;
     } catch (const host_error &error) {
-        console(output).error(error.message());
+        out.error(error.message());
         return error.code();
+    }
+}
+
+/**
+ * Gives the three standard streams a file each where the caller closed them: the next file that is opened would take
+ * their place, and a message would go into it. These are opened the wrong way round, so that using them fails.
+ */
+void keep_standard_streams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) == -1)
+            ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY); // the lowest free number: this one
     }
 }
 
@@ -69,6 +91,7 @@ exit_code run_reporting_errors(int argc, char **argv)
 
 int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown one ends the process, and says so
 {
+    keep_standard_streams();
     if (argc == 2 && QLatin1StringView(argv[1]) == worker_argument)
         return run_worker();
     for (const char *variable : {"QT_FATAL_WARNINGS", "QT_FATAL_CRITICALS", "QT_LOGGING_RULES"})
@@ -76,6 +99,5 @@ int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown
     std::setlocale(LC_ALL, "C.UTF-8"); // evidence is Unicode, whatever the terminal claims
     int application_argc = 1;
     const QCoreApplication application(application_argc, argv);
-    std::signal(SIGPIPE, SIG_IGN); // of a worker that is gone; what cannot be printed is told by its stream
-    return int(run_reporting_errors(argc, argv));
+    return int(run_reporting_errors(parse_command_line(argc, argv)));
 }

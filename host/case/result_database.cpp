@@ -36,7 +36,10 @@ sqlite_database open_to_read(const QString &file)
     if (!QFileInfo(file).isFile())
         throw host_error(exit_code::input, u"there is no result database "_s + file);
     try {
-        return sqlite_database(file, sqlite_database::access::read_only);
+        sqlite_database database(file, sqlite_database::access::read_only);
+        database.distrust(); // a case may come from anywhere
+        database.execute("BEGIN");
+        return database;
     } catch (const sqlite_error &error) {
         throw host_error(exit_code::input,
                          u"the result database "_s + file + u" cannot be opened: "_s + error.message());
@@ -55,11 +58,9 @@ QStringList result_database::tables() const
 {
     QStringList names;
     try {
-        for (const QString &table : result_tables()) {
-            sqlite_statement statement(database, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?");
-            statement.bind(0, table);
-            if (statement.next())
-                names.append(table);
+        for (const macos_database *kind : macos_databases) {
+            if (database.has_table(kind->result_table))
+                names.append(kind->result_table);
         }
     } catch (const sqlite_error &error) {
         fail_to_read(u"the result database "_s + path, error);

@@ -9,7 +9,10 @@
 #include <QString>
 #include <QStringList>
 
-/** A result database that is there. Every function throws host_error (input) when the file cannot be read. */
+/**
+ * A result database that is there, read as it was when the first of it was read, whoever writes to it meanwhile. It may
+ * come from a stranger. Every function throws host_error (input) when the file cannot be read.
+ */
 class result_database
 {
 public:
@@ -23,11 +26,6 @@ public:
 
     /** A forward reading of all rows of one of its tables, in the order of their rowids. */
     sqlite_statement rows(const QString &table) const;
-
-    const sqlite_database &connection() const
-    {
-        return database;
-    }
 
 private:
     QString path;

@@ -27,7 +27,7 @@ QString numbers_text(const QList<int> &numbers)
 
 } // namespace
 
-void print_tally(const case_tally &tally, bool has_several_sources, const console &out)
+void print_tally(const case_tally &tally, bool has_several_sources, console &out)
 {
     if (has_several_sources) {
         QStringList parts;
@@ -41,9 +41,9 @@ void print_tally(const case_tally &tally, bool has_several_sources, const consol
     out.print_unless_quiet({u"Manifest  SHA-256 "_s + tally.manifest_sha256});
 }
 
-exit_code run_collect(const QString &directory, const console &out)
+exit_code run_collect(const QString &directory, console &out)
 {
-    const case_layout layout(absolute_path(directory, u"CASE"_s));
+    const case_layout layout(directory);
     if (!path_exists(layout.directory()))
         throw host_error(exit_code::input, u"there is no case "_s + layout.directory());
     const file_lock lock(layout.lock());

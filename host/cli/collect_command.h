@@ -8,9 +8,9 @@
 #include "host/cli/console.h"
 
 /** Makes the manifest of the case at @p directory from the records of its sources. Throws host_error. */
-exit_code run_collect(const QString &directory, const console &out);
+exit_code run_collect(const QString &directory, console &out);
 
 /** How the sources of a case ended, where there are several, and the hash of its manifest. */
-void print_tally(const case_tally &tally, bool has_several_sources, const console &out);
+void print_tally(const case_tally &tally, bool has_several_sources, console &out);
 
 #endif

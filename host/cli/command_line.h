@@ -7,6 +7,7 @@
 #include "host/cli/collect_command.h"
 #include "host/cli/console.h"
 #include "host/cli/extract_command.h"
+#include "host/cli/help_text.h"
 #include "host/cli/report_command.h"
 #include "host/cli/sample_command.h"
 #include "host/cli/show_command.h"
@@ -16,19 +17,20 @@
 
 struct collect_options
 {
-    QString case_directory;
+    QString directory; ///< absolute
 };
 
-/** What the examiner asked for. */
+/** What the examiner asked for, or what is wrong with it: a host_error (usage), for the console to tell. */
 struct command_line
 {
+    QStringList arguments; ///< as they were typed
     console_options output;
-    std::variant<std::monostate, sample_options, extract_options, show_options, collect_options, check_request,
-                 report_options>
-        command; ///< monostate: only help
+    std::variant<help_text, host_error, sample_options, extract_options, collect_options, check_request, report_options,
+                 show_options>
+        command;
 };
 
-/** Reads the arguments of main(). Prints help itself. Throws host_error (usage) with the reason in plain words. */
+/** Reads the arguments of main(). */
 command_line parse_command_line(int argc, char **argv);
 
 #endif

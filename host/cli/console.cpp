@@ -3,142 +3,104 @@
 
 #include "host/cli/console.h"
 
-#include "host/files/terminal_text.h"
+#include "host/cli/terminal_size.h"
 
 #include <cstdio>
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr const char *bold_color = "\033[1m";
-constexpr const char *error_color = "\033[1;31m";
-constexpr const char *warning_color = "\033[1;33m";
-constexpr const char *no_color = "\033[0m";
-constexpr const char *clear_line = "\r\033[K";
-constexpr const char *line_up = "\033[A";
-constexpr qsizetype usual_columns = 80;
-
-void write(FILE *stream, const QString &text)
+void write_line(FILE *stream, const terminal_text &line)
 {
-    const QByteArray bytes = text.toUtf8();
+    const QByteArray bytes = line.to_string().toUtf8() + '\n';
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
 }
 
-bool is_terminal(FILE *stream)
+bool is_terminal(int descriptor)
 {
-    return ::isatty(::fileno(stream)) == 1;
+    return ::isatty(descriptor) == 1;
 }
 
-QString colored(const char *color, const QString &text)
+bool is_dumb_terminal()
 {
-    return QLatin1StringView(color) + text + QLatin1StringView(no_color);
-}
-
-qsizetype terminal_columns()
-{
-    winsize size = {};
-    return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual_columns;
-}
-
-/** As much of a text as fits. */
-QString cut_to_width(const QString &text, qsizetype width)
-{
-    QString cut = text;
-    while (terminal_width(cut) > width)
-        cut.chop(1);
-    return cut;
+    return qgetenv("TERM") == "dumb";
 }
 
 /** https://no-color.org: set and not empty. */
 bool environment_allows_colors()
 {
-    return qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb";
+    return qEnvironmentVariableIsEmpty("NO_COLOR") && !is_dumb_terminal();
 }
 
 } // namespace
 
 console::console(const console_options &options)
     : is_quiet(options.quiet)
-    , has_progress(!options.quiet && !options.no_progress && is_terminal(stderr) && qgetenv("TERM") != "dumb")
+    , run_progress(!options.quiet && !options.no_progress && is_terminal(STDERR_FILENO) && !is_dumb_terminal())
 {
     const bool colors = !options.no_color && environment_allows_colors();
-    has_output_colors = colors && is_terminal(stdout);
-    has_error_colors = colors && is_terminal(stderr);
+    has_output_colors = colors && is_terminal(STDOUT_FILENO);
+    has_error_colors = colors && is_terminal(STDERR_FILENO);
 }
 
-void console::print(const QStringList &lines) const
+void console::print_line(const terminal_text &line)
 {
-    for (const QString &line : lines)
-        write(stdout, line + u'\n');
+    write_line(stdout, line);
 }
 
-void console::print_unless_quiet(const QStringList &lines) const
+void console::print(const terminal_texts &lines)
+{
+    for (const terminal_text &line : lines)
+        print_line(line);
+}
+
+void console::print_unless_quiet(const terminal_texts &lines)
 {
     if (!is_quiet)
         print(lines);
 }
 
-QString console::bold(const QString &text) const
+terminal_text console::bold(const terminal_text &text) const
 {
-    return has_output_colors ? colored(bold_color, text) : text;
+    return has_output_colors ? text.styled(terminal_style::bold) : text;
 }
 
-void console::error(const QString &text) const
+std::optional<qsizetype> console::columns() const
 {
-    message(error_color, "error"_L1, text);
+    return terminal_columns(STDOUT_FILENO);
 }
 
-void console::warning(const QString &text) const
+void console::error(const terminal_text &text)
 {
-    message(warning_color, "warning"_L1, text);
+    message(terminal_style::error, u"error:"_s, text);
 }
 
-void console::note(const QString &text) const
+void console::warning(const terminal_text &text)
+{
+    message(terminal_style::warning, u"warning:"_s, text);
+}
+
+void console::note(const terminal_text &text)
 {
     if (!is_quiet)
-        message(bold_color, "note"_L1, text);
+        message(terminal_style::bold, u"note:"_s, text);
 }
 
-void console::log_line(const QString &line) const
+void console::log_line(const terminal_text &line)
 {
-    write(stderr, terminal_text(line) + u'\n');
+    write_line(stderr, line);
 }
 
-void console::message(const char *color, QLatin1StringView kind, const QString &text) const
+void console::message(terminal_style style, const terminal_text &kind, const terminal_text &text)
 {
-    clear_progress();
-    const QString plain = kind + u':';
-    const QString label = has_error_colors ? colored(color, plain) : plain;
-    write(stderr, label + u' ' + terminal_text(text) + u'\n');
+    run_progress.clear();
+    write_line(stderr, (has_error_colors ? kind.styled(style) : kind) + u" "_s + text);
 }
 
-void console::show_progress(const QStringList &lines) const
-{
-    if (!has_progress)
-        return;
-    clear_progress();
-    const qsizetype width = terminal_columns() - 1;
-    QStringList shown;
-    for (const QString &line : lines)
-        shown.append(cut_to_width(terminal_text(line), width));
-    write(stderr, shown.join(u'\n'));
-    progress_lines = shown.size();
-}
-
-void console::clear_progress() const
-{
-    for (; progress_lines > 1; --progress_lines)
-        write(stderr, QString::fromLatin1(clear_line) + QString::fromLatin1(line_up));
-    if (progress_lines == 1)
-        write(stderr, QString::fromLatin1(clear_line));
-    progress_lines = 0;
-}
-
-bool console::finish() const
+bool console::finish()
 {
     return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
 }

@@ -4,14 +4,16 @@
 #ifndef HOST_CLI_CONSOLE_H
 #define HOST_CLI_CONSOLE_H
 
-#include <QString>
-#include <QStringList>
+#include "host/cli/progress_lines.h"
+#include "host/files/terminal_text.h"
+
+#include <optional>
 
 struct console_options
 {
     bool quiet = false;       ///< nothing but data, warnings and errors
     bool no_color = false;    ///< asked for; a stream that is no terminal has no colours anyway
-    bool no_progress = false; ///< other lines come on standard error all the time
+    bool no_progress = false; ///< verbose output already fills standard error
 };
 
 /** The program's two streams: data and results on standard output, everything about the run on standard error. */
@@ -20,36 +22,40 @@ class console
 public:
     explicit console(const console_options &options);
 
-    /** Lines for standard output, which may hold only what terminal_text() lets through. */
-    void print(const QStringList &lines) const;
+    /** Lines of data and results, on standard output. */
+    void print_line(const terminal_text &line);
+    void print(const terminal_texts &lines);
     /** The same, left out when the examiner asked for quiet. */
-    void print_unless_quiet(const QStringList &lines) const;
-    /** A line of a heading on standard output. */
-    QString bold(const QString &text) const;
+    void print_unless_quiet(const terminal_texts &lines);
+    /** The text as a heading on standard output. */
+    terminal_text bold(const terminal_text &text) const;
+    /** The columns that standard output has; none where it is no terminal. */
+    std::optional<qsizetype> columns() const;
 
-    /** Messages on standard error; any text may be in them. */
-    void error(const QString &message) const;
-    void warning(const QString &message) const;
-    void note(const QString &message) const;
+    /** Messages, on standard error. */
+    void error(const terminal_text &text);
+    void warning(const terminal_text &text);
+    void note(const terminal_text &text);
 
     /** A line of the plug-in's log, on standard error. */
-    void log_line(const QString &line) const;
+    void log_line(const terminal_text &line);
 
-    /** Replaces the lines that tell how far the run is; only on a terminal, and cut to its width. */
-    void show_progress(const QStringList &lines) const;
-    void clear_progress() const;
+    /** Tells how far a run has come; messages clear it. */
+    progress_lines &progress()
+    {
+        return run_progress;
+    }
 
-    /** False when something could not be written to standard output, a full disk for instance. */
-    bool finish() const;
+    /** Whether all lines reached standard output; a full disk takes none. */
+    bool finish();
 
 private:
-    void message(const char *color, QLatin1StringView kind, const QString &text) const;
+    void message(terminal_style style, const terminal_text &kind, const terminal_text &text);
 
     bool is_quiet;
-    bool has_progress;
     bool has_output_colors;
     bool has_error_colors;
-    mutable qsizetype progress_lines = 0;
+    progress_lines run_progress;
 };
 
 #endif

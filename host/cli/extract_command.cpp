@@ -5,14 +5,14 @@
 
 #include "host/cli/collect_command.h"
 
-exit_code run_extract(const extract_options &options, const console &out)
+exit_code run_extract(const extract_options &options, console &out)
 {
     const case_request &request = options.request;
     const qsizetype sources = request.only ? 1 : request.sources.size();
     const std::unique_ptr<run_observer> display =
         make_display({.source_count = sources, .jobs = request.jobs, .is_json = options.json_progress}, out);
     const case_tally tally = run_case(request, *display);
-    out.clear_progress();
+    out.progress().clear();
     if (!request.only)
         print_tally(tally, sources > 1, out);
     return tally.code();

@@ -18,6 +18,6 @@ struct extract_options
  * Extracts the sources into a case and tells what came of it. Nothing is touched before sources, case and plug-in are
  * known to be usable. Throws host_error when the run cannot begin.
  */
-exit_code run_extract(const extract_options &options, const console &out);
+exit_code run_extract(const extract_options &options, console &out);
 
 #endif

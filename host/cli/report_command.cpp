@@ -3,16 +3,14 @@
 
 #include "host/cli/report_command.h"
 
-#include "host/files/terminal_text.h"
-
 using namespace Qt::StringLiterals;
 
-exit_code run_report(const report_options &options, const console &out)
+exit_code run_report(const report_options &options, console &out)
 {
     const report_outcome outcome = write_report(options);
-    QStringList lines;
+    terminal_texts lines;
     for (const QString &name : outcome.files)
-        lines.append(u"Report    "_s + terminal_text(options.output + u'/' + name));
+        lines.append(u"Report    "_s + options.output + u'/' + name);
     out.print_unless_quiet(lines);
     for (const QString &text : outcome.shortcomings)
         out.warning(text);

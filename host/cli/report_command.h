@@ -9,6 +9,6 @@
 #include "host/report/report_files.h"
 
 /** Writes reports of a case. The code is partial when the case, or what was read of it, is not complete. */
-exit_code run_report(const report_options &options, const console &out);
+exit_code run_report(const report_options &options, console &out);
 
 #endif

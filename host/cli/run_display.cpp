@@ -3,8 +3,6 @@
 
 #include "host/cli/run_display.h"
 
-#include "host/files/terminal_text.h"
-
 #include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -44,7 +42,7 @@ QLatin1StringView weight_name(run_message::weight importance)
     return "error"_L1;
 }
 
-void tell(const console &out, const run_message &message, const QString &prefix)
+void tell(console &out, const run_message &message, const QString &prefix)
 {
     const QString text = prefix + message.text;
     switch (message.importance) {
@@ -63,10 +61,10 @@ QString kind_text(const source_request &request)
 }
 
 /** Where the result is and how many rows each table of this run got. */
-QStringList result_lines(const source_request &request, const source_outcome &outcome)
+terminal_texts result_lines(const source_request &request, const source_outcome &outcome)
 {
-    QStringList lines{u"Source  "_s + terminal_text(kind_text(request) + u": "_s + request.source.path),
-                      u"Result  "_s + terminal_text(request.layout().result_database())};
+    terminal_texts lines{u"Source  "_s + kind_text(request) + u": "_s + request.source.path,
+                         u"Result  "_s + request.layout().result_database()};
     for (const table_rows &rows : outcome.record.rows)
         lines.append(u"        "_s + rows.table.leftJustified(14) + u"  "_s
                      + rows_text(rows.stored).rightJustified(14));
@@ -80,8 +78,8 @@ QString result_line(const source_request &request, const source_outcome &outcome
     for (const table_rows &rows : outcome.record.rows)
         counts.append((rows.stored ? number_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
     return u"Source"_s + QString::number(request.number) + u"  "_s + status_name(outcome.record.status) + u"  "_s
-           + (counts.isEmpty() ? QString() : QString(counts.join(u", "_s) + u"  "_s))
-           + terminal_text(kind_text(request) + u": "_s + request.source.path);
+           + (counts.isEmpty() ? QString() : QString(counts.join(u", "_s) + u"  "_s)) + kind_text(request) + u": "_s
+           + request.source.path;
 }
 
 QString duration_text(qint64 seconds)
@@ -93,7 +91,7 @@ QString duration_text(qint64 seconds)
 class text_display : public run_observer
 {
 public:
-    text_display(const display_options &display, const console &console)
+    text_display(const display_options &display, console &console)
         : options(display)
         , out(console)
     {
@@ -140,7 +138,7 @@ public:
         ++sources_done;
         for (const table_rows &rows : outcome.record.rows)
             rows_stored += rows.stored.value_or(0);
-        out.clear_progress();
+        out.progress().clear();
         if (options.source_count == 1)
             out.print_unless_quiet(result_lines(request, outcome));
         else
@@ -158,7 +156,7 @@ private:
     }
 
     /** One source: what it does. Several: all of them in one line, then a line for each that runs. */
-    QStringList lines() const
+    terminal_texts lines() const
     {
         if (options.source_count == 1)
             return {u"Extracting: "_s + running.first()};
@@ -168,7 +166,7 @@ private:
             all += u", "_s
                    + duration_text(clock.elapsed() * (options.source_count - sources_done) / sources_done / 1000)
                    + u" left"_s;
-        QStringList result{all};
+        terminal_texts result{all};
         for (auto source = running.begin(); source != running.end(); ++source)
             result.append(u"  Source"_s + QString::number(source.key()) + u"  "_s + source.value());
         return result;
@@ -180,11 +178,11 @@ private:
             || (!is_important && since_last.isValid() && since_last.elapsed() < milliseconds_between_lines))
             return;
         since_last.start();
-        out.show_progress(lines());
+        out.progress().show(lines());
     }
 
     const display_options options;
-    const console &out;
+    console &out;
     QMap<int, QString> running; ///< what each source that runs does
     qint64 hashed = 0;
     qint64 rows_stored = 0;
@@ -268,7 +266,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<run_observer> make_display(const display_options &options, const console &out)
+std::unique_ptr<run_observer> make_display(const display_options &options, console &out)
 {
     if (options.is_json)
         return std::make_unique<json_display>(options);

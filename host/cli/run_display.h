@@ -21,6 +21,6 @@ struct display_options
  * What shows a run: of one source its result in full; of several a line for each that has ended, and on a terminal how
  * far all are; or one JSON object a line for programs (docs/progress.md).
  */
-std::unique_ptr<run_observer> make_display(const display_options &options, const console &out);
+std::unique_ptr<run_observer> make_display(const display_options &options, console &out);
 
 #endif

@@ -11,11 +11,11 @@
 
 struct sample_options
 {
-    QString directory;
+    QString directory; ///< absolute
     bool force = false;
 };
 
 /** Writes a synthetic source of each kind below a folder. Throws host_error, also when one is there already. */
-exit_code run_sample(const sample_options &options, const console &out);
+exit_code run_sample(const sample_options &options, console &out);
 
 #endif

@@ -3,168 +3,121 @@
 
 #include "host/cli/show_command.h"
 
-#include "host/case/case_layout.h"
-#include "host/case/result_database.h"
-#include "host/cli/text_table.h"
-#include "host/files/paths.h"
-#include "host/files/terminal_text.h"
+#include "host/case/stored_source.h"
 
 #include <QLocale>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QStringView null_mark = u"∅";
-constexpr QStringView empty_mark = u"\"\"";
-
-/** Columns that are the same in every row as a rule; they stand above the table when they are. */
-constexpr QLatin1StringView common_columns[] = {"bookmark"_L1, "os_scheme_display"_L1, "source_count_name"_L1,
-                                                "source_file"_L1};
-
-/** One column of a result table with all its values, ready for the terminal. */
-struct shown_column
+QString number_text(qint64 number)
 {
-    QString heading;
-    QStringList cells;
-    bool is_number = true; ///< all that is not NULL
-};
-
-/** A text whose first and last characters are seen, and which is no mark of ours. */
-QString shown_text(const QString &text)
-{
-    if (text.isEmpty())
-        return empty_mark.toString();
-    QString shown = terminal_text(text);
-    if (shown == null_mark || shown == empty_mark || shown.front() == u' ')
-        shown = terminal_escape(shown.at(0).unicode()) + shown.sliced(1);
-    if (shown.back() == u' ')
-        shown = shown.chopped(1) + terminal_escape(U' ');
-    return shown;
+    return QLocale(QLocale::English).toString(number);
 }
 
-void add_cell(shown_column &column, const sqlite_statement &row, int index)
+terminal_text legend()
 {
-    switch (row.column_type(index)) {
-    case sqlite_statement::type::null:
-        column.cells.append(null_mark.toString());
-        return;
-    case sqlite_statement::type::integer:
-        column.cells.append(QString::number(row.integer(index)));
-        return;
-    case sqlite_statement::type::real:
-        column.cells.append(QString::number(row.real(index), 'g', QLocale::FloatingPointShortest));
-        return;
-    case sqlite_statement::type::text:
-        column.cells.append(shown_text(row.text(index)));
-        break;
-    case sqlite_statement::type::blob:
-        column.cells.append(u"x'"_s + QString::fromLatin1(row.bytes(index).toByteArray().toHex()) + u'\'');
-        break;
+    return u"∅ is NULL, \"\" an empty text; "_s + terminal_text::escape(U'\x1b')
+           + u" stands for a character that is unseen or would act on the terminal, "_s + u"\\"_s
+           + u" for a backslash."_s;
+}
+
+QList<stored_source> chosen_sources(const show_options &options)
+{
+    const QList<stored_source> sources = stored_sources(options.place);
+    if (!options.source)
+        return sources;
+    QStringList names;
+    for (const stored_source &source : sources) {
+        if (source.name == u"Source"_s + QString::number(*options.source))
+            return {source};
+        names.append(source.name);
     }
-    column.is_number = false;
+    throw host_error(exit_code::usage, u"the case has no Source"_s + QString::number(*options.source) + u", only "_s
+                                           + names.join(u", "_s));
 }
 
-QList<shown_column> read_columns(const result_database &result, const QString &table)
+/** Prints sources one after the other, and at the end how many rows each table has. */
+class source_printer
 {
-    sqlite_statement row = result.rows(table);
-    QList<shown_column> columns;
-    for (int i = 0; i < row.column_count(); ++i)
-        columns.append({terminal_text(row.column_name(i)), {}, true});
-    try {
-        while (row.next()) {
-            for (int i = 0; i < row.column_count(); ++i)
-                add_cell(columns[i], row, i);
+public:
+    source_printer(const show_options &show, bool several_sources, console &console)
+        : options(show)
+        , has_several(several_sources)
+        , out(console)
+    {
+    }
+
+    void print(const stored_source &source)
+    {
+        if (has_several) {
+            out.print_line(out.bold(source.title()));
+            out.print_line({});
         }
-    } catch (const sqlite_error &error) {
-        throw host_error(exit_code::input,
-                         u"the table "_s + table + u" cannot be read to its end: "_s + error.message());
+        const result_database result(source.result_database);
+        for (const QString &table : chosen_tables(result, source)) {
+            const table_view view(result, table, options.most_rows);
+            const qint64 rows = options.most_rows ? result.row_count(table) : view.row_count();
+            counts.append(
+                (has_several ? source.name + u"  "_s : QString()) + table.leftJustified(14) + u"  "_s
+                + number_text(rows) + (rows == 1 ? u" row"_s : u" rows"_s)
+                + (rows > view.row_count() ? u", "_s + number_text(view.row_count()) + u" shown"_s : QString()));
+            if (view.row_count() == 0)
+                continue;
+            view.print(out, options.layout);
+            out.print_line({});
+        }
     }
-    return columns;
-}
 
-bool is_same_in_every_row(const shown_column &column)
-{
-    return std::all_of(column.cells.cbegin(), column.cells.cend(),
-                       [&column](const QString &cell) { return cell == column.cells.front(); });
-}
-
-bool stands_above(const shown_column &column)
-{
-    return is_same_in_every_row(column)
-           && std::find(std::begin(common_columns), std::end(common_columns), column.heading)
-                  != std::end(common_columns);
-}
-
-QStringList aligned_lines(const QList<shown_column> &columns)
-{
-    QStringList headings;
-    for (const shown_column &column : columns)
-        headings.append(column.heading);
-    text_table table(headings);
-    for (qsizetype i = 0; i < columns.size(); ++i) {
-        if (columns.at(i).is_number)
-            table.align_right(i);
+    void print_end()
+    {
+        out.print_line(legend());
+        out.print_line({});
+        out.print(counts);
     }
-    for (qsizetype row = 0; row < columns.front().cells.size(); ++row) {
-        QStringList cells;
-        for (const shown_column &column : columns)
-            cells.append(column.cells.at(row));
-        table.add_row(cells);
-    }
-    return table.lines();
-}
 
-/** What is the same in every row, the rows, and which columns hold nothing. */
-QStringList table_lines(const QList<shown_column> &columns)
-{
-    QStringList lines;
-    QStringList empty;
-    QList<shown_column> in_rows;
-    for (const shown_column &column : columns) {
-        if (is_same_in_every_row(column) && column.cells.front() == null_mark)
-            empty.append(column.heading);
-        else if (stands_above(column))
-            lines.append(u"  "_s + column.heading + u": "_s + column.cells.front());
-        else
-            in_rows.append(column);
+private:
+    QStringList chosen_tables(const result_database &result, const stored_source &source) const
+    {
+        const QStringList tables = result.tables();
+        if (options.table.isEmpty())
+            return tables;
+        if (!tables.contains(options.table))
+            throw host_error(exit_code::input, u"the result database "_s + source.result_database
+                                                   + u" holds no table "_s + options.table);
+        return {options.table};
     }
-    if (!lines.isEmpty())
-        lines.prepend(u"In every row:"_s);
-    if (!empty.isEmpty())
-        lines << u"∅ in every row: "_s + empty.join(u", "_s);
-    return lines << QString() << aligned_lines(in_rows);
-}
 
-QString row_count_line(const QString &table, qint64 rows)
-{
-    return table.leftJustified(14) + u"  "_s + QLocale(QLocale::English).toString(rows)
-           + (rows == 1 ? u" row"_s : u" rows"_s);
-}
+    const show_options &options;
+    bool has_several;
+    console &out;
+    terminal_texts counts;
+};
 
 } // namespace
 
-exit_code run_show(const show_options &options, const console &out)
+exit_code run_show(const show_options &options, console &out)
 {
-    const case_layout layout(absolute_path(options.case_directory, u"CASE"_s));
-    const result_database result(layout.source(layout.source_numbers().value(0, 1)).result_database());
-    QStringList counts;
-    const QStringList tables = options.table.isEmpty() ? result.tables() : QStringList{options.table};
-    for (const QString &table : tables) {
-        const QList<shown_column> columns = read_columns(result, table);
-        const qsizetype rows = columns.front().cells.size();
-        counts.append(row_count_line(table, rows));
-        if (rows == 0)
-            continue;
-        out.print({out.bold(table)});
-        out.print(table_lines(columns));
-        out.print({QString()});
+    const QList<stored_source> sources = chosen_sources(options);
+    exit_code code = exit_code::done;
+    source_printer printer(options, sources.size() > 1, out);
+    for (const stored_source &source : sources) {
+        if (!source.is_complete())
+            code = exit_code::partial;
+        if (!source.reservation().isEmpty())
+            out.warning(source.reservation());
+        if (source.is_locked)
+            continue; // a reader could keep the run from writing
+        try {
+            printer.print(source);
+        } catch (const host_error &error) {
+            if (sources.size() == 1)
+                throw;
+            out.error(source.name + u": "_s + error.message());
+            code = exit_code::partial;
+        }
     }
-    out.print({u"∅ is NULL, \"\" an empty text; \\u{1b} stands for a character that is unseen or would act on the "
-               "terminal, \\\\ for a backslash."_s,
-               QString()});
-    out.print(counts);
-    return exit_code::done;
+    printer.print_end();
+    return code;
 }

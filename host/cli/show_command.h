@@ -5,17 +5,26 @@
 #define HOST_CLI_SHOW_COMMAND_H
 
 #include "host/cli/console.h"
+#include "host/cli/table_view.h"
 #include "host/files/host_error.h"
 
 #include <QString>
 
+#include <optional>
+
 struct show_options
 {
-    QString case_directory;
-    QString table; ///< empty: every table
+    QString place;                   ///< absolute; a case's folder, or a result database
+    std::optional<qint64> source;    ///< the number; none: every source
+    QString table;                   ///< empty: every table
+    std::optional<qint64> most_rows; ///< of each table; none: all of them
+    row_layout layout = row_layout::automatic;
 };
 
-/** Prints the rows of a case's result database. Throws host_error when there are none to be had. */
-exit_code run_show(const show_options &options, const console &out);
+/**
+ * Prints the rows of a case's result databases. What stands between them and the whole of the evidence is told as
+ * warnings; partial where a source is incomplete. Throws host_error (input) when there are no rows to be had.
+ */
+exit_code run_show(const show_options &options, console &out);
 
 #endif

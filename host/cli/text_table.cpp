@@ -3,8 +3,6 @@
 
 #include "host/cli/text_table.h"
 
-#include "host/files/terminal_text.h"
-
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -16,46 +14,44 @@ constexpr QLatin1StringView column_gap("  ");
 
 } // namespace
 
-text_table::text_table(const QStringList &texts)
-    : headings(texts)
-    , right_aligned(texts.size(), false)
+void text_table::add_column(const terminal_text &heading, qsizetype width, bool is_right_aligned)
 {
-    for (const QString &heading : texts)
-        widths.append(terminal_width(heading));
+    columns.append({.heading = heading,
+                    .width = std::max(heading.width(), std::min(width, widest_column)),
+                    .is_right_aligned = is_right_aligned});
 }
 
-void text_table::add_row(const QStringList &cells)
+qsizetype text_table::width() const
 {
-    for (qsizetype i = 0; i < cells.size(); ++i)
-        widths[i] = std::clamp(terminal_width(cells.at(i)), widths.at(i), std::max(widths.at(i), widest_column));
-    rows.append(cells);
+    qsizetype width = 0;
+    for (const column_form &column : columns)
+        width += column_gap.size() + column.width;
+    return width;
 }
 
-void text_table::align_right(qsizetype column)
+terminal_texts text_table::heading_lines() const
 {
-    right_aligned[column] = true;
+    terminal_texts headings;
+    terminal_texts rules;
+    for (const column_form &column : columns) {
+        headings.append(column.heading);
+        rules.append(QString(column.width, u'─'));
+    }
+    return {line(headings), line(rules)};
 }
 
-QStringList text_table::lines() const
+terminal_text text_table::line(const terminal_texts &cells) const
 {
-    QStringList rules;
-    for (const qsizetype width : widths)
-        rules.append(QString(width, u'─'));
-
-    QStringList result{line(headings), line(rules)};
-    for (const QStringList &row : rows)
-        result.append(line(row));
-    return result;
-}
-
-QString text_table::line(const QStringList &cells) const
-{
-    QString result;
-    for (qsizetype i = 0; i < cells.size(); ++i) {
-        const bool is_last = i + 1 == cells.size();
-        const QString padding(std::max<qsizetype>(0, widths.at(i) - terminal_width(cells.at(i))), u' ');
+    terminal_text result;
+    for (qsizetype i = 0; i < columns.size(); ++i) {
+        const column_form &column = columns.at(i);
+        const bool is_last = i + 1 == columns.size();
+        const terminal_text padding(QString(std::max<qsizetype>(0, column.width - cells.at(i).width()), u' '));
         result += column_gap;
-        result += right_aligned.at(i) ? padding + cells.at(i) : cells.at(i) + (is_last ? QString() : padding);
+        if (column.is_right_aligned)
+            result += padding + cells.at(i);
+        else
+            result += is_last ? cells.at(i) : cells.at(i) + padding;
     }
     return result;
 }

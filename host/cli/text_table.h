@@ -4,32 +4,34 @@
 #ifndef HOST_CLI_TEXT_TABLE_H
 #define HOST_CLI_TEXT_TABLE_H
 
-#include <QList>
-#include <QString>
-#include <QStringList>
+#include "host/files/terminal_text.h"
 
-/** Rows of texts that are safe for a terminal, aligned in columns by the width they take there. */
+#include <QList>
+
+/** The form of a table whose rows are printed one by one, aligned in columns by the width they take on a terminal. */
 class text_table
 {
 public:
-    explicit text_table(const QStringList &headings);
+    /** Adds a column whose cells take at most @p width; its heading may take more. */
+    void add_column(const terminal_text &heading, qsizetype width, bool is_right_aligned);
 
-    /** One cell for each heading. */
-    void add_row(const QStringList &cells);
+    /** The columns of a terminal that a line takes. A longer cell than any column only pushes its row on. */
+    qsizetype width() const;
 
-    /** The cells of this column, and its heading, stand at its right edge. */
-    void align_right(qsizetype column);
+    /** The headings and a line below them. */
+    terminal_texts heading_lines() const;
 
-    /** The headings, a line below them, and the rows. Nothing is cut: a very long cell only pushes its row on. */
-    QStringList lines() const;
+    /** A row. Nothing is cut. */
+    terminal_text line(const terminal_texts &cells) const;
 
 private:
-    QString line(const QStringList &cells) const;
-
-    QStringList headings;
-    QList<QStringList> rows;
-    QList<qsizetype> widths;
-    QList<bool> right_aligned;
+    struct column_form
+    {
+        terminal_text heading;
+        qsizetype width = 0;
+        bool is_right_aligned = false;
+    };
+    QList<column_form> columns;
 };
 
 #endif

@@ -28,7 +28,7 @@ QString verdict(const check_outcome &outcome, const check_request &request)
 
 } // namespace
 
-exit_code run_verify(const check_request &request, const console &out)
+exit_code run_verify(const check_request &request, console &out)
 {
     const check_outcome outcome = check_case(request);
     for (const QString &note : outcome.notes)

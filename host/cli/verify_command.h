@@ -8,6 +8,6 @@
 #include "host/run/case_check.h"
 
 /** Compares a case with its manifest and tells what is different. Throws host_error. */
-exit_code run_verify(const check_request &request, const console &out);
+exit_code run_verify(const check_request &request, console &out);
 
 #endif

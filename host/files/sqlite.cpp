@@ -13,15 +13,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 longest_statement = 300'000; // milliseconds
-constexpr int steps_between_looks = 100000;   // of SQLite's virtual machine: some milliseconds
-constexpr int busy_timeout = 2000;            // milliseconds
+using steady_clock = std::chrono::steady_clock;
 
-qint64 steady_milliseconds()
-{
-    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
+constexpr std::chrono::minutes longest_work(5);
+constexpr int steps_between_looks = 100000; // of SQLite's virtual machine: some milliseconds
+constexpr int busy_timeout = 2000;          // milliseconds
 
 [[noreturn]] void fail(sqlite3 *database, int result)
 {
@@ -41,6 +37,7 @@ int authorize_reading(void *, int action, const char *, const char *name, const 
     switch (action) {
     case SQLITE_SELECT:
     case SQLITE_READ:
+    case SQLITE_TRANSACTION: // only the host's own statements begin one
         return SQLITE_OK;
     case SQLITE_FUNCTION:
         // Those that the host's own queries call.
@@ -50,10 +47,43 @@ int authorize_reading(void *, int action, const char *, const char *name, const 
     }
 }
 
-int is_past(void *deadline)
+} // namespace
+
+/** How long SQLite may still work for one connection. */
+struct sqlite_time_limit
 {
-    return steady_milliseconds() > *static_cast<const qint64 *>(deadline);
+    steady_clock::duration left = longest_work;
+    steady_clock::time_point end; ///< of the step that goes on
+};
+
+namespace {
+
+int is_past(void *limit)
+{
+    return steady_clock::now() > static_cast<const sqlite_time_limit *>(limit)->end;
 }
+
+/** Counts the time of one step. */
+class counted_step
+{
+public:
+    explicit counted_step(sqlite_time_limit *time_limit)
+        : limit(time_limit)
+    {
+        if (limit)
+            limit->end = steady_clock::now() + limit->left;
+    }
+    ~counted_step()
+    {
+        if (limit)
+            limit->left = limit->end - steady_clock::now();
+    }
+    counted_step(const counted_step &) = delete;
+    counted_step &operator=(const counted_step &) = delete;
+
+private:
+    sqlite_time_limit *limit;
+};
 
 } // namespace
 
@@ -82,8 +112,13 @@ sqlite_database::sqlite_database(const QString &file, access mode)
     sqlite3_busy_timeout(opened, busy_timeout);
 }
 
+sqlite_database::sqlite_database(sqlite_database &&other) noexcept = default;
+
+sqlite_database::~sqlite_database() = default;
+
 void sqlite_database::execute(const char *statements)
 {
+    const counted_step step(time_limit.get());
     const int result = sqlite3_exec(handle(), statements, nullptr, nullptr, nullptr);
     if (result != SQLITE_OK)
         fail(handle(), result);
@@ -95,12 +130,12 @@ void sqlite_database::distrust()
     sqlite3_db_config(handle(), SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(handle(), SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     execute("PRAGMA cell_size_check=ON; PRAGMA mmap_size=0; PRAGMA temp_store=MEMORY");
-    deadline = std::make_unique<qint64>(steady_milliseconds() + longest_statement);
-    sqlite3_progress_handler(handle(), steps_between_looks, is_past, deadline.get());
+    time_limit = std::make_unique<sqlite_time_limit>();
+    sqlite3_progress_handler(handle(), steps_between_looks, is_past, time_limit.get());
     sqlite3_set_authorizer(handle(), authorize_reading, nullptr);
 }
 
-bool sqlite_database::has_table(QLatin1StringView name)
+bool sqlite_database::has_table(QLatin1StringView name) const
 {
     sqlite_statement statement(*this, "SELECT type, rootpage FROM sqlite_master WHERE name = ? COLLATE NOCASE");
     statement.bind(0, QString(name));
@@ -115,7 +150,9 @@ bool sqlite_database::has_table(QLatin1StringView name)
 
 sqlite_statement::sqlite_statement(const sqlite_database &database, const QByteArray &sql)
     : statement(nullptr, sqlite3_finalize)
+    , time_limit(database.time_limit.get())
 {
+    const counted_step step(time_limit);
     sqlite3_stmt *prepared = nullptr;
     const int result = sqlite3_prepare_v2(database.handle(), sql.constData(), int(sql.size()), &prepared, nullptr);
     statement.reset(prepared);
@@ -148,6 +185,7 @@ void sqlite_statement::bind(int parameter, const QString &value)
 
 bool sqlite_statement::next()
 {
+    const counted_step step(time_limit);
     const int result = sqlite3_step(statement.get());
     if (result != SQLITE_ROW && result != SQLITE_DONE)
         fail(sqlite3_db_handle(statement.get()), result);

@@ -41,6 +41,8 @@ private:
     QString text;
 };
 
+struct sqlite_time_limit;
+
 /** An open database file. Every function throws sqlite_error. */
 class sqlite_database
 {
@@ -53,14 +55,17 @@ public:
     };
 
     sqlite_database(const QString &file, access mode);
+    sqlite_database(sqlite_database &&other) noexcept;
+    ~sqlite_database();
 
     /** Runs statements that give no rows. */
     void execute(const char *statements);
 
     /**
      * For a file that a stranger wrote, before anything is read from it: whatever its schema names, only rows of
-     * tables are read, no statement runs for longer than some minutes, and no value may be larger than SQLite's
-     * usual limit. https://www.sqlite.org/security.html
+     * tables are read, SQLite works no longer than some minutes on all of them (what the caller does with a row in
+     * the meantime does not count), and no value may be larger than SQLite's usual limit.
+     * https://www.sqlite.org/security.html
      */
     void distrust();
 
@@ -68,7 +73,7 @@ public:
      * Whether @p name is an ordinary table: a view or a virtual table would run what the file's author put into it.
      * Letter case is ignored, as SQLite does for names.
      */
-    bool has_table(QLatin1StringView name);
+    bool has_table(QLatin1StringView name) const;
 
     sqlite3 *handle() const
     {
@@ -76,8 +81,10 @@ public:
     }
 
 private:
+    friend class sqlite_statement;
+
     std::unique_ptr<sqlite3, int (*)(sqlite3 *)> database;
-    std::unique_ptr<qint64> deadline; ///< in milliseconds of the steady clock; read by the progress handler
+    std::unique_ptr<sqlite_time_limit> time_limit; ///< none before distrust()
 };
 
 /** A statement and the row that it stands at. Parameters and columns count from 0 here. Throws sqlite_error. */
@@ -123,6 +130,7 @@ private:
     void check(int result) const;
 
     std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt *)> statement;
+    sqlite_time_limit *time_limit; ///< of the database, which outlives its statements
 };
 
 #endif

@@ -86,15 +86,110 @@ private:
     char32_t previous = 0;
 };
 
-} // namespace
+bool is_printable_ascii(QChar character)
+{
+    return character >= u' ' && character <= u'~';
+}
 
-QString terminal_escape(char32_t character)
+QString escape_of(char32_t character)
 {
     return u"\\u{"_s + QString::number(uint(character), 16) + u'}';
 }
 
-QString terminal_text(const QString &text)
+/** What a terminal draws as one character. */
+struct piece
 {
+    qsizetype size = 0; ///< in code units
+    qsizetype columns = 0;
+};
+
+QList<piece> pieces_of(const QString &text)
+{
+    QList<piece> pieces;
+    utf8proc_int32_t state = 0;
+    utf8proc_int32_t previous = -1;
+    const QList<uint> characters = text.toUcs4();
+    for (const char32_t character : characters) {
+        const auto next = utf8proc_int32_t(character);
+        if (previous == -1 || utf8proc_grapheme_break_stateful(previous, next, &state))
+            pieces.append(piece());
+        previous = next;
+        const int columns = character == emoji_selector ? 2 : utf8proc_charwidth(next);
+        pieces.last().columns = std::min<qsizetype>(2, pieces.last().columns + columns);
+        pieces.last().size += QChar::requiresSurrogates(character) ? 2 : 1;
+    }
+    return pieces;
+}
+
+QLatin1StringView sequence_of(terminal_style style)
+{
+    switch (style) {
+    case terminal_style::bold:
+        return "\033[1m"_L1;
+    case terminal_style::error:
+        return "\033[1;31m"_L1;
+    case terminal_style::warning:
+        return "\033[1;33m"_L1;
+    }
+    return {};
+}
+
+} // namespace
+
+terminal_text terminal_text::escape(char32_t character)
+{
+    return ascii(escape_of(character));
+}
+
+terminal_text terminal_text::ascii(const QString &text)
+{
+    terminal_text result;
+    const QList<uint> characters = text.toUcs4();
+    for (const uint character : characters) {
+        if (character < 128 && is_printable_ascii(QChar(character)))
+            result.safe += QChar(character);
+        else
+            result.safe += escape_of(character);
+    }
+    return result;
+}
+
+terminal_text terminal_text::styled(terminal_style style) const
+{
+    terminal_text result;
+    result.safe = sequence_of(style) + safe + "\033[0m"_L1;
+    return result;
+}
+
+qsizetype terminal_text::width() const
+{
+    if (std::all_of(safe.cbegin(), safe.cend(), is_printable_ascii))
+        return safe.size();
+    qsizetype width = 0;
+    for (const piece &next : pieces_of(safe))
+        width += next.columns;
+    return width;
+}
+
+terminal_text terminal_text::first_columns(qsizetype columns) const
+{
+    qsizetype size = 0;
+    for (const piece &next : pieces_of(safe)) {
+        columns -= next.columns;
+        if (columns < 0)
+            break;
+        size += next.size;
+    }
+    terminal_text result;
+    result.safe = safe.first(size);
+    return result;
+}
+
+QString terminal_text::escaped(const QString &text)
+{
+    const auto stays = [](QChar character) { return is_printable_ascii(character) && character != u'\\'; };
+    if (std::all_of(text.cbegin(), text.cend(), stays))
+        return text;
     const QList<uint> characters = text.toUcs4();
     visibility visible;
     QString result;
@@ -102,7 +197,7 @@ QString terminal_text(const QString &text)
     for (qsizetype i = 0; i < characters.size(); ++i) {
         const char32_t character = characters.at(i);
         if (!visible.shows(character, characters.value(i + 1)))
-            result += terminal_escape(character);
+            result += escape_of(character);
         else if (character == U'\\')
             result += u"\\\\"_s;
         else
@@ -111,22 +206,10 @@ QString terminal_text(const QString &text)
     return result;
 }
 
-qsizetype terminal_width(const QString &text)
+terminal_text joined(const terminal_texts &texts, const terminal_text &separator)
 {
-    qsizetype width = 0;
-    qsizetype cluster = 0; // what the terminal draws as one character takes two columns at the most
-    utf8proc_int32_t state = 0;
-    utf8proc_int32_t previous = -1;
-    const QList<uint> characters = text.toUcs4();
-    for (const uint value : characters) {
-        const auto character = utf8proc_int32_t(value);
-        if (previous == -1 || utf8proc_grapheme_break_stateful(previous, character, &state)) {
-            width += cluster;
-            cluster = 0;
-        }
-        const int columns = char32_t(value) == emoji_selector ? 2 : utf8proc_charwidth(character);
-        cluster = std::min<qsizetype>(2, cluster + columns);
-        previous = character;
-    }
-    return width + cluster;
+    terminal_text result;
+    for (qsizetype i = 0; i < texts.size(); ++i)
+        result += i == 0 ? texts.at(i) : separator + texts.at(i);
+    return result;
 }

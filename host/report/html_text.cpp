@@ -28,7 +28,7 @@ QString whole_text(QByteArrayView bytes)
     if (!bytes.isValidUtf8())
         return u"x'"_s + QString::fromLatin1(bytes.toByteArray().toHex()) + u'\'';
     const QString text = QString::fromUtf8(bytes);
-    return is_plain(bytes) ? text : terminal_text(text);
+    return is_plain(bytes) ? text : terminal_text(text).to_string();
 }
 
 QString number_text(const sqlite_statement::cell &value)
@@ -84,7 +84,7 @@ QByteArray escaped(const QString &shown)
 
 QByteArray html_text(const QString &text)
 {
-    return escaped(terminal_text(text));
+    return escaped(terminal_text(text).to_string());
 }
 
 QByteArray html_evidence(QByteArrayView bytes)

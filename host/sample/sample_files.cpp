@@ -4,16 +4,9 @@
 #include "host/files/host_error.h"
 #include "host/sample/sample_parts.h"
 
-#include <QDir>
 #include <QFile>
 
 using namespace Qt::StringLiterals;
-
-void make_sample_folder(const QString &folder)
-{
-    if (!QDir().mkpath(folder))
-        throw host_error(exit_code::internal_error, u"the folder cannot be made: "_s + folder);
-}
 
 void write_sample_file(const QString &path, const QByteArray &content)
 {

@@ -5,12 +5,13 @@
 #define HOST_SAMPLE_SAMPLE_PARTS_H
 
 #include <QByteArray>
+#include <QLatin1StringView>
 #include <QString>
 
-/** The parts of a synthetic source. Each gives the same bytes whenever it is written. All throw host_error. */
-
-/** Makes a folder with its parents. */
-void make_sample_folder(const QString &folder);
+/**
+ * The parts of a synthetic source. Each gives the same bytes whenever it is written, into a folder that is there. All
+ * throw host_error.
+ */
 
 /** Writes a file that must not exist yet. */
 void write_sample_file(const QString &path, const QByteArray &content);
@@ -24,7 +25,14 @@ void write_preferences_plist(const QString &path);
 /** An iOS system log with some lines about Bluetooth. */
 void write_ios_log(const QString &path);
 
-/** A folder that looks like a Windows volume. */
-void write_windows_folder(const QString &folder);
+/** Files that make a folder look like a Windows volume, relative to it. */
+inline constexpr QLatin1StringView windows_sample_files[] = {
+    QLatin1StringView("Users/anna/NTUSER.DAT"),
+    QLatin1StringView("Windows/System32/config/SOFTWARE"),
+    QLatin1StringView("Windows/System32/config/SYSTEM"),
+};
+
+/** Writes them below @p folder, which ends with "/". */
+void write_windows_files(const QString &folder);
 
 #endif

@@ -38,6 +38,14 @@ host_result host_program::run(const QStringList &arguments) const
     return finish(process);
 }
 
+host_result host_program::run_in_shell(const QString &arguments, const QString &before, const QString &runner) const
+{
+    QProcess process;
+    prepare(process);
+    process.start(u"/bin/sh"_s, {u"-c"_s, before + u'\n' + runner + u'\'' + program_file() + u"' "_s + arguments});
+    return finish(process);
+}
+
 void host_program::write_sample() const
 {
     const host_result result = run({u"sample"_s, u"sample"_s});
@@ -47,10 +55,15 @@ void host_program::write_sample() const
 
 void host_program::start(QProcess &process, const QStringList &arguments) const
 {
+    prepare(process);
+    process.start(program_file(), arguments);
+}
+
+void host_program::prepare(QProcess &process) const
+{
     process.setWorkingDirectory(directory.path());
     process.setProcessEnvironment(environment_without_display(directory.path()));
     process.setStandardInputFile(QProcess::nullDevice());
-    process.start(program_file(), arguments);
 }
 
 host_result host_program::finish(QProcess &process)

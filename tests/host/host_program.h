@@ -25,6 +25,12 @@ public:
 
     host_result run(const QStringList &arguments) const;
 
+    /**
+     * The same with arguments as a shell reads them. @p before are commands of the shell's that come before it, and
+     * @p runner, if any, ends with a blank and runs the program.
+     */
+    host_result run_in_shell(const QString &arguments, const QString &before = {}, const QString &runner = {}) const;
+
     /** Writes a sample into "sample" below the working directory. Ends the test program on failure. */
     void write_sample() const;
 
@@ -42,6 +48,8 @@ public:
     static QString waiting_plugin_file();
 
 private:
+    void prepare(QProcess &process) const;
+
     QTemporaryDir directory;
 };
 

@@ -26,6 +26,10 @@ private Q_SLOTS:
     void log_holds_what_the_extractor_looks_for();
     void a_sample_is_replaced_only_on_request();
     void what_is_no_sample_is_never_removed();
+    void force_keeps_what_it_did_not_write();
+    void nothing_is_removed_through_a_link();
+    void leftovers_of_a_killed_run_go();
+    void printed_lines_can_be_pasted();
 };
 
 namespace {
@@ -158,6 +162,71 @@ void test_sample::what_is_no_sample_is_never_removed()
     QCOMPARE(refused.errors, u"error: this stands in the way, and it is no sample of this program: "_s
                                  + host.path(u"case/macos"_s) + u'\n');
     QVERIFY(QDir(host.path(u"case/macos/Library"_s)).exists());
+}
+
+void test_sample::force_keeps_what_it_did_not_write()
+{
+    const host_program host;
+    host.write_sample();
+    const QMap<QString, QByteArray> first = hashes(host.path(u"sample"_s));
+    QVERIFY(QDir().mkpath(host.path(u"sample/ios/old/logs"_s)));
+    for (const QString &name : {u"macos/Library/notes.txt"_s, u"ios/old/logs/a.log"_s, u"mine.txt"_s})
+        QVERIFY(QFile(host.path(u"sample/"_s + name)).open(QIODevice::WriteOnly));
+
+    const host_result result = host.run({u"sample"_s, u"sample"_s, u"--force"_s});
+    QCOMPARE(result.exit_code, 0);
+    const QString stays = u"note: this is not of the earlier sample and stays: "_s + host.path(u"sample/"_s);
+    QCOMPARE(result.errors, stays + u"ios/old\n"_s + stays + u"macos/Library/notes.txt\n"_s);
+    QMap<QString, QByteArray> now = hashes(host.path(u"sample"_s));
+    for (const QString &name : {u"/macos/Library/notes.txt"_s, u"/ios/old/logs/a.log"_s, u"/mine.txt"_s})
+        QCOMPARE(now.remove(name), 1);
+    QCOMPARE(now, first);
+}
+
+void test_sample::nothing_is_removed_through_a_link()
+{
+    const host_program host;
+    host.write_sample();
+    QVERIFY(QDir().rename(host.path(u"sample/ios"_s), host.path(u"elsewhere"_s)));
+    QVERIFY(QFile::link(host.path(u"elsewhere"_s), host.path(u"sample/ios"_s)));
+    const QMap<QString, QByteArray> before = hashes(host.path(u"."_s));
+    const host_result result = host.run({u"sample"_s, u"sample"_s, u"--force"_s});
+    QCOMPARE(result.exit_code, 2);
+    QCOMPARE(result.errors, u"error: this stands in the way, and it is no sample of this program: "_s
+                                + host.path(u"sample/ios"_s) + u'\n');
+    QCOMPARE(hashes(host.path(u"."_s)), before);
+}
+
+void test_sample::leftovers_of_a_killed_run_go()
+{
+    const host_program host;
+    host.write_sample();
+    const QMap<QString, QByteArray> first = hashes(host.path(u"sample"_s));
+    for (const QString &ending : {u"-wal"_s, u"-shm"_s, u"-journal"_s}) {
+        QFile file(
+            host.path(u"sample/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s + ending));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("left") == 4);
+    }
+    const host_result result = host.run({u"sample"_s, u"sample"_s, u"--force"_s});
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(hashes(host.path(u"sample"_s)), first);
+}
+
+void test_sample::printed_lines_can_be_pasted()
+{
+    const host_program host;
+    const host_result sample = host.run({u"sample"_s, u"it's a 🎧 sample"_s});
+    QCOMPARE(sample.exit_code, 0);
+    QStringList lines = sample.output.split(u'\n', Qt::SkipEmptyParts);
+    QCOMPARE(lines.takeFirst(), QString(u"A synthetic sample is in "_s + host.path(u"it's a 🎧 sample"_s)));
+    QCOMPARE(lines.takeFirst(), u"To extract it and to see its rows:"_s);
+    QCOMPARE(lines.size(), 5);
+    for (const QString &line : std::as_const(lines)) {
+        const host_result result = host.run_in_shell(u"--version >/dev/null"_s, line);
+        QVERIFY2(result.exit_code == 0 && !result.errors.contains(u"error"_s),
+                 qPrintable(line + u'\n' + result.output + result.errors));
+        QVERIFY2(!result.output.isEmpty(), qPrintable(line));
+    }
 }
 
 QTEST_GUILESS_MAIN(test_sample)

@@ -24,8 +24,6 @@ private Q_SLOTS:
     void refusal();
     void case_reached_by_a_link();
     void source_that_may_not_be_read();
-    void help_is_no_error_data();
-    void help_is_no_error();
 
 private:
     host_program host;
@@ -57,14 +55,6 @@ void test_extract_refusals::refusal_data()
     QTest::addColumn<QString>("message"); // $ stands for the working directory
 
     // clang-format off
-    QTest::newRow("no command")          << u""_s                                             << 2 << u"one of the commands sample, extract, collect, verify, report and show is needed (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("unknown command")     << u"extrakt"_s                                      << 2 << u"one of the commands sample, extract, collect, verify, report and show is needed (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("no case")             << u"extract -i sample/macos"_s                      << 2 << u"--output is required (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("unknown table")       << u"extract -i sample/macos -o c --table x"_s       << 2 << u"--table: x not in {devices,paired_devices} (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("unknown engine")      << u"extract -i sample/macos -o c --engine 0"_s      << 2 << u"--engine: 0 not in {KALDO_DESK,KALDO_FIELD,KALDO_BOOT} (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("wrong zone")          << u"extract -i sample/macos -o c --timezone-offset 5h"_s << 2 << u"--timezone-offset: must look like +05:30, -08:00 or 19800 (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("seconds out of range") << u"extract -i sample/macos -o c --timezone-offset -50401"_s << 2 << u"--timezone-offset: must look like +05:30, -08:00 or 19800 (bluetooth-logs --help tells more)"_s;
-    QTest::newRow("zone out of range")   << u"extract -i sample/macos -o c --timezone-offset +14:01"_s << 2 << u"--timezone-offset: must look like +05:30, -08:00 or 19800 (bluetooth-logs --help tells more)"_s;
     QTest::newRow("iOS, other engine")   << u"extract -i sample/ios/system.log -o c --engine KALDO_FIELD"_s << 2 << u"iOS sources are extracted with the engine KALDO_DESK only"_s;
     QTest::newRow("case is the source")  << u"extract -i sample/macos -o sample/macos"_s      << 2 << u"the case lies inside the source, where nothing may be written: $/sample/macos"_s;
     QTest::newRow("case in the source")  << u"extract -i sample/macos -o sample/macos/new/case"_s << 2 << u"the case lies inside the source, where nothing may be written: $/sample/macos/new/case"_s;
@@ -78,7 +68,7 @@ void test_extract_refusals::refusal_data()
     QTest::newRow("no databases")        << u"extract -i bare -o c -t macOS"_s                << 3 << u"the source holds no LE device database for devices or paired_devices in $/bare/Library/Bluetooth/"_s;
     QTest::newRow("not this table")      << u"extract -i only_other -o c --table paired_devices"_s << 3 << u"the source holds no LE device database for paired_devices in $/only_other/Library/Bluetooth/"_s;
     QTest::newRow("folder as database")  << u"extract -i folder_as_database -o c"_s           << 3 << u"the evidence cannot be read: $/folder_as_database/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db: it is not a regular file"_s;
-    QTest::newRow("no case to show")     << u"show c"_s                                       << 3 << u"there is no result database $/c/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s;
+    QTest::newRow("no case to show")     << u"show c"_s                                       << 3 << u"there is no case and no result database at $/c"_s;
 
     QTest::newRow("no plug-in")          << u"extract -i sample/macos -o c --plugin x.so"_s   << 1 << u"there is no plug-in file $/x.so"_s;
     QTest::newRow("not a plug-in")       << u"extract -i sample/macos -o c --plugin taken.log"_s << 1 << u"the plug-in file $/taken.log cannot be loaded: "_s;
@@ -130,31 +120,6 @@ void test_extract_refusals::source_that_may_not_be_read()
     QCOMPARE(result.exit_code, 3);
     QCOMPARE(result.errors,
              u"error: the log text cannot be read: "_s + host.path(u"closed.log"_s) + u": permission denied\n"_s);
-}
-
-void test_extract_refusals::help_is_no_error_data()
-{
-    QTest::addColumn<QString>("arguments");
-    QTest::addColumn<QString>("text");
-
-    // clang-format off
-    QTest::newRow("overall") << u"--help"_s         << u"Exit codes:"_s;
-    QTest::newRow("sample")  << u"sample --help"_s  << u"Folder for the sample"_s;
-    QTest::newRow("extract") << u"extract --help"_s << u"--widen-ios-tables"_s;
-    QTest::newRow("show")    << u"show --help"_s    << u"The case's folder"_s;
-    QTest::newRow("version") << u"--version"_s      << u"bluetooth-logs "_s;
-    // clang-format on
-}
-
-void test_extract_refusals::help_is_no_error()
-{
-    QFETCH(QString, arguments);
-    QFETCH(QString, text);
-
-    const host_result result = host.run(arguments.split(u' '));
-    QCOMPARE(result.exit_code, 0);
-    QVERIFY2(result.output.contains(text), qPrintable(result.output));
-    QCOMPARE(result.errors, QString());
 }
 
 QTEST_GUILESS_MAIN(test_extract_refusals)

@@ -2,13 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/host/pseudo_terminal.h"
 
 #include <QRegularExpression>
 #include <QTest>
 
-#include <cstdlib>
-
-#include <fcntl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -22,10 +20,12 @@ private Q_SLOTS:
     void init();
     void standard_error_data();
     void standard_error();
+    void progress_keeps_to_the_width();
+    void no_color_goes_for_wrong_use_too();
 
 private:
     static QByteArray errors_on_terminal(const host_program &host, const QStringList &arguments,
-                                         const QByteArray &variable, int &exit_code);
+                                         const QByteArray &variable, int columns, int &exit_code);
 };
 
 void test_on_terminal::init()
@@ -35,31 +35,17 @@ void test_on_terminal::init()
 
 /** What the program writes to a terminal that is its standard error. @p variable is set to "1", TERM to "dumb". */
 QByteArray test_on_terminal::errors_on_terminal(const host_program &host, const QStringList &arguments,
-                                                const QByteArray &variable, int &exit_code)
+                                                const QByteArray &variable, int columns, int &exit_code)
 {
-    const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (master == -1 || ::grantpt(master) != 0 || ::unlockpt(master) != 0)
-        qFatal("no pseudo terminal");
-    const int terminal = ::open(::ptsname(master), O_RDWR | O_NOCTTY | O_CLOEXEC);
-
-    QProcess process;
-    process.setChildProcessModifier([terminal] { ::dup2(terminal, STDERR_FILENO); });
     const QByteArray old_term = qgetenv("TERM");
     qputenv("TERM", variable == "TERM" ? "dumb" : "xterm");
     if (variable == "NO_COLOR")
         qputenv(variable.constData(), "1");
-    host.start(process, arguments);
-    exit_code = host_program::finish(process).exit_code;
+    pseudo_terminal terminal(columns);
+    exit_code = terminal.run(host, arguments, STDERR_FILENO).exit_code;
     qunsetenv("NO_COLOR");
     qputenv("TERM", old_term);
-
-    // The output is far smaller than the terminal's buffer.
-    QByteArray bytes(65536, Qt::Uninitialized);
-    ::fcntl(master, F_SETFL, O_NONBLOCK);
-    const auto size = ::read(master, bytes.data(), size_t(bytes.size()));
-    ::close(terminal);
-    ::close(master);
-    return bytes.first(qMax<qsizetype>(0, size)).replace("\r\n", "\n");
+    return terminal.text();
 }
 
 void test_on_terminal::standard_error_data()
@@ -93,9 +79,36 @@ void test_on_terminal::standard_error()
     host.write_sample();
 
     int exit_code = -1;
-    const QByteArray errors = errors_on_terminal(host, u"extract "_s.append(options).split(u' '), variable, exit_code);
+    const QByteArray errors = errors_on_terminal(host, u"extract "_s.append(options).split(u' '), variable, 0,
+                                                 exit_code);
     QCOMPARE(exit_code, options.contains(u"sample"_s) ? 0 : 3);
     QVERIFY2(errors.contains(part) == is_there, errors.constData());
+}
+
+void test_on_terminal::progress_keeps_to_the_width()
+{
+    const host_program host;
+    host.write_sample();
+    int exit_code = -1;
+    const QByteArray errors = errors_on_terminal(host, {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s},
+                                                 QByteArray(), 20, exit_code);
+    QCOMPARE(exit_code, 0);
+    static const QRegularExpression line(u"\r\u001b\\[K([^\r\n]*)"_s);
+    qsizetype lines = 0;
+    for (const QRegularExpressionMatch &match : line.globalMatch(QString::fromUtf8(errors))) {
+        QVERIFY2(match.capturedLength(1) < 20, errors.constData());
+        lines += match.capturedLength(1) > 0 ? 1 : 0;
+    }
+    QVERIFY2(lines > 0, errors.constData());
+}
+
+void test_on_terminal::no_color_goes_for_wrong_use_too()
+{
+    const host_program host;
+    int exit_code = -1;
+    QCOMPARE(errors_on_terminal(host, {u"--no-color"_s, u"shwo"_s}, QByteArray(), 0, exit_code).first(7), "error: ");
+    QCOMPARE(exit_code, 2);
+    QVERIFY(errors_on_terminal(host, {u"shwo"_s}, QByteArray(), 0, exit_code).startsWith("\033[1;31merror:\033[0m "));
 }
 
 QTEST_GUILESS_MAIN(test_on_terminal)

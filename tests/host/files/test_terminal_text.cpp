@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/cli/text_table.h"
 #include "host/files/terminal_text.h"
 
 #include <QRegularExpression>
@@ -20,8 +19,11 @@ private Q_SLOTS:
     void nothing_that_acts_gets_through();
     void width_data();
     void width();
-    void table_is_aligned();
-    void a_very_long_cell_widens_no_column();
+    void beginning_data();
+    void beginning();
+    void parts_stay_what_they_are();
+    void ascii_can_be_pasted();
+    void style_ends_with_the_text();
 };
 
 void test_terminal_text::init()
@@ -78,13 +80,13 @@ void test_terminal_text::text()
     QFETCH(QString, text);
     QFETCH(QString, shown);
 
-    QCOMPARE(terminal_text(text), shown);
+    QCOMPARE(terminal_text(text).to_string(), shown);
 }
 
 void test_terminal_text::nothing_that_acts_gets_through()
 {
     for (char32_t character = 0; character <= 0x10ffff; ++character) {
-        const QString shown = terminal_text(u'a' + QString::fromUcs4(&character, 1) + u'b');
+        const QString shown = terminal_text(u'a' + QString::fromUcs4(&character, 1) + u'b').to_string();
         const QList<uint> characters = shown.toUcs4();
         for (const uint value : characters) {
             const QChar::Category category = QChar::category(char32_t(value));
@@ -114,7 +116,8 @@ void test_terminal_text::width_data()
     QTest::newRow("joined emoji") << u"👩🏽\u200d💻"_s   << 2;
     QTest::newRow("selector")     << u"♀\ufe0f"_s       << 2;
     QTest::newRow("flag")         << u"🇩🇪"_s            << 2;
-    QTest::newRow("escape")       << u"\\u{1b}"_s       << 6;
+    QTest::newRow("escape")       << u"\033"_s          << 6;
+    QTest::newRow("backslash")    << u"\\"_s            << 2;
     // clang-format on
 }
 
@@ -123,26 +126,53 @@ void test_terminal_text::width()
     QFETCH(QString, text);
     QFETCH(int, columns);
 
-    QCOMPARE(terminal_width(text), qsizetype(columns));
+    QCOMPARE(terminal_text(text).width(), qsizetype(columns));
 }
 
-void test_terminal_text::table_is_aligned()
+void test_terminal_text::beginning_data()
 {
-    text_table table({u"n"_s, u"name"_s, u"end"_s});
-    table.align_right(0);
-    table.add_row({u"1"_s, u"客厅音箱"_s, u"x"_s});
-    table.add_row({u"1000"_s, u"e\u0301"_s, u"y"_s});
-    QCOMPARE(table.lines(), QStringList({u"     n  name      end"_s, u"  ────  ────────  ───"_s,
-                                         u"     1  客厅音箱  x"_s, u"  1000  e\u0301         y"_s}));
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<QString>("beginning");
+
+    // clang-format off
+    QTest::newRow("whole")             << u"abc"_s         << 3 << u"abc"_s;
+    QTest::newRow("more room")         << u"abc"_s         << 9 << u"abc"_s;
+    QTest::newRow("cut")               << u"abc"_s         << 2 << u"ab"_s;
+    QTest::newRow("no room")           << u"abc"_s         << 0 << QString();
+    QTest::newRow("half a character")  << u"a客厅"_s       << 4 << u"a客"_s;
+    QTest::newRow("combining stays")   << u"e\u0301a"_s    << 1 << u"e\u0301"_s;
+    QTest::newRow("emoji stays whole") << u"a👩🏽\u200d💻"_s << 2 << u"a"_s;
+    QTest::newRow("emoji at the end")  << u"a👩🏽\u200d💻"_s << 3 << u"a👩🏽\u200d💻"_s;
+    // clang-format on
 }
 
-void test_terminal_text::a_very_long_cell_widens_no_column()
+void test_terminal_text::beginning()
 {
-    text_table table({u"a"_s, u"b"_s});
-    table.add_row({QString(100, u'x'), u"1"_s});
-    table.add_row({u"y"_s, u"2"_s});
-    QCOMPARE(table.lines().at(2), u"  "_s + QString(100, u'x') + u"  1"_s);
-    QCOMPARE(table.lines().at(3), u"  y"_s + QString(59, u' ') + u"  2"_s);
+    QFETCH(QString, text);
+    QFETCH(int, columns);
+    QFETCH(QString, beginning);
+
+    QCOMPARE(terminal_text(text).first_columns(columns).to_string(), beginning);
+}
+
+void test_terminal_text::parts_stay_what_they_are()
+{
+    const terminal_text safe = u"C:\\\x1b"_s;
+    QCOMPARE((u"<"_s + safe + QString(u'\\')).to_string(), u"<C:\\\\\\u{1b}\\\\"_s);
+    QCOMPARE(joined({safe, u"b"_s, terminal_text::escape(U'\x7f')}, u"\t"_s).to_string(),
+             u"C:\\\\\\u{1b}\\u{9}b\\u{9}\\u{7f}"_s);
+    QCOMPARE(joined({}, u"-"_s), terminal_text());
+}
+
+void test_terminal_text::ascii_can_be_pasted()
+{
+    QCOMPARE(terminal_text::ascii(u"$'a\\x1b'\x1b\u202e~"_s).to_string(), u"$'a\\x1b'\\u{1b}\\u{202e}~"_s);
+}
+
+void test_terminal_text::style_ends_with_the_text()
+{
+    QCOMPARE(terminal_text(u"a\x1b"_s).styled(terminal_style::warning).to_string(), u"\x1b[1;33ma\\u{1b}\x1b[0m"_s);
 }
 
 QTEST_GUILESS_MAIN(test_terminal_text)

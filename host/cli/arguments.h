@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CLI_ARGUMENTS_H
+#define HOST_CLI_ARGUMENTS_H
+
+#include <QString>
+#include <QStringList>
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+/**
+ * Arguments with values. Their names are as CLI11 has them, "-i,--input" or "CASE"; in messages an argument has the
+ * last one of them. Whatever is wrong with a value, host_error (usage) says it, and that comes through
+ * CLI::App::parse().
+ */
+struct argument
+{
+    std::string names;
+    std::string type; ///< as help shows it: "PATH"
+    std::string help;
+
+    QString name() const;
+};
+
+/** Takes the value of an argument that may be given once; the value is valid UTF-8. */
+CLI::Option *add_value(CLI::App &command, const argument &what, const std::function<void(const QString &)> &take);
+
+/** Takes the values of an argument that may be given several times. */
+CLI::Option *add_values(CLI::App &command, const argument &what, const std::function<void(const QStringList &)> &take);
+
+CLI::Option *add_text(CLI::App &command, const argument &what, QString &text);
+
+/** A path, which must not be empty; it becomes absolute. */
+CLI::Option *add_path(CLI::App &command, const argument &what, QString &path);
+
+/** A decimal number without a sign; leading zeros mean nothing. */
+CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, qint64 most, qint64 &number);
+CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, qint64 most,
+                        std::optional<qint64> &number);
+
+/** Throws unless @p word is one of @p choices; the message shows them, and the nearest. */
+void require_choice(const argument &what, const QString &word, const QStringList &choices);
+
+/** Throws host_error (usage): "--timeout: reason". */
+[[noreturn]] void refuse(const argument &what, const QString &reason);
+
+#endif

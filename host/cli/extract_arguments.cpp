@@ -1,0 +1,242 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/cli/arguments.h"
+#include "host/cli/commands.h"
+#include "host/files/host_error.h"
+#include "host/files/paths.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <memory>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char *examples = R"(Examples:
+  bluetooth-logs extract -i /mnt/image -o case                 a mounted macOS or Windows volume
+  bluetooth-logs extract -i system_logs.txt -t ios -o case     the system log of an iOS device
+  bluetooth-logs extract -i /mnt/a -i /mnt/b -o case           two sources
+  bluetooth-logs extract -i /mnt/c -o case --add               a third one later
+  bluetooth-logs extract -i / --live -o /media/disk/case       the running system)";
+
+constexpr qint64 most_mebibytes = qint64(1) << 30;
+constexpr qint64 most_seconds = qint64(1) << 30;
+constexpr qint64 highest_number = 1000000;
+constexpr qint64 most_jobs = 1024;
+constexpr qint64 farthest_zone = 14 * 3600;
+constexpr QLatin1StringView any_kind("auto");
+
+/** The suite's editions; their places are the numbers that the plug-in knows them by. */
+const QStringList &engine_names()
+{
+    static const QStringList names{u"KALDO_DESK"_s, u"KALDO_FIELD"_s, u"KALDO_BOOT"_s};
+    return names;
+}
+
+QStringList kind_names()
+{
+    QStringList names{any_kind};
+    for (const source_kind *kind : source_kinds)
+        names << kind->name << kind->short_name;
+    names.removeDuplicates();
+    return names;
+}
+
+/** "+05:30", or plain seconds, in seconds east of UTC. */
+qint64 offset_seconds(const argument &what, const QString &text)
+{
+    bool is_number = false;
+    const qint64 number = text.toLongLong(&is_number);
+    if (is_number && qAbs(number) <= farthest_zone)
+        return number;
+    static const QRegularExpression form(u"^([+-])(\\d\\d):([0-5]\\d)$"_s);
+    const QRegularExpressionMatch match = form.match(text);
+    const qint64 seconds = match.captured(2).toLongLong() * 3600 + match.captured(3).toLongLong() * 60;
+    if (!match.hasMatch() || seconds > farthest_zone)
+        refuse(what, u"must look like +05:30, -08:00 or 19800, and not be "_s + text);
+    return match.captured(1) == "-"_L1 ? -seconds : seconds;
+}
+
+/** What "extract" is told, as far as it is no member of the request. */
+struct extract_arguments
+{
+    QStringList inputs; ///< absolute
+    QString source_list;
+    const source_kind *kind = nullptr;
+    std::optional<qint64> number;
+    std::optional<qint64> only;
+    qint64 jobs = std::max(1U, std::thread::hardware_concurrency());
+    bool force = false;
+    bool add = false;
+    bool resume = false;
+    bool widen_ios_tables = false; ///< what the program does by itself now; still understood
+    extract_options result;
+};
+
+void add_sources(CLI::App &extract, extract_arguments &arguments)
+{
+    const argument input{"-i,--input", "PATH",
+                         "The source; may be given several times. macOS, Windows: the folder at which its file system "
+                         "is reachable. iOS: the system log's text file"};
+    add_values(extract, input, [&arguments, input](const QStringList &paths) {
+        for (const QString &path : paths)
+            arguments.inputs.append(absolute_path(path, input.name()));
+    });
+    add_path(extract, {"--sources", "FILE", "JSON file with the sources: {\"sources\": [{\"path\": \"...\"}]}"},
+             arguments.source_list);
+    const argument type{"-t,--type", "TYPE", "Kind of the source: macos, ios, windows, or auto (the default)"};
+    add_value(extract, type, [&arguments, type](const QString &name) {
+        arguments.kind = source_kind_named(name);
+        if (!arguments.kind && name.compare(any_kind, Qt::CaseInsensitive) != 0)
+            require_choice(type, name, kind_names());
+    });
+    add_number(extract, {"--source-number", "N", "Number of the source in the case (default 1)"}, 0, highest_number,
+               arguments.number);
+    extract.add_flag("--live", arguments.result.request.options.is_live,
+                     "The source is a system in use, like /: its evidence may change during the run");
+}
+
+void add_case(CLI::App &extract, extract_arguments &arguments)
+{
+    case_request &request = arguments.result.request;
+    add_path(extract, {"-o,--output", "PATH", "The case's folder, outside the sources"}, request.directory)->required();
+    extract.add_flag("--add", arguments.add, "Add the sources to a case that is there");
+    extract.add_flag("--resume", arguments.resume, "Run what an earlier run of the case left undone");
+    extract.add_flag("--force", arguments.force, "Remove the case's earlier results first");
+    add_number(extract, {"--only", "N", "Work on the source of this number alone; \"collect\" comes after"}, 1,
+               highest_number, arguments.only);
+    add_text(extract, {"--examiner", "TEXT", "Examiner's name, for the manifest"}, request.examiner);
+    add_text(extract, {"--case-number", "TEXT", "Number of the case, for the manifest"}, request.case_number);
+}
+
+void add_results(CLI::App &extract, extraction_options &options, bool &widen_ios_tables)
+{
+    const argument table{"--table", "TABLE", "Fill only this table, devices or paired_devices; may be given twice"};
+    add_values(extract, table, [&options, table](const QStringList &names) {
+        for (const QString &name : names)
+            require_choice(table, name, result_tables());
+        options.tables = names;
+        options.tables.removeDuplicates();
+    });
+    const argument engine{"--engine", "NAME",
+                          "Edition of the suite: KALDO_DESK (the default), KALDO_FIELD, KALDO_BOOT"};
+    add_value(extract, engine, [&options, engine](const QString &name) {
+        require_choice(engine, name, engine_names());
+        options.engine_type = int(engine_names().indexOf(name));
+    });
+    add_text(extract, {"--os-name", "TEXT", "Name of the operating system as the rows show it"}, options.display_name);
+    const argument zone{"--timezone-offset", "OFFSET",
+                        "Offset of the examiner's time zone from UTC, like +05:30, or in seconds (default 0)"};
+    add_value(extract, zone,
+              [&options, zone](const QString &text) { options.timezone_offset = offset_seconds(zone, text); });
+    extract.add_flag("--suite-tables", options.suite_tables,
+                     "iOS: leave the result tables as the suite makes them; they hold no iOS rows then");
+    extract.add_flag("--widen-ios-tables", widen_ios_tables,
+                     "iOS: add the columns that iOS rows fill to the result tables (the default)");
+}
+
+void add_limits(CLI::App &extract, extraction_options &options, qint64 &jobs)
+{
+    add_number(extract, {"--jobs", "N", "Sources that are worked on side by side (default: the processor's cores)"}, 1,
+               most_jobs, jobs);
+    add_number(extract, {"--memory-limit", "MIB", "Most memory that a source may take (default 2048)"}, 128,
+               most_mebibytes, options.memory_limit);
+    add_number(extract, {"--max-database", "MIB", "Largest database that is read (default 1024)"}, 1, most_mebibytes,
+               options.max_database);
+    add_number(extract, {"--timeout", "SECONDS", "Longest time that a source may take (default: any)"}, 1, most_seconds,
+               options.timeout);
+}
+
+void add_display(CLI::App &extract, extract_options &options)
+{
+    add_path(extract, {"--plugin", "PATH", "Plug-in file (default: the one beside this program)"},
+             options.request.options.plugin_file);
+    const argument progress{"--progress", "FORM",
+                            "How the run is told: text (the default), or json: JSON Lines on "
+                            "standard error"};
+    add_value(extract, progress, [&options, progress](const QString &form) {
+        require_choice(progress, form, {u"text"_s, u"json"_s});
+        options.json_progress = form == "json"_L1;
+    });
+    extract.add_flag("-v,--verbose", options.request.options.is_verbose, "Print the plug-in's log on standard error");
+}
+
+[[noreturn]] void refuse(const QString &message)
+{
+    throw host_error(exit_code::usage, message);
+}
+
+QList<named_source> sources_of(const extract_arguments &arguments)
+{
+    if (!arguments.source_list.isEmpty()) {
+        if (!arguments.inputs.isEmpty())
+            refuse(u"--input and --sources are two ways to say the same: use one of them"_s);
+        if (arguments.kind || arguments.number)
+            refuse(u"--type and --source-number go with --input; in the file of --sources each source has its own"_s);
+        return read_source_list(arguments.source_list);
+    }
+    QList<named_source> sources;
+    for (const QString &input : arguments.inputs) {
+        named_source source;
+        source.path = input;
+        source.kind = arguments.kind;
+        source.place = u"-i "_s + input;
+        sources.append(source);
+    }
+    if (sources.isEmpty())
+        refuse(u"no source is given: --input or --sources names them"_s);
+    if (arguments.number) {
+        if (sources.size() > 1)
+            refuse(u"--source-number is for one source; several are numbered in their order, or by --sources"_s);
+        sources.first().number = int(*arguments.number);
+    }
+    return sources;
+}
+
+extract_options options_of(const extract_arguments &arguments, const QStringList &typed)
+{
+    using earlier_run = case_request::earlier_run;
+    if (int(arguments.force) + int(arguments.resume) + int(arguments.add) > 1)
+        refuse(u"--force, --resume and --add exclude each other"_s);
+    extract_options result = arguments.result;
+    case_request &request = result.request;
+    request.sources = sources_of(arguments);
+    if (request.options.plugin_file.isEmpty())
+        request.options.plugin_file = QCoreApplication::applicationDirPath() + u"/" BLUETOOTH_LOGS_PLUGIN_FILE ""_s;
+    request.earlier = arguments.force    ? earlier_run::removed
+                      : arguments.resume ? earlier_run::continued
+                      : arguments.add    ? earlier_run::added_to
+                                         : earlier_run::refused;
+    if (arguments.only) {
+        if (arguments.resume || arguments.add)
+            refuse(u"--only works on one source of the case; --resume and --add are for the whole"_s);
+        request.only = int(*arguments.only);
+    }
+    request.jobs = int(arguments.jobs);
+    request.arguments = typed;
+    return result;
+}
+
+} // namespace
+
+void add_extract_command(CLI::App &app, command_line &line)
+{
+    const auto arguments = std::make_shared<extract_arguments>();
+    extraction_options &options = arguments->result.request.options;
+    CLI::App &extract = *app.add_subcommand("extract", "Extract the Bluetooth devices of sources into a case");
+    extract.footer(examples);
+    add_sources(extract, *arguments);
+    add_case(extract, *arguments);
+    add_results(extract, options, arguments->widen_ios_tables);
+    add_limits(extract, options, arguments->jobs);
+    add_display(extract, arguments->result);
+    extract.final_callback([arguments, &line] {
+        line.output.no_progress = arguments->result.request.options.is_verbose || arguments->result.json_progress;
+        line.command = options_of(*arguments, line.arguments);
+    });
+}

@@ -1,0 +1,23 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CLI_HELP_TEXT_H
+#define HOST_CLI_HELP_TEXT_H
+
+#include "host/files/terminal_text.h"
+
+#include <CLI/CLI.hpp>
+
+/** What --help and --version print. */
+struct help_text
+{
+    terminal_texts lines;
+};
+
+/**
+ * The help of the program, or of one of its commands: how it is called, its arguments, its options, and its footer,
+ * which is taken as it is. No line but the footer's has more than 100 columns.
+ */
+help_text help_of(const CLI::App &command);
+
+#endif

@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/case/result_tables.h"
+#include "host/cli/arguments.h"
+#include "host/cli/commands.h"
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char *examples = R"(Examples:
+  bluetooth-logs show case
+  bluetooth-logs show case --source 2 --table paired_devices
+  bluetooth-logs show case --rows 20 --layout records)";
+
+constexpr qint64 highest_source = 9999999;
+constexpr qint64 any_number_of_rows = qint64(1) << 53;
+
+/** In the order of row_layout. */
+const QStringList &layout_names()
+{
+    static const QStringList names{u"auto"_s, u"table"_s, u"records"_s};
+    return names;
+}
+
+} // namespace
+
+void add_show_command(CLI::App &app, command_line &line)
+{
+    const auto options = std::make_shared<show_options>();
+    CLI::App &show = *app.add_subcommand("show", "Show the extracted rows of a case, safe for the terminal");
+    show.footer(examples);
+    add_path(show, {"CASE", "PATH", "The case's folder, or a result database"}, options->place)->required();
+    add_number(show, {"--source", "N", "Show only the source of this number"}, 0, highest_source, options->source);
+    const argument table{"--table", "TABLE", "Show only this table: devices or paired_devices"};
+    add_value(show, table, [options, table](const QString &name) {
+        require_choice(table, name, result_tables());
+        options->table = name;
+    });
+    add_number(show, {"--rows", "N", "Show only the first N rows of each table"}, 0, any_number_of_rows,
+               options->most_rows);
+    const argument layout{"--layout", "LAYOUT",
+                          "table: a line for each row; records: a block for each row, with a line for each value; auto "
+                          "(the default): records where a terminal is too narrow for the table"};
+    add_value(show, layout, [options, layout](const QString &name) {
+        require_choice(layout, name, layout_names());
+        options->layout = row_layout(layout_names().indexOf(name));
+    });
+    show.final_callback([options, &line] { line.command = *options; });
+}

@@ -1,0 +1,179 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "tests/host/host_program.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTest>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+/** What the program prints, and that it can print it wherever it is called. */
+class test_console : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void help_data();
+    void help();
+    void help_everywhere_data();
+    void help_everywhere();
+    void help_creates_nothing();
+    void output_that_cannot_be_written_data();
+    void output_that_cannot_be_written();
+    void closed_streams_catch_no_file();
+    void reader_that_goes_ends_the_program();
+};
+
+void test_console::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+void test_console::help_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QStringList>("parts");
+
+    // clang-format off
+    QTest::newRow("program") << u"--help"_s         << QStringList{u"Usage: bluetooth-logs [OPTIONS] COMMAND\n"_s, u"\nCommands:\n"_s, u"\nExit codes:\n    0  done\n"_s, u"  130  interrupted\n"_s, u"\nExamples:\n"_s};
+    QTest::newRow("short")   << u"-h"_s             << QStringList{u"Usage: bluetooth-logs [OPTIONS] COMMAND\n"_s};
+    QTest::newRow("sample")  << u"sample --help"_s  << QStringList{u"Usage: bluetooth-logs sample [OPTIONS] DIR\n"_s, u"  DIR  "_s, u"\nExamples:\n"_s};
+    QTest::newRow("extract") << u"extract --help"_s << QStringList{u"Usage: bluetooth-logs extract --output PATH [OPTIONS]\n"_s, u"  -i, --input PATH "_s, u"  -t, --type TYPE "_s, u"      --timeout SECONDS "_s, u"      --widen-ios-tables "_s, u"\nOptions of every command:\n"_s, u"  -q, --quiet "_s, u"\nExamples:\n"_s};
+    QTest::newRow("collect") << u"collect --help"_s << QStringList{u"Usage: bluetooth-logs collect [OPTIONS] CASE\n"_s, u"\nExamples:\n"_s};
+    QTest::newRow("show")    << u"show --help"_s    << QStringList{u"Usage: bluetooth-logs show [OPTIONS] CASE\n"_s, u"      --layout LAYOUT "_s, u"\nExamples:\n"_s};
+    // clang-format on
+}
+
+void test_console::help()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QStringList, parts);
+
+    const host_program host;
+    const host_result result = host.run(arguments.split(u' '));
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(result.errors, QString());
+    for (const QString &part : parts)
+        QVERIFY2(result.output.contains(part), qPrintable(part + u'\n' + result.output));
+    for (const QString &line : result.output.split(u'\n')) {
+        QVERIFY2(line.size() <= 100, qPrintable(line));
+        QVERIFY2(!line.endsWith(u' '), qPrintable(line));
+    }
+}
+
+void test_console::help_everywhere_data()
+{
+    QTest::addColumn<QString>("before");
+
+    // clang-format off
+    QTest::newRow("no display")     << u"unset DISPLAY; export QT_QPA_PLATFORM=wayland"_s;
+    QTest::newRow("no such plugin") << u"export QT_QPA_PLATFORM=nonsense QT_DEBUG_PLUGINS=1"_s;
+    QTest::newRow("fatal warnings") << u"export QT_FATAL_WARNINGS=1 QT_LOGGING_RULES='*=true'"_s;
+    QTest::newRow("no home")        << u"unset HOME XDG_RUNTIME_DIR XDG_CONFIG_HOME TMPDIR"_s;
+    QTest::newRow("no folder")      << u"mkdir gone; cd gone; rmdir ../gone"_s;
+    QTest::newRow("no input")       << u"exec <&-"_s;
+    QTest::newRow("no error")       << u"exec 2>&-"_s;
+    // clang-format on
+}
+
+void test_console::help_everywhere()
+{
+    QFETCH(QString, before);
+
+    const host_program host;
+    for (const QString &command : {u"--version"_s, u"--help"_s, u"extract --help"_s}) {
+        const host_result plain = host.run(command.split(u' '));
+        const host_result result = host.run_in_shell(command, before);
+        QCOMPARE(result.exit_code, 0);
+        QCOMPARE(result.errors, QString());
+        QVERIFY(!result.output.isEmpty());
+        QCOMPARE(result.output, plain.output);
+    }
+}
+
+void test_console::help_creates_nothing()
+{
+    const QString strace = QStandardPaths::findExecutable(u"strace"_s);
+    if (strace.isEmpty())
+        QSKIP("no strace");
+    const host_program host;
+    for (const QString &command : {u"--version"_s, u"--help"_s, u"show --help"_s}) {
+        QVERIFY(QDir().mkpath(host.path(u"runtime"_s)));
+        const host_result result =
+            host.run_in_shell(command,
+                              u"export XDG_RUNTIME_DIR=\"$PWD/runtime\" TMPDIR=\"$PWD/runtime\"; chmod 700 runtime"_s,
+                              strace + u" -f -o trace -e trace=%file "_s);
+        if (result.errors.contains(u"ptrace"_s))
+            QSKIP("strace may not trace here");
+        QCOMPARE(result.exit_code, 0);
+        QFile file(host.path(u"trace"_s));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QString calls = QString::fromUtf8(file.readAll());
+        QVERIFY(calls.contains(u"execve("_s));
+        static const QRegularExpression making(
+            u"O_CREAT|O_WRONLY|O_RDWR|\\b(mkdir|mknod|symlink|link|rename|unlink)(at|at2)?\\("_s);
+        const QRegularExpressionMatch match = making.match(calls);
+        QVERIFY2(!match.hasMatch(), qPrintable(calls.mid(match.capturedStart() - 100, 200)));
+        QCOMPARE(QDir(host.path(u"runtime"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 QStringList());
+    }
+}
+
+void test_console::output_that_cannot_be_written_data()
+{
+    QTest::addColumn<QString>("before");
+
+    QTest::newRow("full") << u"exec >/dev/full"_s;
+    QTest::newRow("closed") << u"exec >&-"_s;
+}
+
+void test_console::output_that_cannot_be_written()
+{
+    QFETCH(QString, before);
+
+    if (!QFile::exists(u"/dev/full"_s))
+        QSKIP("no /dev/full");
+    const host_program host;
+    for (const QString &command : {u"--version"_s, u"--help"_s, u"sample sample --force"_s}) {
+        const host_result result = host.run_in_shell(command, before);
+        QCOMPARE(result.exit_code, 1);
+        QCOMPARE(result.errors, u"error: standard output cannot be written\n"_s);
+    }
+    QCOMPARE(host.run_in_shell(u"-q sample sample --force"_s, before).exit_code, 0); // nothing to be written
+}
+
+/** A file that is opened would get the number of a closed stream, and messages would go into it. */
+void test_console::closed_streams_catch_no_file()
+{
+    const host_program host;
+    host.write_sample();
+    const host_result result = host.run_in_shell(u"extract -i sample/macos -o case"_s, u"exec <&- >&- 2>&-"_s);
+    QCOMPARE(result.exit_code, 1);
+    QFile log(host.path(u"case/Source1/plugin.log"_s));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(log.readAll());
+    QVERIFY(!text.isEmpty());
+    QVERIFY2(!text.contains(u"Source  macOS"_s) && !text.contains(u"error: "_s), qPrintable(text));
+    QCOMPARE(host.run({u"show"_s, u"case"_s}).exit_code, 0);
+}
+
+void test_console::reader_that_goes_ends_the_program()
+{
+    const host_program host;
+    host.write_sample();
+    QCOMPARE(host.run({u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s}).exit_code, 0);
+    const host_result result = host.run_in_shell(u"show case | head -n 1"_s);
+    QCOMPARE(result.output, u"devices\n"_s);
+    QCOMPARE(result.errors, QString());
+}
+
+QTEST_GUILESS_MAIN(test_console)
+
+#include "test_console.moc"

@@ -1,0 +1,205 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "tests/host/host_program.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+/** What the program answers to arguments that it cannot follow, and what it understands beside the exact words. */
+class test_words : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void refusal_data();
+    void refusal();
+    void path_that_is_no_text_data();
+    void path_that_is_no_text();
+    void relative_path_without_a_working_folder_data();
+    void relative_path_without_a_working_folder();
+    void kind_is_understood_data();
+    void kind_is_understood();
+    void number_with_leading_zeros();
+
+private:
+    host_program host;
+};
+
+void test_words::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+void test_words::refusal_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+
+    const QString more = u" (bluetooth-logs --help tells more)"_s;
+    const QString more_of_extract = u" (bluetooth-logs extract --help tells more)"_s;
+    const QString more_of_show = u" (bluetooth-logs show --help tells more)"_s;
+    const auto extract = [](const QString &rest) { return QString(u"extract -i s -o c "_s + rest).split(u' '); };
+
+    // clang-format off
+    QTest::newRow("nothing")           << QStringList()                         << u"one of the commands sample, extract, collect, verify, report and show is needed"_s + more;
+    QTest::newRow("command misspelt")  << QStringList{u"extrct"_s}              << u"there is no command extrct beside sample, extract, collect, verify, report and show: did you mean extract?"_s + more;
+    QTest::newRow("letters swapped")   << QStringList{u"shwo"_s, u"c"_s}        << u"there is no command shwo beside sample, extract, collect, verify, report and show: did you mean show?"_s + more;
+    QTest::newRow("capital letters")   << QStringList{u"SAMPLE"_s, u"d"_s}      << u"there is no command SAMPLE beside sample, extract, collect, verify, report and show: did you mean sample?"_s + more;
+    QTest::newRow("no such command")   << QStringList{u"frobnicate"_s}          << u"there is no command frobnicate beside sample, extract, collect, verify, report and show"_s + more;
+    QTest::newRow("option misspelt")   << extract(u"--forse"_s)                 << u"there is no option --forse: did you mean --force?"_s + more_of_extract;
+    QTest::newRow("option begun")      << extract(u"--mem 5000"_s)              << u"there is no option --mem: did you mean --memory-limit?"_s + more_of_extract;
+    QTest::newRow("option with value") << QStringList{u"show"_s, u"c"_s, u"--tabel=devices"_s} << u"there is no option --tabel: did you mean --table?"_s + more_of_show;
+    QTest::newRow("general option")    << QStringList{u"--nocolor"_s, u"show"_s, u"c"_s} << u"there is no option --nocolor: did you mean --no-color?"_s + more_of_show;
+    QTest::newRow("no such option")    << QStringList{u"show"_s, u"c"_s, u"-x"_s} << u"there is no option -x"_s + more_of_show;
+    QTest::newRow("option that went")  << extract(u"--log-file l"_s)            << u"there is no option --log-file"_s + more_of_extract;
+    QTest::newRow("before the rest")   << QStringList{u"extract"_s, u"--inptu"_s, u"s"_s} << u"there is no option --inptu: did you mean --input?"_s + more_of_extract;
+    QTest::newRow("stray argument")    << QStringList{u"show"_s, u"c"_s, u"d"_s} << u"it is not clear what d is for"_s + more_of_show;
+    QTest::newRow("no value")          << QStringList{u"extract"_s, u"-i"_s}    << u"--input needs a value"_s + more_of_extract;
+    QTest::newRow("value of a flag")   << extract(u"--force=maybe"_s)           << u"--force takes no value"_s + more_of_extract;
+    QTest::newRow("no case")           << QStringList{u"extract"_s, u"-i"_s, u"s"_s} << u"--output is required"_s + more_of_extract;
+    QTest::newRow("no source")         << QStringList{u"extract"_s, u"-o"_s, u"c"_s} << u"no source is given: --input or --sources names them"_s;
+    QTest::newRow("two cases")         << extract(u"-o d"_s)                    << u"--output: given 2 times, and one value is possible"_s;
+    QTest::newRow("kind misspelt")     << extract(u"-t makos"_s)                << u"--type: makos is none of auto, macOS, macos, iOS_UID, ios, winOS, windows: did you mean macOS?"_s;
+    QTest::newRow("no such kind")      << extract(u"-t amiga"_s)                << u"--type: amiga is none of auto, macOS, macos, iOS_UID, ios, winOS, windows"_s;
+    QTest::newRow("table misspelt")    << extract(u"--table device"_s)          << u"--table: device is none of devices, paired_devices: did you mean devices?"_s;
+    QTest::newRow("second table")      << extract(u"--table devices --table x"_s) << u"--table: x is none of devices, paired_devices"_s;
+    QTest::newRow("edition")           << extract(u"--engine 0"_s)              << u"--engine: 0 is none of KALDO_DESK, KALDO_FIELD, KALDO_BOOT"_s;
+    QTest::newRow("layout misspelt")   << QStringList{u"show"_s, u"c"_s, u"--layout"_s, u"record"_s} << u"--layout: record is none of auto, table, records: did you mean records?"_s;
+    QTest::newRow("negative number")   << extract(u"--source-number -007"_s)    << u"--source-number: -007 is no number from 0 to 1000000"_s;
+    QTest::newRow("number with plus")  << extract(u"--source-number +7"_s)      << u"--source-number: +7 is no number from 0 to 1000000"_s;
+    QTest::newRow("number too large")  << extract(u"--source-number 1000001"_s) << u"--source-number: 1000001 is no number from 0 to 1000000"_s;
+    QTest::newRow("number too long")   << extract(u"--source-number 18446744073709551617"_s) << u"--source-number: 18446744073709551617 is no number from 0 to 1000000"_s;
+    QTest::newRow("hexadecimal")       << extract(u"--source-number 0x10"_s)    << u"--source-number: 0x10 is no number from 0 to 1000000"_s;
+    QTest::newRow("no memory")         << extract(u"--memory-limit 1"_s)        << u"--memory-limit: 1 is no number from 128 to 1073741824"_s;
+    QTest::newRow("zone")              << extract(u"--timezone-offset 5h"_s)    << u"--timezone-offset: must look like +05:30, -08:00 or 19800, and not be 5h"_s;
+    QTest::newRow("zone in seconds")   << extract(u"--timezone-offset -50401"_s) << u"--timezone-offset: must look like +05:30, -08:00 or 19800, and not be -50401"_s;
+    QTest::newRow("zone too far")      << extract(u"--timezone-offset +14:01"_s) << u"--timezone-offset: must look like +05:30, -08:00 or 19800, and not be +14:01"_s;
+    QTest::newRow("empty source")      << QStringList{u"extract"_s, u"-i"_s, u""_s, u"-o"_s, u"c"_s} << u"--input is an empty path"_s;
+    QTest::newRow("empty case")        << QStringList{u"extract"_s, u"-i"_s, u"s"_s, u"-o"_s, u""_s} << u"--output is an empty path"_s;
+    QTest::newRow("empty list")        << QStringList{u"extract"_s, u"--sources"_s, u""_s, u"-o"_s, u"c"_s} << u"--sources is an empty path"_s;
+    QTest::newRow("empty plug-in")     << (extract(u"--plugin"_s) << u""_s)     << u"--plugin is an empty path"_s;
+    QTest::newRow("empty sample")      << QStringList{u"sample"_s, u""_s}       << u"DIR is an empty path"_s;
+    QTest::newRow("empty shown case")  << QStringList{u"show"_s, u""_s}         << u"CASE is an empty path"_s;
+    // clang-format on
+}
+
+void test_words::refusal()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, message);
+
+    const host_result result = host.run(arguments);
+    QCOMPARE(result.errors, u"error: "_s + message + u'\n');
+    QCOMPARE(result.output, QString());
+    QCOMPARE(result.exit_code, 2);
+    QCOMPARE(QDir(host.path(QString())).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
+}
+
+void test_words::path_that_is_no_text_data()
+{
+    QTest::addColumn<QString>("command"); // ? stands for a name with a byte that is no UTF-8
+    QTest::addColumn<QString>("name");
+
+    // clang-format off
+    QTest::newRow("source")     << u"extract -i ? -o c"_s             << u"--input"_s;
+    QTest::newRow("list")       << u"extract --sources ? -o c"_s      << u"--sources"_s;
+    QTest::newRow("case")       << u"extract -i s -o ?"_s             << u"--output"_s;
+    QTest::newRow("plug-in")    << u"extract -i s -o c --plugin ?"_s  << u"--plugin"_s;
+    QTest::newRow("text")       << u"extract -i s -o c --os-name ?"_s << u"--os-name"_s;
+    QTest::newRow("sample")     << u"sample ?"_s                      << u"DIR"_s;
+    QTest::newRow("shown case") << u"show ?"_s                        << u"CASE"_s;
+    QTest::newRow("collected")  << u"collect ?"_s                     << u"CASE"_s;
+    // clang-format on
+}
+
+void test_words::path_that_is_no_text()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, name);
+
+    const host_result result = host.run_in_shell(command.replace(u'?', u"$(printf 'a\\377')"_s));
+    QCOMPARE(result.errors, u"error: "_s + name + u": a\ufffd is no valid UTF-8\n"_s);
+    QCOMPARE(result.exit_code, 2);
+    QCOMPARE(QDir(host.path(QString())).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
+}
+
+void test_words::relative_path_without_a_working_folder_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<int>("exit_code");
+    QTest::addColumn<QString>("message"); // $ stands for the working directory of the test
+
+    const QString gone = u", and the working folder is gone: give an absolute path"_s;
+    // clang-format off
+    QTest::newRow("source")     << u"extract -i s -o $/c"_s << 2 << u"--input is a relative path, s"_s + gone;
+    QTest::newRow("case")       << u"extract -i $/s -o c"_s << 2 << u"--output is a relative path, c"_s + gone;
+    QTest::newRow("sample")     << u"sample s"_s            << 2 << u"DIR is a relative path, s"_s + gone;
+    QTest::newRow("shown case") << u"show c"_s              << 2 << u"CASE is a relative path, c"_s + gone;
+    QTest::newRow("absolute")   << u"extract -i $/s -o $/c"_s << 3 << u"there is no source at $/s"_s;
+    // clang-format on
+}
+
+void test_words::relative_path_without_a_working_folder()
+{
+    QFETCH(QString, command);
+    QFETCH(int, exit_code);
+    QFETCH(QString, message);
+
+    const QString folder = host.path(QString());
+    const host_result result = host.run_in_shell(command.replace(u'$', folder),
+                                                 u"mkdir gone && cd gone && rmdir ../gone"_s);
+    QCOMPARE(result.errors, u"error: "_s + message.replace(u'$', folder) + u'\n');
+    QCOMPARE(result.exit_code, exit_code);
+}
+
+void test_words::kind_is_understood_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("message"); // shows which kind it was taken for; $ stands for the working directory
+
+    const QString macos = u"a macOS source is a folder, and this is none: $/none.txt"_s;
+    const QString windows = u"a winOS source is a folder, and this is none: $/none.txt"_s;
+    // clang-format off
+    QTest::newRow("macOS")   << u"macOS"_s   << macos;
+    QTest::newRow("macos")   << u"macos"_s   << macos;
+    QTest::newRow("MacOs")   << u"MacOs"_s   << macos;
+    QTest::newRow("winOS")   << u"winOS"_s   << windows;
+    QTest::newRow("windows") << u"windows"_s << windows;
+    QTest::newRow("WINDOWS") << u"WINDOWS"_s << windows;
+    // clang-format on
+}
+
+void test_words::kind_is_understood()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, message);
+
+    const host_program other;
+    QFile text(other.path(u"none.txt"_s));
+    QVERIFY(text.open(QIODevice::WriteOnly) && text.write("text\n") == 5);
+    text.close();
+    const host_result result = other.run({u"extract"_s, u"-i"_s, u"none.txt"_s, u"-o"_s, u"c"_s, u"-t"_s, kind});
+    QCOMPARE(result.errors, u"error: "_s + message.replace(u'$', other.path(QString())) + u'\n');
+    QCOMPARE(result.exit_code, 3);
+}
+
+void test_words::number_with_leading_zeros()
+{
+    const host_program other;
+    other.write_sample();
+    const host_result result = other.run({u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-t"_s, u"IOS"_s, u"-o"_s,
+                                          u"case"_s, u"--source-number"_s, u"010"_s});
+    QCOMPARE(result.exit_code, 0);
+    QCOMPARE(QDir(other.path(u"case"_s)).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList{u"Source10"_s});
+}
+
+QTEST_GUILESS_MAIN(test_words)
+
+#include "test_words.moc"
