@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 # SPDX-License-Identifier: MIT
 #
-# ./run.sh            builds, extracts a freshly made synthetic source and shows the rows
+# ./run.sh            builds, extracts freshly made synthetic sources and shows their first rows
 # ./run.sh ARGUMENTS  builds and runs bluetooth-logs with them: ./run.sh extract -i SOURCE -o CASE
 
 set -euo pipefail
@@ -11,16 +11,23 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/setup.sh
 
 set_up
-build release --target bluetooth-logs
 host=$PWD/build/release/bluetooth-logs
-cd "$called_from"
+echo "Building bluetooth-logs, which takes some minutes the first time ..." >&2
+build release --target bluetooth-logs
 
 if [ $# -gt 0 ]; then
+    cd "$called_from"
     exec "$host" "$@"
 fi
 
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-"$host" --quiet sample "$folder/sample"
-"$host" --quiet extract -i "$folder/sample/macos" -o "$folder/case"
-"$host" show "$folder/case"
+folder=$PWD/build/run
+rows=20
+mkdir -p "$folder"
+echo "Writing a synthetic sample and extracting it ..." >&2
+"$host" --quiet sample "$folder/sample" --force
+"$host" extract -i "$folder/sample/macos" -i "$folder/sample/ios/system.log" -o "$folder/case" --force
+echo
+"$host" show "$folder/case" --rows "$rows"
+echo
+echo "These are the first $rows rows of each table. The case stays in $folder/case; all of its rows:"
+printf '  %q show %q\n' "$host" "$folder/case"
