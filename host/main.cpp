@@ -37,6 +37,7 @@ exit_code run(const sample_options &options, console &out)
 exit_code run(const extract_options &options, console &out)
 {
     std::signal(SIGPIPE, SIG_IGN); // of a worker that is gone
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is told like a full disk
     return run_extract(options, out);
 }
 

@@ -58,6 +58,12 @@ bool is_own_folder(const QString &path)
     return filesystem::is_directory(filesystem::symlink_status(to_std_path(path), error));
 }
 
+bool is_link(const QString &path)
+{
+    std::error_code error;
+    return filesystem::is_symlink(filesystem::symlink_status(to_std_path(path), error));
+}
+
 /** Removes the names from a folder, then the folder. */
 void remove_names(const QString &folder, const QStringList &names, QStringList &kept)
 {
@@ -143,6 +149,11 @@ QString source_layout::temporary_folder() const
     return source_folder + u"/tmp"_s;
 }
 
+QString source_layout::plugin_temporary_folder() const
+{
+    return result_folder() + u"/tmp"_s;
+}
+
 QString source_layout::result_folder() const
 {
     return source_folder + u"/Artifacts_Result/Bluetooth_Logs"_s;
@@ -162,7 +173,9 @@ bool source_layout::holds_a_run() const
 {
     const QStringList places{record(),          record() + u".new"_s, plugin_log(),
                              evidence_folder(), temporary_folder(),   result_folder()};
-    return std::any_of(places.cbegin(), places.cend(), path_exists);
+    // A folder that is a link would take the results elsewhere.
+    return std::any_of(places.cbegin(), places.cend(), path_exists) || is_link(source_folder)
+           || is_link(source_folder + u"/Artifacts_Result"_s);
 }
 
 QStringList source_layout::remove_run() const
@@ -175,7 +188,7 @@ QStringList source_layout::remove_run() const
     const QString results = result_folder();
     if (is_own_folder(source_folder + u"/Artifacts_Result"_s) && is_own_folder(results)) {
         remove_names(results + u"/Logs"_s, staged_copy_names(), kept);
-        remove_names(results + u"/tmp"_s, {}, kept);
+        remove_names(plugin_temporary_folder(), {}, kept);
         for (const QLatin1StringView ending : {""_L1, "-journal"_L1, "-wal"_L1, "-shm"_L1})
             remove_file(result_database() + ending);
     }

@@ -21,7 +21,8 @@ public:
     QString evidence_folder() const; ///< the host's working copies
     QString wal_changes() const;
     QString ios_lines() const;
-    QString temporary_folder() const;
+    QString temporary_folder() const;        ///< of the process that runs the plug-in
+    QString plugin_temporary_folder() const; ///< of the plug-in, which removes it in the end
     QString result_folder() const;
     QString result_database() const;
 

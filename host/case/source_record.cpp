@@ -43,6 +43,12 @@ QStringList texts_from(const QJsonValue &json)
 
 } // namespace
 
+bool is_complete(source_status status)
+{
+    return status == source_status::done || status == source_status::partial
+           || status == source_status::evidence_changed;
+}
+
 QLatin1StringView status_name(source_status status)
 {
     return status_names[int(status)];

@@ -37,6 +37,9 @@ enum class source_status {
     not_run,
 };
 
+/** Whether the run came to its end, so that its result is all that it will ever be. */
+bool is_complete(source_status status);
+
 QLatin1StringView status_name(source_status status);
 /** failed for a name that no status has. */
 source_status status_named(const QString &name);

@@ -138,6 +138,7 @@ void add_results(CLI::App &extract, extraction_options &options, bool &widen_ios
                      "iOS: leave the result tables as the suite makes them; they hold no iOS rows then");
     extract.add_flag("--widen-ios-tables", widen_ios_tables,
                      "iOS: add the columns that iOS rows fill to the result tables (the default)");
+    extract.add_flag("--follow-links", options.follow_links, "Read evidence too that a link has outside of the source");
 }
 
 void add_limits(CLI::App &extract, extraction_options &options, qint64 &jobs)

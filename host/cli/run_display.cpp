@@ -132,6 +132,11 @@ public:
             out.log_line(prefix(request) + line);
     }
 
+    void cancelling(const source_request &) override
+    {
+        out.note(u"finishing what is being written; again to stop at once"_s);
+    }
+
     void source_finished(const source_request &request, const source_outcome &outcome) override
     {
         running.remove(request.number);
@@ -229,6 +234,11 @@ public:
     {
         if (request.options.is_verbose)
             write({{u"event"_s, u"log"_s}, {u"source"_s, request.number}, {u"line"_s, line}});
+    }
+
+    void cancelling(const source_request &) override
+    {
+        write({{u"event"_s, u"cancelling"_s}});
     }
 
     void source_finished(const source_request &request, const source_outcome &outcome) override

@@ -14,12 +14,14 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int most_holder_bytes = 300;
+constexpr QByteArrayView holder_start("process ");
 
 /** What the holder wrote about itself. */
 QString holder_of(int file)
@@ -30,10 +32,20 @@ QString holder_of(int file)
     return holder.isEmpty() ? u"another process"_s : holder;
 }
 
+/** Whether the file has one name only, and in it at most what an earlier holder wrote. */
+bool is_ours(int file)
+{
+    struct stat status = {};
+    QByteArray start(holder_start.size(), '\0');
+    return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1
+           && (status.st_size == 0
+               || (::pread(file, start.data(), size_t(start.size()), 0) == start.size() && start == holder_start));
+}
+
 /** "process 4711 on laptop since 2026-01-31T12:00:00Z". */
 QByteArray this_holder()
 {
-    return "process " + QByteArray::number(qint64(::getpid())) + " on " + QSysInfo::machineHostName().toUtf8()
+    return holder_start + QByteArray::number(qint64(::getpid())) + " on " + QSysInfo::machineHostName().toUtf8()
            + " since " + utc_now().toUtf8() + '\n';
 }
 
@@ -52,8 +64,10 @@ file_lock::file_lock(const QString &path)
         throw host_error(exit_code::internal_error,
                          u"the file system of "_s + path + u" gives no lock: "_s + system_error_text(errno));
     }
-    // A full disk keeps the name out, not the lock.
+    // A full disk keeps the name out, not the lock. A file that others filled stays as it is.
     const QByteArray holder = this_holder();
+    if (!is_ours(file.number()))
+        return;
     if (::ftruncate(file.number(), 0) == 0)
         static_cast<void>(::pwrite(file.number(), holder.constData(), size_t(holder.size()), 0) == holder.size());
 }

@@ -12,6 +12,26 @@
 namespace filesystem = std::filesystem;
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/**
+ * The absolute path without doubled or final "/" and without "." and "..". What stands before a ".." may be a link,
+ * and the system means the folder above the link's target then: such a path is followed, not shortened.
+ */
+QString clean_path(const QString &path, const QString &name)
+{
+    if (!path.contains("/.."_L1))
+        return QDir::cleanPath(path);
+    std::error_code error;
+    const filesystem::path followed = filesystem::weakly_canonical(to_std_path(path), error);
+    const QString text = QFile::decodeName(followed.c_str());
+    if (error || to_std_path(text) != followed)
+        throw host_error(exit_code::usage, name + u" cannot be followed to a folder: "_s + path);
+    return QDir::cleanPath(text);
+}
+
+} // namespace
+
 filesystem::path to_std_path(const QString &path)
 {
     return filesystem::path(QFile::encodeName(path).toStdString());
@@ -22,13 +42,18 @@ QString absolute_path(const QString &path, const QString &name)
     if (path.isEmpty())
         throw host_error(exit_code::usage, name + u" is an empty path"_s);
     if (path.startsWith(u'/'))
-        return QDir::cleanPath(path);
+        return clean_path(path, name);
     std::error_code error;
     const filesystem::path folder = filesystem::current_path(error);
     if (error)
         throw host_error(exit_code::usage, name + u" is a relative path, "_s + path
                                                + u", and the working folder is gone: give an absolute path"_s);
-    return QDir::cleanPath(QFile::decodeName(folder.c_str()) + u'/' + path);
+    const QString working_folder = QFile::decodeName(folder.c_str());
+    if (to_std_path(working_folder) != folder)
+        throw host_error(exit_code::usage, name + u" is a relative path, "_s + path
+                                               + u", and the path of the working folder is no UTF-8: give an absolute "
+                                                 "path"_s);
+    return clean_path(working_folder + u'/' + path, name);
 }
 
 bool path_exists(const QString &path)
@@ -42,6 +67,8 @@ bool is_inside(const QString &path, const QString &folder)
     const filesystem::path root = to_std_path(folder);
     std::error_code error;
     filesystem::path place = filesystem::weakly_canonical(to_std_path(path), error);
+    if (error) // a loop of links, or a folder that nobody lets us look into
+        place = to_std_path(path).lexically_normal();
     while (!filesystem::equivalent(place, root, error)) {
         if (!place.has_relative_path())
             return false;

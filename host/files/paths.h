@@ -12,8 +12,9 @@
 std::filesystem::path to_std_path(const QString &path);
 
 /**
- * The absolute form of a path that the examiner gave, links not followed. Throws host_error (usage) for an empty path,
- * and for a relative one when the working folder is gone. @p name says in the message what the path is for.
+ * The absolute form of a path that the examiner gave, links not followed but before a "..". Throws host_error (usage)
+ * for an empty path, and for a relative one when the working folder is gone or has a name that is no UTF-8. @p name
+ * says in the message what the path is for.
  */
 QString absolute_path(const QString &path, const QString &name);
 

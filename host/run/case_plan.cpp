@@ -3,6 +3,7 @@
 
 #include "host/run/case_plan.h"
 
+#include "host/case/completeness.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
@@ -144,7 +145,10 @@ void refuse_earlier_run(const case_request &request, const case_plan &plan)
             numbers += layout.source_numbers();
     }
     for (const int number : std::as_const(numbers)) {
-        if (!layout.source(number).holds_a_run())
+        const bool is_to_run = std::any_of(plan.to_run.cbegin(), plan.to_run.cend(),
+                                           [number](const named_source &source) { return source.number == number; });
+        // What a run that did not come to its end left may be made anew.
+        if (!layout.source(number).holds_a_run() || (is_to_run && was_left_incomplete(layout, number)))
             continue;
         if (request.earlier == case_request::earlier_run::added_to)
             refuse(u"the case already holds a result, "_s + layout.source(number).folder());
@@ -179,7 +183,7 @@ void check_sources(const case_request &request, const case_plan &plan)
 source_request request_for(const case_request &request, const named_source &named)
 {
     source_request source;
-    source.source = find_source(named.path, named.kind, request.options.tables);
+    source.source = find_source(named.path, named.kind, request.options.tables, request.options.follow_links);
     source.number = named.number;
     source.name = named.name;
     source.case_directory = request.directory;

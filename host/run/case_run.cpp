@@ -3,6 +3,7 @@
 
 #include "host/run/case_run.h"
 
+#include "host/case/completeness.h"
 #include "host/files/file_lock.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
@@ -18,11 +19,23 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/** Temporary folders go with all that is in them when the run ends: what others put there must be moved away first. */
+void refuse_foreign_temporaries(const source_layout &layout)
+{
+    for (const QString &folder : {layout.temporary_folder(), layout.plugin_temporary_folder()}) {
+        if (path_exists(folder))
+            throw host_error(exit_code::usage,
+                             u"this is not of an earlier run and stands in the way, move it elsewhere first: "_s
+                                 + folder);
+    }
+}
 
 /** Locks the case and makes room in it, once, when the first plug-in is loaded. */
 class case_preparation
@@ -69,14 +82,17 @@ private:
             if (path_exists(layout.source(number).lock()))
                 const file_lock nobody_works_here(layout.source(number).lock());
         }
-        if (request.earlier != case_request::earlier_run::removed
-            && request.earlier != case_request::earlier_run::continued)
-            return;
+        const bool is_removed = request.earlier == case_request::earlier_run::removed
+                                || request.earlier == case_request::earlier_run::continued;
         QStringList kept;
-        for (const int number : std::as_const(numbers))
-            kept += layout.source(number).remove_run();
+        for (const int number : std::as_const(numbers)) {
+            if (is_removed || was_left_incomplete(layout, number))
+                kept += layout.source(number).remove_run();
+        }
         if (!kept.isEmpty())
             observer.kept(kept);
+        for (const named_source &source : plan.to_run)
+            refuse_foreign_temporaries(layout.source(source.number));
         if (request.earlier == case_request::earlier_run::removed && !request.only) {
             QFile::remove(layout.manifest());
             QFile::remove(layout.manifest_hash());
@@ -139,6 +155,12 @@ public:
         const std::lock_guard guard(mutex);
         observer.worker_said(request, line);
     }
+    void cancelling(const source_request &request) override
+    {
+        const std::lock_guard guard(mutex);
+        if (!std::exchange(is_cancelling, true))
+            observer.cancelling(request);
+    }
     void source_finished(const source_request &request, const source_outcome &outcome) override
     {
         const std::lock_guard guard(mutex);
@@ -148,6 +170,7 @@ public:
 private:
     run_observer &observer;
     std::mutex mutex;
+    bool is_cancelling = false;
 };
 
 /** The sources that wait for their turn, and what became of the others. */
@@ -301,7 +324,13 @@ case_tally run_case(const case_request &request, run_observer &observer)
         return of_this_run;
     if (request.earlier == case_request::earlier_run::added_to)
         renew_list(layout, plan.facts.members);
-    case_tally tally = collect_case(layout);
-    tally.is_interrupted = interruption::was_asked_for();
-    return tally;
+    try {
+        case_tally tally = collect_case(layout);
+        tally.is_interrupted = interruption::was_asked_for();
+        return tally;
+    } catch (const host_error &error) {
+        // What became of the sources counts more than their list.
+        const exit_code code = of_this_run.code();
+        throw host_error(code == exit_code::done ? error.code() : code, error.message());
+    }
 }

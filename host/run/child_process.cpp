@@ -184,12 +184,12 @@ void child_process::write_line(const QByteArray &line)
 
 child_end child_process::wait(const std::function<void(const QByteArray &line)> &on_output,
                               const std::function<void(const QByteArray &line)> &on_error, qint64 seconds,
-                              const std::function<bool()> &is_cancelled)
+                              const std::function<int()> &cancellations)
 {
     child_end end;
     const QDeadlineTimer deadline(seconds == 0 ? QDeadlineTimer(QDeadlineTimer::Forever)
                                                : QDeadlineTimer(seconds * 1000));
-    bool was_told = false;
+    int told = 0;
     bool is_ended = false;
     int status = 0;
     line_reader output_lines;
@@ -211,9 +211,9 @@ child_end child_process::wait(const std::function<void(const QByteArray &line)> 
             }
             is_ended = true;
         }
-        if (!was_told && is_cancelled()) {
-            ::kill(process, SIGINT);
-            was_told = true;
+        if (const int cancelled = cancellations(); !is_ended && cancelled > told) {
+            ::kill(cancelled == 1 ? process : -process, cancelled == 1 ? SIGINT : SIGKILL);
+            told = cancelled;
         }
         if (!is_ended && deadline.hasExpired() && !end.is_timed_out) {
             end.is_timed_out = true;

@@ -45,10 +45,13 @@ public:
     /** A line for the child's standard input. A child that is gone gets none; wait() tells. */
     void write_line(const QByteArray &line);
 
-    /** Gives every line to one of the two until the child has ended; kills it after @p seconds (0: never). */
+    /**
+     * Gives every line to one of the two until the child has ended; kills it after @p seconds (0: never). When
+     * @p cancellations gives 1 the child gets SIGINT, from 2 on it is killed.
+     */
     child_end wait(const std::function<void(const QByteArray &line)> &on_output,
                    const std::function<void(const QByteArray &line)> &on_error, qint64 seconds,
-                   const std::function<bool()> &is_cancelled);
+                   const std::function<int()> &cancellations);
 
 private:
     pid_t process = -1;

@@ -63,7 +63,7 @@ void count_found(inspection &result, table_rows &rows, const source_request &req
         rows.found = 0;
         return;
     }
-    if (file->copy_sha256.isEmpty())
+    if (file->copy_sha256.isEmpty() || file->state != evidence_file::presence::present)
         return;
     try {
         rows.found = count_rows(request.layout().evidence_folder() + u'/' + file->path, **database);
@@ -85,18 +85,67 @@ void count_stored(inspection &result, const source_request &request)
     }
 }
 
-} // namespace
+/** The file that the rows of a table come from, relative to the source; empty for a kind that has none. */
+QString file_of_table(const source_request &request, const QString &table)
+{
+    if (request.source.kind == &ios_uid_kind)
+        return evidence_paths(request.source).value(0);
+    for (const macos_database *database : macos_databases) {
+        if (request.source.kind == &macos_kind && table == database->result_table)
+            return path_of(*database);
+    }
+    return {};
+}
 
-QStringList refused_tables(const source_request &request, const evidence_state &evidence)
+/** The tables of the request whose file is in a state that @p is_meant. */
+QStringList tables_whose_file(const source_request &request, const evidence_state &evidence,
+                              bool (*is_meant)(evidence_file::presence state))
 {
     QStringList tables;
-    for (const macos_database *database : macos_databases) {
-        const evidence_file *file = file_of(evidence, path_of(*database));
-        if (request.options.tables.contains(database->result_table) && file
-            && file->state == evidence_file::presence::refused)
-            tables.append(database->result_table);
+    for (const QString &table : request.options.tables) {
+        const evidence_file *file = file_of(evidence, file_of_table(request, table));
+        if (file && is_meant(file->state))
+            tables.append(table);
     }
     return tables;
+}
+
+} // namespace
+
+QStringList unread_tables(const source_request &request, const evidence_state &evidence)
+{
+    QStringList tables = tables_whose_file(request, evidence, [](evidence_file::presence state) {
+        return state == evidence_file::presence::refused || state == evidence_file::presence::unreadable;
+    });
+    // The plug-in would take the names of paired devices from wherever the link leads.
+    const QString preferences = request.source.root + macos_preferences_file;
+    const QString paired = paired_devices_database.result_table;
+    if (request.options.tables.contains(paired) && !tables.contains(paired) && QFileInfo::exists(preferences)
+        && refused_link(request.source, preferences))
+        tables.append(paired);
+    return tables;
+}
+
+bool is_nothing_readable(const source_request &request, const evidence_state &evidence)
+{
+    return request.source.kind != &winos_kind
+           && tables_whose_file(request, evidence, [](evidence_file::presence state) {
+                  return state == evidence_file::presence::present;
+              }).isEmpty();
+}
+
+void settle_result(const source_request &request)
+{
+    const QString path = request.layout().result_database();
+    if (!QFileInfo::exists(path + u"-journal"_s))
+        return;
+    try {
+        const sqlite_database database(path, sqlite_database::access::read_write);
+        sqlite_statement statement(database, "SELECT count(*) FROM sqlite_master");
+        statement.next(); // the first reader rolls back what was not finished
+    } catch (const sqlite_error &) {
+        // What cannot be rolled back cannot be counted either, which is told.
+    }
 }
 
 inspection inspect(const source_request &request, const evidence_state &evidence, const hash_observer &hashed)
@@ -115,6 +164,7 @@ inspection inspect(const source_request &request, const evidence_state &evidence
         count_found(result, rows, request);
         result.rows.append(rows);
     }
+    settle_result(request);
     count_stored(result, request);
     const wal_findings wal = write_wal_changes(result.evidence, request.layout().evidence_folder(),
                                                request.layout().temporary_folder(), request.layout().wal_changes());

@@ -31,11 +31,20 @@ struct inspection
     static inspection from_json(const QJsonObject &json);
 };
 
-/** The tables of the request whose evidence the host refuses to hand to the plug-in. */
-QStringList refused_tables(const source_request &request, const evidence_state &evidence);
+/**
+ * The tables of the request whose evidence is there and cannot be read, or is refused: the plug-in does not get it to
+ * see, and no rows are expected of it.
+ */
+QStringList unread_tables(const source_request &request, const evidence_state &evidence);
 
 /** @p evidence is what look_before() gave; it is completed. */
 inspection inspect(const source_request &request, const evidence_state &evidence, const hash_observer &hashed);
+
+/** Whether none of the tables of the request has evidence that can be read. */
+bool is_nothing_readable(const source_request &request, const evidence_state &evidence);
+
+/** Rolls back what a plug-in that was stopped left half written in the result, so that no journal stays beside it. */
+void settle_result(const source_request &request);
 
 /** JSON of an evidence_state, as the worker process sends it. */
 QJsonObject evidence_to_json(const evidence_state &evidence);

@@ -5,8 +5,9 @@
 #define HOST_RUN_INTERRUPTION_H
 
 /**
- * Ctrl-C for a run. While an object of this class lives, the first one asks the run to end; those who work on it look
- * at was_asked_for(). A second one ends the program at once with 130.
+ * Ctrl-C, SIGTERM and SIGHUP for a run; SIGHUP only where the caller does not have it ignored. While an object of this
+ * class lives, the first one asks the run to end, the second one to end at once; those who work on it look at times().
+ * A third one ends the program without another word.
  */
 class interruption
 {
@@ -16,8 +17,13 @@ public:
     interruption(const interruption &) = delete;
     interruption &operator=(const interruption &) = delete;
 
-    /** Whether there was a Ctrl-C since construction. */
-    static bool was_asked_for();
+    /** How often the run was asked to end since construction. */
+    static int times();
+
+    static bool was_asked_for()
+    {
+        return times() > 0;
+    }
 };
 
 #endif

@@ -6,7 +6,6 @@
 #include "host/files/sha256.h"
 
 #include <QJsonArray>
-#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -17,6 +16,8 @@ namespace {
 constexpr qint64 longest_line = qint64(1) << 24; // bytes; of a longer line the rest is read as another one
 constexpr qsizetype most_failure_kinds = 1000;
 
+constexpr QLatin1StringView line_middle("][Artifacts Extraction][");
+constexpr QLatin1StringView message_start("]:-- ");
 constexpr QLatin1StringView failure_mark("-FAILED-");
 constexpr QLatin1StringView read_warning("-- READ WARNING -- ");
 constexpr QLatin1StringView last_message("[pub_extract_artifacts] - END");
@@ -60,18 +61,18 @@ QString plain_reason(const QString &logged)
     return reason;
 }
 
-const QRegularExpression &line_form()
-{
-    static const QRegularExpression form(uR"(^\[[^\]]*\]\[.*?\]\[Artifacts Extraction\]\[[^\]]*\]:-- (.*)$)"_s,
-                                         QRegularExpression::DotMatchesEverythingOption);
-    return form;
-}
-
-/** The message of a log line, null if the line is none of the log's own. */
+/**
+ * The message of a log line, "[time][engine][Artifacts Extraction][function]:-- message"; null if the line is none of
+ * the log's own. A regular expression would refuse texts with half a character of UTF-16.
+ */
 QString message_of(const QString &line)
 {
-    const QRegularExpressionMatch match = line_form().match(line);
-    return match.hasMatch() ? match.captured(1) : QString();
+    const qsizetype function = line.indexOf(line_middle);
+    const qsizetype end = line.indexOf(u']', function + line_middle.size());
+    if (!line.startsWith(u'[') || function == -1 || !line.sliced(qMax<qsizetype>(0, end)).startsWith(message_start))
+        return {};
+    const QString message = line.sliced(end + message_start.size());
+    return message.isNull() ? u""_s : message;
 }
 
 bool reports_failure(const QString &message)
@@ -142,7 +143,7 @@ log_findings read_plugin_log(QIODevice &log, const QStringList &known_paths)
         if (failed.isNull())
             return;
         const logged_failure failure = describe(failed, next_message);
-        findings.is_out_of_memory = findings.is_out_of_memory || failure.text.contains("out of memory"_L1);
+        findings.is_out_of_memory = findings.is_out_of_memory || failure.text.endsWith(": out of memory"_L1);
         add(findings, failure);
         failed = QString();
     };
@@ -166,7 +167,7 @@ log_findings read_plugin_log(QIODevice &log, const QStringList &known_paths)
 
 bool is_log_line(const QString &text)
 {
-    return line_form().match(text).hasMatch();
+    return !message_of(text).isNull();
 }
 
 bool is_last_log_line(const QString &line)

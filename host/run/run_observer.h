@@ -22,6 +22,8 @@ public:
     virtual void records_announced(const source_request &request, qint64 records, int tables_done) = 0;
     /** A line that the process that runs the plug-in wrote to standard error. */
     virtual void worker_said(const source_request &request, const QString &line) = 0;
+    /** The examiner asked for an end; the plug-in is told and finishes what it writes. Comes once for a run. */
+    virtual void cancelling(const source_request &request) = 0;
     virtual void source_finished(const source_request &request, const source_outcome &outcome) = 0;
 };
 

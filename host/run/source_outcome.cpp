@@ -74,10 +74,6 @@ void tell_unread_evidence(const evidence_state &evidence, judgement &verdict)
                             u"this version does not read the write-ahead log "_s + file.path
                                 + u": rows that are only in it are missing in the result, and rows that it changes or "
                                   "deletes stand there as they were before");
-            else
-                verdict.say(weight::warning, u"the write-ahead log "_s + file.path
-                                                 + u" stands there without its database: "
-                                                 + u"none of its rows is in the result"_s);
         } else if (file.path.endsWith("-journal"_L1) && holds_something) {
             verdict.say(weight::warning, u"the rollback journal "_s + file.path
                                              + u" belongs to a change that was not finished: the result has the rows "
@@ -91,16 +87,20 @@ void tell_unread_evidence(const evidence_state &evidence, judgement &verdict)
 /** Files that are there and could not be looked at, and files that are odd. */
 void tell_odd_evidence(const source_request &request, const evidence_state &evidence, judgement &verdict)
 {
+    bool is_any_unread = false;
     for (const evidence_file &file : evidence.files) {
         if (file.reason.isEmpty())
             continue;
         const bool is_unread = file.state == evidence_file::presence::unreadable
                                || file.state == evidence_file::presence::refused;
+        is_any_unread = is_any_unread || is_unread;
         verdict.say(is_unread ? weight::error : weight::warning,
                     file.path + (is_unread ? u" was not read: "_s : u": "_s) + file.reason);
-        if (is_unread)
-            verdict.end_as(source_status::partial, exit_code::partial);
     }
+    if (!unread_tables(request, evidence).isEmpty() && is_nothing_readable(request, evidence))
+        verdict.end_as(source_status::failed, exit_code::input);
+    else if (is_any_unread)
+        verdict.end_as(source_status::partial, exit_code::partial);
     if (request.source.kind != &macos_kind)
         return;
     for (const macos_database *database : macos_databases) {
@@ -190,13 +190,19 @@ void check_log(const worker_report &report, judgement &verdict)
 }
 
 /** Rows found, announced and stored must be the same. */
-void check_rows(const source_request &request, const QList<table_rows> &tables, judgement &verdict)
+void check_rows(const source_request &request, const worker_report &report, const source_record &record,
+                judgement &verdict)
 {
-    for (const table_rows &rows : tables) {
+    const QStringList unread = unread_tables(request, record.evidence);
+    for (const table_rows &rows : record.rows) {
+        if (unread.contains(rows.table))
+            continue; // told by the name of its file
         const bool counts_evidence = request.source.kind != &ios_uid_kind;
         const bool agree = rows.announced && rows.stored && rows.announced == rows.stored
                            && (!counts_evidence || rows.found == rows.stored);
-        if (agree)
+        // Why the rows found are unknown is told already; the others must agree all the same.
+        const bool is_uncounted = !rows.found && !report.inspected->problems.isEmpty();
+        if (agree || (is_uncounted && rows.stored && rows.announced == rows.stored))
             continue;
         const QString found = counts_evidence ? count_text(rows.found) + u" found in the evidence, "_s : QString();
         verdict.say(weight::error, u"the rows of the table "_s + rows.table + u" do not agree: "_s + found
@@ -207,6 +213,16 @@ void check_rows(const source_request &request, const QList<table_rows> &tables, 
 }
 
 } // namespace
+
+void source_outcome::fail(const QString &text)
+{
+    messages.append({weight::error, text});
+    record.messages.append(text);
+    if (code() != exit_code::done)
+        return;
+    record.status = source_status::partial;
+    record.exit_code = int(exit_code::partial);
+}
 
 source_outcome judge_source(const source_request &request, const source_record &record, const worker_report &report,
                             bool is_interrupted)
@@ -250,6 +266,11 @@ source_outcome judge_source(const source_request &request, const source_record &
 
     tell_odd_evidence(request, outcome.record.evidence, verdict);
     tell_unread_evidence(outcome.record.evidence, verdict);
+    const auto is_empty = [](const table_rows &rows) { return rows.announced == 0 && rows.stored == 0; };
+    if (request.source.kind == &ios_uid_kind && report.is_extracted && report.inspected
+        && report.inspected->log.failures.isEmpty() && !outcome.record.rows.isEmpty()
+        && std::all_of(outcome.record.rows.cbegin(), outcome.record.rows.cend(), is_empty))
+        verdict.say(weight::note, u"no line of the log tells of a Bluetooth device"_s);
     if (request.source.kind == &winos_kind)
         verdict.say(weight::note, u"this version extracts nothing from Windows sources"_s);
     if (!report.inspected) {
@@ -265,7 +286,7 @@ source_outcome judge_source(const source_request &request, const source_record &
         }
         if (!is_interrupted) {
             check_log(report, verdict);
-            check_rows(request, outcome.record.rows, verdict);
+            check_rows(request, report, outcome.record, verdict);
         }
     }
     verdict.end_as(source_status::done, exit_code::done);

@@ -31,6 +31,9 @@ struct source_outcome
     {
         return exit_code(record.exit_code.value_or(int(exit_code::internal_error)));
     }
+
+    /** Adds an error to a run that was judged already: one that was done is partial then. */
+    void fail(const QString &text);
 };
 
 /**

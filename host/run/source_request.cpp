@@ -14,6 +14,7 @@ QJsonObject extraction_options::to_json() const
             {u"display_name"_s, display_name},
             {u"timezone_offset"_s, timezone_offset},
             {u"suite_tables"_s, suite_tables},
+            {u"follow_links"_s, follow_links},
             {u"is_live"_s, is_live},
             {u"is_verbose"_s, is_verbose},
             {u"plugin_file"_s, plugin_file},
@@ -32,6 +33,7 @@ extraction_options extraction_options::from_json(const QJsonObject &json)
     options.display_name = json.value("display_name"_L1).toString();
     options.timezone_offset = json.value("timezone_offset"_L1).toInteger();
     options.suite_tables = json.value("suite_tables"_L1).toBool();
+    options.follow_links = json.value("follow_links"_L1).toBool();
     options.is_live = json.value("is_live"_L1).toBool();
     options.is_verbose = json.value("is_verbose"_L1).toBool();
     options.plugin_file = json.value("plugin_file"_L1).toString();
@@ -64,5 +66,6 @@ source_request source_request::from_json(const QJsonObject &json)
     request.name = json.value("name"_L1).toString();
     request.case_directory = json.value("case"_L1).toString();
     request.options = extraction_options::from_json(json.value("options"_L1).toObject());
+    request.source.follow_links = request.options.follow_links;
     return request;
 }

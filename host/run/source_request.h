@@ -20,6 +20,7 @@ struct extraction_options
     QString display_name;       ///< as rows show the operating system; empty: the kind's own
     qint64 timezone_offset = 0; ///< seconds east of UTC
     bool suite_tables = false;  ///< leave the result tables as the suite makes them, without room for iOS rows
+    bool follow_links = false;  ///< read evidence that a link in the source has elsewhere
     bool is_live = false;       ///< the evidence is in use and may change
     bool is_verbose = false;    ///< the plug-in's log comes on standard error too
     QString plugin_file;        ///< absolute

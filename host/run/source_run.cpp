@@ -18,6 +18,7 @@
 
 #include <cerrno>
 #include <memory>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/statvfs.h>
@@ -27,6 +28,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype most_lines_of_a_failure = 10;
+constexpr int times_to_stop_at_once = 2;
 
 QByteArray to_line(const QJsonObject &json)
 {
@@ -70,6 +72,17 @@ void create_plugin_log(const QString &path)
         throw host_error(exit_code::internal_error, path + u" cannot be written: "_s + system_error_text(errno));
 }
 
+/** Of a plug-in that was stopped: what it and its libraries put into the run's own folders for a while. */
+void remove_temporary_files(const source_layout &layout)
+{
+    std::error_code error;
+    for (const QString &folder : {layout.temporary_folder(), layout.plugin_temporary_folder()}) {
+        const std::filesystem::path path = to_std_path(folder);
+        if (std::filesystem::is_directory(std::filesystem::symlink_status(path, error)))
+            std::filesystem::remove_all(path, error);
+    }
+}
+
 /** The one run of a source while it goes on. */
 class running_source
 {
@@ -100,8 +113,10 @@ public:
             prepare_source();
         }
         // What the worker could not look at any more, another one does that never loads the plug-in.
-        if (!report.inspected && report.looked)
+        if (!report.inspected && report.looked && interruption::times() < times_to_stop_at_once)
             run_worker(u"inspect"_s, {});
+        if (!report.inspected)
+            run_worker(u"settle"_s, {});
         return finish();
     }
 
@@ -111,10 +126,22 @@ private:
         return interruption::was_asked_for();
     }
 
+    /** What was done is looked at even if the examiner has had enough; only a second word stops that too. */
+    int cancellations(const QString &task)
+    {
+        if (failure)
+            return 1;
+        const int times = interruption::times();
+        if (times == 1 && is_prepared && !std::exchange(is_cancelling, true))
+            observer.cancelling(request);
+        if (task == "settle"_L1)
+            return 0;
+        return task == "inspect"_L1 && times < times_to_stop_at_once ? 0 : times;
+    }
+
     child_end run_worker(const QString &task, const std::function<void()> &prepare)
     {
-        child_process worker(QCoreApplication::applicationFilePath(), {u"worker"_s},
-                             worker_environment(request.layout().temporary_folder()));
+        child_process worker(QCoreApplication::applicationFilePath(), {u"worker"_s}, worker_environment());
         QJsonObject message = request.to_json();
         message.insert(u"task"_s, task);
         if (report.looked)
@@ -134,8 +161,7 @@ private:
             if (last_lines.size() > most_lines_of_a_failure)
                 last_lines.removeFirst();
         };
-        return worker.wait(on_event, on_error, request.options.timeout,
-                           [this] { return is_interrupted() || bool(failure); });
+        return worker.wait(on_event, on_error, request.options.timeout, [this, &task] { return cancellations(task); });
     }
 
     /** The plug-in can be used: now the case is laid out, and the worker may go on. */
@@ -156,11 +182,12 @@ private:
         make_folder(layout.folder());
         lock = std::make_unique<file_lock>(layout.lock());
         require_room(request);
-        make_folder(layout.temporary_folder());
-        create_plugin_log(layout.plugin_log());
+        // The record comes first: whatever stops the program from here on, it says that the run did not end.
         record.status = source_status::running;
         record.started = utc_now();
         write_source_record(request, facts, record);
+        make_folder(layout.temporary_folder());
+        create_plugin_log(layout.plugin_log());
         observer.source_started(request, messages_before_run(request));
         is_prepared = true;
     }
@@ -190,9 +217,13 @@ private:
     {
         source_outcome outcome = judge_source(request, record, report, is_interrupted());
         outcome.record.finished = utc_now();
-        std::error_code error;
-        std::filesystem::remove(to_std_path(request.layout().temporary_folder()), error);
-        write_source_record(request, facts, outcome.record);
+        remove_temporary_files(request.layout());
+        try {
+            write_source_record(request, facts, outcome.record);
+        } catch (const host_error &error) {
+            // The record that is there says "running" for ever: the case counts as incomplete.
+            outcome.fail(u"the record of the run, which still says that it goes on, "_s + error.message());
+        }
         return outcome;
     }
 
@@ -204,6 +235,7 @@ private:
     std::unique_ptr<file_lock> lock;
     std::exception_ptr failure; ///< of the preparation
     bool is_prepared = false;
+    bool is_cancelling = false;
     QStringList last_lines; ///< of the worker's standard error
 };
 

@@ -29,19 +29,24 @@ bool is_replaced(QByteArrayView variable)
 
 } // namespace
 
-QList<QByteArray> worker_environment(const QString &folder)
+QList<QByteArray> worker_environment()
 {
     QList<QByteArray> variables;
     for (char **variable = environ; *variable; ++variable) {
         if (!is_replaced(*variable))
             variables.append(*variable);
     }
-    const QByteArray place = QFile::encodeName(folder);
-    for (const QByteArrayView name : {"TMPDIR=", "SQLITE_TMPDIR=", "XDG_CACHE_HOME="})
-        variables.append(name.toByteArray() + place);
-    variables.append("XDG_RUNTIME_DIR=/dev/null"); // no folder, so that Qt makes none
-    variables.append("LC_ALL=C.UTF-8");            // evidence is Unicode, whatever the terminal claims
+    // No folders, so that nothing is made there while the case is not yet the program's own.
+    for (const QByteArrayView name : {"TMPDIR=", "SQLITE_TMPDIR=", "XDG_RUNTIME_DIR=", "XDG_CACHE_HOME="})
+        variables.append(name.toByteArray() + "/dev/null");
+    variables.append("LC_ALL=C.UTF-8"); // evidence is Unicode, whatever the terminal claims
     variables.append("QT_QPA_PLATFORM=offscreen");
     variables.append("QT_LOGGING_RULES=default.debug=true"); // the plug-in's log comes as such messages
     return variables;
+}
+
+void use_temporary_folder(const QString &folder)
+{
+    for (const char *name : {"TMPDIR", "SQLITE_TMPDIR"})
+        qputenv(name, QFile::encodeName(folder));
 }

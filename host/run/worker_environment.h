@@ -10,8 +10,11 @@
 
 /**
  * The environment of a process that runs the plug-in: the same on a terminal, in a script and on a machine without a
- * display, whatever Qt is told elsewhere, and with every temporary file in @p folder. "NAME=value" each.
+ * display, whatever Qt is told elsewhere, and without any folder for temporary files. "NAME=value" each.
  */
-QList<QByteArray> worker_environment(const QString &folder);
+QList<QByteArray> worker_environment();
+
+/** From here on temporary files of this process, the plug-in's and SQLite's too, are made in @p folder. */
+void use_temporary_folder(const QString &folder);
 
 #endif

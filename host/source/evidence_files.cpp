@@ -118,13 +118,19 @@ bool is_database_name(const QString &path)
     return path.endsWith(".db"_L1);
 }
 
-/** What is odd about the content of a file that can be hashed, judged by its first bytes. */
+/** Why a file that can be hashed is no database, judged by its first bytes. */
+QString why_no_database(QByteArrayView start)
+{
+    if (start.isEmpty())
+        return u"it is empty, and no database"_s;
+    if (start.first(qMin(start.size(), database_magic.size())) != database_magic)
+        return u"it is no SQLite database"_s;
+    return {};
+}
+
+/** What is odd about the content of another file, judged by its first bytes. */
 QString oddity(const QString &path, QByteArrayView start)
 {
-    if (is_database_name(path) && start.isEmpty())
-        return u"it is empty, and no database"_s;
-    if (is_database_name(path) && start.first(qMin(start.size(), database_magic.size())) != database_magic)
-        return u"it is no SQLite database"_s;
     const bool is_log = path.endsWith("-wal"_L1) && !start.isEmpty();
     if (is_log && std::none_of(std::begin(log_magics), std::end(log_magics), [start](QByteArrayView magic) {
             return start.startsWith(magic);
@@ -209,7 +215,9 @@ void look_at(evidence_file &file, const QString &full_path, const file_targets &
         return;
     }
     file.before->sha256 = hash.result();
-    file.reason = oddity(file.path, start);
+    file.reason = is_database_name(file.path) ? why_no_database(start) : oddity(file.path, start);
+    if (is_database_name(file.path) && !file.reason.isEmpty())
+        file.state = evidence_file::presence::unreadable;
     if (copy)
         file.copy_sha256 = copy->hash();
 }
@@ -390,12 +398,21 @@ evidence_state look_before(const evidence_source &source, const evidence_places 
     for (const QString &path : paths) {
         evidence_file file;
         file.path = path;
+        if (const std::optional<QString> refusal = refused_link(source, source.root + path)) {
+            file.state = evidence_file::presence::refused;
+            file.reason = *refusal;
+            evidence.files.append(file);
+            continue;
+        }
         file_targets targets;
         if (finder)
             targets.take_block = [&finder](QByteArrayView block) { finder->add(block); };
         else
             targets.copy = places.copy_folder + u'/' + path;
         look_at(file, source.root + path, targets, most_database_bytes, hashed);
+        if (const std::optional<QString> target = link_out_of_source(source, source.root + path);
+            target && file.reason.isEmpty())
+            file.reason = u"it is reached by a link that leads out of the source, to "_s + *target;
         evidence.files.append(file);
     }
     if (finder) {
@@ -407,7 +424,9 @@ evidence_state look_before(const evidence_source &source, const evidence_places 
 
 void look_after(evidence_state &evidence, const evidence_source &source, const hash_observer &hashed)
 {
-    for (evidence_file &file : evidence.files)
-        look_again(file, source.root + file.path, hashed);
+    for (evidence_file &file : evidence.files) {
+        if (!refused_link(source, source.root + file.path))
+            look_again(file, source.root + file.path, hashed);
+    }
     evidence.listing_after = listing_of(source);
 }

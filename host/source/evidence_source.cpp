@@ -4,7 +4,9 @@
 #include "host/source/evidence_source.h"
 
 #include "host/files/host_error.h"
+#include "host/files/paths.h"
 #include "host/source/evidence_folder.h"
+#include "host/source/log_text.h"
 #include "host/source/macos_databases.h"
 
 #include <QFileInfo>
@@ -50,6 +52,8 @@ const source_kind &recognized_kind(const QFileInfo &place)
         return ios_uid_kind;
     if (place.isDir() && looks_like_macos(place.filePath()))
         return macos_kind;
+    if (place.isDir() && (!place.isReadable() || !place.isExecutable()))
+        fail(u"the source cannot be read: "_s + place.filePath() + u": permission denied"_s);
     if (place.isDir() && looks_like_windows(place.filePath()))
         return winos_kind;
     fail(u"this is no source that can be recognized: "_s + place.filePath()
@@ -60,6 +64,8 @@ const source_kind &recognized_kind(const QFileInfo &place)
 /** Why the plug-in could not read the file. Links to a file count as that file. */
 std::optional<QString> unreadable_reason(const QFileInfo &file)
 {
+    if (!file.exists())
+        return u"it is a link that leads nowhere"_s;
     if (!file.isFile())
         return u"it is not a regular file"_s;
     if (!file.isReadable())
@@ -67,9 +73,24 @@ std::optional<QString> unreadable_reason(const QFileInfo &file)
     return {};
 }
 
-/** The databases of the tables that are asked for: one of them at least must be there and readable. */
-void require_macos_evidence(const QString &folder, const QStringList &tables)
+/** A folder on the way to the databases that nobody lets us look into: what is behind it is not absent. */
+std::optional<QString> closed_folder(const evidence_source &source)
 {
+    for (const QString &folder :
+         QStringList{source.root, source.root + u"Library"_s, source.root + u"Library/Bluetooth"_s}) {
+        const QFileInfo place(folder);
+        if (place.isDir() && (!place.isReadable() || !place.isExecutable()))
+            return folder + u": permission denied"_s;
+    }
+    return {};
+}
+
+/** The databases of the tables that are asked for: one of them at least must be there and readable. */
+void require_macos_evidence(const evidence_source &source, const QStringList &tables)
+{
+    const QString folder = source.root + macos_database_folder;
+    if (const std::optional<QString> problem = closed_folder(source))
+        fail(u"the evidence cannot be read: "_s + *problem);
     QStringList problems;
     QStringList missing;
     for (const macos_database *database : macos_databases) {
@@ -80,7 +101,9 @@ void require_macos_evidence(const QString &folder, const QStringList &tables)
             missing.append(database->result_table);
             continue;
         }
-        const std::optional<QString> problem = unreadable_reason(file);
+        std::optional<QString> problem = unreadable_reason(file);
+        if (!problem)
+            problem = refused_link(source, file.filePath());
         if (!problem)
             return;
         problems.append(file.filePath() + u": "_s + *problem);
@@ -101,7 +124,23 @@ void require_folder(const evidence_source &source)
 
 } // namespace
 
-evidence_source find_source(const QString &path, const source_kind *kind, const QStringList &tables)
+std::optional<QString> link_out_of_source(const evidence_source &source, const QString &path)
+{
+    if (source.kind != &macos_kind || is_inside(path, source.root))
+        return {};
+    return QFileInfo(path).canonicalFilePath();
+}
+
+std::optional<QString> refused_link(const evidence_source &source, const QString &path)
+{
+    const std::optional<QString> target = link_out_of_source(source, path);
+    if (!target || source.follow_links)
+        return {};
+    return u"it is reached by a link that leads out of the source, to "_s + *target
+           + u": --follow-links reads it nevertheless"_s;
+}
+
+evidence_source find_source(const QString &path, const source_kind *kind, const QStringList &tables, bool follow_links)
 {
     const QFileInfo place(path);
     if (!place.exists())
@@ -109,10 +148,13 @@ evidence_source find_source(const QString &path, const source_kind *kind, const 
 
     evidence_source source;
     source.path = path;
+    source.follow_links = follow_links;
     source.kind = kind ? kind : &recognized_kind(place);
     if (source.kind == &ios_uid_kind) {
         if (const std::optional<QString> problem = unreadable_reason(place))
             fail(u"the log text cannot be read: "_s + path + u": "_s + *problem);
+        if (const std::optional<QString> reason = why_no_device_log(path))
+            fail(u"this is no log text of a device: "_s + path + u": "_s + *reason);
         source.log_file = path;
         source.root = place.path();
     } else {
@@ -122,7 +164,7 @@ evidence_source find_source(const QString &path, const source_kind *kind, const 
     if (!source.root.endsWith(u'/'))
         source.root += u'/';
     if (source.kind == &macos_kind)
-        require_macos_evidence(source.root + macos_database_folder, tables);
+        require_macos_evidence(source, tables);
     return source;
 }
 

@@ -9,20 +9,30 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 /** A source of evidence, as far as it can be told without opening its evidence. */
 struct evidence_source
 {
     const source_kind *kind = nullptr;
-    QString path;     ///< what the examiner gave, absolute; nothing is ever written at it or below
-    QString root;     ///< the folder that the evidence stands in; ends with "/"
-    QString log_file; ///< iOS only: the log text
+    QString path;              ///< what the examiner gave, absolute; nothing is ever written at it or below
+    QString root;              ///< the folder that the evidence stands in; ends with "/"
+    QString log_file;          ///< iOS only: the log text
+    bool follow_links = false; ///< evidence may be read that a link in the source has elsewhere
 };
 
 /**
  * Recognizes what stands at the absolute @p path. @p kind is null where the examiner left it open. Throws host_error
  * (input) when there is nothing to extract for the result tables @p tables, or when it cannot be read.
  */
-evidence_source find_source(const QString &path, const source_kind *kind, const QStringList &tables);
+evidence_source find_source(const QString &path, const source_kind *kind, const QStringList &tables,
+                            bool follow_links = false);
+
+/** Where @p path, which is below the root by its name, really is, if a link leads it out of the source. */
+std::optional<QString> link_out_of_source(const evidence_source &source, const QString &path);
+
+/** Why such a path is not read, nothing if it may be. */
+std::optional<QString> refused_link(const evidence_source &source, const QString &path);
 
 /** The folders that hold the evidence of the source: even of a live system nothing is written below them. */
 QStringList evidence_folders(const evidence_source &source);

@@ -5,6 +5,7 @@
 
 #include "host/files/host_error.h"
 #include "host/run/inspection.h"
+#include "host/run/worker_environment.h"
 #include "host/run/worker_report.h"
 #include "host/worker/cancellation.h"
 #include "host/worker/extraction.h"
@@ -116,14 +117,15 @@ std::future<void> end_with_the_watcher()
     return start.get_future();
 }
 
-void limit_memory(qint64 mebibytes)
+void set_limits(qint64 mebibytes)
 {
+    const rlimit no_core{0, 0}; // evidence would be in it, outside the case
+    ::setrlimit(RLIMIT_CORE, &no_core);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is told by what writes it
     if (!can_limit_memory)
         return;
     const rlimit limit{rlim_t(mebibytes) << 20, rlim_t(mebibytes) << 20};
     ::setrlimit(RLIMIT_AS, &limit);
-    const rlimit no_core{0, 0}; // evidence would be in it, outside the case
-    ::setrlimit(RLIMIT_CORE, &no_core);
 }
 
 /** Sends what was hashed, not too often. */
@@ -162,6 +164,7 @@ void extract(source_request request, std::future<void> &start)
     std::unique_ptr<bluetooth_logs> plugin = load_plugin(request.options.plugin_file);
     send(worker_events::loaded);
     start.wait();
+    use_temporary_folder(request.layout().temporary_folder());
 
     evidence_state evidence;
     {
@@ -173,7 +176,7 @@ void extract(source_request request, std::future<void> &start)
     send(worker_events::looked, {{u"evidence"_s, evidence_to_json(evidence)}});
 
     const QStringList all_tables = request.options.tables;
-    for (const QString &table : refused_tables(request, evidence))
+    for (const QString &table : unread_tables(request, evidence))
         request.options.tables.removeAll(table);
     extraction_observer observer(request.options.tables, send);
     const extraction_end end = run_extraction(*plugin, request, observer);
@@ -189,13 +192,17 @@ int work()
     const QJsonObject message = QJsonDocument::fromJson(QByteArray::fromStdString(read_line())).object();
     const source_request request = source_request::from_json(message);
     std::future<void> start = end_with_the_watcher();
-    limit_memory(request.options.memory_limit);
+    set_limits(request.options.memory_limit);
     try {
-        if (message.value("task"_L1).toString() == "inspect"_L1) {
+        const QString task = message.value("task"_L1).toString();
+        if (task != "extract"_L1)
+            use_temporary_folder(request.layout().temporary_folder());
+        if (task == "inspect"_L1)
             send_inspection(request, evidence_from_json(message.value("evidence"_L1).toObject()));
-        } else {
+        else if (task == "settle"_L1)
+            settle_result(request);
+        else
             extract(request, start);
-        }
     } catch (const host_error &error) {
         send(worker_events::problem, {{u"text"_s, error.message()}});
         return int(error.code());
@@ -205,10 +212,11 @@ int work()
     return 0;
 }
 
-/** Without a desktop session the toolkit complains of what only a desktop needs. */
-void report_only_errors(QtMsgType type, const QMessageLogContext &, const QString &message)
+/** The toolkit complains of a desktop session and of folders for temporary files that are missing: nobody needs them.
+ */
+void report_only_what_ends_us(QtMsgType type, const QMessageLogContext &, const QString &message)
 {
-    if (type == QtCriticalMsg || type == QtFatalMsg)
+    if (type == QtFatalMsg)
         std::fprintf(stderr, "%s\n", qPrintable(message));
 }
 
@@ -224,9 +232,8 @@ int run_worker()
     static char name[] = "bluetooth-logs";
     static char *arguments[] = {name, nullptr};
     cancellation::hold();
-    const QtMessageHandler usual_handler = qInstallMessageHandler(report_only_errors);
+    qInstallMessageHandler(report_only_what_ends_us);
     const QApplication application(argument_count, arguments);
-    qInstallMessageHandler(usual_handler);
     cancellation::release();
     const int code = work();
     std::fflush(nullptr);

@@ -4,7 +4,10 @@
 #include "tests/host/host_program.h"
 
 #include <QDir>
+#include <QFile>
+#include <QJsonDocument>
 #include <QRegularExpression>
+#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -53,16 +56,61 @@ void host_program::write_sample() const
         qFatal("no sample: %s", qPrintable(result.errors));
 }
 
+host_result host_program::run_through(const QStringList &command, const QStringList &arguments) const
+{
+    QProcess process;
+    start(process, arguments, command);
+    return finish(process);
+}
+
+host_result host_program::run_meanwhile(const QStringList &arguments, const QString &moment,
+                                        const std::function<void()> &meanwhile) const
+{
+    QFile::remove(path(u"started"_s));
+    QFile::remove(path(u"go"_s));
+    QProcess process;
+    start(process, arguments + QStringList{u"--plugin"_s, faulty_plugin_file()},
+          {u"/usr/bin/env"_s, u"FAULTY_PLUGIN="_s + moment + u" wait"_s});
+    const QString started = path(u"started"_s);
+    const auto waits_or_ended = [&] { return QFile::exists(started) || process.state() == QProcess::NotRunning; };
+    if (QTest::qWaitFor(waits_or_ended, time_limit) && QFile::exists(started))
+        meanwhile();
+    QFile go(path(u"go"_s));
+    if (!go.open(QIODevice::WriteOnly))
+        qFatal("the waiting plug-in cannot be told to go on");
+    return finish(process);
+}
+
+void host_program::set_variable(const QString &name, const QString &value)
+{
+    variables.insert(name, value);
+}
+
+QJsonObject host_program::source_record() const
+{
+    QFile record(path(u"case/Source1/source.json"_s));
+    return record.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(record.readAll()).object() : QJsonObject();
+}
+
 void host_program::start(QProcess &process, const QStringList &arguments) const
 {
+    start(process, arguments, {});
+}
+
+void host_program::start(QProcess &process, const QStringList &arguments, const QStringList &command) const
+{
     prepare(process);
-    process.start(program_file(), arguments);
+    const QStringList words = command + QStringList{program_file()} + arguments;
+    process.start(words.first(), words.sliced(1));
 }
 
 void host_program::prepare(QProcess &process) const
 {
     process.setWorkingDirectory(directory.path());
-    process.setProcessEnvironment(environment_without_display(directory.path()));
+    QProcessEnvironment environment = environment_without_display(directory.path());
+    for (auto variable = variables.begin(); variable != variables.end(); ++variable)
+        environment.insert(variable.key(), variable.value());
+    process.setProcessEnvironment(environment);
     process.setStandardInputFile(QProcess::nullDevice());
 }
 
@@ -99,4 +147,14 @@ QString host_program::program_file()
 QString host_program::waiting_plugin_file()
 {
     return QStringLiteral(BLUETOOTH_LOGS_WAITING_PLUGIN_FILE);
+}
+
+QString host_program::faulty_plugin_file()
+{
+    return QStringLiteral(BLUETOOTH_LOGS_FAULTY_PLUGIN_FILE);
+}
+
+QString host_program::data_symbol_plugin_file()
+{
+    return QStringLiteral(BLUETOOTH_LOGS_DATA_SYMBOL_PLUGIN_FILE);
 }

@@ -4,10 +4,14 @@
 #ifndef TESTS_HOST_HOST_PROGRAM_H
 #define TESTS_HOST_HOST_PROGRAM_H
 
+#include <QJsonObject>
+#include <QMap>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+
+#include <functional>
 
 /** What a run of the program left behind. */
 struct host_result
@@ -31,6 +35,22 @@ public:
      */
     host_result run_in_shell(const QString &arguments, const QString &before = {}, const QString &runner = {}) const;
 
+    /** Another command runs the program: "sh -c '…' sh", with the program's file and @p arguments behind. */
+    host_result run_through(const QStringList &command, const QStringList &arguments) const;
+
+    /**
+     * Extracts with the plug-in double that waits at @p moment ("extraction", "end", …), lets @p meanwhile act there,
+     * and lets it go on.
+     */
+    host_result run_meanwhile(const QStringList &arguments, const QString &moment,
+                              const std::function<void()> &meanwhile) const;
+
+    /** The environment of later runs. */
+    void set_variable(const QString &name, const QString &value);
+
+    /** CASE/Source1/source.json of the case "case"; empty if there is none. */
+    QJsonObject source_record() const;
+
     /** Writes a sample into "sample" below the working directory. Ends the test program on failure. */
     void write_sample() const;
 
@@ -47,10 +67,17 @@ public:
     static QString program_file();
     static QString waiting_plugin_file();
 
+    /** The plug-in with a fault, which the variable FAULTY_PLUGIN names: tests/host/faulty_plugin.cpp. */
+    static QString faulty_plugin_file();
+    /** A library whose create_object is no function. */
+    static QString data_symbol_plugin_file();
+
 private:
     void prepare(QProcess &process) const;
+    void start(QProcess &process, const QStringList &arguments, const QStringList &command) const;
 
     QTemporaryDir directory;
+    QMap<QString, QString> variables; ///< of the program's environment, besides those of this process
 };
 
 #endif

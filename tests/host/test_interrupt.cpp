@@ -22,6 +22,9 @@ private Q_SLOTS:
     void first_one_ends_the_extraction();
     void second_one_ends_the_program();
     void table_that_is_being_written_is_finished();
+
+private:
+    const QString finishing = u"note: finishing what is being written; again to stop at once\n"_s;
 };
 
 void test_interrupt::init()
@@ -41,7 +44,7 @@ void test_interrupt::first_one_ends_the_extraction()
 
     const host_result result = host_program::finish(process);
     QCOMPARE(result.exit_code, 130);
-    QCOMPARE(result.errors, u"error: interrupted: the result is incomplete\n"_s);
+    QCOMPARE(result.errors, finishing + u"error: interrupted: the result is incomplete\n"_s);
     QVERIFY(host_program::without_manifest(result.output).endsWith(u"        paired_devices          0 rows\n"_s));
     QVERIFY(!QDir(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/tmp"_s)).exists());
 }
@@ -61,7 +64,12 @@ void test_interrupt::second_one_ends_the_program()
 
     const host_result result = host_program::finish(process);
     QCOMPARE(result.exit_code, 130);
-    QCOMPARE(result.output, QString());
+    QCOMPARE(result.errors, finishing
+                                + u"error: interrupted: the result is incomplete\n"
+                                  "error: the evidence could not be looked at again after the run\n"_s);
+    QCOMPARE(host.source_record().value("status"_L1).toString(), u"interrupted"_s);
+    QVERIFY(!QFile::exists(host.path(u"case/Source1/tmp"_s)));
+    QVERIFY(!QFile::exists(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/tmp"_s)));
 }
 
 void test_interrupt::table_that_is_being_written_is_finished()
@@ -85,7 +93,7 @@ void test_interrupt::table_that_is_being_written_is_finished()
 
     const host_result result = host_program::finish(process);
     QCOMPARE(result.exit_code, 130);
-    QCOMPARE(result.errors, u"error: interrupted: the result is incomplete\n"_s);
+    QCOMPARE(result.errors, finishing + u"error: interrupted: the result is incomplete\n"_s);
     const qint64 written = sqlite_file(result_folder + u"Bluetooth_Logs.sqlite"_s)
                                .rows(u"SELECT count(*) FROM devices"_s)
                                .at(0)

@@ -147,7 +147,7 @@ host_result run_extract(const host_program &host, const QStringList &arguments)
     return host.run(QStringList{u"extract"_s, u"-o"_s, u"case"_s} + arguments);
 }
 
-/** Processes of this program that run a plug-in somewhere below @p folder. */
+/** Processes of this program that run a plug-in for the program that was started in @p folder. */
 QStringList workers_in(const QString &folder)
 {
     QStringList found;
@@ -309,7 +309,7 @@ void test_cases::killed_run_is_continued()
     QTest::qWait(milliseconds);
     process.kill();
     process.waitForFinished();
-    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(u"case"_s)), QStringList(), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(QString())), QStringList(), 20000);
 
     QCOMPARE(run_extract(host, arguments + QStringList{u"--resume"_s}).exit_code, 0);
     QCOMPARE(without_times(host.path(u"case/manifest.json"_s)), whole);
@@ -326,11 +326,11 @@ void test_cases::workers_end_with_their_parent()
     host.start(process, QStringList{u"extract"_s, u"-o"_s, u"case"_s, u"--jobs"_s, u"3"_s, u"--plugin"_s,
                                     host_program::waiting_plugin_file()}
                             + three_sources);
-    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(u"case"_s)).size(), 3, 60000);
+    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(QString())).size(), 3, 60000);
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);
     process.kill();
     process.waitForFinished();
-    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(u"case"_s)), QStringList(), 20000);
+    QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(QString())), QStringList(), 20000);
 
     // Whose parent is gone without a word was interrupted.
     const host_result collected = host.run({u"collect"_s, u"case"_s});

@@ -1,0 +1,244 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/files/file_lock.h"
+#include "host/files/host_error.h"
+#include "host/files/json_file.h"
+#include "host/files/paths.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray content_of(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+/** What a function says when it refuses, with its exit code: "3 …". */
+template<typename Function>
+QString refusal(Function function)
+{
+    try {
+        function();
+    } catch (const host_error &error) {
+        return QString::number(int(error.code())) + u' ' + error.message();
+    }
+    return u"done"_s;
+}
+
+} // namespace
+
+/** Files of the program are written whole, read with care, locked, and stand where they were meant to. */
+class test_whole_files : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void file_is_replaced_as_a_whole();
+    void link_is_replaced_and_not_followed();
+    void what_cannot_be_written_leaves_the_old();
+    void what_is_no_file_is_not_read_data();
+    void what_is_no_file_is_not_read();
+    void json_that_is_none();
+    void lock_is_held_once();
+    void lock_is_no_link();
+    void inside_data();
+    void inside();
+    void absolute_data();
+    void absolute();
+};
+
+void test_whole_files::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".*"_s));
+}
+
+void test_whole_files::file_is_replaced_as_a_whole()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"a.json"_s);
+    QVERIFY(QFile(path + u".new"_s).open(QIODevice::WriteOnly)); // of a run that was killed
+    write_whole_file(path, "one");
+    QCOMPARE(content_of(path), "one");
+    write_json_file(path, {{u"a"_s, 1}});
+    QCOMPARE(content_of(path), "{\n    \"a\": 1\n}\n");
+    QCOMPARE(read_json_file(path), QJsonObject({{u"a"_s, 1}}));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList{u"a.json"_s});
+}
+
+void test_whole_files::link_is_replaced_and_not_followed()
+{
+    const QTemporaryDir folder;
+    write_whole_file(folder.filePath(u"elsewhere"_s), "keep");
+    for (const QString &name : {u"a"_s, u"a.new"_s})
+        QVERIFY(QFile::link(folder.filePath(u"elsewhere"_s), folder.filePath(name)));
+    write_whole_file(folder.filePath(u"a"_s), "new");
+    QCOMPARE(content_of(folder.filePath(u"a"_s)), "new");
+    QVERIFY(!QFileInfo(folder.filePath(u"a"_s)).isSymLink());
+    QCOMPARE(content_of(folder.filePath(u"elsewhere"_s)), "keep");
+}
+
+void test_whole_files::what_cannot_be_written_leaves_the_old()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"a"_s);
+    QVERIFY(QDir().mkpath(path + u"/b"_s)); // no file takes its place
+    QVERIFY(refusal([&] { write_whole_file(path, "x"); }).startsWith(u"1 "_s + path + u" cannot be written: "_s));
+    QVERIFY(!QFile::exists(path + u".new"_s));
+    QVERIFY(QFileInfo(path + u"/b"_s).isDir());
+    const QString nowhere = folder.filePath(u"none/a"_s);
+    QCOMPARE(refusal([&] { write_whole_file(nowhere, "x"); }),
+             u"1 "_s + nowhere + u" cannot be written: no such file or directory"_s);
+}
+
+void test_whole_files::what_is_no_file_is_not_read_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("reason");
+
+    // clang-format off
+    QTest::newRow("nothing")  << u"nothing"_s << u"no such file or directory"_s;
+    QTest::newRow("folder")   << u"folder"_s  << u"it is not a regular file"_s;
+    QTest::newRow("FIFO")     << u"fifo"_s    << u"it is not a regular file"_s;
+    QTest::newRow("link")     << u"link"_s    << u"too many levels of symbolic links"_s;
+    QTest::newRow("too large") << u"large"_s  << u"it has 11 bytes, more than this file ever has"_s;
+    // clang-format on
+}
+
+void test_whole_files::what_is_no_file_is_not_read()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, reason);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(kind);
+    QVERIFY(QDir().mkpath(folder.filePath(u"folder"_s)));
+    QVERIFY(QFile::link(u"large"_s, folder.filePath(u"link"_s)));
+    QCOMPARE(::mkfifo(QFile::encodeName(folder.filePath(u"fifo"_s)).constData(), 0600), 0);
+    write_whole_file(folder.filePath(u"large"_s), "01234567890");
+    QCOMPARE(refusal([&] { read_whole_file(path, 10); }), u"3 "_s + path + u" cannot be read: "_s + reason);
+}
+
+void test_whole_files::json_that_is_none()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"a.json"_s);
+    write_whole_file(path, "{\"a\": 1");
+    QVERIFY(refusal([&] { read_json_file(path); }).startsWith(u"3 "_s + path + u" is no JSON file: "_s));
+    write_whole_file(path, "[1]");
+    QCOMPARE(refusal([&] { read_json_file(path); }), u"3 "_s + path + u" holds no JSON object"_s);
+}
+
+void test_whole_files::lock_is_held_once()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u".lock"_s);
+    QVERIFY(!file_lock::is_held(path));
+    {
+        const file_lock lock(path);
+        QVERIFY(file_lock::is_held(path));
+        const QString words = refusal([&] { const file_lock second(path); });
+        QVERIFY2(words.startsWith(u"2 another run works here, process %1 on "_s.arg(QCoreApplication::applicationPid()))
+                     && words.endsWith(u": "_s + path),
+                 qPrintable(words));
+    }
+    QVERIFY(!file_lock::is_held(path));
+    QVERIFY(QFile::exists(path));
+    const file_lock again(path);
+    QCOMPARE(content_of(path).count('\n'), 1);
+}
+
+void test_whole_files::lock_is_no_link()
+{
+    const QTemporaryDir folder;
+    write_whole_file(folder.filePath(u"elsewhere"_s), "keep");
+    QVERIFY(QFile::link(folder.filePath(u"elsewhere"_s), folder.filePath(u"link"_s)));
+    QVERIFY(refusal([&] { const file_lock lock(folder.filePath(u"link"_s)); }).startsWith(u"1 the lock "_s));
+    QVERIFY(refusal([&] { const file_lock lock(folder.path()); }).startsWith(u"1 the lock "_s));
+    // A second name of a file is no lock file of ours.
+    QCOMPARE(::link(QFile::encodeName(folder.filePath(u"elsewhere"_s)).constData(),
+                    QFile::encodeName(folder.filePath(u"twin"_s)).constData()),
+             0);
+    const file_lock lock(folder.filePath(u"twin"_s));
+    QCOMPARE(content_of(folder.filePath(u"elsewhere"_s)), "keep");
+}
+
+void test_whole_files::inside_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<bool>("is_inside_of_it");
+
+    // clang-format off
+    QTest::newRow("itself")              << u"in"_s               << true;
+    QTest::newRow("below")               << u"in/a"_s             << true;
+    QTest::newRow("not there yet")       << u"in/new/newer"_s     << true;
+    QTest::newRow("beside")              << u"out"_s              << false;
+    QTest::newRow("a longer name")       << u"in2"_s              << false;
+    QTest::newRow("above")               << u""_s                 << false;
+    QTest::newRow("by a link")           << u"out/link"_s         << true;
+    QTest::newRow("below a link")        << u"out/link/a/new"_s   << true;
+    QTest::newRow("out by a link")       << u"in/way_out/new"_s   << false;
+    QTest::newRow("up again")            << u"in/a/../../out"_s   << false;
+    QTest::newRow("up again into it")    << u"out/../in/new"_s    << true;
+    QTest::newRow("loop of links")       << u"in/loop/new"_s      << true;
+    QTest::newRow("link that leads nowhere") << u"in/nowhere"_s   << true;
+    // clang-format on
+}
+
+void test_whole_files::inside()
+{
+    QFETCH(QString, path);
+    QFETCH(bool, is_inside_of_it);
+    const QTemporaryDir folder;
+    for (const QString &name : {u"in/a"_s, u"in2"_s, u"out"_s})
+        QVERIFY(QDir().mkpath(folder.filePath(name)));
+    QVERIFY(QFile::link(folder.filePath(u"in"_s), folder.filePath(u"out/link"_s)));
+    QVERIFY(QFile::link(folder.filePath(u"out"_s), folder.filePath(u"in/way_out"_s)));
+    QVERIFY(QFile::link(u"loop"_s, folder.filePath(u"in/loop"_s)));
+    QVERIFY(QFile::link(u"gone"_s, folder.filePath(u"in/nowhere"_s)));
+    QCOMPARE(is_inside(folder.path() + u'/' + path, folder.filePath(u"in"_s)), is_inside_of_it);
+}
+
+void test_whole_files::absolute_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("absolute_form"); // $ is the folder
+
+    // clang-format off
+    QTest::newRow("empty")            << u""_s               << u"2 --x is an empty path"_s;
+    QTest::newRow("absolute")         << u"$/a"_s            << u"$/a"_s;
+    QTest::newRow("doubled slashes")  << u"$//a//b/"_s       << u"$/a/b"_s;
+    QTest::newRow("dots")             << u"$/./a/."_s        << u"$/a"_s;
+    QTest::newRow("links stay")       << u"$/link/b"_s       << u"$/link/b"_s;
+    QTest::newRow("above a link")     << u"$/link/../b"_s    << u"$/deep/b"_s;
+    QTest::newRow("above a folder")   << u"$/deep/er/../b"_s << u"$/deep/b"_s;
+    QTest::newRow("dots in a name")   << u"$/..a"_s          << u"$/..a"_s;
+    // clang-format on
+}
+
+void test_whole_files::absolute()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, absolute_form);
+    const QTemporaryDir folder;
+    QVERIFY(QDir().mkpath(folder.filePath(u"deep/er"_s)));
+    QVERIFY(QFile::link(folder.filePath(u"deep/er"_s), folder.filePath(u"link"_s)));
+    QString given;
+    const QString problem = refusal(
+        [&] { given = absolute_path(QString(path).replace(u'$', folder.path()), u"--x"_s); });
+    QCOMPARE(problem == "done"_L1 ? given : problem, absolute_form.replace(u'$', folder.path()));
+}
+
+QTEST_GUILESS_MAIN(test_whole_files)
+
+#include "test_whole_files.moc"
