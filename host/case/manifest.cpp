@@ -6,16 +6,12 @@
 #include "host/case/case_sources.h"
 #include "host/files/file_lock.h"
 #include "host/files/json_file.h"
+#include "host/files/new_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-
-#include <cstdio>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -66,54 +62,6 @@ QByteArray compact(const QJsonObject &json)
 {
     return QJsonDocument(json).toJson(QJsonDocument::Compact);
 }
-
-/** A file that is written piece by piece, hashed on the way, and takes its name when it is whole. */
-class hashed_file
-{
-public:
-    explicit hashed_file(const QString &path)
-        : name(path)
-        , file(path + u".new"_s)
-    {
-        file.remove(); // of a run that was killed here
-        if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-            fail();
-    }
-
-    ~hashed_file()
-    {
-        if (!is_whole)
-            file.remove();
-    }
-
-    void write(const QByteArray &bytes)
-    {
-        hash.add(bytes);
-        if (file.write(bytes) != bytes.size())
-            fail();
-    }
-
-    QString commit()
-    {
-        is_whole = file.flush() && ::fsync(file.handle()) == 0
-                   && ::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(name).constData())
-                          == 0;
-        if (!is_whole)
-            fail();
-        return hash.result();
-    }
-
-private:
-    [[noreturn]] void fail() const
-    {
-        throw host_error(exit_code::internal_error, name + u" cannot be written: "_s + file.errorString());
-    }
-
-    QString name;
-    QFile file;
-    sha256 hash;
-    bool is_whole = false;
-};
 
 source_record not_run(int number)
 {
@@ -194,19 +142,25 @@ case_tally collect_case(const case_layout &layout)
     head.insert("finished"_L1, heading.finished.isEmpty() ? QJsonValue() : QJsonValue(heading.finished));
 
     case_tally tally;
-    hashed_file manifest(layout.manifest());
-    manifest.write(compact(head).chopped(1) + ",\"sources\":[");
+    new_file manifest(layout.manifest());
+    sha256 hash;
+    const auto write = [&manifest, &hash](const QByteArray &bytes) {
+        manifest.add(bytes);
+        hash.add(bytes);
+    };
+    write(compact(head).chopped(1) + ",\"sources\":[");
     bool is_first = true;
     for (const int number : std::as_const(numbers)) {
         const source_record record = path_exists(layout.source(number).record())
                                          ? read_source_record(layout, number).source
                                          : not_run(number);
         tally.add(record);
-        manifest.write((is_first ? "\n" : ",\n") + compact(record.to_json()));
+        write((is_first ? "\n" : ",\n") + compact(record.to_json()));
         is_first = false;
     }
-    manifest.write("\n]}\n");
-    tally.manifest_sha256 = manifest.commit();
+    write("\n]}\n");
+    manifest.commit();
+    tally.manifest_sha256 = hash.result();
     write_whole_file(layout.manifest_hash(), tally.manifest_sha256.toLatin1() + "  manifest.json\n");
     return tally;
 }
