@@ -9,6 +9,7 @@
 #include "host/source/macos_databases.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -258,9 +259,10 @@ QList<int> case_layout::source_numbers() const
 {
     static const QRegularExpression form(u"^Source(0|[1-9][0-9]{0,6})$"_s);
     QList<int> numbers;
-    const QStringList names = QDir(case_directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString &name : names) {
-        const QRegularExpressionMatch match = form.match(name);
+    QDirIterator entries(case_directory, QDir::Dirs | QDir::NoDotAndDotDot); // lists of them would hold each whole
+    while (entries.hasNext()) {
+        entries.next();
+        const QRegularExpressionMatch match = form.match(entries.fileName());
         if (match.hasMatch())
             numbers.append(match.captured(1).toInt());
     }

@@ -136,22 +136,25 @@ void number_sources(QList<named_source> &sources)
     }
 }
 
-void refuse_overlaps(const QList<named_source> &sources)
+void refuse_overlaps(const QList<named_source> &sources, path_comparison comparison)
 {
+    const bool looks = comparison == path_comparison::places;
+    const auto key_of = [looks](const QString &path) {
+        const QString identity = looks ? identity_of(path) : QString();
+        return identity.isEmpty() ? path : identity;
+    };
     QHash<QString, const named_source *> known;
     for (const named_source &source : sources) {
-        QString identity = identity_of(source.path);
-        if (identity.isEmpty())
-            identity = source.path;
-        if (const named_source *other = known.value(identity))
+        const QString key = key_of(source.path);
+        if (const named_source *other = known.value(key))
             refuse(u"a source is given twice: "_s + described(*other) + u" and "_s + described(source));
-        known.insert(identity, &source);
+        known.insert(key, &source);
     }
     for (const named_source &source : sources) {
-        QString folder = QFileInfo(source.path).canonicalFilePath();
+        QString folder = looks ? QFileInfo(source.path).canonicalFilePath() : source.path;
         while (folder.size() > 1) {
             folder = folder.left(qMax<qsizetype>(1, folder.lastIndexOf(u'/')));
-            if (const named_source *outer = known.value(identity_of(folder)))
+            if (const named_source *outer = known.value(key_of(folder)))
                 refuse(u"a source lies inside another: "_s + described(source) + u" inside "_s + described(*outer));
         }
     }

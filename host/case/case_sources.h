@@ -32,8 +32,14 @@ QList<named_source> read_source_list(const QString &file);
  */
 void number_sources(QList<named_source> &sources);
 
+/** How two sources of a list are compared. */
+enum class path_comparison {
+    places, ///< what the paths lead to, links followed
+    texts,  ///< the paths alone: no source of the list is looked at
+};
+
 /** Throws host_error (usage) when two of the sources are one, or one lies inside another. */
-void refuse_overlaps(const QList<named_source> &sources);
+void refuse_overlaps(const QList<named_source> &sources, path_comparison comparison);
 
 /**
  * Which sources a case has, as each of their records says it: "count", "numbers" ("1-3,7") and "sha256", the hash of

@@ -99,7 +99,7 @@ void add_to_case(const case_request &request, case_plan &plan)
     }
     plan.all += plan.to_run;
     number_sources(plan.all);
-    refuse_overlaps(plan.all);
+    refuse_overlaps(plan.all, path_comparison::places);
 }
 
 /** --resume: everything that is neither done nor partial. */
@@ -218,7 +218,8 @@ case_plan plan_case(const case_request &request)
     } else {
         plan.all = request.sources;
         number_sources(plan.all);
-        refuse_overlaps(plan.all);
+        // One of a million sources must not look at all the others: so would each of them.
+        refuse_overlaps(plan.all, request.only ? path_comparison::texts : path_comparison::places);
         if (request.only) {
             for (const named_source &source : std::as_const(plan.all)) {
                 if (source.number == *request.only)

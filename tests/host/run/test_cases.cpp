@@ -43,6 +43,7 @@ private Q_SLOTS:
     void continued_run_takes_the_same_options();
     void wrong_list_is_refused_data();
     void wrong_list_is_refused();
+    void one_of_many_looks_at_no_other();
     void progress_for_programs();
 };
 
@@ -522,6 +523,22 @@ void test_cases::wrong_list_is_refused()
              qPrintable(refused.errors));
     QCOMPARE(refused.exit_code, 2);
     QVERIFY(!QFile::exists(host.path(u"case"_s)));
+}
+
+void test_cases::one_of_many_looks_at_no_other()
+{
+    const host_program host;
+    write_sources(host);
+    QVERIFY(QFile::link(host.path(u"copy"_s), host.path(u"link"_s)));
+    const QStringList only_one{u"--only"_s, u"1"_s};
+    const QStringList linked{u"-i"_s, u"copy"_s, u"-i"_s, u"link"_s};
+    QCOMPARE(run_extract(host, linked).exit_code, 2);
+    QCOMPARE(run_extract(host, linked + only_one).exit_code, 0);
+
+    // What their paths alone tell is refused all the same.
+    for (const QString &other : {u"copy/"_s, u"copy/Library"_s})
+        QCOMPARE(run_extract(host, QStringList{u"-i"_s, u"copy"_s, u"-i"_s, other, u"--force"_s} + only_one).exit_code,
+                 2);
 }
 
 void test_cases::progress_for_programs()
