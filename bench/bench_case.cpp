@@ -29,6 +29,12 @@ namespace {
 constexpr int more_devices = 56; // than the thousand of the sample: as many as a laptop had that was looked at
 constexpr int milliseconds_between_looks = 2; // at the memory of a process, which is gone with it
 
+void require(bool done, const char *what)
+{
+    if (!done)
+        qFatal("%s failed", what);
+}
+
 QTextStream &out()
 {
     static QTextStream stream(stdout);
@@ -62,7 +68,7 @@ qint64 peak_memory_of_host(const QStringList &arguments)
     const QString number = QString::number(process.processId());
     qint64 peak = 0;
     do
-        peak = qMax(peak, memory_of(number, "VmHWM:"));
+        peak = qMax(peak, process_memory("VmHWM:", number));
     while (!process.waitForFinished(milliseconds_between_looks) && process.state() != QProcess::NotRunning);
     require(process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0, qPrintable(arguments.join(u' ')));
     return peak;

@@ -29,11 +29,13 @@ inline double median(std::vector<double> values)
     return values.at(values.size() / 2);
 }
 
-/** A field of this process's status in bytes: "VmHWM:" is the peak, "VmRSS:" the present size. 0 where there is none.
+/**
+ * A field of a process's status in bytes: "VmHWM:" is the peak, "VmRSS:" the present size. 0 where there is none. The
+ * process is a number, or this one.
  */
-inline qint64 process_memory(const QByteArray &field)
+inline qint64 process_memory(const QByteArray &field, const QString &process = QStringLiteral("self"))
 {
-    QFile status(QStringLiteral("/proc/self/status"));
+    QFile status(QStringLiteral("/proc/") + process + QStringLiteral("/status"));
     if (!status.open(QIODevice::ReadOnly))
         return 0;
     const QList<QByteArray> lines = status.readAll().split('\n');
