@@ -26,7 +26,7 @@ QDateTime parse_iso_as_utc(const QString &text)
         return {};
     QString date = text;
     date.replace(u" +"_s, u"+"_s).replace(u" -"_s, u"-"_s);
-    // The zone is put in first: a text that has one already does not match with a second.
+    // Try with "Z" appended first; a text that already has a zone cannot match that.
     const QString readings[] = {date + u'Z', date + u"T00:00Z"_s, date};
     for (const QString &reading : readings) {
         const QDateTime parsed = QDateTime::fromString(reading, Qt::ISODate);

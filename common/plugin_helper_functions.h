@@ -20,9 +20,11 @@ public:
     explicit plugin_helper_functions(QWidget *parent = nullptr);
     ~plugin_helper_functions();
 
+    /** Takes back a cancellation. */
     void set_essentials();
     void set_cancel_extraction(bool cancel);
 
+    /** Whether the extension of the name, letter case and blanks around the name ignored, is one of the list. */
     bool check_is_image_by_extn(QString file_name);
     bool check_is_video_by_extn(QString file_name);
     bool check_is_audio_by_extn(QString file_name);

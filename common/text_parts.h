@@ -6,10 +6,12 @@
 
 #include <QString>
 
-/** What stands before the first @p separator; the whole text without one. */
+// QString::section() gives the same parts, but splits the whole text first, which shows with millions of separators.
+
+/** The text before the first @p separator; the whole text if there is none. */
 QString first_part(const QString &text, QStringView separator);
 
-/** What stands between the first and the second @p separator, or behind the only one; empty without one. */
+/** The text between the first and the second @p separator, or after the only one; empty if there is none. */
 QString second_part(const QString &text, QStringView separator);
 
 #endif

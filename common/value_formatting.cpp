@@ -49,7 +49,7 @@ constexpr replacement wherefrom_replacements[] = {
     // clang-format on
 };
 
-/** One pass: QString::replace moves the rest of the text again and again. */
+/** Replaces in one pass: QString::replace() of Qt 6.4 moves the rest of the text for each find. */
 QString replaced(const QString &text, const replacement &texts)
 {
     QString result;

@@ -94,7 +94,7 @@ std::optional<binary_property_list::object_header> binary_property_list::header(
     return found;
 }
 
-/** The number of @p width bytes at @p position, unless it it lies outside or has a width that no writer uses. */
+/** The number of @p width bytes at @p position, unless it lies outside or has a width that no writer uses. */
 std::optional<quint64> binary_property_list::number(quint64 position, quint64 width) const
 {
     if (width < 1 || (width > 4 && width != 8) || position > size || width > size - position)

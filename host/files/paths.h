@@ -18,7 +18,7 @@ std::filesystem::path to_std_path(const QString &path);
  */
 QString absolute_path(const QString &path, const QString &name);
 
-/** Whether anything stands at the path, be it a link that leads nowhere. False also where nobody lets us look. */
+/** Whether anything stands at the path; a link that leads nowhere counts. False also where the system denies a look. */
 bool path_exists(const QString &path);
 
 /**

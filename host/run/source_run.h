@@ -9,7 +9,7 @@
 
 #include <functional>
 
-/** What of a case every record of its sources says too. */
+/** The facts of a case that every record of its sources repeats. */
 struct case_facts
 {
     QJsonObject

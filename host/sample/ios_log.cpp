@@ -37,7 +37,7 @@ constexpr QLatin1StringView other_messages[] = {
 };
 
 template<std::size_t Size>
-QString any_of(const QLatin1StringView (&texts)[Size], sample_random &random)
+QString pick(const QLatin1StringView (&texts)[Size], sample_random &random)
 {
     return texts[random.below(Size)];
 }
@@ -49,9 +49,9 @@ QString seen_device(sample_random &random)
     text += u", IDS "_s + random.uuid();
     text += u", RSSI -"_s + QString::number(30 + random.below(60));
     if (random.below(6) != 0)
-        text += u", Nm '"_s + any_of(device_names, random) + u'\'';
+        text += u", Nm '"_s + pick(device_names, random) + u'\'';
     if (random.below(6) != 0)
-        text += u", Md '"_s + any_of(models, random) + u'\'';
+        text += u", Md '"_s + pick(models, random) + u'\'';
     text += u", AID "_s + random.hex(6);
     if (random.below(3) == 0)
         text += u", PairedBT"_s;
@@ -60,11 +60,11 @@ QString seen_device(sample_random &random)
 
 QString active_device(sample_random &random)
 {
-    QString text = u"audioaccessoryd[219] <Notice>: "_s + any_of(status_texts, random);
+    QString text = u"audioaccessoryd[219] <Notice>: "_s + pick(status_texts, random);
     text += u"active device: Endpoint "_s + random.hex(4);
     text += u", PI "_s + random.address(u':');
-    text += u", Nm '"_s + any_of(device_names, random);
-    text += u"', Md '"_s + any_of(models, random) + u'\'';
+    text += u", Nm '"_s + pick(device_names, random);
+    text += u"', Md '"_s + pick(models, random) + u'\'';
     return text;
 }
 
@@ -74,7 +74,7 @@ QString message(qint64 line, sample_random &random)
         return seen_device(random);
     if (line % notice_distance == 11)
         return active_device(random);
-    return any_of(other_messages, random);
+    return pick(other_messages, random);
 }
 
 } // namespace

@@ -5,7 +5,6 @@
 #include "host/sample/sample_parts.h"
 #include "host/sample/sample_random.h"
 
-#include <cstdlib>
 #include <memory>
 
 #include <plist/plist.h>
@@ -77,6 +76,6 @@ void write_preferences_plist(const QString &path)
     char *bytes = nullptr;
     uint32_t size = 0;
     plist_to_bin(root.get(), &bytes, &size);
-    const std::unique_ptr<char, decltype(&std::free)> owner(bytes, std::free);
+    const std::unique_ptr<char, decltype(&plist_to_bin_free)> owner(bytes, plist_to_bin_free);
     write_sample_file(path, QByteArray(bytes, qsizetype(size)));
 }
