@@ -24,6 +24,7 @@ private Q_SLOTS:
     void signal_cancels_data();
     void signal_cancels();
     void hangup_that_is_ignored();
+    void reader_of_the_output_is_gone();
     void record_says_running_from_the_start();
     void earlier_run_data();
     void earlier_run();
@@ -100,6 +101,19 @@ void test_complete_or_not::hangup_that_is_ignored()
     QVERIFY(QFile(host.path(u"go"_s)).open(QIODevice::WriteOnly));
     QCOMPARE(host_program::finish(process).exit_code, 0);
     QCOMPARE(status(host), u"done"_s);
+}
+
+void test_complete_or_not::reader_of_the_output_is_gone()
+{
+    const host_program host;
+    host.write_sample();
+    const host_result result = host.run_through({u"sh"_s, u"-c"_s, u"(\"$@\"; echo $? > code) | true"_s, u"sh"_s},
+                                                extract_sample);
+    QCOMPARE(result.errors, u"error: standard output cannot be written\n"_s);
+    QFile code(host.path(u"code"_s));
+    QVERIFY(code.open(QIODevice::ReadOnly));
+    QCOMPARE(code.readAll(), "1\n");
+    QCOMPARE(status(host), u"done"_s); // nobody read of it, but the extraction came to its end
 }
 
 void test_complete_or_not::record_says_running_from_the_start()

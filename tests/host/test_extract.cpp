@@ -23,6 +23,8 @@ private Q_SLOTS:
     void quiet_prints_nothing();
     void verbose_shows_the_log_on_standard_error();
     void windows_source_gives_no_rows();
+    void option_for_ios_is_understood_for_every_kind_data();
+    void option_for_ios_is_understood_for_every_kind();
     void force_makes_the_result_anew();
     void force_follows_no_link();
     void part_that_cannot_be_read_is_told();
@@ -146,6 +148,23 @@ void test_extract::windows_source_gives_no_rows()
     QVERIFY(result.output.startsWith(u"Source  Windows: "_s));
     QVERIFY(result.output.contains(u"        devices                 0 rows\n"_s));
     QCOMPARE(result.errors, u"note: this version extracts nothing from Windows sources\n"_s);
+}
+
+void test_extract::option_for_ios_is_understood_for_every_kind_data()
+{
+    QTest::addColumn<QString>("source");
+
+    QTest::newRow("macOS") << u"sample/macos"_s;
+    QTest::newRow("iOS") << u"sample/ios/system.log"_s;
+    QTest::newRow("Windows") << u"sample/windows"_s;
+}
+
+void test_extract::option_for_ios_is_understood_for_every_kind()
+{
+    QFETCH(QString, source);
+    const host_program host;
+    host.write_sample();
+    QCOMPARE(host.run({u"extract"_s, u"-i"_s, source, u"-o"_s, u"case"_s, u"--widen-ios-tables"_s}).exit_code, 0);
 }
 
 void test_extract::force_makes_the_result_anew()
