@@ -86,7 +86,7 @@ QString reason_of(const CLI::App &app, const CLI::ParseError &error)
     }
     if (!stray.isEmpty())
         return u"it is not clear what "_s + stray + u" is for"_s;
-    const QString text = QString::fromUtf8(error.what());
+    QString text = QString::fromUtf8(error.what());
     if (dynamic_cast<const CLI::ArgumentMismatch *>(&error))
         return text.section(u':', 0, 0) + u" needs a value"_s;
     if (dynamic_cast<const CLI::ConversionError *>(&error)) { // only flags are converted by CLI11

@@ -7,6 +7,8 @@
 
 #include <QLocale>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -25,11 +27,11 @@ terminal_text legend()
 
 QList<stored_source> chosen_sources(const show_options &options)
 {
-    const QList<stored_source> sources = stored_sources(options.place);
+    QList<stored_source> sources = stored_sources(options.place);
     if (!options.source)
         return sources;
     QStringList names;
-    for (const stored_source &source : sources) {
+    for (const stored_source &source : std::as_const(sources)) {
         if (source.name == u"Source"_s + QString::number(*options.source))
             return {source};
         names.append(source.name);
@@ -80,7 +82,7 @@ public:
 private:
     QStringList chosen_tables(const result_database &result, const stored_source &source) const
     {
-        const QStringList tables = result.tables();
+        QStringList tables = result.tables();
         if (options.table.isEmpty())
             return tables;
         if (!tables.contains(options.table))

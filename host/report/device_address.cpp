@@ -47,7 +47,7 @@ std::optional<device_address> parse_device_address(QByteArrayView text)
     }
     if (digits.size() != 12)
         return {};
-    for (int byte = 0; byte < 6; ++byte)
+    for (qsizetype byte = 0; byte < 6; ++byte)
         address.bytes += (byte == 0 ? "" : ":") + digits.mid(2 * byte, 2);
     return address;
 }

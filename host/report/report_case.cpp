@@ -33,7 +33,8 @@ void read_manifest(report_case &result)
     if (manifest.value("format"_L1) != "bluetooth-logs manifest"_L1 || manifest.value("version"_L1) != 1)
         throw host_error(exit_code::input,
                          result.layout.manifest() + u" is no manifest of this version of the program"_s);
-    for (const QJsonValue &source : manifest.value("sources"_L1).toArray())
+    const QJsonArray sources = manifest.value("sources"_L1).toArray();
+    for (const QJsonValue &source : sources)
         add_source(result, source_record::from_json(source.toObject()));
     for (const int number : sources_unlike_manifest(result.layout, manifest))
         result.shortcomings.append(u"source "_s + QString::number(number)

@@ -319,7 +319,7 @@ case_tally run_case(const case_request &request, run_observer &observer)
 
     const interruption ctrl_c;
     source_queue queue(request, plan, observer);
-    const case_tally of_this_run = queue.run();
+    case_tally of_this_run = queue.run();
     if (request.only)
         return of_this_run;
     if (request.earlier == case_request::earlier_run::added_to)

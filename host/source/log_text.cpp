@@ -109,7 +109,7 @@ std::optional<QString> why_no_device_log(const QString &path)
         if (count < 0)
             return system_error_text(errno);
         const QByteArrayView bytes(block.constData(), count);
-        if (const std::optional<QString> reason = is_first ? why_no_log_text(bytes) : std::nullopt)
+        if (std::optional<QString> reason = is_first ? why_no_log_text(bytes) : std::nullopt)
             return reason;
         const QByteArray text = rest + bytes;
         qsizetype start = 0;
