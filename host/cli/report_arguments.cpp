@@ -57,6 +57,8 @@ void add_report_command(CLI::App &app, command_line &line)
     add_path(report, {"-o,--output", "PATH", "Folder for the files (default CASE/Report)"}, options->output);
     report.add_flag("--raw-cells", options->raw_cells, "CSV, TSV: leave texts that look like formulas as they are");
     report.add_flag("--csv-bom", options->csv_bom, "CSV, TSV: begin with a byte order mark");
+    add_path(report, {"--vendors", "PATH", "List of address ranges and their vendors, like ieee-data's oui.txt"},
+             options->vendors);
     report.add_flag("--force", options->force, "Replace the files of an earlier report");
     report.final_callback([options, &line] {
         if (options->output.isEmpty())

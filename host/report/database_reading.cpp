@@ -77,8 +77,9 @@ cell value_of_text(QByteArrayView text, bool is_there)
 } // namespace
 
 database_reading::database_reading(const QString &copy, const QString &path, const macos_database &database,
-                                   const sqlite_statement &row, qint64 lost)
-    : may_pass_over(lost)
+                                   const sqlite_statement &row, qint64 lost, const vendor_list &vendor_names)
+    : vendors(vendor_names)
+    , may_pass_over(lost)
 {
     known_place.file = path.toUtf8();
     known_place.table = QByteArray(database.device_table.data());
@@ -145,6 +146,7 @@ void database_reading::next(const sqlite_statement &row)
     current_place = {};
     properties = {};
     differs = {};
+    vendor = {};
     address_kind = {};
     if (!advance())
         return;
@@ -175,6 +177,7 @@ void database_reading::describe(const sqlite_statement &row)
         const std::optional<device_address> parsed = parse_device_address(address.bytes);
         if (parsed)
             address_kind = parsed->kind();
+        vendor = vendors.vendor_of_first_public({address.bytes, value_of(host_field::resolved_address).bytes});
     }
     if (uuid.evidence >= 0 && !custom_properties.isEmpty())
         properties = custom_properties.value(rows->value_of(uuid.evidence).bytes.toByteArray());
@@ -189,6 +192,8 @@ cell database_reading::value_of(host_field field) const
         return value_of_text(properties, !properties.isNull());
     case host_field::address_kind:
         return value_of_text(QByteArrayView(address_kind.data(), address_kind.size()), !address_kind.isEmpty());
+    case host_field::vendor:
+        return value_of_text(vendor, !vendor.isEmpty());
     case host_field::differs:
         return value_of_text(differs, !differs.isEmpty());
     default:

@@ -20,7 +20,7 @@ public:
      * many may be passed over to find the one with the next UUID.
      */
     database_reading(const QString &copy, const QString &path, const macos_database &database,
-                     const sqlite_statement &row, qint64 lost);
+                     const sqlite_statement &row, qint64 lost, const vendor_list &vendors);
 
     void next(const sqlite_statement &row) override;
     sqlite_statement::cell value_of(host_field field) const override;
@@ -41,6 +41,7 @@ private:
 
     std::unique_ptr<sqlite_database> opened;
     std::unique_ptr<sqlite_statement> rows; ///< none: nothing can be read, or not any more
+    const vendor_list &vendors;
     qint64 may_pass_over;
     column_pair uuid;
     std::vector<column_pair> pairs;
@@ -49,6 +50,7 @@ private:
     QHash<QByteArray, QByteArray> custom_properties; ///< by UUID
     QByteArray properties;                           ///< of the current row; null: none
     QByteArray differs;
+    QByteArray vendor;
     QLatin1StringView address_kind;
     row_place known_place;
 };

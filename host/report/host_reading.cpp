@@ -44,7 +44,7 @@ std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, co
     const source_layout layout = that_case.layout.source(source.record.number);
     if (source.record.type == ios_uid_kind.name && path_exists(layout.ios_lines())) {
         const QString log = source.record.evidence.files.isEmpty() ? QString() : source.record.evidence.files[0].path;
-        return std::make_unique<log_reading>(layout.ios_lines(), log, table, row);
+        return std::make_unique<log_reading>(layout.ios_lines(), log, table, row, that_case.vendors);
     }
     for (const macos_database *database : macos_databases) {
         const QString path = QString(macos_database_folder) + database->file_name;
@@ -53,7 +53,7 @@ std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, co
             continue;
         const table_rows *counts = counts_of(source.record, table);
         const qint64 lost = counts ? counts->found.value_or(0) - counts->stored.value_or(0) : 0;
-        return std::make_unique<database_reading>(copy, path, *database, row, lost);
+        return std::make_unique<database_reading>(copy, path, *database, row, lost, that_case.vendors);
     }
     return std::make_unique<no_reading>();
 }

@@ -54,6 +54,7 @@ QByteArray case_facts(const report_case &that_case)
            + fact("Case number", text("case_number"_L1)) + fact("Examiner", text("examiner"_L1))
            + fact("Started", text("started"_L1)) + fact("Finished", text("finished"_L1))
            + fact("Program", html_text(tool.value("version"_L1).toString()))
+           + fact("Vendors by", html_text(that_case.vendors.description()))
            + fact("SHA-256 of manifest.json", hash_text(that_case.manifest_sha256)) + "</dl>\n";
 }
 

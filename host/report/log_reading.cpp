@@ -28,8 +28,9 @@ cell value_of_bytes(const std::optional<QByteArray> &bytes)
 } // namespace
 
 log_reading::log_reading(const QString &lines, const QString &log, const QString &result_table,
-                         const sqlite_statement &row)
-    : file(lines)
+                         const sqlite_statement &row, const vendor_list &vendor_names)
+    : vendors(vendor_names)
+    , file(lines)
     , log_name(log.toUtf8())
     , table(result_table)
     , date_column(row.column_named("date"_L1))
@@ -70,6 +71,7 @@ void log_reading::describe(const sqlite_statement &row)
 {
     current_place = next_place;
     fields = read_device_line(line);
+    vendor = vendors.vendor_of_first_public({fields.identifier.value_or(QByteArray())});
     differs = {};
     const auto text_in = [&row](int column) { return column < 0 ? QByteArray() : row.bytes(column).toByteArray(); };
     if (date_column >= 0 && text_in(date_column) != line.first(qMin(line.size(), date_length)))
@@ -91,6 +93,8 @@ cell log_reading::value_of(host_field field) const
         return value_of_bytes(fields.aid);
     case host_field::line_text:
         return value_of_bytes(line);
+    case host_field::vendor:
+        return vendor.isEmpty() ? cell() : value_of_bytes(vendor);
     case host_field::differs:
         return differs.isEmpty() ? cell() : value_of_bytes(differs);
     default:

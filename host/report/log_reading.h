@@ -15,7 +15,8 @@ class log_reading : public host_reading
 {
 public:
     /** @p lines is ios_lines.jsonl, @p log what locators call the log. */
-    log_reading(const QString &lines, const QString &log, const QString &table, const sqlite_statement &row);
+    log_reading(const QString &lines, const QString &log, const QString &table, const sqlite_statement &row,
+                const vendor_list &vendors);
 
     void next(const sqlite_statement &row) override;
     sqlite_statement::cell value_of(host_field field) const override;
@@ -24,6 +25,7 @@ private:
     bool advance();
     void describe(const sqlite_statement &row);
 
+    const vendor_list &vendors;
     QFile file;
     QByteArray log_name;
     QString table;
@@ -33,6 +35,7 @@ private:
     QByteArray line;
     device_line fields;
     QByteArray differs;
+    QByteArray vendor;
 };
 
 #endif

@@ -57,7 +57,7 @@ void read_records(report_case &result)
 
 report_case read_report_case(const QString &directory)
 {
-    report_case result{case_layout(directory), {}, {}, {}, {}};
+    report_case result{case_layout(directory), {}, {}, {}, {}, {}};
     if (path_exists(result.layout.manifest()))
         read_manifest(result);
     else

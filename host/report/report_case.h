@@ -6,6 +6,7 @@
 
 #include "host/case/case_layout.h"
 #include "host/case/source_record.h"
+#include "host/report/vendor_list.h"
 
 #include <QJsonObject>
 #include <QList>
@@ -26,6 +27,7 @@ struct report_case
     QJsonObject heading;     ///< the manifest's members but for its sources; empty when the case was not collected
     QString manifest_sha256; ///< of the file as it stands there now; empty without one
     QList<report_source> sources;
+    vendor_list vendors;      ///< empty unless the examiner gave one
     QStringList shortcomings; ///< why the case is not complete, in plain words
 };
 

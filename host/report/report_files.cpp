@@ -72,6 +72,8 @@ public:
         , that_case(read_report_case(given.case_directory))
     {
         outcome.shortcomings = that_case.shortcomings;
+        if (!given.vendors.isEmpty())
+            that_case.vendors = vendor_list(given.vendors);
     }
 
     report_outcome write()

@@ -75,6 +75,7 @@ private Q_SLOTS:
     void cells_are_read_back();
     void same_case_same_bytes();
     void earlier_files_are_replaced_on_request_only();
+    void vendors_by_a_list();
     void no_case();
     void case_that_was_not_collected();
     void folder_in_the_evidence();
@@ -118,6 +119,7 @@ void test_report::rows_for_programs()
                                 {u"rssi"_s, QJsonValue()},
                                 {u"aid"_s, QJsonValue()},
                                 {u"line_text"_s, QJsonValue()},
+                                {u"vendor"_s, QJsonValue()},
                                 {u"differs"_s, QJsonValue()}}},
     };
     QCOMPARE(QJsonDocument(first).toJson(), QJsonDocument(expected).toJson());
@@ -323,6 +325,24 @@ void test_report::earlier_files_are_replaced_on_request_only()
     QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"csv"_s, u"--force"_s}).exit_code, 0);
     QVERIFY(content_of(host.path(u"case/Report/shared.csv"_s)).startsWith("device,joined_by,"));
     QCOMPARE(content_of(host.path(u"case/Report/notes.txt"_s)), "notes");
+}
+
+void test_report::vendors_by_a_list()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    write_file(host.path(u"oui.txt"_s), "OUI\nB4-C2-6A   (hex)\t\tSome & Sons\nB4C26A     (base 16)\t\tSome & Sons\n");
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"html"_s, u"--vendors"_s, u"oui.txt"_s})
+                 .exit_code,
+             0);
+    for (const QJsonObject &row : json_lines_of(host.path(u"case/Report/devices.jsonl"_s)))
+        QCOMPARE(row.value("host"_L1).toObject().value("vendor"_L1).toString(), u"Some & Sons"_s);
+    QVERIFY(content_of(host.path(u"case/Report/report.html"_s)).contains("<dt>Vendors by</dt><dd>oui.txt, SHA-256 "));
+
+    write_file(host.path(u"empty.txt"_s), "nobody\n");
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-o"_s, u"other"_s, u"--vendors"_s, u"empty.txt"_s}).exit_code, 2);
+    QVERIFY(!QFile::exists(host.path(u"other"_s)));
 }
 
 void test_report::no_case()
