@@ -59,6 +59,7 @@ void add_report_command(CLI::App &app, command_line &line)
     report.add_flag("--csv-bom", options->csv_bom, "CSV, TSV: begin with a byte order mark");
     add_path(report, {"--vendors", "PATH", "List of address ranges and their vendors, like ieee-data's oui.txt"},
              options->vendors);
+    report.add_flag("--split", options->split, "HTML: a page for each source, as there is for more than 100,000 rows");
     report.add_flag("--force", options->force, "Replace the files of an earlier report");
     report.final_callback([options, &line] {
         if (options->output.isEmpty())

@@ -103,6 +103,43 @@ html_table card_table(const report_case &that_case, const device_join &join, con
     return table;
 }
 
+void write_page(const QString &path, const QByteArray &summary, const QList<html_table> &windows,
+                const QByteArray &pictures)
+{
+    new_file file(path);
+    file.add(page_head());
+    file.add(summary);
+    for (const html_table &table : windows)
+        file.add(table.section());
+    file.add(pictures);
+    file.add(limitations_section());
+    file.add("</main>\n<dialog id=\"row\" aria-labelledby=\"row-heading\"><h2 id=\"row-heading\">Row</h2><dl></dl>"
+             "<p><button type=\"button\" class=\"copy\">Copy this row</button> <button type=\"button\" "
+             "class=\"close\">Close</button> <span role=\"status\"></span></p></dialog>\n"
+             "<script type=\"application/json\" id=\"data\">{\"tables\":[");
+    bool is_first = true;
+    for (const html_table &table : windows) {
+        file.add(is_first ? "\n" : ",\n");
+        file.add(table.data());
+        is_first = false;
+    }
+    file.add("\n]}</script>\n<script>");
+    file.add(page_script);
+    file.add("</script>\n</body>\n</html>\n");
+    file.commit();
+}
+
+const section_link shared_link{u"more-than-one-source"_s, u"In more than one source"_s};
+const section_link ranks_link{u"ranks"_s, u"Ranks"_s};
+
+QList<section_link> links_to(const QList<html_table> &windows)
+{
+    QList<section_link> links;
+    for (const html_table &table : windows)
+        links.append({table.id(), table.title()});
+    return links;
+}
+
 } // namespace
 
 html_page::html_page(const report_case &that_case)
@@ -142,13 +179,12 @@ void html_page::add(const report_row &row)
         table.add(u"host_"_s + host_field_names[field], row.host.value_of(host_field(field)));
 }
 
-void html_page::write(const QString &path, const device_join &join, const QList<joined_device> &devices,
-                      const QStringList &shortcomings) const
+/** The tables of rows with their ranks, and the pictures of these. */
+QList<html_table> html_page::row_tables(QByteArray &pictures) const
 {
-    QMap<QString, html_table> ranked = tables;
-    QByteArray pictures;
+    QList<html_table> ranked;
     for (const QString &name : result_tables()) {
-        html_table &table = ranked.find(name).value();
+        html_table table = *tables.constFind(name);
         qsizetype row = 0;
         for (const report_source &source : facts.sources) {
             const row_counters known = counters.value(name).value(source.record.number);
@@ -160,29 +196,38 @@ void html_page::write(const QString &path, const device_join &join, const QList<
             }
             pictures += rank_picture(source, name, seen, connected);
         }
+        ranked.append(table);
     }
-    const QList<html_table> windows{card_table(facts, join, devices), ranked.value(u"devices"_s, tables.first()),
-                                    ranked.value(u"paired_devices"_s, tables.first()), wal_table(facts)};
+    return ranked << wal_table(facts);
+}
 
-    new_file file(path);
-    file.add(page_head());
-    file.add(summary_sections(facts, join, devices, shortcomings, windows));
-    for (const html_table &table : windows)
-        file.add(table.section());
-    file.add(picture_section(pictures));
-    file.add(limitations_section());
-    file.add("</main>\n<dialog id=\"row\" aria-labelledby=\"row-heading\"><h2 id=\"row-heading\">Row</h2><dl></dl>"
-             "<p><button type=\"button\" class=\"copy\">Copy this row</button> <button type=\"button\" "
-             "class=\"close\">Close</button> <span role=\"status\"></span></p></dialog>\n"
-             "<script type=\"application/json\" id=\"data\">{\"tables\":[");
-    bool is_first = true;
-    for (const html_table &table : windows) {
-        file.add(is_first ? "\n" : ",\n");
-        file.add(table.data());
-        is_first = false;
-    }
-    file.add("\n]}</script>\n<script>");
-    file.add(page_script);
-    file.add("</script>\n</body>\n</html>\n");
-    file.commit();
+void html_page::write(const QString &path, const device_join &join, const QList<joined_device> &devices,
+                      const QStringList &shortcomings) const
+{
+    QByteArray pictures;
+    const QList<html_table> windows = QList<html_table>{card_table(facts, join, devices)} + row_tables(pictures);
+    const QByteArray summary = summary_sections(facts, shortcomings,
+                                                QList<section_link>{shared_link} + links_to(windows)
+                                                    + QList<section_link>{ranks_link})
+                               + shared_section(facts, join, devices);
+    write_page(path, summary, windows, picture_section(pictures));
+}
+
+void html_page::write_index(const QString &path, const device_join &join, const QList<joined_device> &devices,
+                            const QStringList &shortcomings, const QStringList &pages) const
+{
+    const QByteArray summary = summary_sections(facts, shortcomings,
+                                                {shared_link, {u"pages"_s, u"Rows of the sources"_s}})
+                               + pages_section(facts, pages) + shared_section(facts, join, devices);
+    write_page(path, summary, {}, {});
+}
+
+void html_page::write_source(const QString &path, const QString &index) const
+{
+    QByteArray pictures;
+    const QList<html_table> windows = row_tables(pictures);
+    write_page(path,
+               summary_sections(facts, facts.shortcomings, links_to(windows) + QList<section_link>{ranks_link})
+                   + way_back_section(index),
+               windows, picture_section(pictures));
 }

@@ -28,10 +28,20 @@ public:
     /** Rows come table by table, and source by source in each. */
     void add(const report_row &row);
 
+    /** The page of a whole case. */
     void write(const QString &path, const device_join &join, const QList<joined_device> &devices,
                const QStringList &shortcomings) const;
 
+    /** The page that leads to those of the sources; no row was added to it. @p pages are their file names, in order. */
+    void write_index(const QString &path, const device_join &join, const QList<joined_device> &devices,
+                     const QStringList &shortcomings, const QStringList &pages) const;
+
+    /** The page of the only source of the case that it was made for. @p index is the file name of the page above. */
+    void write_source(const QString &path, const QString &index) const;
+
 private:
+    QList<html_table> row_tables(QByteArray &pictures) const;
+
     const report_case &facts;
     QMap<QString, html_table> tables;
     QMap<QString, QMap<int, row_counters>> counters; ///< by table and number of the source

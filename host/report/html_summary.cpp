@@ -147,6 +147,8 @@ QByteArray card(const report_case &that_case, const device_join &join, const joi
            + keys + "</ul><p>Appears as</p><ul>" + rows + "</ul></article>\n";
 }
 
+} // namespace
+
 QByteArray shared_section(const report_case &that_case, const device_join &join, const QList<joined_device> &devices)
 {
     QByteArray cards;
@@ -171,10 +173,8 @@ QByteArray shared_section(const report_case &that_case, const device_join &join,
     return html + "<div class=\"cards\">\n" + cards + "</div></section>\n";
 }
 
-} // namespace
-
-QByteArray summary_sections(const report_case &that_case, const device_join &join, const QList<joined_device> &devices,
-                            const QStringList &shortcomings, const QList<html_table> &windows)
+QByteArray summary_sections(const report_case &that_case, const QStringList &shortcomings,
+                            const QList<section_link> &sections)
 {
     QByteArray html = "<a class=\"skip\" href=\"#content\">To the content</a>\n<header><h1>Bluetooth devices of a "
                       "case</h1>\n";
@@ -185,20 +185,37 @@ QByteArray summary_sections(const report_case &that_case, const device_join &joi
         html += "</ul></div>\n";
     }
     html += "<noscript><p class=\"alarm\">Without script the tables show their first 200 rows, and neither sort nor "
-            "filter.</p></noscript>\n<nav aria-label=\"Sections\"><ul><li><a href=\"#summary\">Summary</a></li><li><a "
-            "href=\"#more-than-one-source\">In more than one source</a></li>";
-    for (const html_table &table : windows)
-        html += "<li><a href=\"#" + html_text(table.id()) + "\">" + html_text(table.title()) + "</a></li>";
-    html +=
-        "<li><a href=\"#ranks\">Ranks</a></li><li><a href=\"#limitations\">Limitations</a></li></ul></nav></header>\n"
-        "<main id=\"content\">\n";
+            "filter.</p></noscript>\n<nav aria-label=\"Sections\"><ul><li><a href=\"#summary\">Summary</a></li>";
+    for (const section_link &section : sections)
+        html += "<li><a href=\"#" + html_text(section.id) + "\">" + html_text(section.title) + "</a></li>";
+    html += "<li><a href=\"#limitations\">Limitations</a></li></ul></nav></header>\n"
+            "<main id=\"content\">\n";
     html += case_facts(that_case) + sources_table(that_case) + evidence_table(that_case);
     html +=
         "<p class=\"quiet with-script\" hidden>The tables below hold only the rows in view: search them with their own "
         "filters, not with the browser's search. A number in front of a row opens all of its values.</p>\n"
         "<p class=\"quiet\">\u2205 is NULL; \\u{1b} stands for a character that is unseen or would act on its reader, "
         "\\\\ for a backslash.</p></section>\n";
-    return html + shared_section(that_case, join, devices);
+    return html;
+}
+
+QByteArray pages_section(const report_case &that_case, const QStringList &pages)
+{
+    QByteArray links;
+    for (qsizetype i = 0; i < pages.size(); ++i)
+        links += "<li><a href=\"" + html_text(pages.at(i)) + "\">Source "
+                 + QByteArray::number(that_case.sources.at(i).record.number) + ": <bdi>"
+                 + html_text(that_case.sources.at(i).name) + "</bdi></a></li>";
+    return "<section id=\"pages\" aria-labelledby=\"pages-heading\"><h2 id=\"pages-heading\">Rows of the "
+           "sources</h2>\n<p>Each source has a page of its own.</p><ul>"
+           + links + "</ul></section>\n";
+}
+
+QByteArray way_back_section(const QString &index)
+{
+    return "<p><a href=\"" + html_text(index)
+           + "\">To the whole case</a>: what appears in more than one source stands "
+             "there.</p>\n";
 }
 
 QByteArray rank_picture(const report_source &source, const QString &table, const QList<std::optional<qint64>> &seen,

@@ -12,9 +12,25 @@
 
 // The parts of a page that are not tables of rows.
 
-/** Heading, navigation, facts of the case, its sources and files, and what appears in more than one source. */
-QByteArray summary_sections(const report_case &that_case, const device_join &join, const QList<joined_device> &devices,
-                            const QStringList &shortcomings, const QList<html_table> &windows);
+/** A section of the page, for its navigation. */
+struct section_link
+{
+    QString id;
+    QString title;
+};
+
+/** Heading, navigation to the summary, @p sections and the limitations, facts of the case, its sources and files. */
+QByteArray summary_sections(const report_case &that_case, const QStringList &shortcomings,
+                            const QList<section_link> &sections);
+
+/** What appears in more than one source. */
+QByteArray shared_section(const report_case &that_case, const device_join &join, const QList<joined_device> &devices);
+
+/** Links to the pages of the sources, in the order of the sources. */
+QByteArray pages_section(const report_case &that_case, const QStringList &pages);
+
+/** The way from the page of a source to the one above. */
+QByteArray way_back_section(const QString &index);
 
 /** Last seen against last connected by rank, for the rows of one table of one source that have both: SVG and table. */
 QByteArray rank_picture(const report_source &source, const QString &table, const QList<std::optional<qint64>> &seen,

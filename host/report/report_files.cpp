@@ -38,6 +38,7 @@ constexpr QLatin1StringView shared_name("shared");
 constexpr QLatin1StringView wal_changes_name("wal_changes.jsonl");
 constexpr QLatin1StringView page_name("report.html");
 constexpr QLatin1StringView lines_suffix(".jsonl");
+constexpr qint64 most_rows_of_a_page = 100000;
 
 /** What README.txt says of the files of separated values. */
 QByteArray readme(const separated_form &form, const changed_cells &changes)
@@ -90,8 +91,10 @@ public:
             write_wal_changes();
         if (has(report_format::csv) || has(report_format::tsv))
             write_whole_file(options.output + u'/' + readme_name, readme(form_of(','), changes));
-        if (has(report_format::html))
+        if (has(report_format::html) && !is_split())
             page.write(options.output + u'/' + page_name, join, devices, outcome.shortcomings);
+        if (has(report_format::html) && is_split())
+            write_pages(page, devices);
         return outcome;
     }
 
@@ -125,6 +128,45 @@ private:
         }
         if (has(report_format::html))
             outcome.files.append(page_name);
+        if (has(report_format::html) && is_split())
+            outcome.files += source_pages();
+    }
+
+    bool is_split() const
+    {
+        qint64 rows = 0;
+        for (const report_source &source : that_case.sources) {
+            for (const table_rows &table : source.record.rows)
+                rows += table.stored.value_or(0);
+        }
+        return options.split || rows > most_rows_of_a_page;
+    }
+
+    QStringList source_pages() const
+    {
+        QStringList names;
+        for (const report_source &source : that_case.sources)
+            names.append(u"report-source"_s + QString::number(source.record.number) + u".html"_s);
+        return names;
+    }
+
+    /** The index, and a page for each source, whose rows are read again: no more than one source is held. */
+    void write_pages(const html_page &index, const QList<joined_device> &devices)
+    {
+        const QStringList names = source_pages();
+        for (qsizetype i = 0; i < names.size(); ++i) {
+            report_case part{that_case.layout,          that_case.heading, that_case.manifest_sha256,
+                             {that_case.sources.at(i)}, that_case.vendors, {}};
+            html_page page(part);
+            for (const QString &table : result_tables()) {
+                const table_reading reading = read_rows(part, part.sources.first(), table,
+                                                        [&page](const report_row &row) { page.add(row); });
+                if (!reading.problem.isEmpty())
+                    part.shortcomings.append(reading.problem);
+            }
+            page.write_source(options.output + u'/' + names.at(i), page_name);
+        }
+        index.write_index(options.output + u'/' + page_name, join, devices, outcome.shortcomings, names);
     }
 
     void refuse_output() const
@@ -169,6 +211,7 @@ private:
         if (has(report_format::jsonl))
             lines = std::make_unique<new_file>(options.output + u'/' + table + lines_suffix);
         json_lines json;
+        const bool is_one_page = has(report_format::html) && !is_split();
         for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
             qint64 index = 0;
             const table_reading reading = read_rows(that_case, that_case.sources.at(i), table,
@@ -177,7 +220,7 @@ private:
                                                             file->add(row);
                                                         if (lines)
                                                             lines->add(json.line(row));
-                                                        if (has(report_format::html))
+                                                        if (is_one_page)
                                                             page.add(row);
                                                         if (needs_join())
                                                             join.add(row, int(i), index++);

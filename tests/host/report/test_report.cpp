@@ -76,6 +76,7 @@ private Q_SLOTS:
     void same_case_same_bytes();
     void earlier_files_are_replaced_on_request_only();
     void vendors_by_a_list();
+    void page_for_each_source();
     void no_case();
     void case_that_was_not_collected();
     void folder_in_the_evidence();
@@ -343,6 +344,24 @@ void test_report::vendors_by_a_list()
     write_file(host.path(u"empty.txt"_s), "nobody\n");
     QCOMPARE(host.run({u"report"_s, u"case"_s, u"-o"_s, u"other"_s, u"--vendors"_s, u"empty.txt"_s}).exit_code, 2);
     QVERIFY(!QFile::exists(host.path(u"other"_s)));
+}
+
+void test_report::page_for_each_source()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"--split"_s}).exit_code, 0);
+    QCOMPARE(tree_of(host.path(u"case/Report"_s)),
+             (QStringList{u"report-source1.html"_s, u"report-source2.html"_s, u"report.html"_s}));
+    const QByteArray index = content_of(host.path(u"case/Report/report.html"_s));
+    QVERIFY(index.contains("<a href=\"report-source2.html\">Source 2: <bdi>Source2</bdi></a>"));
+    QVERIFY(index.contains("Devices that more than one source knows: 1."));
+    QVERIFY(!index.contains("<section id=\"devices\""));
+    const QByteArray first = content_of(host.path(u"case/Report/report-source1.html"_s));
+    QVERIFY(first.contains("<section id=\"devices\""));
+    QVERIFY(first.contains("U-1") && !first.contains("U-2"));
+    QVERIFY(content_of(host.path(u"case/Report/report-source2.html"_s)).contains("U-2"));
 }
 
 void test_report::no_case()
