@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "common/result_rows.h"
+
+#include <QTest>
+
+class test_result_rows : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void progress_is_due_after_a_second();
+    void no_progress_is_due_without_a_timer();
+};
+
+void test_result_rows::progress_is_due_after_a_second()
+{
+    QElapsedTimer timer;
+    timer.start();
+    qint64 before = 0;
+    while (before <= 1000) {
+        before = timer.elapsed();
+        const bool is_due = is_progress_due(timer);
+        const qint64 after = timer.elapsed();
+        if (after <= 1000)
+            QVERIFY2(!is_due, qPrintable(QString::number(after)));
+        if (before > 1000)
+            QVERIFY2(is_due, qPrintable(QString::number(before)));
+    }
+}
+
+void test_result_rows::no_progress_is_due_without_a_timer()
+{
+    QVERIFY(!is_progress_due(QElapsedTimer()));
+}
+
+QTEST_GUILESS_MAIN(test_result_rows)
+
+#include "test_result_rows.moc"
