@@ -10,7 +10,8 @@ namespace {
 
 constexpr const char *examples = R"(Examples:
   bluetooth-logs sample sample
-  bluetooth-logs sample sample --force)";
+  bluetooth-logs sample sample --force
+  bluetooth-logs sample hostile --hostile)";
 
 } // namespace
 
@@ -21,5 +22,8 @@ void add_sample_command(CLI::App &app, command_line &line)
     sample.footer(examples);
     add_path(sample, {"DIR", "PATH", "Folder for the sample; made if it is missing"}, options->directory)->required();
     sample.add_flag("--force", options->force, "Replace the files of an earlier sample in DIR");
+    sample.add_flag_callback(
+        "--hostile", [options] { options->names = sample_names::hostile; },
+        "Add devices whose names many programs fail on: one of 1 MB, one with a NUL, one that is no UTF-8");
     sample.final_callback([options, &line] { line.command = *options; });
 }

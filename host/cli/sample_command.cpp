@@ -125,7 +125,7 @@ exit_code run_sample(const sample_options &options, console &out)
         make_folder(directory + u'/' + folder);
     const QString macos = directory + u'/' + macos_folder;
     write_sample_file(directory + u'/' + readme_name, readme); // first: what is half written can be written anew
-    write_ledevices_databases(macos + macos_database_folder);
+    write_ledevices_databases(macos + macos_database_folder, options.names);
     write_preferences_plist(macos + macos_preferences_file);
     write_ios_log(directory + u'/' + ios_log);
     write_windows_files(directory + u'/' + windows_folder);

@@ -6,6 +6,7 @@
 
 #include "host/cli/console.h"
 #include "host/files/host_error.h"
+#include "host/sample/sample_parts.h"
 
 #include <QString>
 
@@ -13,6 +14,7 @@ struct sample_options
 {
     QString directory; ///< absolute
     bool force = false;
+    sample_names names = sample_names::usual;
 };
 
 /** Writes a synthetic source of each kind below a folder. Throws host_error, also when one is there already. */

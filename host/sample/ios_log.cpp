@@ -23,6 +23,9 @@ constexpr QLatin1StringView device_names[] = {
     "<private>"_L1,
     "=1+1"_L1,
     "\\M-p\\M^_\\M^N\\M-'"_L1,
+    "lone surrogate \\M-m\\M- \\M^@"_L1,
+    "title \\^[]0;x\\^G and NUL \\^@"_L1,
+    "<img src=x onerror=alert(1)>"_L1,
     "Car, front"_L1,
 };
 constexpr QLatin1StringView models[] = {"AudioPods1,1"_L1, "Phone12,3"_L1, "Watch6,4"_L1, "<private>"_L1};

@@ -20,6 +20,7 @@ namespace {
 constexpr QLatin1StringView connection_name("sample database");
 constexpr qint64 other_device_count = 1000;
 constexpr qint64 paired_device_count = 20;
+constexpr qsizetype long_name_size = 1 << 20;
 
 // As the operating system lays them out: no key and nothing required.
 constexpr QLatin1StringView
@@ -42,7 +43,8 @@ void execute(QSqlQuery &query, const QString &statement)
 void insert(const QSqlDatabase &database, const QString &table, const QVariantList &values)
 {
     QSqlQuery query(database);
-    query.prepare(u"INSERT INTO "_s + table + u" VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"_s);
+    // A name may be bytes, which stand in the database as a text then.
+    query.prepare(u"INSERT INTO "_s + table + u" VALUES(?, CAST(? AS TEXT), ?, ?, ?, ?, ?, ?, ?, ?)"_s);
     for (const QVariant &value : values)
         query.addBindValue(value);
     if (!query.exec())
@@ -59,7 +61,14 @@ QVariant other_name(qint64 row)
     return other_device_names[row / spread].toString();
 }
 
-void fill_other_devices(const QSqlDatabase &database)
+/** Names that many tools fail on. */
+QByteArrayList hostile_names()
+{
+    return {QByteArray("<img src=x onerror=alert(1)>").repeated(long_name_size / 28), QByteArray("NUL \0 inside", 12),
+            "lone surrogate \xED\xA0\x80 inside"};
+}
+
+void fill_other_devices(const QSqlDatabase &database, sample_names names)
 {
     sample_random random(1);
     qint64 seen = 150; // the times are counters, not dates
@@ -72,6 +81,13 @@ void fill_other_devices(const QSqlDatabase &database)
         insert(database, other_devices_database.device_table,
                {random.uuid(), name, name.isNull() ? 0 : 1 + random.below(3), address, QVariant(), seen, connected, 0,
                 QVariant(), u""_s});
+    }
+    if (names == sample_names::usual)
+        return;
+    for (const QByteArray &name : hostile_names()) {
+        const QString address = u"Random "_s + random.address(u':');
+        insert(database, other_devices_database.device_table,
+               {random.uuid(), name, 1, address, QVariant(), ++seen, 0, 0, QVariant(), u""_s});
     }
 }
 
@@ -95,7 +111,8 @@ void fill_paired_devices(const QSqlDatabase &database)
 
 /** One database in the write-ahead journal mode that the operating system uses; closing it moves all rows to the file.
  */
-void write_database(const QString &folder, const macos_database &kind, void (*fill)(const QSqlDatabase &))
+template<typename Fill>
+void write_database(const QString &folder, const macos_database &kind, Fill fill)
 {
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, connection_name);
@@ -122,8 +139,9 @@ void write_database(const QString &folder, const macos_database &kind, void (*fi
 
 } // namespace
 
-void write_ledevices_databases(const QString &folder)
+void write_ledevices_databases(const QString &folder, sample_names names)
 {
-    write_database(folder, other_devices_database, fill_other_devices);
+    write_database(folder, other_devices_database,
+                   [names](const QSqlDatabase &database) { fill_other_devices(database, names); });
     write_database(folder, paired_devices_database, fill_paired_devices);
 }

@@ -16,8 +16,15 @@
 /** Writes a file that must not exist yet. */
 void write_sample_file(const QString &path, const QByteArray &content);
 
+/** Which names devices have: as in the street, with some to trouble an examiner; or also those that many tools fail on.
+ */
+enum class sample_names {
+    usual,
+    hostile ///< three rows more: a name of 1 MB, one with a NUL, one that is no UTF-8
+};
+
 /** The two LE device databases of macOS, into @p folder. */
-void write_ledevices_databases(const QString &folder);
+void write_ledevices_databases(const QString &folder, sample_names names);
 
 /** The Bluetooth preferences of macOS: a binary property list with a DeviceCache and a PairedDevices list. */
 void write_preferences_plist(const QString &path);
