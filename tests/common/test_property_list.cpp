@@ -291,6 +291,7 @@ void test_property_list::nesting_ends_at_a_level_data()
     QTest::newRow("XML arrays, one more")        << nested_xml("<array>", "</array>", most + 1) << false;
     QTest::newRow("binary arrays")               << nested_binary(most, one_entry)              << true;
     QTest::newRow("binary arrays, one more")     << nested_binary(most + 1, one_entry)          << false;
+    QTest::newRow("one more, above the root")    << with_second_object_as_root(nested_binary(most + 1, one_entry)) << true;
     QTest::newRow("binary dictionaries")         << nested_binary(most, one_value)              << true;
     QTest::newRow("binary dictionaries, one more") << nested_binary(most + 1, one_value)        << false;
     // clang-format on
