@@ -10,6 +10,8 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -138,6 +140,7 @@ private Q_SLOTS:
     void progress_during_long_runs();
     void records_seeded_by_an_earlier_source();
     void copies_are_exact_and_stay();
+    void rows_of_a_write_ahead_log_are_not_read();
 
 private:
     std::unique_ptr<macos_source> source;
@@ -593,6 +596,23 @@ void test_macos_run::copies_are_exact_and_stay()
     QCOMPARE(content_of(logs + u"com.apple.MobileBluetooth.ledevices.paired.db"_s), paired);
     QCOMPARE(content_of(source->other_db()), other);
     QCOMPARE(content_of(source->paired_db()), paired);
+}
+
+void test_macos_run::rows_of_a_write_ahead_log_are_not_read()
+{
+    sqlite_file(source->other_db()).rows(u"PRAGMA journal_mode=WAL"_s);
+    const QString name = u"writer"_s;
+    {
+        QSqlDatabase writer = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
+        writer.setDatabaseName(source->other_db());
+        QVERIFY(writer.open());
+        QVERIFY(QSqlQuery(writer).exec(u"INSERT INTO OtherDevices(Uuid) VALUES('UUID-NEW')"_s));
+        QVERIFY(QFile::exists(source->other_db() + u"-wal"_s));
+        run->run(); // before the writer puts the row into the database itself
+    }
+    QSqlDatabase::removeDatabase(name);
+    QCOMPARE(run->database().quoted_rows(u"devices"_s, {u"uuid"_s}),
+             QStringList({u"'UUID-1'"_s, u"'UUID-2'"_s, u"'UUID-2'"_s}));
 }
 
 QTEST_MAIN(test_macos_run)
