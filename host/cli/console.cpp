@@ -63,6 +63,11 @@ void console::print_unless_quiet(const terminal_texts &lines)
         print(lines);
 }
 
+void console::print_bytes(QByteArrayView bytes)
+{
+    std::fwrite(bytes.data(), 1, size_t(bytes.size()), stdout);
+}
+
 terminal_text console::bold(const terminal_text &text) const
 {
     return has_output_colors ? text.styled(terminal_style::bold) : text;

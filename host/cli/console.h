@@ -27,6 +27,8 @@ public:
     void print(const terminal_texts &lines);
     /** The same, left out when the examiner asked for quiet. */
     void print_unless_quiet(const terminal_texts &lines);
+    /** Data for a program, as it is, on standard output. */
+    void print_bytes(QByteArrayView bytes);
     /** The text as a heading on standard output. */
     terminal_text bold(const terminal_text &text) const;
     /** The columns that standard output has; none where it is no terminal. */

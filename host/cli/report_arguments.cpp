@@ -14,31 +14,16 @@ constexpr const char *examples = R"(Examples:
   bluetooth-logs report case
   bluetooth-logs report case -f csv -f jsonl -o tables)";
 
-struct named_format
-{
-    QString name;
-    report_format format;
-};
-
-const QList<named_format> &formats()
-{
-    static const QList<named_format> list{{u"html"_s, report_format::html},
-                                          {u"csv"_s, report_format::csv},
-                                          {u"tsv"_s, report_format::tsv},
-                                          {u"jsonl"_s, report_format::jsonl}};
-    return list;
-}
-
 report_format format_named(const argument &what, const QString &name)
 {
-    QStringList names;
-    for (const named_format &known : formats()) {
-        if (known.name == name)
+    QStringList names{u"html"_s};
+    for (const program_format &known : program_formats) {
+        if (format_name(known) == name)
             return known.format;
-        names.append(known.name);
+        names.append(format_name(known));
     }
     require_choice(what, name, names);
-    return {};
+    return report_format::html;
 }
 
 } // namespace
@@ -55,8 +40,8 @@ void add_report_command(CLI::App &app, command_line &line)
             options->formats.append(format_named(format, name));
     });
     add_path(report, {"-o,--output", "PATH", "Folder for the files (default CASE/Report)"}, options->output);
-    report.add_flag("--raw-cells", options->raw_cells, "CSV, TSV: leave texts that look like formulas as they are");
-    report.add_flag("--csv-bom", options->csv_bom, "CSV, TSV: begin with a byte order mark");
+    report.add_flag("--raw-cells", options->cells.is_raw, "CSV, TSV: leave texts that look like formulas as they are");
+    report.add_flag("--csv-bom", options->cells.has_mark, "CSV, TSV: begin with a byte order mark");
     add_path(report, {"--vendors", "PATH", "List of address ranges and their vendors, like ieee-data's oui.txt"},
              options->vendors);
     report.add_flag("--split", options->split, "HTML: a page for each source, as there is for more than 100,000 rows");

@@ -14,7 +14,8 @@ namespace {
 constexpr const char *examples = R"(Examples:
   bluetooth-logs show case
   bluetooth-logs show case --source 2 --table paired_devices
-  bluetooth-logs show case --rows 20 --layout records)";
+  bluetooth-logs show case --rows 20 --layout records
+  bluetooth-logs show case --table devices -f jsonl)";
 
 constexpr qint64 highest_source = 9999999;
 constexpr qint64 any_number_of_rows = qint64(1) << 53;
@@ -24,6 +25,28 @@ const QStringList &layout_names()
 {
     static const QStringList names{u"auto"_s, u"table"_s, u"records"_s};
     return names;
+}
+
+void take_format(show_options &options, const argument &what, const QString &name)
+{
+    QStringList names;
+    for (const program_format &known : program_formats) {
+        if (format_name(known) == name)
+            options.format = known;
+        names.append(format_name(known));
+    }
+    require_choice(what, name, names);
+}
+
+void refuse_contradictions(const show_options &options)
+{
+    if (!options.format)
+        return;
+    const argument format{"--format", "", ""};
+    if (options.table.isEmpty())
+        refuse(format, u"it goes with --table, which says the rows of which table a program gets"_s);
+    if (options.most_rows || options.layout != row_layout::automatic)
+        refuse(format, u"a program gets all rows: --rows and --layout are for readers"_s);
 }
 
 } // namespace
@@ -49,5 +72,11 @@ void add_show_command(CLI::App &app, command_line &line)
         require_choice(layout, name, layout_names());
         options->layout = row_layout(layout_names().indexOf(name));
     });
-    show.final_callback([options, &line] { line.command = *options; });
+    const argument format{"-f,--format", "FORMAT",
+                          "csv, tsv or jsonl: the rows of --table for a program, as \"report\" writes them to a file"};
+    add_value(show, format, [options, format](const QString &name) { take_format(*options, format, name); });
+    show.final_callback([options, &line] {
+        refuse_contradictions(*options);
+        line.command = *options;
+    });
 }

@@ -4,6 +4,7 @@
 #include "host/cli/show_command.h"
 
 #include "host/case/stored_source.h"
+#include "host/report/report_table.h"
 
 #include <QLocale>
 
@@ -97,10 +98,27 @@ private:
     terminal_texts counts;
 };
 
+/** For a program: nothing stands on standard output but the file. */
+exit_code show_file(const show_options &options, console &out)
+{
+    if (options.format->separator != 0 && out.columns())
+        throw host_error(
+            exit_code::usage,
+            u"csv and tsv hold texts as they are, which could act on this terminal: send them to a file or "
+            "a program, or ask for jsonl"_s);
+    const QStringList shortcomings = tell_table({options.place, options.table, *options.format, options.source},
+                                                [&out](QByteArrayView bytes) { out.print_bytes(bytes); });
+    for (const QString &text : shortcomings)
+        out.warning(text);
+    return shortcomings.isEmpty() ? exit_code::done : exit_code::partial;
+}
+
 } // namespace
 
 exit_code run_show(const show_options &options, console &out)
 {
+    if (options.format)
+        return show_file(options, out);
     const QList<stored_source> sources = chosen_sources(options);
     exit_code code = exit_code::done;
     source_printer printer(options, sources.size() > 1, out);

@@ -7,6 +7,7 @@
 #include "host/cli/console.h"
 #include "host/cli/table_view.h"
 #include "host/files/host_error.h"
+#include "host/report/row_formats.h"
 
 #include <QString>
 
@@ -19,6 +20,7 @@ struct show_options
     QString table;                   ///< empty: every table
     std::optional<qint64> most_rows; ///< of each table; none: all of them
     row_layout layout = row_layout::automatic;
+    std::optional<program_format> format; ///< for a program: the bytes that a report's file of the table has
 };
 
 /**

@@ -76,25 +76,27 @@ cell value_of_text(QByteArrayView text, bool is_there)
 
 } // namespace
 
-database_reading::database_reading(const QString &copy, const QString &path, const macos_database &database,
-                                   const sqlite_statement &row, qint64 lost, const vendor_list &vendor_names)
+database_reading::database_reading(const database_copy &copy, const sqlite_statement &row,
+                                   const vendor_list &vendor_names, const preferences_names &known_names)
     : vendors(vendor_names)
-    , may_pass_over(lost)
+    , names(known_names)
+    , may_pass_over(copy.lost)
 {
-    known_place.file = path.toUtf8();
-    known_place.table = QByteArray(database.device_table.data());
+    known_place.file = copy.path.toUtf8();
+    known_place.table = QByteArray(copy.database.device_table.data());
     columns.fill(-1);
     try {
-        open(copy, database, row);
+        open(copy, row);
     } catch (const sqlite_error &error) {
-        problem_text = path + u": "_s + error.message();
+        problem_text = copy.path + u": "_s + error.message();
         rows.reset();
     }
 }
 
-void database_reading::open(const QString &copy, const macos_database &database, const sqlite_statement &row)
+void database_reading::open(const database_copy &copy, const sqlite_statement &row)
 {
-    opened = std::make_unique<sqlite_database>(copy, sqlite_database::access::main_file_alone);
+    const macos_database &database = copy.database;
+    opened = std::make_unique<sqlite_database>(copy.file, sqlite_database::access::main_file_alone);
     opened->distrust();
     if (!opened->has_table(database.device_table))
         return;
@@ -147,6 +149,7 @@ void database_reading::next(const sqlite_statement &row)
     properties = {};
     differs = {};
     vendor = {};
+    preferences_name = {};
     address_kind = {};
     if (!advance())
         return;
@@ -177,7 +180,9 @@ void database_reading::describe(const sqlite_statement &row)
         const std::optional<device_address> parsed = parse_device_address(address.bytes);
         if (parsed)
             address_kind = parsed->kind();
-        vendor = vendors.vendor_of_first_public({address.bytes, value_of(host_field::resolved_address).bytes});
+        const QByteArrayView resolved = value_of(host_field::resolved_address).bytes;
+        vendor = vendors.vendor_of_first_public({address.bytes, resolved});
+        preferences_name = names.name_of({address.bytes, resolved});
     }
     if (uuid.evidence >= 0 && !custom_properties.isEmpty())
         properties = custom_properties.value(rows->value_of(uuid.evidence).bytes.toByteArray());
@@ -192,6 +197,8 @@ cell database_reading::value_of(host_field field) const
         return value_of_text(properties, !properties.isNull());
     case host_field::address_kind:
         return value_of_text(QByteArrayView(address_kind.data(), address_kind.size()), !address_kind.isEmpty());
+    case host_field::preferences_name:
+        return value_of_text(preferences_name, !preferences_name.isNull());
     case host_field::vendor:
         return value_of_text(vendor, !vendor.isEmpty());
     case host_field::differs:

@@ -5,22 +5,28 @@
 #define HOST_REPORT_DATABASE_READING_H
 
 #include "host/report/host_reading.h"
+#include "host/report/preferences_names.h"
 #include "host/source/macos_databases.h"
 
 #include <QHash>
 
 #include <vector>
 
+/** A working copy that a host reading reads. */
+struct database_copy
+{
+    QString file;
+    QString path; ///< what locators call it
+    const macos_database &database;
+    qint64 lost = 0; ///< how many rows the result lacks: so many may be passed over to find the one with the next UUID
+};
+
 /** Reads the working copy of a macOS database beside the rows that the plug-in made of it, in the same order. */
 class database_reading : public host_reading
 {
 public:
-    /**
-     * @p copy is the file, @p path what locators call it, @p lost how many rows of the database the result lacks: so
-     * many may be passed over to find the one with the next UUID.
-     */
-    database_reading(const QString &copy, const QString &path, const macos_database &database,
-                     const sqlite_statement &row, qint64 lost, const vendor_list &vendors);
+    database_reading(const database_copy &copy, const sqlite_statement &row, const vendor_list &vendors,
+                     const preferences_names &names);
 
     void next(const sqlite_statement &row) override;
     sqlite_statement::cell value_of(host_field field) const override;
@@ -34,7 +40,7 @@ private:
         int evidence = -1;
     };
 
-    void open(const QString &copy, const macos_database &database, const sqlite_statement &row);
+    void open(const database_copy &copy, const sqlite_statement &row);
     void read_custom_properties();
     bool advance();
     void describe(const sqlite_statement &row);
@@ -42,6 +48,7 @@ private:
     std::unique_ptr<sqlite_database> opened;
     std::unique_ptr<sqlite_statement> rows; ///< none: nothing can be read, or not any more
     const vendor_list &vendors;
+    preferences_names names;
     qint64 may_pass_over;
     column_pair uuid;
     std::vector<column_pair> pairs;
@@ -51,6 +58,7 @@ private:
     QByteArray properties;                           ///< of the current row; null: none
     QByteArray differs;
     QByteArray vendor;
+    QByteArray preferences_name; ///< null: none
     QLatin1StringView address_kind;
     row_place known_place;
 };

@@ -53,7 +53,8 @@ std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, co
             continue;
         const table_rows *counts = counts_of(source.record, table);
         const qint64 lost = counts ? counts->found.value_or(0) - counts->stored.value_or(0) : 0;
-        return std::make_unique<database_reading>(copy, path, *database, row, lost, that_case.vendors);
+        return std::make_unique<database_reading>(database_copy{copy, path, *database, lost}, row, that_case.vendors,
+                                                  source.preferences);
     }
     return std::make_unique<no_reading>();
 }

@@ -30,11 +30,12 @@ enum class host_field {
     rssi,
     aid,
     line_text,
-    vendor,  ///< of the public address, by the list that the examiner gave
-    differs, ///< the columns of the result, joined by ", ", in which the evidence says something else
+    preferences_name, ///< that the preferences list has for the public address
+    vendor,           ///< of the public address, by the list that the examiner gave
+    differs,          ///< the columns of the result, joined by ", ", in which the evidence says something else
 };
 
-inline constexpr std::array<QLatin1StringView, 15> host_field_names = {
+inline constexpr std::array<QLatin1StringView, 16> host_field_names = {
     QLatin1StringView("resolved_address"),
     QLatin1StringView("last_seen_time"),
     QLatin1StringView("last_connection_time"),
@@ -48,6 +49,7 @@ inline constexpr std::array<QLatin1StringView, 15> host_field_names = {
     QLatin1StringView("rssi"),
     QLatin1StringView("aid"),
     QLatin1StringView("line_text"),
+    QLatin1StringView("preferences_name"),
     QLatin1StringView("vendor"),
     QLatin1StringView("differs"),
 };

@@ -72,37 +72,6 @@ html_table wal_table(const report_case &that_case)
     return table;
 }
 
-/** The texts of one kind in a device's appearances, each once. */
-QByteArray texts_of(const device_join &join, const joined_device &device, QByteArray device_appearance::*text)
-{
-    QByteArrayList texts;
-    for (const qsizetype place : device.appearances) {
-        const QByteArray &one = join.appearances().at(place).*text;
-        if (!one.isEmpty() && !texts.contains(one))
-            texts.append(one);
-    }
-    return texts.join(" | ");
-}
-
-html_table card_table(const report_case &that_case, const device_join &join, const QList<joined_device> &devices)
-{
-    html_table table(u"cards"_s, u"Devices of the case"_s,
-                     u"What the sources know of each device, joined: within a source by UUID, across sources by public "
-                     "address or iCloud identifier. Several texts are separated by |."_s);
-    for (const joined_device &device : devices) {
-        QByteArrayList numbers;
-        for (const int source : device.sources)
-            numbers.append(QByteArray::number(that_case.sources.at(source).record.number));
-        table.begin_row();
-        table.add(u"device_name"_s, texts_of(join, device, &device_appearance::name));
-        table.add(u"address"_s, texts_of(join, device, &device_appearance::address));
-        table.add(u"uuid"_s, texts_of(join, device, &device_appearance::uuid));
-        table.add(u"sources"_s, numbers.join(", "));
-        table.add(u"rows"_s, std::optional<qint64>(device.appearances.size()));
-    }
-    return table;
-}
-
 void write_page(const QString &path, const QByteArray &summary, const QList<html_table> &windows,
                 const QByteArray &pictures)
 {
@@ -201,31 +170,31 @@ QList<html_table> html_page::row_tables(QByteArray &pictures) const
     return ranked << wal_table(facts);
 }
 
-void html_page::write(const QString &path, const device_join &join, const QList<joined_device> &devices,
+void html_page::write(const QString &path, const html_table &cards, const QByteArray &shared,
                       const QStringList &shortcomings) const
 {
     QByteArray pictures;
-    const QList<html_table> windows = QList<html_table>{card_table(facts, join, devices)} + row_tables(pictures);
+    const QList<html_table> windows = QList<html_table>{cards} + row_tables(pictures);
     const QByteArray summary = summary_sections(facts, shortcomings,
                                                 QList<section_link>{shared_link} + links_to(windows)
                                                     + QList<section_link>{ranks_link})
-                               + shared_section(facts, join, devices);
+                               + shared;
     write_page(path, summary, windows, picture_section(pictures));
 }
 
-void html_page::write_index(const QString &path, const device_join &join, const QList<joined_device> &devices,
-                            const QStringList &shortcomings, const QStringList &pages) const
+void html_page::write_index(const QString &path, const QByteArray &shared, const QStringList &shortcomings,
+                            const QStringList &pages) const
 {
     const QByteArray summary = summary_sections(facts, shortcomings,
                                                 {shared_link, {u"pages"_s, u"Rows of the sources"_s}})
-                               + pages_section(facts, pages) + shared_section(facts, join, devices);
+                               + pages_section(facts, pages) + shared;
     write_page(path, summary, {}, {});
 }
 
-void html_page::write_source(const QString &path, const QString &index) const
+void html_page::write_source(const QString &path, const html_table &cards, const QString &index) const
 {
     QByteArray pictures;
-    const QList<html_table> windows = row_tables(pictures);
+    const QList<html_table> windows = QList<html_table>{cards} + row_tables(pictures);
     write_page(path,
                summary_sections(facts, facts.shortcomings, links_to(windows) + QList<section_link>{ranks_link})
                    + way_back_section(index),

@@ -4,7 +4,6 @@
 #ifndef HOST_REPORT_HTML_PAGE_H
 #define HOST_REPORT_HTML_PAGE_H
 
-#include "host/report/device_join.h"
 #include "host/report/html_table.h"
 #include "host/report/rank.h"
 #include "host/report/report_row.h"
@@ -28,16 +27,16 @@ public:
     /** Rows come table by table, and source by source in each. */
     void add(const report_row &row);
 
-    /** The page of a whole case. */
-    void write(const QString &path, const device_join &join, const QList<joined_device> &devices,
+    /** The page of a whole case. @p cards are its devices, @p shared is the section of those in several sources. */
+    void write(const QString &path, const html_table &cards, const QByteArray &shared,
                const QStringList &shortcomings) const;
 
     /** The page that leads to those of the sources; no row was added to it. @p pages are their file names, in order. */
-    void write_index(const QString &path, const device_join &join, const QList<joined_device> &devices,
-                     const QStringList &shortcomings, const QStringList &pages) const;
+    void write_index(const QString &path, const QByteArray &shared, const QStringList &shortcomings,
+                     const QStringList &pages) const;
 
     /** The page of the only source of the case that it was made for. @p index is the file name of the page above. */
-    void write_source(const QString &path, const QString &index) const;
+    void write_source(const QString &path, const html_table &cards, const QString &index) const;
 
 private:
     QList<html_table> row_tables(QByteArray &pictures) const;

@@ -13,7 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype most_cards = 500; // all are in shared.csv and shared.jsonl
+constexpr qsizetype most_cards = 500;       // all are in shared.csv and shared.jsonl
+constexpr qsizetype most_appearances = 100; // of one card
 constexpr qsizetype most_points = 500;
 
 QByteArray row_of(const QByteArrayList &cells)
@@ -80,21 +81,6 @@ QByteArray sources_table(const report_case &that_case)
                     rows);
 }
 
-QByteArray presence_text(evidence_file::presence presence)
-{
-    switch (presence) {
-    case evidence_file::presence::present:
-        return "present";
-    case evidence_file::presence::absent:
-        return "absent";
-    case evidence_file::presence::unreadable:
-        return "unreadable";
-    case evidence_file::presence::refused:
-        break;
-    }
-    return "refused";
-}
-
 QByteArray evidence_table(const report_case &that_case)
 {
     QByteArray rows;
@@ -104,7 +90,7 @@ QByteArray evidence_table(const report_case &that_case)
             if (file.path.endsWith(".corrupt"_L1) && reason.isEmpty())
                 reason = "a leftover of a damaged database; its content is not parsed";
             rows += row_of({QByteArray::number(source.record.number), "<bdi>" + html_text(file.path) + "</bdi>",
-                            presence_text(file.state), reason,
+                            html_text(presence_name(file.state)), reason,
                             file.before ? QByteArray::number(file.before->size) : QByteArray(),
                             file.before ? hash_text(file.before->sha256) : QByteArray(),
                             file.after ? hash_text(file.after->sha256) : QByteArray()});
@@ -125,37 +111,48 @@ QByteArray place_text(const row_place &place)
     return text + ", table " + html_evidence(place.table) + ", rowid " + number_text(place.rowid);
 }
 
-QByteArray card(const report_case &that_case, const device_join &join, const joined_device &device, qsizetype number)
+QByteArray if_any(QByteArrayView before, const QByteArray &evidence)
+{
+    return evidence.isEmpty() ? QByteArray() : before.toByteArray() + html_evidence(evidence);
+}
+
+QByteArray shared_card(const report_case &that_case, const joined_device &device)
 {
     QByteArray keys;
     for (const join_key &key : device.keys)
         keys += QByteArray("<li>")
                 + (key.what == join_key::kind::public_address ? "public address " : "iCloud identifier ")
                 + html_evidence(key.value) + "</li>";
+    const qsizetype most_shown = std::min(device.appearances.size(), most_appearances);
     QByteArray rows;
-    for (const qsizetype place : device.appearances) {
-        const device_appearance &appearance = join.appearances().at(place);
+    for (const device_appearance &appearance : device.appearances.first(most_shown)) {
         const report_source &source = that_case.sources.at(appearance.source);
         rows += "<li>source " + QByteArray::number(source.record.number) + " (<bdi>" + html_text(source.name)
                 + "</bdi>), " + html_text(appearance.table) + ": "
                 + (appearance.name.isEmpty() ? QByteArray("no name") : html_evidence(appearance.name)) + ", "
                 + (appearance.address.isEmpty() ? QByteArray("no address") : html_evidence(appearance.address))
-                + ", UUID " + (appearance.uuid.isEmpty() ? QByteArray("none") : html_evidence(appearance.uuid)) + ", "
+                + if_any(", resolved address ", appearance.resolved_address)
+                + if_any(", iCloud identifier ", appearance.icloud_identifier)
+                + if_any(", name in the Bluetooth preferences ", appearance.preferences_name) + ", UUID "
+                + (appearance.uuid.isEmpty() ? QByteArray("none") : html_evidence(appearance.uuid)) + ", "
                 + place_text(appearance.place) + "</li>";
     }
-    return "<article class=\"card\"><h3>Shared device " + QByteArray::number(number) + "</h3><p>Joined by</p><ul>"
-           + keys + "</ul><p>Appears as</p><ul>" + rows + "</ul></article>\n";
+    if (device.appearances.size() > most_shown)
+        rows += "<li>and " + QByteArray::number(device.appearances.size() - most_shown)
+                + " more, which are in shared.csv and shared.jsonl</li>";
+    return "<article class=\"card\"><h3>Shared device " + QByteArray::number(device.shared_number)
+           + "</h3><p>Joined by</p><ul>" + keys + "</ul><p>Appears as</p><ul>" + rows + "</ul></article>\n";
 }
 
 } // namespace
 
-QByteArray shared_section(const report_case &that_case, const device_join &join, const QList<joined_device> &devices)
+QByteArray shared_section(const report_case &that_case, const QList<joined_device> &devices)
 {
     QByteArray cards;
     qsizetype count = 0;
     for (const joined_device &device : devices) {
-        if (device.sources.size() > 1 && ++count <= most_cards)
-            cards += card(that_case, join, device, count);
+        if (device.shared_number > 0 && ++count <= most_cards)
+            cards += shared_card(that_case, device);
     }
     QByteArray html =
         "<section id=\"more-than-one-source\" aria-labelledby=\"more-heading\"><h2 id=\"more-heading\">In "
@@ -287,5 +284,9 @@ QByteArray limitations_section()
            "than the result.</li>"
            "<li>Leftovers of damaged databases (.corrupt) are named with size and hash; their content is not "
            "parsed.</li>"
-           "<li>The names in the Bluetooth preferences are not joined in this version.</li></ul></section>\n";
+           "<li>host_preferences_name is the name that the Bluetooth preferences keep for the row's public address, "
+           "its "
+           "own or the resolved one.</li>"
+           "<li>This report reads the case and does not check it: the hashes are those of the manifest, and "
+           "\"bluetooth-logs verify\" compares them.</li></ul></section>\n";
 }

@@ -23,8 +23,8 @@ struct section_link
 QByteArray summary_sections(const report_case &that_case, const QStringList &shortcomings,
                             const QList<section_link> &sections);
 
-/** What appears in more than one source. */
-QByteArray shared_section(const report_case &that_case, const device_join &join, const QList<joined_device> &devices);
+/** What appears in more than one source: the devices that have a shared_number. */
+QByteArray shared_section(const report_case &that_case, const QList<joined_device> &devices);
 
 /** Links to the pages of the sources, in the order of the sources. */
 QByteArray pages_section(const report_case &that_case, const QStringList &pages);

@@ -25,6 +25,17 @@ cell value_of_bytes(const std::optional<QByteArray> &bytes)
     return result;
 }
 
+/** A number of the log is a number here: "-60" is no text that a spreadsheet takes for a formula. */
+cell number_or_text(const std::optional<QByteArray> &bytes)
+{
+    cell result = value_of_bytes(bytes);
+    bool is_number = false;
+    result.integer = result.bytes.toByteArray().toLongLong(&is_number);
+    if (is_number && QByteArray::number(result.integer) == result.bytes)
+        result.kind = type::integer;
+    return result;
+}
+
 } // namespace
 
 log_reading::log_reading(const QString &lines, const QString &log, const QString &result_table,
@@ -88,7 +99,7 @@ cell log_reading::value_of(host_field field) const
     case host_field::name:
         return value_of_bytes(fields.name);
     case host_field::rssi:
-        return value_of_bytes(fields.rssi);
+        return number_or_text(fields.rssi);
     case host_field::aid:
         return value_of_bytes(fields.aid);
     case host_field::line_text:

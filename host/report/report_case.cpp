@@ -4,10 +4,13 @@
 #include "host/report/report_case.h"
 
 #include "host/case/manifest.h"
+#include "host/files/file_lock.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
+#include "host/source/macos_databases.h"
+#include "host/source/source_kinds.h"
 
 #include <QJsonArray>
 
@@ -20,10 +23,19 @@ constexpr qint64 most_manifest_bytes = qint64(1) << 30;
 void add_source(report_case &result, const source_record &record)
 {
     const QString fallback = u"Source"_s + QString::number(record.number);
-    result.sources.append({record, record.name.isEmpty() ? fallback : record.name});
-    if (record.status != source_status::done)
-        result.shortcomings.append(u"source "_s + QString::number(record.number) + u": "_s
-                                   + status_name(record.status));
+    const source_layout files = result.layout.source(record.number);
+    report_source source{record, record.name.isEmpty() ? fallback : record.name, {}, file_lock::is_held(files.lock())};
+    const QString preferences = files.evidence_folder() + u'/' + macos_preferences_file;
+    if (record.type == macos_kind.name && path_exists(preferences))
+        source.preferences = preferences_names::of_file(preferences);
+    if (!source.preferences.problem().isEmpty())
+        result.shortcomings.append(
+            source.problem_text(macos_preferences_file + u": "_s + source.preferences.problem()));
+    if (source.is_locked)
+        result.shortcomings.append(source.problem_text(u"a run works on it, and its rows are left out"_s));
+    else if (record.status != source_status::done)
+        result.shortcomings.append(source.problem_text(status_name(record.status)));
+    result.sources.append(source);
 }
 
 void read_manifest(report_case &result)

@@ -6,6 +6,7 @@
 
 #include "host/case/case_layout.h"
 #include "host/case/source_record.h"
+#include "host/report/preferences_names.h"
 #include "host/report/vendor_list.h"
 
 #include <QJsonObject>
@@ -17,7 +18,15 @@
 struct report_source
 {
     source_record record;
-    QString name; ///< the one that the examiner gave, else "Source<number>"
+    QString name;                  ///< the one that the examiner gave, else "Source<number>"
+    preferences_names preferences; ///< of its Bluetooth preferences; empty where there are none
+    bool is_locked = false;        ///< a run works on it: a reader could keep that from writing
+
+    /** "source 1: …" */
+    QString problem_text(const QString &problem) const
+    {
+        return QStringLiteral("source ") + QString::number(record.number) + QStringLiteral(": ") + problem;
+    }
 };
 
 /** What reports tell of a case as a whole. */

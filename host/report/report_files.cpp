@@ -6,13 +6,18 @@
 #include "host/case/result_tables.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
+#include "host/files/new_file.h"
 #include "host/files/paths.h"
+#include "host/report/device_cards.h"
+#include "host/report/evidence_list.h"
 #include "host/report/html_page.h"
+#include "host/report/html_summary.h"
 #include "host/report/json_lines.h"
-#include "host/report/separated_files.h"
+#include "host/report/report_readme.h"
 #include "host/report/shared_devices.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -20,49 +25,22 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/** One of the two formats of separated values. */
-struct separated_format
-{
-    report_format format;
-    QLatin1StringView suffix;
-    char separator;
-};
-
-constexpr separated_format separated_formats[] = {
-    {report_format::csv, ".csv"_L1, ','},
-    {report_format::tsv, ".tsv"_L1, '\t'},
-};
-
 constexpr QLatin1StringView readme_name("README.txt");
 constexpr QLatin1StringView shared_name("shared");
+constexpr QLatin1StringView evidence_name("evidence_files");
 constexpr QLatin1StringView wal_changes_name("wal_changes.jsonl");
 constexpr QLatin1StringView page_name("report.html");
-constexpr QLatin1StringView lines_suffix(".jsonl");
 constexpr qint64 most_rows_of_a_page = 100000;
 
-/** What README.txt says of the files of separated values. */
-QByteArray readme(const separated_form &form, const changed_cells &changes)
+/** A file of the report that is written piece by piece. */
+std::shared_ptr<new_file> open_file(const QString &path)
 {
-    QByteArray text = "The files devices, paired_devices and shared hold texts that strangers chose. RFC 4180, UTF-8";
-    text += form.has_mark ? " with a byte order mark" : "";
-    text += ", line ends CRLF; NULL and an empty text are both an empty cell.\n\n";
-    text += form.is_raw ? "Texts stand as they are (--raw-cells). A spreadsheet runs those that start with = + - or @ "
-                          "as formulas: open these files with programs that do not.\n\n"
-                        : "A text that a spreadsheet would run as a formula has an apostrophe (') in front that is "
-                          "not part of it: those whose first character, after blanks and unseen characters, is one of "
-                          "= + - @, also full-width, and those that start with a tab or a line end. Numbers stay as "
-                          "they are. --raw-cells leaves the apostrophe out.\n\n";
-    text += "A value that is no text (a blob, or bytes that are no UTF-8) stands as x'00ff', its bytes in "
-            "hexadecimal.\n\n";
-    text += "Excel shows at most 1,048,576 rows and 32,767 characters of a cell, rounds numbers to 15 digits and may "
-            "take a text for a date: import columns as text. The files in JSON Lines (-f jsonl) are exact.\n\n";
-    text += "Changed cells: " + QByteArray::number(changes.count) + '\n';
-    if (changes.count > changes.named.size())
-        text += "The first " + QByteArray::number(changes.named.size()) + " of them:\n";
-    for (const changed_cell &cell : changes.named)
-        text += cell.file.toUtf8() + ", row " + QByteArray::number(cell.line) + ", " + cell.column.toUtf8()
-                + (cell.change == cell_change::apostrophe ? ": apostrophe\n" : ": hexadecimal\n");
-    return text;
+    return std::make_shared<new_file>(path);
+}
+
+byte_sink sink_of(const std::shared_ptr<new_file> &file)
+{
+    return [file](QByteArrayView bytes) { file->add(bytes); };
 }
 
 class report_writer
@@ -71,6 +49,7 @@ public:
     explicit report_writer(const report_options &given)
         : options(given)
         , that_case(read_report_case(given.case_directory))
+        , is_split(given.split || row_count(that_case) > most_rows_of_a_page)
     {
         outcome.shortcomings = that_case.shortcomings;
         if (!given.vendors.isEmpty())
@@ -85,15 +64,16 @@ public:
         html_page page(that_case);
         for (const QString &table : result_tables())
             write_table(table, page);
-        const QList<joined_device> devices = join.devices();
-        write_shared(devices);
+        const QList<joined_device> devices = read_devices();
+        for (const program_format &format : program_formats) {
+            if (has(format.format))
+                write_lists(format, devices);
+        }
         if (has(report_format::jsonl))
             write_wal_changes();
-        if (has(report_format::csv) || has(report_format::tsv))
-            write_whole_file(options.output + u'/' + readme_name, readme(form_of(','), changes));
-        if (has(report_format::html) && !is_split())
-            page.write(options.output + u'/' + page_name, join, devices, outcome.shortcomings);
-        if (has(report_format::html) && is_split())
+        if (has_any_program_format())
+            write_whole_file(path_of(readme_name), readme(that_case, options, changes));
+        if (has(report_format::html))
             write_pages(page, devices);
         return outcome;
     }
@@ -104,42 +84,39 @@ private:
         return options.formats.contains(format);
     }
 
-    separated_form form_of(char separator) const
+    bool has_any_program_format() const
     {
-        return {separator, options.raw_cells, options.csv_bom};
+        return std::any_of(std::begin(program_formats), std::end(program_formats),
+                           [this](const program_format &format) { return has(format.format); });
+    }
+
+    bool is_one_page() const
+    {
+        return has(report_format::html) && !is_split;
+    }
+
+    QString path_of(const QString &name) const
+    {
+        return options.output + u'/' + name;
     }
 
     void plan_files()
     {
-        QStringList stems = result_tables();
-        stems.append(shared_name);
-        for (const separated_format &format : separated_formats) {
-            for (const QString &stem : stems) {
-                if (has(format.format))
-                    outcome.files.append(stem + format.suffix);
-            }
+        for (const program_format &format : program_formats) {
+            if (!has(format.format))
+                continue;
+            for (const QString &table : result_tables())
+                outcome.files.append(table + format.suffix);
+            outcome.files << shared_name + format.suffix << evidence_name + format.suffix;
         }
-        if (!outcome.files.isEmpty())
-            outcome.files.append(readme_name);
-        if (has(report_format::jsonl)) {
-            for (const QString &stem : stems)
-                outcome.files.append(stem + lines_suffix);
+        if (has(report_format::jsonl))
             outcome.files.append(wal_changes_name);
-        }
+        if (has_any_program_format())
+            outcome.files.append(readme_name);
         if (has(report_format::html))
             outcome.files.append(page_name);
-        if (has(report_format::html) && is_split())
+        if (has(report_format::html) && is_split)
             outcome.files += source_pages();
-    }
-
-    bool is_split() const
-    {
-        qint64 rows = 0;
-        for (const report_source &source : that_case.sources) {
-            for (const table_rows &table : source.record.rows)
-                rows += table.stored.value_or(0);
-        }
-        return options.split || rows > most_rows_of_a_page;
     }
 
     QStringList source_pages() const
@@ -148,25 +125,6 @@ private:
         for (const report_source &source : that_case.sources)
             names.append(u"report-source"_s + QString::number(source.record.number) + u".html"_s);
         return names;
-    }
-
-    /** The index, and a page for each source, whose rows are read again: no more than one source is held. */
-    void write_pages(const html_page &index, const QList<joined_device> &devices)
-    {
-        const QStringList names = source_pages();
-        for (qsizetype i = 0; i < names.size(); ++i) {
-            report_case part{that_case.layout,          that_case.heading, that_case.manifest_sha256,
-                             {that_case.sources.at(i)}, that_case.vendors, {}};
-            html_page page(part);
-            for (const QString &table : result_tables()) {
-                const table_reading reading = read_rows(part, part.sources.first(), table,
-                                                        [&page](const report_row &row) { page.add(row); });
-                if (!reading.problem.isEmpty())
-                    part.shortcomings.append(reading.problem);
-            }
-            page.write_source(options.output + u'/' + names.at(i), page_name);
-        }
-        index.write_index(options.output + u'/' + page_name, join, devices, outcome.shortcomings, names);
     }
 
     void refuse_output() const
@@ -178,90 +136,140 @@ private:
         }
         QStringList present;
         for (const QString &name : outcome.files) {
-            if (path_exists(options.output + u'/' + name))
-                present.append(options.output + u'/' + name);
+            if (path_exists(path_of(name)))
+                present.append(path_of(name));
         }
         if (!present.isEmpty() && !options.force)
             throw host_error(exit_code::usage,
                              u"these files are there already, --force replaces them: "_s + present.join(u", "_s));
     }
 
-    /** The columns of a table in all sources: those of the first source in their order, others' behind. */
-    QStringList all_columns(const QString &table) const
-    {
-        QStringList columns;
-        for (const report_source &source : that_case.sources) {
-            const QStringList own = result_columns(that_case, source, table);
-            std::copy_if(own.cbegin(), own.cend(), std::back_inserter(columns),
-                         [&columns](const QString &name) { return !columns.contains(name); });
-        }
-        return columns;
-    }
-
     void write_table(const QString &table, html_page &page)
     {
-        std::vector<std::unique_ptr<separated_rows>> cells;
-        for (const separated_format &format : separated_formats) {
-            if (has(format.format))
-                cells.push_back(std::make_unique<separated_rows>(options.output, table + format.suffix,
-                                                                 form_of(format.separator), all_columns(table),
-                                                                 changes));
+        std::vector<std::shared_ptr<new_file>> files;
+        std::vector<row_writer> writers;
+        for (const program_format &format : program_formats) {
+            if (!has(format.format))
+                continue;
+            files.push_back(open_file(path_of(table + format.suffix)));
+            writers.push_back(make_row_writer(format, options.cells, that_case, table, sink_of(files.back()), changes));
         }
-        std::unique_ptr<new_file> lines;
-        if (has(report_format::jsonl))
-            lines = std::make_unique<new_file>(options.output + u'/' + table + lines_suffix);
-        json_lines json;
-        const bool is_one_page = has(report_format::html) && !is_split();
         for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
-            qint64 index = 0;
-            const table_reading reading = read_rows(that_case, that_case.sources.at(i), table,
-                                                    [&](const report_row &row) {
-                                                        for (const auto &file : cells)
-                                                            file->add(row);
-                                                        if (lines)
-                                                            lines->add(json.line(row));
-                                                        if (is_one_page)
-                                                            page.add(row);
-                                                        if (needs_join())
-                                                            join.add(row, int(i), index++);
-                                                    });
-            if (!reading.problem.isEmpty())
-                outcome.shortcomings.append(u"source "_s + QString::number(that_case.sources.at(i).record.number)
-                                            + u": "_s + reading.problem);
+            const report_source &source = that_case.sources.at(i);
+            const table_reading reading = read_rows(that_case, source, table, [&](const report_row &row) {
+                for (const row_writer &write_row : writers)
+                    write_row(row);
+                if (is_one_page())
+                    page.add(row);
+                if (needs_join())
+                    join.learn(appearance_of(row, int(i)));
+            });
+            if (const QString text = source.problem_text(reading.problem);
+                !reading.problem.isEmpty() && !outcome.shortcomings.contains(text))
+                outcome.shortcomings.append(text);
         }
-        for (const auto &file : cells)
+        for (const std::shared_ptr<new_file> &file : files)
             file->commit();
-        if (lines)
-            lines->commit();
     }
 
-    /** One source has nothing to share, and may have a million rows. */
+    /** One source has nothing to share. */
     bool needs_join() const
     {
         return that_case.sources.size() > 1 || has(report_format::html);
     }
 
-    void write_shared(const QList<joined_device> &devices)
+    /**
+     * The devices that several sources know, and the others where all of them are shown. The rows are read again:
+     * no report for programs needs more of them in memory.
+     */
+    QList<joined_device> read_devices() const
     {
-        for (const separated_format &format : separated_formats) {
-            if (has(format.format))
-                write_shared_cells(that_case, join, devices, options.output, shared_name + format.suffix,
-                                   form_of(format.separator), changes);
+        device_list devices(join);
+        if (!is_one_page() && !join.is_any_shared())
+            return {};
+        for (const QString &table : result_tables()) {
+            for (qsizetype i = 0; i < that_case.sources.size(); ++i)
+                read_rows(that_case, that_case.sources.at(i), table, [&](const report_row &row) {
+                    const device_appearance appearance = appearance_of(row, int(i));
+                    if (is_one_page() || join.is_shared(appearance))
+                        devices.add(appearance);
+                });
         }
-        if (has(report_format::jsonl))
-            write_shared_lines(that_case, join, devices, options.output + u'/' + shared_name + lines_suffix);
+        QList<joined_device> result = devices.devices();
+        number_shared(result);
+        return result;
+    }
+
+    /** The lists that are no rows of a table: shared devices, and files of the evidence. */
+    void write_lists(const program_format &format, const QList<joined_device> &devices)
+    {
+        const QString shared = shared_name + format.suffix;
+        const QString evidence = evidence_name + format.suffix;
+        const auto shared_file = open_file(path_of(shared));
+        const auto evidence_file = open_file(path_of(evidence));
+        if (format.separator == 0) {
+            tell_shared_lines(that_case, devices, sink_of(shared_file));
+            tell_evidence_lines(that_case, sink_of(evidence_file));
+        } else {
+            const separated_form form = form_of(format, options.cells);
+            separated_file shared_cells(sink_of(shared_file), shared, form, shared_columns(), changes);
+            add_shared_cells(shared_cells, that_case, devices);
+            separated_file evidence_cells(sink_of(evidence_file), evidence, form, evidence_columns(), changes);
+            add_evidence_cells(evidence_cells, that_case);
+        }
+        shared_file->commit();
+        evidence_file->commit();
     }
 
     void write_wal_changes()
     {
-        new_file file(options.output + u'/' + wal_changes_name);
+        new_file file(path_of(wal_changes_name));
         for (const report_source &source : that_case.sources)
             tell_wal_changes(that_case, source, [&file](QByteArrayView line) { file.add(line); });
         file.commit();
     }
 
+    void write_pages(const html_page &page, const QList<joined_device> &devices)
+    {
+        const QByteArray shared = shared_section(that_case, devices);
+        if (!is_split) {
+            page.write(path_of(page_name), device_cards(that_case, devices), shared, outcome.shortcomings);
+            return;
+        }
+        QHash<QByteArray, qint64> shared_numbers;
+        for (const joined_device &device : devices)
+            shared_numbers.insert(join.device_of(device.appearances.first()), device.shared_number);
+        const QStringList names = source_pages();
+        for (int i = 0; i < names.size(); ++i)
+            write_source_page(i, path_of(names.at(i)), shared_numbers);
+        page.write_index(path_of(page_name), shared, outcome.shortcomings, names);
+    }
+
+    /** The page of one source, whose rows are read again: no more than one source is held. */
+    void write_source_page(int place, const QString &path, const QHash<QByteArray, qint64> &shared_numbers) const
+    {
+        report_case part = that_case;
+        part.sources = {that_case.sources.at(place)};
+        part.shortcomings.clear();
+        html_page page(part);
+        device_list list(join);
+        for (const QString &table : result_tables()) {
+            const table_reading reading = read_rows(part, part.sources.first(), table, [&](const report_row &row) {
+                page.add(row);
+                list.add(appearance_of(row, place));
+            });
+            if (!reading.problem.isEmpty())
+                part.shortcomings.append(reading.problem);
+        }
+        QList<joined_device> devices = list.devices();
+        for (joined_device &device : devices)
+            device.shared_number = shared_numbers.value(join.device_of(device.appearances.first()));
+        page.write_source(path, device_cards(that_case, devices), page_name);
+    }
+
     const report_options &options;
     report_case that_case;
+    bool is_split;
     report_outcome outcome;
     changed_cells changes;
     device_join join;

@@ -4,22 +4,21 @@
 #ifndef HOST_REPORT_REPORT_FILES_H
 #define HOST_REPORT_REPORT_FILES_H
 
+#include "host/report/row_formats.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
-
-enum class report_format { html, csv, tsv, jsonl };
 
 struct report_options
 {
     QString case_directory; ///< absolute
     QString output;         ///< absolute
     QList<report_format> formats;
-    bool force = false;     ///< files of an earlier report may be replaced
-    bool split = false;     ///< HTML: a page for each source, as there is for more than 100,000 rows
-    bool raw_cells = false; ///< CSV and TSV: texts that look like formulas stay as they are
-    QString vendors;        ///< absolute; a list of vendors like oui.txt; empty: none
-    bool csv_bom = false;   ///< CSV and TSV: a byte order mark stands in front
+    bool force = false; ///< files of an earlier report may be replaced
+    bool split = false; ///< HTML: a page for each source, as there is for more than 100,000 rows
+    cell_options cells;
+    QString vendors; ///< absolute; a list of vendors like oui.txt; empty: none
 };
 
 struct report_outcome

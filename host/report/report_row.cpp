@@ -26,6 +26,8 @@ QString result_file(const report_case &that_case, const report_source &source)
 QStringList result_columns(const report_case &that_case, const report_source &source, const QString &table)
 {
     QStringList names;
+    if (source.is_locked)
+        return names;
     try {
         const result_database result(result_file(that_case, source));
         if (!has_table(result, table))
@@ -44,8 +46,13 @@ table_reading read_rows(const report_case &that_case, const report_source &sourc
 {
     table_reading reading;
     const QString file = result_file(that_case, source);
-    if (!path_exists(file))
-        return reading; // the source's status says why
+    if (source.is_locked)
+        return reading;
+    if (!path_exists(file)) {
+        if (!source.record.result_path.isEmpty()) // else the source's status says why
+            reading.problem = u"its result database is missing: "_s + source.record.result_path;
+        return reading;
+    }
     try {
         const result_database result(file);
         if (!has_table(result, table))
@@ -65,4 +72,22 @@ table_reading read_rows(const report_case &that_case, const report_source &sourc
         reading.problem = u"the result table "_s + table + u" cannot be read to its end: "_s + error.message();
     }
     return reading;
+}
+
+qint64 row_count(const report_case &that_case)
+{
+    qint64 count = 0;
+    for (const report_source &source : that_case.sources) {
+        try {
+            if (source.is_locked)
+                continue;
+            const result_database result(result_file(that_case, source));
+            const QStringList tables = result.tables();
+            for (const QString &table : tables)
+                count += result.row_count(table);
+        } catch (const host_error &) {
+            // told with the rows
+        }
+    }
+    return count;
 }

@@ -34,4 +34,7 @@ QStringList result_columns(const report_case &that_case, const report_source &so
 table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,
                         const std::function<void(const report_row &row)> &tell);
 
+/** How many rows all result tables of the case hold, as far as they can be counted. */
+qint64 row_count(const report_case &that_case);
+
 #endif

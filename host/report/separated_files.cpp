@@ -19,16 +19,16 @@ QStringList with_host_columns(const QStringList &result_columns)
 
 } // namespace
 
-separated_file::separated_file(const QString &folder, const QString &name, const separated_form &file_form,
+separated_file::separated_file(const byte_sink &sink, const QString &name, const separated_form &file_form,
                                const QStringList &columns, changed_cells &changed)
-    : file_name(name)
+    : take(sink)
+    , file_name(name)
     , form(file_form)
     , column_names(columns)
     , changes(changed)
-    , file(folder + u'/' + name)
 {
     if (form.has_mark)
-        file.add("\xEF\xBB\xBF");
+        take("\xEF\xBB\xBF");
     for (const QString &text : columns)
         add_text(text.toUtf8());
     end_line();
@@ -62,21 +62,16 @@ void separated_file::add_cell(const separated_cell &cell)
 void separated_file::end_line()
 {
     line.append("\r\n");
-    file.add(line);
+    take(line);
     line.resize(0);
     column = 0;
     ++line_number;
 }
 
-void separated_file::commit()
-{
-    file.commit();
-}
-
-separated_rows::separated_rows(const QString &folder, const QString &name, const separated_form &form,
+separated_rows::separated_rows(const byte_sink &sink, const QString &name, const separated_form &form,
                                const QStringList &result_columns, changed_cells &changes)
     : columns(result_columns)
-    , file(folder, name, form, with_host_columns(result_columns), changes)
+    , file(sink, name, form, with_host_columns(result_columns), changes)
 {
 }
 
@@ -104,9 +99,4 @@ void separated_rows::add(const report_row &row)
     for (std::size_t field = 0; field < host_field_names.size(); ++field)
         file.add_value(row.host.value_of(host_field(field)));
     file.end_line();
-}
-
-void separated_rows::commit()
-{
-    file.commit();
 }

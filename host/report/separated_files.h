@@ -4,13 +4,14 @@
 #ifndef HOST_REPORT_SEPARATED_FILES_H
 #define HOST_REPORT_SEPARATED_FILES_H
 
-#include "host/files/new_file.h"
 #include "host/report/report_row.h"
 #include "host/report/separated_cell.h"
 
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <functional>
 
 /** How files of separated values are written. */
 struct separated_form
@@ -45,27 +46,30 @@ struct changed_cells
     QList<changed_cell> named;
 };
 
+/** Takes the bytes of a file, piece by piece. */
+using byte_sink = std::function<void(QByteArrayView bytes)>;
+
 /** A file of separated values: RFC 4180, lines end with CRLF. */
 class separated_file
 {
 public:
-    separated_file(const QString &folder, const QString &name, const separated_form &form, const QStringList &columns,
+    /** @p name is for @p changes. */
+    separated_file(const byte_sink &sink, const QString &name, const separated_form &form, const QStringList &columns,
                    changed_cells &changes);
 
     void add_text(QByteArrayView utf8);
     void add_value(const sqlite_statement::cell &value);
     void add_number(const std::optional<qint64> &number);
     void end_line();
-    void commit();
 
 private:
     void add_cell(const separated_cell &cell);
 
+    byte_sink take;
     QString file_name;
     separated_form form;
     QStringList column_names;
     changed_cells &changes;
-    new_file file;
     QByteArray line;
     qsizetype column = 0;
     qint64 line_number = 1;
@@ -76,11 +80,10 @@ class separated_rows
 {
 public:
     /** @p result_columns are those of all sources, in order. */
-    separated_rows(const QString &folder, const QString &name, const separated_form &form,
+    separated_rows(const byte_sink &sink, const QString &name, const separated_form &form,
                    const QStringList &result_columns, changed_cells &changes);
 
     void add(const report_row &row);
-    void commit();
 
 private:
     QStringList columns; ///< of the result

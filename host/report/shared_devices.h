@@ -7,12 +7,17 @@
 #include "host/report/device_join.h"
 #include "host/report/separated_files.h"
 
-/** Writes shared.csv or its like: the devices that more than one source knows, a line for each appearance. */
-void write_shared_cells(const report_case &that_case, const device_join &join, const QList<joined_device> &devices,
-                        const QString &folder, const QString &name, const separated_form &form, changed_cells &changes);
+#include <functional>
 
-/** Writes shared.jsonl: a line for each device. */
-void write_shared_lines(const report_case &that_case, const device_join &join, const QList<joined_device> &devices,
-                        const QString &path);
+// Of a list of devices these write the ones that have a shared_number.
+
+const QStringList &shared_columns();
+
+/** The lines of shared.csv and its like: one for each appearance. */
+void add_shared_cells(separated_file &file, const report_case &that_case, const QList<joined_device> &devices);
+
+/** The lines of shared.jsonl, each with its line end: one for each device. */
+void tell_shared_lines(const report_case &that_case, const QList<joined_device> &devices,
+                       const std::function<void(QByteArrayView line)> &tell);
 
 #endif

@@ -36,13 +36,22 @@ vendor_list::vendor_list(const QString &file)
         const qsizetype place = line.indexOf(marker);
         const QByteArray prefix = line.first(qMax<qsizetype>(place, 0)).trimmed().toLower().replace('-', ':');
         if (prefix.size() == 8)
-            names.insert(prefix, line.sliced(place + marker.size()).trimmed());
+            add(prefix, line.sliced(place + marker.size()).trimmed());
     }
     if (names.isEmpty())
         throw host_error(exit_code::usage, u"--vendors: "_s + file + u" names no vendor in the form of oui.txt"_s);
     const QFileInfo info(file);
     description_text = info.fileName() + u", SHA-256 "_s + sha256::of(content) + u", of "_s
                        + info.lastModified().toUTC().date().toString(Qt::ISODate);
+}
+
+void vendor_list::add(const QByteArray &prefix, const QByteArray &name)
+{
+    QByteArray &known = names[prefix];
+    if (known.isEmpty())
+        known = name;
+    else if (known != name)
+        known += " or " + name; // a range that is divided among them
 }
 
 QByteArray vendor_list::vendor_of_first_public(std::initializer_list<QByteArrayView> texts) const

@@ -29,6 +29,8 @@ public:
     }
 
 private:
+    void add(const QByteArray &prefix, const QByteArray &name);
+
     QHash<QByteArray, QByteArray> names; ///< by the first three bytes: "b4:c2:6a"
     QString description_text;
 };

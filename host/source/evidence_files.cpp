@@ -300,10 +300,15 @@ file_state file_state::from_json(const QJsonObject &json)
     return state;
 }
 
+QLatin1StringView presence_name(evidence_file::presence state)
+{
+    return presence_names[int(state)];
+}
+
 QJsonObject evidence_file::to_json() const
 {
     return {{u"path"_s, path},
-            {u"state"_s, QString(presence_names[int(state)])},
+            {u"state"_s, QString(presence_name(state))},
             {u"reason"_s, text_or_null(reason)},
             {u"before"_s, state_or_null(before)},
             {u"after"_s, state_or_null(after)},

@@ -7,6 +7,7 @@
 #include "host/source/evidence_source.h"
 
 #include <QJsonObject>
+#include <QLatin1StringView>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -42,6 +43,9 @@ struct evidence_file
     QJsonObject to_json() const;
     static evidence_file from_json(const QJsonObject &json);
 };
+
+/** "present", "absent", "unreadable" or "refused". */
+QLatin1StringView presence_name(evidence_file::presence state);
 
 /** The files of a source and the names in its evidence folder, before and after the plug-in read them. */
 struct evidence_state

@@ -2,12 +2,15 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/host/pseudo_terminal.h"
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
 
 #include <QCryptographicHash>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -15,9 +18,21 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
+
+void extract_all(const host_program &host, const QStringList &inputs)
+{
+    QStringList arguments{u"extract"_s, u"-o"_s, u"case"_s, u"--jobs"_s, u"1"_s};
+    for (const QString &input : inputs)
+        arguments << u"-i"_s << input;
+    const host_result result = host.run(arguments);
+    if (result.exit_code != 0)
+        qFatal("%s", qPrintable(result.errors));
+}
 
 /** Two macOS sources that know a device in common, by way of a third row. */
 class two_sources
@@ -37,15 +52,31 @@ public:
 
     void extract(const host_program &host) const
     {
-        const host_result result = host.run(
-            {u"extract"_s, u"-i"_s, one.root(), u"-i"_s, two.root(), u"-o"_s, u"case"_s, u"--jobs"_s, u"1"_s});
-        if (result.exit_code != 0)
-            qFatal("%s", qPrintable(result.errors));
+        extract_all(host, {one.root(), two.root()});
     }
 
     macos_source one;
     macos_source two;
 };
+
+/** The rows of the page's table of devices, as objects by column. */
+QList<QJsonObject> cards_of(const QString &page)
+{
+    const QByteArray content = content_of(page);
+    const QByteArray start = "id=\"data\">";
+    const qsizetype begin = content.indexOf(start) + start.size();
+    const QJsonObject data = QJsonDocument::fromJson(content.sliced(begin, content.indexOf("</script>", begin) - begin))
+                                 .object();
+    const QJsonObject table = data.value("tables"_L1).toArray().first().toObject();
+    QList<QJsonObject> cards;
+    for (const QJsonValue &row : table.value("rows"_L1).toArray()) {
+        QJsonObject card;
+        for (qsizetype i = 0; i < row.toArray().size(); ++i)
+            card.insert(table.value("columns"_L1).toArray().at(i).toString(), row.toArray().at(i));
+        cards.append(card);
+    }
+    return cards;
+}
 
 QList<QJsonObject> json_lines_of(const QString &path)
 {
@@ -67,6 +98,18 @@ private Q_SLOTS:
     void init();
     void rows_for_programs();
     void shared_devices();
+    void chains_join();
+    void what_joins_nothing();
+    void card_for_each_device();
+    void names_of_the_preferences();
+    void leftovers_are_named();
+    void columns_of_several_kinds_of_sources();
+    void show_gives_the_files_data();
+    void show_gives_the_files();
+    void show_for_programs_refuses_data();
+    void show_for_programs_refuses();
+    void no_separated_values_on_a_terminal();
+    void no_absolute_paths();
     void cells_of_separated_values();
     void page_holds_evidence_as_text();
     void lines_of_an_ios_log();
@@ -77,6 +120,9 @@ private Q_SLOTS:
     void earlier_files_are_replaced_on_request_only();
     void vendors_by_a_list();
     void page_for_each_source();
+    void case_with_a_partial_source();
+    void result_that_is_gone();
+    void source_at_work();
     void no_case();
     void case_that_was_not_collected();
     void folder_in_the_evidence();
@@ -120,6 +166,7 @@ void test_report::rows_for_programs()
                                 {u"rssi"_s, QJsonValue()},
                                 {u"aid"_s, QJsonValue()},
                                 {u"line_text"_s, QJsonValue()},
+                                {u"preferences_name"_s, QJsonValue()},
                                 {u"vendor"_s, QJsonValue()},
                                 {u"differs"_s, QJsonValue()}}},
     };
@@ -151,6 +198,316 @@ void test_report::shared_devices()
     const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
     QVERIFY(page.contains("<section id=\"more-than-one-source\""));
     QVERIFY(page.contains("Devices that more than one source knows: 1."));
+}
+
+/** A with B by address, B with C by iCloud identifier; B's two rows by their UUID. */
+void test_report::chains_join()
+{
+    const host_program host;
+    const macos_source a;
+    const macos_source b;
+    const macos_source c;
+    // clang-format off
+    macos_source::add_device(a.make_other(), u"OtherDevices"_s,
+                             {u"U-A"_s, u"a"_s, 1, u"Random C0:00:00:00:00:01"_s, u"Public B4:C2:6A:7F:D3:7A"_s, 1, 1, 0, QVariant(), u""_s});
+    macos_source::add_device(b.make_other(), u"OtherDevices"_s,
+                             {u"U-B"_s, u"b by address"_s, 1, u"b4-c2-6a-7f-d3-7a"_s, QVariant(), 1, 1, 0, QVariant(), u""_s});
+    macos_source::add_device(b.make_paired(), u"PairedDevices"_s,
+                             {u"U-B"_s, u"b by identifier"_s, 1, u"Random C0:00:00:00:00:02"_s, QVariant(), 1, 1, 0, QVariant(), u"ABCD-12"_s});
+    macos_source::add_device(c.make_other(), u"OtherDevices"_s,
+                             {u"U-C"_s, u"c"_s, 1, u"Random C0:00:00:00:00:03"_s, QVariant(), 1, 1, 0, QVariant(), u"abcd-12"_s});
+    // clang-format on
+    extract_all(host, {a.root(), b.root(), c.root()});
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"csv"_s}).exit_code, 0);
+
+    const QList<QJsonObject> shared = json_lines_of(host.path(u"case/Report/shared.jsonl"_s));
+    QCOMPARE(shared.size(), 1);
+    QCOMPARE(shared.first().value("sources"_L1).toArray(), (QJsonArray{1, 2, 3}));
+    QCOMPARE(shared.first().value("joined_by"_L1).toArray(),
+             (QJsonArray{QJsonObject{{u"kind"_s, u"public_address"_s}, {u"value"_s, u"b4:c2:6a:7f:d3:7a"_s}},
+                         QJsonObject{{u"kind"_s, u"icloud_identifier"_s}, {u"value"_s, u"ABCD-12"_s}}}));
+    QStringList names;
+    for (const QJsonValue &appearance : shared.first().value("appearances"_L1).toArray())
+        names.append(appearance.toObject().value("device_name"_L1).toString());
+    QCOMPARE(names, (QStringList{u"a"_s, u"b by address"_s, u"c"_s, u"b by identifier"_s}));
+    QCOMPARE(content_of(host.path(u"case/Report/shared.csv"_s))
+                 .count("\r\n1,public_address b4:c2:6a:7f:d3:7a; "
+                        "icloud_identifier ABCD-12,"),
+             4);
+}
+
+void test_report::what_joins_nothing()
+{
+    const host_program host;
+    const macos_source a;
+    const macos_source b;
+    // clang-format off
+    const QList<QVariantList> devices = {
+        {u"U-1"_s, u"random"_s,     1, u"Random C0:00:00:00:00:01"_s, QVariant(), 1, 1, 0, QVariant(), u""_s},
+        {u"U-2"_s, u"zeros"_s,      1, u"Public 00:00:00:00:00:00"_s, QVariant(), 1, 1, 0, QVariant(), u"00000000-0000"_s},
+        {u"U-3"_s, u"no address"_s, 1, u""_s,                         QVariant(), 1, 1, 0, QVariant(), QVariant()},
+        {u"U-4"_s, u"odd"_s,        1, u"Public 12"_s,                QVariant(), 1, 1, 0, QVariant(), QVariant()},
+    };
+    // clang-format on
+    for (const macos_source *source : {&a, &b}) {
+        const sqlite_file database = source->make_other();
+        for (const QVariantList &device : devices)
+            macos_source::add_device(database, u"OtherDevices"_s, device);
+    }
+    macos_source::add_device(sqlite_file(b.other_db()), u"OtherDevices"_s,
+                             {u"U-5"_s, u"alone"_s, 1, u"Public B4:C2:6A:7F:D3:7A"_s});
+    extract_all(host, {a.root(), b.root()});
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"html"_s}).exit_code, 0);
+    QCOMPARE(content_of(host.path(u"case/Report/shared.jsonl"_s)), QByteArray());
+
+    QStringList reasons;
+    for (const QJsonObject &card : cards_of(host.path(u"case/Report/report.html"_s)))
+        reasons.append(card.value("device_name"_L1).toString() + u": "_s
+                       + card.value("not_joined_because"_L1).toString());
+    const QStringList of_each{
+        u"random: its address is random, and it has no iCloud identifier"_s,
+        u"zeros: its address is all zeros, and its iCloud identifier is all zeros"_s,
+        u"no address: it has no address, and it has no iCloud identifier"_s,
+        u"odd: its address is not of a form that is known, and it has no iCloud identifier"_s,
+    };
+    const QString last = u"alone: no other source has its public address or its iCloud identifier"_s;
+    QCOMPARE(reasons, of_each + of_each + QStringList{last});
+}
+
+void test_report::card_for_each_device()
+{
+    const host_program host;
+    const two_sources sources;
+    macos_source::add_device(sqlite_file(sources.one.other_db()), u"OtherDevices"_s,
+                             {u"U-3"_s, QVariant(), 1, u"Random 40:00:00:00:00:01"_s});
+    sources.extract(host);
+    QCOMPARE(host.run({u"report"_s, u"case"_s}).exit_code, 0);
+    const QString file = u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices."_s;
+    const QString places = u"source 1 devices, "_s + file + u"other.db OtherDevices rowid 1 | source 2 devices, "_s
+                           + file + u"other.db OtherDevices rowid 1 | source 2 paired_devices, "_s + file
+                           + u"paired.db PairedDevices rowid 1"_s;
+    const QString place = u"source 1 devices, "_s + file + u"other.db OtherDevices rowid 2"_s;
+    const QJsonArray cards{
+        QJsonObject{{u"device_name"_s, u"=cmd|'/c'!A1 | <script>alert(1)</script>\\u{1b}]0;x | a,\"b\"\\u{d}\\u{a}c"_s},
+                    {u"address"_s, u"Random C0:00:00:00:00:01 | Public b4:c2:6a:7f:d3:7a | Public B4:C2:6A:7F:D3:7A"_s},
+                    {u"host_resolved_address"_s, u"Public B4:C2:6A:7F:D3:7A"_s},
+                    {u"icloud_identifier"_s, u"ic-1"_s},
+                    {u"uuid"_s, u"U-1 | U-2"_s},
+                    {u"sources"_s, u"1, 2"_s},
+                    {u"rows"_s, 3},
+                    {u"shared_device"_s, 1},
+                    {u"joined_across_sources_by"_s, u"public address b4:c2:6a:7f:d3:7a"_s},
+                    {u"not_joined_because"_s, QJsonValue()},
+                    {u"appears_as"_s, places}},
+        QJsonObject{{u"device_name"_s, QJsonValue()},
+                    {u"address"_s, u"Random 40:00:00:00:00:01"_s},
+                    {u"host_resolved_address"_s, QJsonValue()},
+                    {u"icloud_identifier"_s, QJsonValue()},
+                    {u"uuid"_s, u"U-3"_s},
+                    {u"sources"_s, u"1"_s},
+                    {u"rows"_s, 1},
+                    {u"shared_device"_s, QJsonValue()},
+                    {u"joined_across_sources_by"_s, QJsonValue()},
+                    {u"not_joined_because"_s, u"its address is random, and it has no iCloud identifier"_s},
+                    {u"appears_as"_s, place}}};
+    QJsonArray found;
+    for (const QJsonObject &card : cards_of(host.path(u"case/Report/report.html"_s)))
+        found.append(card);
+    QCOMPARE(QJsonDocument(found).toJson(), QJsonDocument(cards).toJson());
+
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"--split"_s, u"-o"_s, u"split"_s}).exit_code, 0);
+    const QList<QJsonObject> of_second = cards_of(host.path(u"split/report-source2.html"_s));
+    QCOMPARE(of_second.size(), 1);
+    QCOMPARE(of_second.first().value("rows"_L1).toInt(), 2);
+    QCOMPARE(of_second.first().value("shared_device"_L1).toInt(), 1);
+}
+
+void test_report::names_of_the_preferences()
+{
+    const host_program host;
+    const two_sources sources;
+    write_file(sources.one.root() + u"Library/Preferences/com.apple.Bluetooth.plist"_s,
+               "<plist version='1.0'><dict><key>DeviceCache</key><dict><key>b4-c2-6a-7f-d3-7a</key><dict>"
+               "<key>Name</key><string>Anna&#8217;s car</string></dict></dict></dict></plist>");
+    sources.extract(host);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"html"_s}).exit_code, 0);
+    // By the resolved address. The other source has the same device, and no preferences.
+    QStringList names;
+    for (const QJsonObject &row : json_lines_of(host.path(u"case/Report/devices.jsonl"_s)))
+        names.append(row.value("host"_L1).toObject().value("preferences_name"_L1).toString());
+    QCOMPARE(names, (QStringList{u"Anna’s car"_s, QString()}));
+    QCOMPARE(cards_of(host.path(u"case/Report/report.html"_s)).first().value("host_preferences_name"_L1).toString(),
+             u"Anna’s car"_s);
+
+    write_file(host.path(u"case/Source1/Evidence/Library/Preferences/com.apple.Bluetooth.plist"_s), "bplist00 no more");
+    const host_result damaged = host.run({u"report"_s, u"case"_s, u"--force"_s});
+    QCOMPARE(damaged.exit_code, 4);
+    QCOMPARE(damaged.errors,
+             u"warning: source 1: Library/Preferences/com.apple.Bluetooth.plist: it is no property list "
+             "with a dictionary at its top\n"_s);
+}
+
+void test_report::leftovers_are_named()
+{
+    const host_program host;
+    const two_sources sources;
+    const QString name =
+        u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db.12:00:00_01-31-2026.corrupt"_s;
+    write_file(sources.one.root() + name, "half a database");
+    sources.extract(host);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"csv"_s, u"-f"_s, u"html"_s}).exit_code,
+             0);
+    const QString hash = QString::fromLatin1(
+        QCryptographicHash::hash("half a database", QCryptographicHash::Sha256).toHex());
+    const QList<QJsonObject> files = json_lines_of(host.path(u"case/Report/evidence_files.jsonl"_s));
+    const auto leftover = std::find_if(files.cbegin(), files.cend(), [&name](const QJsonObject &file) {
+        return file.value("path"_L1).toString() == name;
+    });
+    QVERIFY(leftover != files.cend());
+    QCOMPARE(*leftover, (QJsonObject{{u"source"_s, 1},
+                                     {u"source_name"_s, u"Source1"_s},
+                                     {u"path"_s, name},
+                                     {u"state"_s, u"present"_s},
+                                     {u"reason"_s, QJsonValue()},
+                                     {u"size"_s, 15},
+                                     {u"sha256_before"_s, hash},
+                                     {u"sha256_after"_s, hash},
+                                     {u"sha256_copy"_s, hash}}));
+    const QByteArray line = "\r\n1,Source1," + name.toUtf8() + ",present,,15," + hash.toLatin1() + ',';
+    QVERIFY(content_of(host.path(u"case/Report/evidence_files.csv"_s)).contains(line));
+    const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
+    const QByteArray row = "<bdi>" + name.toUtf8()
+                           + "</bdi></td><td>present</td><td>a leftover of a damaged database; its content is not "
+                             "parsed</td><td>15</td><td><span class=\"hash\">"
+                           + hash.toLatin1();
+    QVERIFY(page.contains(row));
+}
+
+/** Columns that only some sources have stand behind the others, and are empty where a source has none. */
+void test_report::columns_of_several_kinds_of_sources()
+{
+    const host_program host;
+    const two_sources sources;
+    write_file(host.path(u"system.log"_s),
+               "May 17 12:11:06 p s[1] <Notice>: BLE device found: SFDevice ID 1A, RSSI -60, Nm 'Car', Md 'a1'\n");
+    extract_all(host, {sources.one.root(), u"system.log"_s});
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"csv"_s}).exit_code, 0);
+    const QList<QByteArray> lines = content_of(host.path(u"case/Report/devices.csv"_s)).split('\n');
+    const QByteArray header = lines.value(0).trimmed();
+    QCOMPARE(header, "source,source_name,bookmark,INT,system_account,uuid,device_name,address,last_seen_time,"
+                     "last_connection_time,apple_tags,icloud_identifier,kaldo_tag_value,notes_icon,tags_icon,"
+                     "os_scheme_display,source_count_name,source_file,artifacts_relation_source_file,notes,model,"
+                     "sf_device_id,date,host_file,host_table,host_rowid,host_line,host_offset,host_resolved_address,"
+                     "host_last_seen_time,host_last_connection_time,host_name_origin,host_gatt_service_change_config,"
+                     "host_custom_properties,host_tags,host_icloud_identifier,host_address_kind,host_name,host_rssi,"
+                     "host_aid,host_line_text,host_preferences_name,host_vendor,host_differs");
+    const auto cell = [&](qsizetype line, const QByteArray &column) {
+        return lines.value(line).trimmed().split(',').value(header.split(',').indexOf(column));
+    };
+    QCOMPARE(cell(1, "uuid"), "U-1");
+    QCOMPARE(cell(1, "sf_device_id"), "");
+    QCOMPARE(cell(2, "uuid"), "");
+    QCOMPARE(cell(2, "sf_device_id"), "1A");
+    QCOMPARE(cell(2, "host_line"), "1");
+}
+
+void test_report::show_gives_the_files_data()
+{
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<QString>("format");
+
+    for (const QString &table : {u"devices"_s, u"paired_devices"_s}) {
+        for (const QString &format : {u"csv"_s, u"tsv"_s, u"jsonl"_s})
+            QTest::newRow(qPrintable(table + u'.' + format)) << table << format;
+    }
+}
+
+void test_report::show_gives_the_files()
+{
+    QFETCH(QString, table);
+    QFETCH(QString, format);
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, format}).exit_code, 0);
+    const QByteArray file = content_of(host.path(u"case/Report/"_s + table + u'.' + format));
+    const host_result shown = host.run({u"show"_s, u"case"_s, u"--table"_s, table, u"-f"_s, format});
+    QCOMPARE(shown.exit_code, 0);
+    QCOMPARE(shown.errors, QString());
+    QCOMPARE(shown.output, QString::fromUtf8(file));
+    const host_result second = host.run(
+        {u"show"_s, u"case"_s, u"--source"_s, u"2"_s, u"--table"_s, table, u"-f"_s, format});
+    QVERIFY(second.output.contains(u"U-2"_s) && !second.output.contains(u"U-1"_s));
+}
+
+void test_report::show_for_programs_refuses_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("error");
+
+    // clang-format off
+    QTest::newRow("no table")    << QStringList{u"case"_s, u"-f"_s, u"csv"_s} << 2 << u"error: --format: it goes with --table, which says the rows of which table a program gets\n"_s;
+    QTest::newRow("first rows")  << QStringList{u"case"_s, u"--table"_s, u"devices"_s, u"-f"_s, u"csv"_s, u"--rows"_s, u"1"_s} << 2 << u"error: --format: a program gets all rows: --rows and --layout are for readers\n"_s;
+    QTest::newRow("html")        << QStringList{u"case"_s, u"--table"_s, u"devices"_s, u"-f"_s, u"html"_s} << 2 << u"error: --format: html is none of csv, tsv, jsonl\n"_s;
+    QTest::newRow("no source")   << QStringList{u"case"_s, u"--table"_s, u"devices"_s, u"-f"_s, u"csv"_s, u"--source"_s, u"9"_s} << 2 << u"error: the case has no source 9\n"_s;
+    QTest::newRow("no case")     << QStringList{u"nowhere"_s, u"--table"_s, u"devices"_s, u"-f"_s, u"csv"_s} << 3 << QString();
+    // clang-format on
+}
+
+void test_report::show_for_programs_refuses()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, code);
+    QFETCH(QString, error);
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    const host_result result = host.run(QStringList{u"show"_s} + arguments);
+    QCOMPARE(result.exit_code, code);
+    QCOMPARE(result.output, QString());
+    if (error.isEmpty())
+        QVERIFY(result.errors.startsWith(u"error: there is no case in "_s));
+    else
+        QCOMPARE(result.errors, error);
+}
+
+/** What a device calls itself could act on the terminal there; JSON Lines escape it. */
+void test_report::no_separated_values_on_a_terminal()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    pseudo_terminal terminal(80);
+    const QStringList arguments{u"show"_s, u"case"_s, u"--table"_s, u"devices"_s, u"-f"_s};
+    QCOMPARE(terminal.run(host, arguments + QStringList{u"csv"_s}, 1).exit_code, 2);
+    QCOMPARE(terminal.text(), QByteArray());
+    pseudo_terminal other(80);
+    QCOMPARE(other.run(host, arguments + QStringList{u"jsonl"_s, u"--source"_s, u"2"_s}, 1).exit_code, 0);
+    const QByteArray text = other.text();
+    QVERIFY(text.startsWith("{\"source\":2,"));
+    QVERIFY(!text.contains('\x1b'));
+}
+
+/** Neither of the case nor of the evidence, but in the plug-in's own columns. */
+void test_report::no_absolute_paths()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"html"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"csv"_s}).exit_code,
+             0);
+    const QString folder = host.path(u"case/Report/"_s);
+    const QDir report(folder);
+    for (const QString &name : report.entryList(QDir::Files)) {
+        QByteArray content = content_of(folder + name);
+        for (const macos_source *source : {&sources.one, &sources.two}) {
+            for (const QString &database : {source->other_db(), source->paired_db()})
+                content.replace(database.toUtf8(), ""); // plugin: source_file
+            QVERIFY2(!content.contains(source->root().chopped(1).toUtf8()), qPrintable(name));
+        }
+        QVERIFY2(!content.contains(host.path(u"case"_s).toUtf8()), qPrintable(name));
+    }
 }
 
 void test_report::cells_of_separated_values()
@@ -216,7 +573,7 @@ void test_report::lines_of_an_ios_log()
              (QJsonObject{{u"file"_s, u"system.log"_s}, {u"line"_s, 2}, {u"offset"_s, 29}}));
     const QJsonObject fields = devices.first().value("host"_L1).toObject();
     QCOMPARE(fields.value("name"_L1).toString(), u"Car, 🎧"_s);
-    QCOMPARE(fields.value("rssi"_L1).toString(), u"-60"_s);
+    QCOMPARE(fields.value("rssi"_L1), QJsonValue(-60));
     QCOMPARE(fields.value("aid"_L1).toString(), u"7F"_s);
     QCOMPARE(fields.value("differs"_L1).toString(), u"device_name"_s);
     QCOMPARE(devices.first().value("plugin"_L1).toObject().value("device_name"_L1).toString(), u"Car"_s);
@@ -261,10 +618,11 @@ void test_report::json_lines_follow_their_schema()
                            "for name in sys.argv[2:]:\n"
                            "    for line in open(name, encoding='utf-8'):\n"
                            "        check.validate(json.loads(line)); count += 1\n"
-                           "sys.exit(0 if count == 1101 else 1)\n"_s;
+                           "sys.exit(0 if count == 1111 else 1)\n"_s;
     QCOMPARE(QProcess::execute(python, {u"-c"_s, script, REPORT_SCHEMA_FILE, host.path(u"case/Report/devices.jsonl"_s),
                                         host.path(u"case/Report/paired_devices.jsonl"_s),
                                         host.path(u"case/Report/shared.jsonl"_s),
+                                        host.path(u"case/Report/evidence_files.jsonl"_s),
                                         host.path(u"case/Report/wal_changes.jsonl"_s)}),
              0);
 }
@@ -304,6 +662,7 @@ void test_report::same_case_same_bytes()
     const QStringList names = QDir(host.path(u"one"_s)).entryList(QDir::Files, QDir::Name);
     QCOMPARE(names,
              (QStringList{u"README.txt"_s, u"devices.csv"_s, u"devices.jsonl"_s, u"devices.tsv"_s,
+                          u"evidence_files.csv"_s, u"evidence_files.jsonl"_s, u"evidence_files.tsv"_s,
                           u"paired_devices.csv"_s, u"paired_devices.jsonl"_s, u"paired_devices.tsv"_s, u"report.html"_s,
                           u"shared.csv"_s, u"shared.jsonl"_s, u"shared.tsv"_s, u"wal_changes.jsonl"_s}));
     for (const QString &name : names)
@@ -333,13 +692,20 @@ void test_report::vendors_by_a_list()
     const host_program host;
     const two_sources sources;
     sources.extract(host);
-    write_file(host.path(u"oui.txt"_s), "OUI\nB4-C2-6A   (hex)\t\tSome & Sons\nB4C26A     (base 16)\t\tSome & Sons\n");
+    write_file(host.path(u"oui.txt"_s), "OUI\nB4-C2-6A   (hex)\t\tSome & Sons\nB4C26A     (base 16)\t\tSome & Sons\n"
+                                        "B4-C2-6A   (hex)\t\tOthers\n");
     QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"html"_s, u"--vendors"_s, u"oui.txt"_s})
                  .exit_code,
              0);
     for (const QJsonObject &row : json_lines_of(host.path(u"case/Report/devices.jsonl"_s)))
-        QCOMPARE(row.value("host"_L1).toObject().value("vendor"_L1).toString(), u"Some & Sons"_s);
-    QVERIFY(content_of(host.path(u"case/Report/report.html"_s)).contains("<dt>Vendors by</dt><dd>oui.txt, SHA-256 "));
+        QCOMPARE(row.value("host"_L1).toObject().value("vendor"_L1).toString(), u"Some & Sons or Others"_s);
+    const QByteArray list =
+        "oui.txt, SHA-256 "
+        + QCryptographicHash::hash(content_of(host.path(u"oui.txt"_s)), QCryptographicHash::Sha256).toHex() + ", of "
+        + QFileInfo(host.path(u"oui.txt"_s)).lastModified().toUTC().date().toString(Qt::ISODate).toLatin1();
+    QVERIFY(content_of(host.path(u"case/Report/report.html"_s))
+                .contains(QByteArray("<dt>Vendors by</dt><dd>" + list + "</dd>")));
+    QVERIFY(content_of(host.path(u"case/Report/README.txt"_s)).contains(QByteArray("by the list " + list + '\n')));
 
     write_file(host.path(u"empty.txt"_s), "nobody\n");
     QCOMPARE(host.run({u"report"_s, u"case"_s, u"-o"_s, u"other"_s, u"--vendors"_s, u"empty.txt"_s}).exit_code, 2);
@@ -362,6 +728,55 @@ void test_report::page_for_each_source()
     QVERIFY(first.contains("<section id=\"devices\""));
     QVERIFY(first.contains("U-1") && !first.contains("U-2"));
     QVERIFY(content_of(host.path(u"case/Report/report-source2.html"_s)).contains("U-2"));
+}
+
+void test_report::case_with_a_partial_source()
+{
+    const host_program host;
+    const two_sources sources;
+    write_file(sources.one.paired_db(), "no database");
+    QCOMPARE(host.run({u"extract"_s, u"-i"_s, sources.one.root(), u"-i"_s, sources.two.root(), u"-o"_s, u"case"_s})
+                 .exit_code,
+             4);
+    const host_result result = host.run({u"report"_s, u"case"_s, u"-f"_s, u"html"_s, u"-f"_s, u"csv"_s});
+    QCOMPARE(result.exit_code, 4);
+    QCOMPARE(result.errors,
+             u"warning: source 1: partial\n"
+             "warning: source 1: Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db: file is not a "
+             "database\n"_s);
+    const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
+    const qsizetype told = page.indexOf(
+        "<strong>This case is not complete.</strong></p><ul><li>source 1: partial</li>");
+    QVERIFY(told > 0 && told < page.indexOf("<nav"));
+    QVERIFY(page.contains("paired.db was not read: it is no SQLite database"));
+    QVERIFY(
+        content_of(host.path(u"case/Report/README.txt"_s)).contains("This case is not complete: source 1: partial\n"));
+}
+
+void test_report::result_that_is_gone()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    QVERIFY(QFile::remove(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)));
+    const host_result result = host.run({u"report"_s, u"case"_s});
+    QCOMPARE(result.exit_code, 4);
+    QCOMPARE(result.errors, u"warning: source 1: its result database is missing: "
+                            "Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite\n"_s);
+}
+
+/** A reader could keep the plug-in from writing: the rows are left out, and the report says so. */
+void test_report::source_at_work()
+{
+    const host_program host;
+    const two_sources sources;
+    host_result meanwhile;
+    host.run_meanwhile({u"extract"_s, u"-i"_s, sources.one.root(), u"-o"_s, u"case"_s}, u"extraction"_s, [&] {
+        meanwhile = host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-o"_s, u"early"_s});
+    });
+    QCOMPARE(meanwhile.exit_code, 4);
+    QVERIFY(meanwhile.errors.contains(u"source 1: a run works on it, and its rows are left out"_s));
+    QCOMPARE(content_of(host.path(u"early/devices.jsonl"_s)), QByteArray());
 }
 
 void test_report::no_case()

@@ -4,6 +4,7 @@
 #include "host/report/device_address.h"
 #include "host/report/html_text.h"
 #include "host/report/log_line.h"
+#include "host/report/preferences_names.h"
 #include "host/report/rank.h"
 #include "host/report/separated_cell.h"
 
@@ -20,6 +21,18 @@ sqlite_statement::cell text_cell(QByteArrayView bytes)
     cell.kind = sqlite_statement::type::text;
     cell.bytes = bytes;
     return cell;
+}
+
+/**
+ * {"DeviceCache": {"b4-c2-6a-7f-d3-7a": {"Name": "Käfer 🎧", "Class": 5}, "aa-bb-cc-dd-ee-ff": {"Name": "Car"},
+ * "00-00-00-00-00-00": {"Name": "nobody"}}, "Other": [1]}, written by Python's plistlib.
+ */
+QByteArray binary_list()
+{
+    return QByteArray::fromBase64(
+        "YnBsaXN0MDDSAQIDEFtEZXZpY2VDYWNoZVVPdGhlctMEBQYHCgxfEBEwMC0wMC0wMC0wMC0wMC0wMF8QEWFhLWJiLWNjLWRkLWVl"
+        "LWZmXxARYjQtYzItNmEtN2YtZDMtN2HRCAlUTmFtZVZub2JvZHnRCAtTQ2Fy0g0IDg9VQ2xhc3MQBWgASwDkAGYAZQByACDYPN+n"
+        "oREQAQgNGR8mOk5iZWpxdHh9g4WWmAAAAAAAAAEBAAAAAAAAABIAAAAAAAAAAAAAAAAAAACa");
 }
 
 QString shown(const std::optional<QByteArray> &text)
@@ -45,6 +58,9 @@ private Q_SLOTS:
     void quoting_data();
     void quoting();
     void ranks();
+    void preferences_data();
+    void preferences();
+    void preferences_that_unfold();
     void markup_data();
     void markup();
 };
@@ -187,6 +203,81 @@ void test_report_values::ranks()
     QCOMPARE(plausible_time(395626), QString());
     QCOMPARE(plausible_time(1700000000), u"plausible as Unix time"_s);
     QCOMPARE(plausible_time(700000000), u"plausible as Apple time"_s);
+}
+
+void test_report_values::preferences_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    QTest::addColumn<QString>("names"); // of the two addresses, or the problem
+
+    const QByteArray start = "<?xml version='1.0'?><!DOCTYPE plist><plist version='1.0'><dict><key>x</key><array/>";
+    const QByteArray device = "<key>DeviceCache</key><dict><key>B4:C2:6A:7F:D3:7A</key>";
+    const QByteArray end = "</dict></dict></plist>";
+    const QString no_list = u"it is no property list with a dictionary at its top"_s;
+
+    // clang-format off
+    QTest::newRow("XML")              << QByteArray(start + device + "<dict><key>Class</key><integer>5</integer><key>Name</key><string>a &amp; b</string></dict>" + end)
+                                      << u"a & b, none"_s;
+    QTest::newRow("two names")        << QByteArray(start + device + "<dict><key>Name</key><string>one</string></dict><key>b4c26a7fd37a</key><dict><key>Name</key><string>two</string></dict>" + end)
+                                      << u"one, none"_s;
+    QTest::newRow("name is a number") << QByteArray(start + device + "<dict><key>Name</key><integer>5</integer></dict>" + end) << u"none, none"_s;
+    QTest::newRow("device is a text") << QByteArray(start + device + "<string>Name</string>" + end) << u"none, none"_s;
+    QTest::newRow("no cache")         << QByteArray(start + "</dict></plist>")                      << u"none, none"_s;
+    QTest::newRow("cut off")          << QByteArray(start + device + "<dict>")                      << no_list;
+    QTest::newRow("array at the top") << QByteArray("<plist><array/></plist>")                      << no_list;
+    QTest::newRow("nothing")          << QByteArray()                                               << no_list;
+    QTest::newRow("binary")           << binary_list()                                              << u"Käfer 🎧, Car"_s;
+    QTest::newRow("binary, cut off")  << binary_list().chopped(1)                                   << no_list;
+    QTest::newRow("trailer alone")    << QByteArray("bplist00" + QByteArray(32, '\xff'))            << no_list;
+    // clang-format on
+}
+
+void test_report_values::preferences()
+{
+    QFETCH(QByteArray, list);
+    QFETCH(QString, names);
+    const preferences_names read(list);
+    const auto name = [&read](QByteArrayView address) {
+        const QByteArray text = read.name_of({"Random B4:C2:6A:7F:D3:7A", "", address});
+        return text.isNull() ? u"none"_s : QString::fromUtf8(text);
+    };
+    const QString found = name("Public B4:C2:6A:7F:D3:7A") + u", "_s + name("aa-bb-cc-dd-ee-ff");
+    QCOMPARE(read.problem().isEmpty() ? found : read.problem(), names);
+}
+
+/** Every pair of a large dictionary refers to that dictionary: a small file, and a thousand million lookups. */
+void test_report_values::preferences_that_unfold()
+{
+    constexpr int pairs = 60000;
+    QByteArray list = "bplist00";
+    QByteArray offsets;
+    const auto begin_object = [&] {
+        for (const int shift : {16, 8, 0})
+            offsets.append(char(list.size() >> shift));
+    };
+    begin_object(); // 0: the top, {DeviceCache: 2}
+    list.append("\xd1\x00\x01\x00\x02", 5);
+    begin_object(); // 1
+    list.append("\x5b"
+                "DeviceCache");
+    begin_object(); // 2: {address: 2, address: 2, …}
+    list.append("\xdf\x12", 2);
+    for (const int shift : {24, 16, 8, 0})
+        list.append(char(pairs >> shift));
+    list.append(QByteArray("\x00\x03", 2).repeated(pairs)).append(QByteArray("\x00\x02", 2).repeated(pairs));
+    begin_object(); // 3
+    list.append("\x5f\x10\x11"
+                "b4-c2-6a-7f-d3-7a");
+    const int table = int(list.size());
+    list.append(offsets).append(QByteArray(6, '\0')).append("\x03\x02");
+    for (const int number : {4, 0, table}) {
+        list.append(4, '\0');
+        for (const int shift : {24, 16, 8, 0})
+            list.append(char(number >> shift));
+    }
+    const preferences_names read(list);
+    QCOMPARE(read.problem(), u"it is made to overwhelm its reader"_s);
+    QVERIFY(read.name_of({"b4-c2-6a-7f-d3-7a"}).isNull());
 }
 
 void test_report_values::markup_data()
