@@ -11,6 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr qsizetype most_columns_on_paper = 8; // more are printed row by row, each value with its column's name
+constexpr QByteArrayView cell_start("<td");
 constexpr const char *null_cell = "<td><span class=\"null\">\u2205</span></td>";
 
 sqlite_statement::cell number_cell(const std::optional<qint64> &number)
@@ -122,12 +124,11 @@ QByteArray html_table::section() const
     if (rows.size() > html_rows.size())
         html += "<p class=\"without-script\">Without script these are the first " + QByteArray::number(html_rows.size())
                 + " of " + QByteArray::number(rows.size()) + " rows.</p>\n";
-    html += "<div class=\"window\" tabindex=\"0\" role=\"region\" aria-labelledby=\"" + name
-            + "-heading\"><table "
-              "aria-rowcount=\""
+    const QList<qsizetype> places = filled_columns();
+    html += "<div class=\"window\" tabindex=\"0\" role=\"region\" aria-label=\"" + html_text(heading_text)
+            + ": rows\"><table" + (places.size() > most_columns_on_paper ? " class=\"wide\"" : "") + " aria-rowcount=\""
             + QByteArray::number(rows.size() + 1) + "\"><caption>" + html_text(heading_text)
             + "</caption>\n<thead><tr aria-rowindex=\"1\"><th scope=\"col\">Row</th>";
-    const QList<qsizetype> places = filled_columns();
     for (const qsizetype place : places)
         html += "<th scope=\"col\" aria-sort=\"none\"><button type=\"button\">" + html_text(columns.at(place))
                 + "</button></th>";
@@ -135,8 +136,12 @@ QByteArray html_table::section() const
     for (qsizetype row = 0; row < html_rows.size(); ++row) {
         html += "<tr aria-rowindex=\"" + QByteArray::number(row + 2) + "\"><td class=\"number\">"
                 + QByteArray::number(row + 1) + "</td>";
-        for (const qsizetype place : places)
-            html += place < html_rows.at(row).size() ? html_rows.at(row).at(place) : QByteArray(null_cell);
+        for (const qsizetype place : places) {
+            const QByteArray cell = place < html_rows.at(row).size() ? html_rows.at(row).at(place)
+                                                                     : QByteArray(null_cell);
+            html += cell_start + (" data-column=\"" + html_text(columns.at(place)) + '"')
+                    + cell.sliced(cell_start.size());
+        }
         html += "</tr>\n";
     }
     return html + "</tbody></table></div></section>\n";

@@ -54,14 +54,17 @@ class RowTable {
         this.view.addEventListener("scroll", () => this.show());
         section.querySelectorAll("th button").forEach((button, column) =>
             button.addEventListener("click", () => this.sort(column)));
+        this.body.replaceChildren(this.rowElement(0, 0));
         this.measure();
         this.update();
     }
 
+    /** Rows are alike in height, which is another one where a reader has enlarged the text. */
     measure() {
-        this.body.replaceChildren(...this.rows.slice(0, 1).map((row, index) => this.rowElement(index)));
-        const row = this.body.firstElementChild;
-        this.rowHeight = row ? row.getBoundingClientRect().height : 32;
+        const row = this.body.querySelector("tr:not(.space)");
+        if (row)
+            this.rowHeight = row.getBoundingClientRect().height;
+        this.first = -1;
     }
 
     matches(index) {
@@ -92,23 +95,24 @@ class RowTable {
         this.status.textContent = this.words
             ? `${numbers.format(this.shown.length)} of ${numbers.format(this.rows.length)} rows`
             : `${numbers.format(this.rows.length)} rows`;
+        this.view.scrollTop = 0;
         this.first = -1;
         this.show();
     }
 
+    /** Puts the rows into the document that are in view, with some on both sides. */
     show() {
         const seen = Math.ceil(this.view.clientHeight / this.rowHeight);
         const first = Math.max(0, Math.floor(this.view.scrollTop / this.rowHeight) - rowsBeyondView);
         if (first === this.first)
             return;
-        const focused = document.activeElement && document.activeElement.dataset.row;
+        const focused = this.body.contains(document.activeElement) ? document.activeElement.dataset.row : undefined;
         this.first = first;
         const last = Math.min(this.shown.length, first + seen + 2 * rowsBeyondView);
         this.fill(first, last);
         if (focused !== undefined) {
             const again = this.body.querySelector(`button[data-row="${focused}"]`);
-            if (again)
-                again.focus({preventScroll: true});
+            (again ?? this.view).focus({preventScroll: true});
         }
     }
 
@@ -134,7 +138,7 @@ class RowTable {
 
     rowElement(index, place) {
         const row = element("tr");
-        row.setAttribute("aria-rowindex", (place ?? 0) + 2);
+        row.setAttribute("aria-rowindex", place + 2);
         const button = element("button", String(index + 1));
         button.type = "button";
         button.dataset.row = index;
@@ -143,11 +147,12 @@ class RowTable {
         const opener = element("td");
         opener.append(button);
         row.append(opener);
-        for (const value of this.rows[index]) {
+        this.rows[index].forEach((value, column) => {
             const cell = element("td", undefined, typeof value === "number" ? "number" : undefined);
+            cell.dataset.column = this.columns[column]; // for print
             cell.append(evidenceText(value));
             row.append(cell);
-        }
+        });
         return row;
     }
 
@@ -168,18 +173,17 @@ class RowTable {
 
     beforePrint() {
         const count = Math.min(this.shown.length, mostPrintedRows);
-        this.fillForPrint(count);
         const left = this.shown.length - count;
-        this.printNote.textContent = left > 0
-            ? `${numbers.format(left)} more rows are not printed: filter the table, or use the CSV files.`
-            : this.words ? `Filtered: ${this.status.textContent}.` : "";
-    }
-
-    fillForPrint(count) {
-        const parts = [];
-        for (let place = 0; place < count; ++place)
-            parts.push(this.rowElement(this.shown[place], place));
-        this.body.replaceChildren(...parts);
+        const notes = [];
+        if (this.words)
+            notes.push(`Filtered by “${this.input.value}”: ${this.status.textContent}.`);
+        if (left > 0)
+            notes.push(`The first ${numbers.format(count)} of ${numbers.format(this.shown.length)} rows are printed, ` +
+                       `${numbers.format(left)} are left out: filter the table, or use the CSV files.`);
+        this.printNote.textContent = notes.join(" ");
+        this.fill(0, count);
+        if (left > 0)
+            this.body.lastElementChild.remove(); // the space for what is left out
     }
 
     afterPrint() {
@@ -210,4 +214,7 @@ document.querySelectorAll(".with-script").forEach(part => { part.hidden = false;
 document.querySelectorAll(".without-script").forEach(part => { part.hidden = true; });
 window.addEventListener("beforeprint", () => tables.forEach(table => table.beforePrint()));
 window.addEventListener("afterprint", () => tables.forEach(table => table.afterPrint()));
-window.addEventListener("resize", () => tables.forEach(table => { table.first = -1; table.show(); }));
+window.addEventListener("resize", () => tables.forEach(table => {
+    table.measure();
+    table.show();
+}));
