@@ -7,7 +7,9 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/setup.sh
+source scripts/browser_tests.sh
 
 set_up "${debian_test_packages[@]}"
+set_up_browser_tests
 build release
 ctest --preset release "$@"

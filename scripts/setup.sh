@@ -10,7 +10,7 @@ debian_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tool
 debian_test_packages=(locales strace parallel python3-jsonschema)
 # What .ci/run needs besides: the preset gnustep for the files of Apple platforms on Linux, and the tools that check.
 debian_ci_packages=(gobjc++ libgnustep-base-dev clang clang-format clang-tidy python3)
-# The same in Homebrew; macOS has no strace, and the tests that use it, parallel or jsonschema are skipped there.
+# The same in Homebrew; macOS has no strace, and the tests that use it, parallel, jsonschema or a browser are skipped there.
 brew_packages=(cmake ninja pkg-config qt cli11 utf8proc libplist sqlite openssl@3)
 
 # Runs a command and shows its output only if it fails.
