@@ -13,6 +13,7 @@
 #include "host/source/source_kinds.h"
 
 #include <QJsonArray>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -20,8 +21,24 @@ namespace {
 
 constexpr qint64 most_manifest_bytes = qint64(1) << 30;
 
-void add_source(report_case &result, const source_record &record)
+/** The text without the places where case and source lay: a report is read elsewhere. source.json has the whole text.
+ */
+QString without_places(QString text, const case_layout &layout, const source_record &record)
 {
+    static const QRegularExpression link(u"(leads out of the source), to .*?(: --follow-links|$)"_s,
+                                         QRegularExpression::DotMatchesEverythingOption);
+    text.replace(link, u"\\1\\2"_s);
+    if (record.path.size() > 1) // of a system in use it is "/"
+        text.replace(record.path, u"(source)"_s);
+    return text.replace(layout.directory(), u"(case)"_s);
+}
+
+void add_source(report_case &result, source_record record)
+{
+    for (QString &message : record.messages)
+        message = without_places(message, result.layout, record);
+    for (evidence_file &file : record.evidence.files)
+        file.reason = without_places(file.reason, result.layout, record);
     const QString fallback = u"Source"_s + QString::number(record.number);
     const source_layout files = result.layout.source(record.number);
     report_source source{record, record.name.isEmpty() ? fallback : record.name, {}, file_lock::is_held(files.lock())};
