@@ -138,6 +138,8 @@ void html_page::add(const report_row &row)
         table.add(u"plugin_"_s + row.plugin.column_name(column), row.plugin.value_of(column));
     table.add(u"last_seen_as_time"_s, plausible_time(known.seen.last()).toUtf8());
     table.add(u"last_connection_as_time"_s, plausible_time(known.connected.last()).toUtf8());
+    if (row.host.value_of(host_field::differs).kind != sqlite_statement::type::null)
+        ++differing[row.table];
     const row_place &place = row.host.place();
     table.add(u"host_file"_s, place.file);
     table.add(u"host_table"_s, place.table);
@@ -165,6 +167,8 @@ QList<html_table> html_page::row_tables(QByteArray &pictures) const
             }
             pictures += rank_picture(source, name, seen, connected);
         }
+        table.add_to_caption(u"Rows in which the two disagree: "_s + QString::number(differing.value(name))
+                             + u"; host_differs names the columns."_s);
         ranked.append(table);
     }
     return ranked << wal_table(facts);

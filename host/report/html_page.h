@@ -44,6 +44,7 @@ private:
     const report_case &facts;
     QMap<QString, html_table> tables;
     QMap<QString, QMap<int, row_counters>> counters; ///< by table and number of the source
+    QMap<QString, qint64> differing;                 ///< rows of each table in which host and plug-in disagree
 };
 
 #endif

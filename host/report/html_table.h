@@ -32,6 +32,10 @@ public:
         return rows.size();
     }
     void set(qsizetype row, const QString &column, const std::optional<qint64> &number);
+    void add_to_caption(const QString &sentence)
+    {
+        caption_text += QLatin1Char(' ') + sentence;
+    }
 
     QByteArray section() const;
     /** {"id":…,"columns":[…],"rows":[…]} for the data block. */
