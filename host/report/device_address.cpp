@@ -3,6 +3,8 @@
 
 #include "host/report/device_address.h"
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -13,6 +15,12 @@ constexpr QLatin1StringView random_kinds[] = {"non-resolvable"_L1, "resolvable"_
 bool is_separator(char character)
 {
     return character == ':' || character == '-' || character == '.' || character == ' ';
+}
+
+/** Letter case aside. */
+bool starts_with_word(QByteArrayView text, QByteArrayView word)
+{
+    return text.size() >= word.size() && text.first(word.size()).compare(word, Qt::CaseInsensitive) == 0;
 }
 
 } // namespace
@@ -29,25 +37,27 @@ bool device_address::joins_sources() const
 
 std::optional<device_address> parse_device_address(QByteArrayView text)
 {
+    constexpr QByteArrayView random_word("random ");
+    constexpr QByteArrayView public_word("public ");
     device_address address;
-    QByteArray rest = text.trimmed().toByteArray().toLower();
-    if (rest.startsWith("random ")) {
-        address.is_random = true;
-        rest.remove(0, 7);
-    } else if (rest.startsWith("public ")) {
-        rest.remove(0, 7);
-    }
-    QByteArray digits;
-    for (const char character : std::as_const(rest)) {
-        const bool is_digit = (character >= '0' && character <= '9') || (character >= 'a' && character <= 'f');
-        if (is_digit)
-            digits.append(character);
-        else if (!is_separator(character))
+    QByteArrayView rest = text.trimmed();
+    address.is_random = starts_with_word(rest, random_word);
+    if (address.is_random || starts_with_word(rest, public_word))
+        rest = rest.sliced(random_word.size());
+    std::array<char, 17> bytes = {};
+    bytes.fill(':');
+    qsizetype digits = 0;
+    for (const char character : rest) {
+        const char lower = character >= 'A' && character <= 'F' ? char(character + ('a' - 'A')) : character;
+        const bool is_digit = (lower >= '0' && lower <= '9') || (lower >= 'a' && lower <= 'f');
+        if (is_digit && digits < 12)
+            bytes[size_t(digits + digits / 2)] = lower;
+        else if (!is_separator(lower))
             return {};
+        digits += is_digit ? 1 : 0;
     }
-    if (digits.size() != 12)
+    if (digits != 12)
         return {};
-    for (qsizetype byte = 0; byte < 6; ++byte)
-        address.bytes += (byte == 0 ? "" : ":") + digits.mid(2 * byte, 2);
+    address.bytes = QByteArray(bytes.data(), qsizetype(bytes.size()));
     return address;
 }
