@@ -16,6 +16,10 @@
 #include "host/report/report_readme.h"
 #include "host/report/shared_devices.h"
 
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
 #include <algorithm>
 #include <iterator>
 #include <memory>
@@ -73,8 +77,10 @@ public:
             write_wal_changes();
         if (has_any_program_format())
             write_whole_file(path_of(readme_name), readme(that_case, options, changes));
-        if (has(report_format::html))
+        if (has(report_format::html)) {
+            remove_earlier_pages();
             write_pages(page, devices);
+        }
         return outcome;
     }
 
@@ -227,6 +233,19 @@ private:
         for (const report_source &source : that_case.sources)
             tell_wal_changes(that_case, source, [&file](QByteArrayView line) { file.add(line); });
         file.commit();
+    }
+
+    /** Pages of sources that this report has not: beside its own they would pass for them. */
+    void remove_earlier_pages() const
+    {
+        static const QRegularExpression form(u"^report-source\\d+\\.html$"_s);
+        const QStringList names = QDir(options.output).entryList(QDir::Files | QDir::System | QDir::Hidden);
+        for (const QString &name : names) {
+            if (options.force && form.match(name).hasMatch() && !outcome.files.contains(name)
+                && !QFile::remove(path_of(name)))
+                throw host_error(exit_code::internal_error,
+                                 u"a page of an earlier report cannot be removed: "_s + path_of(name));
+        }
     }
 
     void write_pages(const html_page &page, const QList<joined_device> &devices)
