@@ -120,7 +120,13 @@ private Q_SLOTS:
     void earlier_files_are_replaced_on_request_only();
     void vendors_by_a_list();
     void page_for_each_source();
+    void evidence_is_not_needed();
+    void large_case_has_a_page_for_each_source();
+    void names_that_the_examiner_gave();
+    void values_are_exact();
+    void disagreement_is_told();
     void case_with_a_partial_source();
+    void source_that_is_not_there();
     void result_that_is_gone();
     void source_at_work();
     void no_case();
@@ -607,24 +613,26 @@ void test_report::json_lines_follow_their_schema()
         QSKIP("python3 with jsonschema is not there");
     const host_program host;
     host.write_sample();
-    QCOMPARE(host.run({u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s,
-                       u"case"_s})
-                 .exit_code,
-             0);
+    QCOMPARE(host.run({u"sample"_s, u"other"_s, u"--hostile"_s}).exit_code, 0);
+    extract_all(host, {u"sample/macos"_s, u"sample/ios/system.log"_s, u"other/macos"_s});
+    write_file(host.path(u"case/Source1/wal_changes.json"_s),
+               "{\"format\":\"bluetooth-logs wal changes\",\"version\":1,\"tables\":[\n"
+               "{\"result_table\":\"devices\",\"file\":\"Library/x.db\",\"table\":\"OtherDevices\",\"changes\":[\n"
+               "{\"change\":\"added\",\"rowid\":7,\"before\":null,\"after\":{\"a\":{\"base64\":\"AP8=\"}}}\n"
+               "],\"problem\":null}\n]}\n");
     QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s}).exit_code, 0);
     const QString script = u"import json, sys, jsonschema\n"
                            "check = jsonschema.Draft202012Validator(json.load(open(sys.argv[1])))\n"
-                           "count = 0\n"
                            "for name in sys.argv[2:]:\n"
-                           "    for line in open(name, encoding='utf-8'):\n"
-                           "        check.validate(json.loads(line)); count += 1\n"
-                           "sys.exit(0 if count == 1111 else 1)\n"_s;
-    QCOMPARE(QProcess::execute(python, {u"-c"_s, script, REPORT_SCHEMA_FILE, host.path(u"case/Report/devices.jsonl"_s),
-                                        host.path(u"case/Report/paired_devices.jsonl"_s),
-                                        host.path(u"case/Report/shared.jsonl"_s),
-                                        host.path(u"case/Report/evidence_files.jsonl"_s),
-                                        host.path(u"case/Report/wal_changes.jsonl"_s)}),
-             0);
+                           "    lines = open(name, encoding='utf-8').readlines()\n"
+                           "    print(name, len(lines))\n"
+                           "    for line in lines: check.validate(json.loads(line))\n"
+                           "    if not lines: sys.exit(1)\n"_s;
+    QStringList arguments{u"-c"_s, script, REPORT_SCHEMA_FILE};
+    for (const QString &name : QDir(host.path(u"case/Report"_s)).entryList({u"*.jsonl"_s}, QDir::Files))
+        arguments.append(host.path(u"case/Report/"_s + name));
+    QCOMPARE(arguments.size(), 3 + 5);
+    QCOMPARE(QProcess::execute(python, arguments), 0);
 }
 
 void test_report::cells_are_read_back()
@@ -728,6 +736,133 @@ void test_report::page_for_each_source()
     QVERIFY(first.contains("<section id=\"devices\""));
     QVERIFY(first.contains("U-1") && !first.contains("U-2"));
     QVERIFY(content_of(host.path(u"case/Report/report-source2.html"_s)).contains("U-2"));
+
+    // Beside another report these pages would pass for its own.
+    write_file(host.path(u"case/Report/report-source2.html.mine"_s), "mine");
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"csv"_s, u"--force"_s}).exit_code, 0);
+    QVERIFY(QFile::exists(host.path(u"case/Report/report-source2.html"_s)));
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"--force"_s}).exit_code, 0);
+    QCOMPARE(QDir(host.path(u"case/Report"_s)).entryList({u"*.html*"_s}, QDir::Files),
+             (QStringList{u"report-source2.html.mine"_s, u"report.html"_s}));
+}
+
+/** A report reads the case alone. */
+void test_report::evidence_is_not_needed()
+{
+    const host_program host;
+    const QStringList formats{u"-f"_s, u"html"_s, u"-f"_s, u"csv"_s, u"-f"_s, u"jsonl"_s};
+    {
+        const two_sources sources;
+        sources.extract(host);
+        QCOMPARE(host.run(QStringList{u"report"_s, u"case"_s, u"-o"_s, u"before"_s} + formats).exit_code, 0);
+    }
+    QVERIFY(QFile::rename(host.path(u"case"_s), host.path(u"moved"_s)));
+    QCOMPARE(host.run(QStringList{u"report"_s, u"moved"_s, u"-o"_s, u"after"_s} + formats).exit_code, 0);
+    for (const QString &name : tree_of(host.path(u"before"_s)))
+        QCOMPARE(content_of(host.path(u"after/"_s + name)), content_of(host.path(u"before/"_s + name)));
+}
+
+void test_report::large_case_has_a_page_for_each_source()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    const sqlite_file result(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s));
+    const QString add_rows = u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < %1) "
+                             "INSERT INTO devices(uuid) SELECT 'U' || i FROM n"_s;
+    // The files that are in the way tell which would be written.
+    write_file(host.path(u"case/Report/report.html"_s), "mine");
+    write_file(host.path(u"case/Report/report-source2.html"_s), "mine");
+    const QString start = u"error: these files are there already, --force replaces them: "_s;
+    result.execute(add_rows.arg(100000 - 3)); // two_sources has three rows
+    const QString page = host.path(u"case/Report/report.html"_s);
+    QCOMPARE(host.run({u"report"_s, u"case"_s}).errors, start + page + u'\n');
+
+    result.execute(add_rows.arg(1));
+    const QString source_page = host.path(u"case/Report/report-source2.html"_s);
+    QCOMPARE(host.run({u"report"_s, u"case"_s}).errors, start + page + u", "_s + source_page + u'\n');
+}
+
+void test_report::names_that_the_examiner_gave()
+{
+    const host_program host;
+    const two_sources sources;
+    const QJsonArray list{QJsonObject{{u"path"_s, sources.one.root()},
+                                      {u"name"_s, u"=Anna, <b>Mac"_s},
+                                      {u"number"_s, 7}},
+                          QJsonObject{{u"path"_s, sources.two.root()}}};
+    write_file(host.path(u"list.json"_s), QJsonDocument(QJsonObject{{u"sources"_s, list}}).toJson());
+    QCOMPARE(host.run({u"extract"_s, u"--sources"_s, u"list.json"_s, u"-o"_s, u"case"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"csv"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"html"_s}).exit_code,
+             0);
+    const QByteArray cells = content_of(host.path(u"case/Report/devices.csv"_s));
+    QVERIFY(cells.contains("\r\n7,\"'=Anna, <b>Mac\","));
+    QVERIFY(cells.contains("\r\n1,Source1,"));
+    QVERIFY(content_of(host.path(u"case/Report/devices.jsonl"_s))
+                .contains("{\"source\":7,\"source_name\":\"=Anna, <b>Mac\",\"table\":\"devices\","));
+    const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
+    QVERIFY(page.contains("<bdi>=Anna, &lt;b&gt;Mac</bdi>"));
+    QVERIFY(!page.contains("<b>Mac"));
+}
+
+void test_report::values_are_exact()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    // As a hostile result and a hostile working copy could be.
+    sqlite_file(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s))
+        .execute(u"UPDATE devices SET last_seen_time = 9007199254740993, notes = x'00ff', last_connection_time = 0.1, "
+                 "os_scheme_display = CAST(x'61eda080' AS TEXT), tags_icon = 'a' || char(0) || 'b' || char(8232)"_s);
+    sqlite_file(host.path(u"case/Source1/Evidence/Library/Bluetooth/"
+                          "com.apple.MobileBluetooth.ledevices.other.db"_s))
+        .execute(u"UPDATE OtherDevices SET LastSeenTime = -9223372036854775808, Tags = x'00ff', NameOrigin = 1e300, "
+                 "Name = CAST(x'61eda080' AS TEXT)"_s);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"csv"_s}).exit_code, 0);
+    const QByteArray line = content_of(host.path(u"case/Report/devices.jsonl"_s)).split('\n').first();
+    for (const QByteArray &member :
+         {R"("last_seen_time":9007199254740993)"_ba, R"("notes":{"base64":"AP8="})"_ba,
+          R"("last_connection_time":0.1)"_ba, R"("os_scheme_display":{"base64":"Ye2ggA=="})"_ba,
+          R"("tags_icon":"a\u0000b\u2028")"_ba, R"("last_seen_time":-9223372036854775808)"_ba,
+          R"("tags":{"base64":"AP8="})"_ba, R"("name_origin":1e+300)"_ba, R"("name":{"base64":"Ye2ggA=="})"_ba})
+        QVERIFY2(line.contains(member), QByteArray(member + " in " + line).constData());
+    const QByteArray cells = content_of(host.path(u"case/Report/devices.csv"_s));
+    for (const QByteArray &cell : {",9007199254740993,"_ba, ",x'00ff',"_ba, ",0.1,"_ba, ",x'61eda080',"_ba,
+                                   QByteArray(",a\0b\u2028,", 8), ",-9223372036854775808,"_ba, ",1e+300,"_ba})
+        QVERIFY2(cells.contains(cell), cell.constData());
+    QVERIFY(content_of(host.path(u"case/Report/README.txt"_s)).contains("devices.csv, row 2, notes: hexadecimal\n"));
+}
+
+void test_report::disagreement_is_told()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    sqlite_file(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s))
+        .execute(u"UPDATE devices SET device_name = 'another'"_s);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"html"_s}).exit_code, 0);
+    const QJsonObject row = json_lines_of(host.path(u"case/Report/devices.jsonl"_s)).first();
+    QCOMPARE(row.value("plugin"_L1).toObject().value("device_name"_L1).toString(), u"another"_s);
+    QCOMPARE(row.value("host"_L1).toObject().value("name"_L1).toString(), u"=cmd|'/c'!A1"_s);
+    QCOMPARE(row.value("host"_L1).toObject().value("differs"_L1).toString(), u"device_name"_s);
+    const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
+    // The plug-in leaves the integer times of the one paired device out.
+    QCOMPARE(page.count("Rows in which the two disagree: 1; host_differs names the columns."), 2);
+}
+
+/** The record's message says where it looked; the report is read elsewhere. */
+void test_report::source_that_is_not_there()
+{
+    const host_program host;
+    const two_sources sources;
+    QCOMPARE(host.run({u"extract"_s, u"-i"_s, sources.one.root(), u"-i"_s, u"nowhere"_s, u"-o"_s, u"case"_s}).exit_code,
+             4);
+    const host_result result = host.run({u"report"_s, u"case"_s});
+    QCOMPARE(result.exit_code, 4);
+    QCOMPARE(result.errors, u"warning: source 2: failed\n"_s);
+    const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
+    QVERIFY(page.contains("<li>there is no source at (source)</li>"));
+    QVERIFY(!page.contains(host.path(u"nowhere"_s).toUtf8()));
 }
 
 void test_report::case_with_a_partial_source()
