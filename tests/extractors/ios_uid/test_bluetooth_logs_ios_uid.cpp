@@ -85,6 +85,8 @@ void test_bluetooth_logs_ios_uid::own_methods_are_the_two_signals()
     QCOMPARE(type.methodCount() - type.methodOffset(), 2);
     QCOMPARE(type.indexOfSignal("signal_extracted_records_of_plugin_ios_uid(qint64)"), type.methodOffset());
     QCOMPARE(type.indexOfSignal("signal_total_tabs_processed_ios_uid(int)"), type.methodOffset() + 1);
+    QCOMPARE(type.method(type.methodOffset()).parameterNames(), QList<QByteArray>{"records"});
+    QCOMPARE(type.method(type.methodOffset() + 1).parameterNames(), QList<QByteArray>{"count"});
     QCOMPARE(type.propertyCount(), type.propertyOffset());
 }
 
