@@ -13,6 +13,7 @@ namespace {
 
 constexpr qsizetype most_columns_on_paper = 8; // more are printed row by row, each value with its column's name
 constexpr QByteArrayView cell_start("<td");
+constexpr QByteArrayView same_as_above("[]"); // in the data: the row above has the same value in this column
 constexpr const char *null_cell = "<td><span class=\"null\">\u2205</span></td>";
 
 sqlite_statement::cell number_cell(const std::optional<qint64> &number)
@@ -157,10 +158,11 @@ QByteArray html_table::data() const
     for (qsizetype row = 0; row < rows.size(); ++row) {
         json += row == 0 ? "\n[" : ",\n[";
         for (qsizetype i = 0; i < places.size(); ++i) {
-            const qsizetype place = places.at(i);
-            if (i > 0)
-                json += ',';
-            json += place < rows.at(row).size() ? rows.at(row).at(place) : QByteArray("null");
+            const QByteArray value = rows.at(row).value(places.at(i), "null");
+            const bool is_same = row > 0 && value.size() > same_as_above.size()
+                                 && value == rows.at(row - 1).value(places.at(i), "null");
+            json += i == 0 ? "" : ",";
+            json += is_same ? same_as_above : QByteArrayView(value);
         }
         json += ']';
     }

@@ -38,7 +38,7 @@ public:
     }
 
     QByteArray section() const;
-    /** {"id":…,"columns":[…],"rows":[…]} for the data block. */
+    /** {"id":…,"columns":[…],"rows":[…]} for the data block; [] is the value in the row above. */
     QByteArray data() const;
 
     QString id() const

@@ -23,6 +23,14 @@ bool is_plain(QByteArrayView bytes)
                        [](char byte) { return byte >= ' ' && byte < 0x7f && byte != '\\'; });
 }
 
+/** Nearly every text: it stands in JSON within a page as it is. */
+bool needs_no_escape(QByteArrayView bytes)
+{
+    return bytes.size() <= most_shown_characters && is_plain(bytes)
+           && std::none_of(bytes.begin(), bytes.end(),
+                           [](char byte) { return byte == '"' || byte == '<' || byte == '>' || byte == '&'; });
+}
+
 QString whole_text(QByteArrayView bytes)
 {
     if (!bytes.isValidUtf8())
@@ -120,6 +128,8 @@ QByteArray page_json(const sqlite_statement::cell &value)
 {
     if (value.kind == sqlite_statement::type::null)
         return "null";
+    if (value.kind == sqlite_statement::type::text && needs_no_escape(value.bytes))
+        return '"' + value.bytes.toByteArray() + '"';
     if (!is_number(value))
         return page_json(cell_text(value));
     const bool is_exact = value.kind == sqlite_statement::type::integer && value.integer <= largest_exact_number

@@ -35,10 +35,23 @@ function compareCells(one, two) {
     return one < two ? -1 : 1;
 }
 
+/** The data hold [] where a value is that of the row above. */
+function restoreRepeated(rows) {
+    for (let index = 1; index < rows.length; ++index) {
+        const above = rows[index - 1];
+        const row = rows[index];
+        for (let column = 0; column < row.length; ++column) {
+            if (Array.isArray(row[column]))
+                row[column] = above[column];
+        }
+    }
+    return rows;
+}
+
 class RowTable {
     constructor(section, content) {
         this.columns = content.columns;
-        this.rows = content.rows;
+        this.rows = restoreRepeated(content.rows);
         this.table = section.querySelector("table");
         this.body = section.querySelector("tbody");
         this.view = section.querySelector(".window");
@@ -55,6 +68,7 @@ class RowTable {
         section.querySelectorAll("th button").forEach((button, column) =>
             button.addEventListener("click", () => this.sort(column)));
         this.body.replaceChildren(this.rowElement(0, 0));
+        this.view.classList.add("ready");
         this.measure();
         this.update();
     }
@@ -204,10 +218,13 @@ function copyRow(dialog, columns, row) {
 }
 
 const tables = [];
-for (const content of data.tables) {
-    const section = document.getElementById(content.id);
-    if (content.rows.length > 0)
-        tables.push(new RowTable(section, content));
+try {
+    for (const content of data.tables) {
+        if (content.rows.length > 0)
+            tables.push(new RowTable(document.getElementById(content.id), content));
+    }
+} finally {
+    document.querySelectorAll(".window").forEach(view => view.classList.add("ready"));
 }
 document.querySelector("#row .close").addEventListener("click", () => document.getElementById("row").close());
 document.querySelectorAll(".with-script").forEach(part => { part.hidden = false; });
