@@ -28,7 +28,7 @@ constexpr qint64 most_mebibytes = qint64(1) << 30;
 constexpr qint64 most_seconds = qint64(1) << 30;
 constexpr qint64 highest_number = 1000000;
 constexpr qint64 most_jobs = 1024;
-constexpr qint64 farthest_zone = 14 * 3600;
+constexpr qint64 farthest_zone = qint64(14) * 3600;
 constexpr QLatin1StringView any_kind("auto");
 
 /** The suite's editions; their places are the numbers that the plug-in knows them by. */

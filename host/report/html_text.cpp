@@ -111,7 +111,7 @@ QByteArray html_cell(const sqlite_statement::cell &value)
 
 QString page_text(QByteArrayView bytes)
 {
-    const QString text = whole_text(bytes);
+    QString text = whole_text(bytes);
     if (text.size() <= most_shown_characters)
         return text;
     return text.first(most_shown_characters) + u"… (cut; "_s + QString::number(bytes.size()) + u" bytes)"_s;

@@ -63,7 +63,7 @@ void read_manifest(report_case &result)
         throw host_error(exit_code::input,
                          result.layout.manifest() + u" is no manifest of this version of the program"_s);
     const QJsonArray sources = manifest.value("sources"_L1).toArray();
-    for (const QJsonValue &source : sources)
+    for (const QJsonValue source : sources)
         add_source(result, source_record::from_json(source.toObject()));
     for (const int number : sources_unlike_manifest(result.layout, manifest))
         result.shortcomings.append(u"source "_s + QString::number(number)

@@ -131,6 +131,7 @@ private Q_SLOTS:
     void agrees_with_reading_line_by_line_data();
     void agrees_with_reading_line_by_line();
     void every_border_of_a_block();
+    void every_place_in_a_long_block();
     void stops_before_the_next_line();
     void a_flag_set_in_the_last_line_comes_too_late();
     void a_flag_set_before_stops_at_once_unless_there_is_no_line();
@@ -209,6 +210,17 @@ void test_log_scan::every_border_of_a_block()
         const QByteArray line = QByteArray(before, 'x') + "<Notice>: active device: y\n";
         const QByteArray log = "active device:\n" + line + QByteArray(before, 'z') + '\n' + line + "<Notice>:\n";
         QCOMPARE(scanned_lines(log, markers, 32), QByteArrayList({line, line}));
+    }
+}
+
+void test_log_scan::every_place_in_a_long_block()
+{
+    const marker_list markers{"active device:"_L1, "<Notice>:"_L1};
+    for (qsizetype before = 0; before < 1'100; ++before) {
+        const QByteArray line = QByteArray(before, ':') + "active device: <Notice>:" + QByteArray(1'100 - before, 'v');
+        const QByteArray log = "active device\n" + line + "\n<Notice>: device:\n" + line;
+        for (const qsizetype block_bytes : {1'200, 1 << 16})
+            QCOMPARE(scanned_lines(log, markers, block_bytes), QByteArrayList({line + '\n', line}));
     }
 }
 
