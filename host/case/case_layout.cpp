@@ -3,9 +3,8 @@
 
 #include "host/case/case_layout.h"
 
-#include "host/files/host_error.h"
+#include "host/files/file_removal.h"
 #include "host/files/paths.h"
-#include "host/files/system_error.h"
 #include "host/source/macos_databases.h"
 
 #include <QDir>
@@ -19,60 +18,10 @@ namespace filesystem = std::filesystem;
 
 namespace {
 
-/** Removes the file or the link of this name. A folder of this name stays, as does what is not there. */
-void remove_file(const QString &path)
-{
-    std::error_code error;
-    const filesystem::path name = to_std_path(path);
-    const filesystem::file_status status = filesystem::symlink_status(name, error);
-    if (!filesystem::exists(status) || filesystem::is_directory(status))
-        return;
-    filesystem::remove(name, error);
-    if (error)
-        throw host_error(exit_code::internal_error,
-                         path + u" cannot be removed: "_s + system_error_text(error.value()));
-}
-
-/** Removes the folder if it is empty and no link. Adds to @p kept what stays in it. */
-void remove_folder(const QString &path, QStringList &kept)
-{
-    std::error_code error;
-    const filesystem::path name = to_std_path(path);
-    if (!filesystem::is_directory(filesystem::symlink_status(name, error)))
-        return remove_file(path); // a link to a folder is only a link
-    if (filesystem::remove(name, error))
-        return;
-    for (const auto &entry : filesystem::directory_iterator(name, error)) {
-        const QString left = QFile::decodeName(entry.path().c_str());
-        const bool is_told = std::any_of(kept.cbegin(), kept.cend(), [&left](const QString &known) {
-            return known == left || known.startsWith(left + u'/');
-        });
-        if (!is_told)
-            kept.append(left);
-    }
-}
-
-/** Whether the path is a folder, and no link to one: nothing is removed through a link. */
-bool is_own_folder(const QString &path)
-{
-    std::error_code error;
-    return filesystem::is_directory(filesystem::symlink_status(to_std_path(path), error));
-}
-
 bool is_link(const QString &path)
 {
     std::error_code error;
     return filesystem::is_symlink(filesystem::symlink_status(to_std_path(path), error));
-}
-
-/** Removes the names from a folder, then the folder. */
-void remove_names(const QString &folder, const QStringList &names, QStringList &kept)
-{
-    if (is_own_folder(folder)) {
-        for (const QString &name : names)
-            remove_file(folder + u'/' + name);
-    }
-    remove_folder(folder, kept);
 }
 
 /** The names that the program itself could have given to a file in the evidence folder of a case. */
@@ -92,14 +41,29 @@ QStringList working_copy_names(const QString &folder)
     return own;
 }
 
-QStringList staged_copy_names()
+/** A database and what SQLite puts beside it. */
+QStringList with_companions(const QString &database)
 {
-    QStringList names;
+    return {database, database + u"-journal"_s, database + u"-wal"_s, database + u"-shm"_s};
+}
+
+/** What the program itself could have written, relative to the folder of the source. */
+QStringList files_of_a_run(const QString &source_folder)
+{
+    QStringList files{u"source.json"_s, u"source.json.new"_s, u"plugin.log"_s, u"ios_lines.jsonl"_s,
+                      u"wal_changes.json"_s};
+    files.append(u"Evidence/Library/Preferences/com.apple.Bluetooth.plist"_s);
+    for (const QString &name : working_copy_names(source_folder + u"/Evidence/Library/Bluetooth"_s))
+        files.append(u"Evidence/Library/Bluetooth/"_s + name);
+    const QString results = u"Artifacts_Result/Bluetooth_Logs/"_s;
+    files += with_companions(results + u"Bluetooth_Logs.sqlite"_s);
     for (const macos_database *database : macos_databases) {
-        for (const QLatin1StringView ending : {""_L1, "-journal"_L1, "-wal"_L1, "-shm"_L1})
-            names.append(database->file_name + ending);
+        files += with_companions(results + u"Logs/"_s + database->file_name);
+        files += with_companions(u"tmp/wal/"_s + database->file_name);
     }
-    return names;
+    for (const QLatin1StringView folder : {"Evidence/Library/Bluetooth/"_L1, "Artifacts_Result/Bluetooth_Logs/tmp/"_L1})
+        files.append(folder);
+    return files;
 }
 
 } // namespace
@@ -181,47 +145,12 @@ bool source_layout::holds_a_run() const
 
 QStringList source_layout::remove_run() const
 {
-    QStringList kept;
-    if (!is_own_folder(source_folder)) {
-        remove_file(source_folder);
-        return kept;
-    }
-    const QString results = result_folder();
-    if (is_own_folder(source_folder + u"/Artifacts_Result"_s) && is_own_folder(results)) {
-        remove_names(results + u"/Logs"_s, staged_copy_names(), kept);
-        remove_names(plugin_temporary_folder(), {}, kept);
-        for (const QLatin1StringView ending : {""_L1, "-journal"_L1, "-wal"_L1, "-shm"_L1})
-            remove_file(result_database() + ending);
-    }
-    if (is_own_folder(source_folder + u"/Artifacts_Result"_s))
-        remove_folder(results, kept);
-    remove_folder(source_folder + u"/Artifacts_Result"_s, kept);
-
-    const QString copies = evidence_folder();
-    const QString library = copies + u"/Library"_s;
-    if (is_own_folder(copies) && is_own_folder(library)) {
-        const QString bluetooth = library + u"/Bluetooth"_s;
-        remove_names(bluetooth, is_own_folder(bluetooth) ? working_copy_names(bluetooth) : QStringList(), kept);
-        remove_names(library + u"/Preferences"_s, {u"com.apple.Bluetooth.plist"_s}, kept);
-    }
-    if (is_own_folder(copies))
-        remove_folder(library, kept);
-    remove_folder(copies, kept);
-    remove_folder(temporary_folder(), kept);
-    for (const QLatin1StringView name :
-         {"ios_lines.jsonl"_L1, "wal_changes.json"_L1, "plugin.log"_L1, "source.json"_L1, "source.json.new"_L1})
-        remove_file(source_folder + u'/' + name);
-
-    const QStringList left = QDir(source_folder)
-                                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    for (const QString &name : left) {
-        const QString path = source_folder + u'/' + name;
-        const bool is_told = std::any_of(kept.cbegin(), kept.cend(), [&path](const QString &known) {
-            return known == path || known.startsWith(path + u'/');
-        });
-        if (!is_told && path != lock())
-            kept.append(path);
-    }
+    QStringList names;
+    for (const QString &file : files_of_a_run(source_folder))
+        names.append(relative_to_case(source_folder + u'/' + file));
+    names += folders_of(names); // a link that stands for one of them
+    QStringList kept = remove_listed_files(directory, names);
+    kept.removeOne(lock());
     return kept;
 }
 

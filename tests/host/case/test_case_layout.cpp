@@ -43,6 +43,8 @@ const QStringList files_of_a_run = {
     u"Evidence/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db-wal"_s,
     u"Evidence/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db.12:00:00_01-31-2026.corrupt"_s,
     u"Evidence/Library/Preferences/com.apple.Bluetooth.plist"_s,
+    u"tmp/wal/com.apple.MobileBluetooth.ledevices.other.db"_s,
+    u"tmp/wal/com.apple.MobileBluetooth.ledevices.other.db-shm"_s,
 };
 
 } // namespace
