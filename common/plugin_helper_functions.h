@@ -41,6 +41,7 @@ public:
     QString get_adhoc_path_for_regular_file(QString source);
 
 private:
+    // Tests look at what was set, which no host asks for.
     friend class test_frame;
 
     void initialize_image_extension_list();

@@ -74,6 +74,7 @@ public Q_SLOTS:
     void slot_total_tabs_processed(int);
 
 private:
+    // Tests look at what was set, which no host asks for.
     friend class test_frame;
     friend class test_result_store;
 

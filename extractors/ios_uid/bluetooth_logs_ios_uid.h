@@ -65,6 +65,7 @@ Q_SIGNALS:
     void signal_total_tabs_processed_ios_uid(int count);
 
 private:
+    // Tests look at what was set, which no host asks for.
     friend class test_bluetooth_logs_ios_uid;
     friend class test_frame;
 

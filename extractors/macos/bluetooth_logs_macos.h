@@ -87,6 +87,7 @@ Q_SIGNALS:
     void signal_total_tabs_processed_macos(int count);
 
 private:
+    // Tests look at what was set, which no host asks for.
     friend class test_frame;
     friend class test_macos_source;
 

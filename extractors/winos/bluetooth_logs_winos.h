@@ -52,6 +52,7 @@ Q_SIGNALS:
     void signal_total_tabs_processed_winos(int count);
 
 private:
+    // Tests look at what was set, which no host asks for.
     friend class test_bluetooth_logs_winos;
     friend class test_frame;
 

@@ -5,6 +5,8 @@
 
 #include "host/cli/terminal_size.h"
 
+#include <QJsonDocument>
+
 #include <cstdio>
 
 #include <unistd.h>
@@ -13,10 +15,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+void write_line(FILE *stream, QByteArray line)
+{
+    line += '\n';
+    std::fwrite(line.constData(), 1, size_t(line.size()), stream);
+}
+
 void write_line(FILE *stream, const terminal_text &line)
 {
-    const QByteArray bytes = line.to_string().toUtf8() + '\n';
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+    write_line(stream, line.to_string().toUtf8());
 }
 
 bool is_terminal(int descriptor)
@@ -39,6 +46,7 @@ bool environment_allows_colors()
 
 console::console(const console_options &options)
     : is_quiet(options.quiet)
+    , has_events(options.has_events)
     , run_progress(!options.quiet && !options.no_progress && is_terminal(STDERR_FILENO) && !is_dumb_terminal())
 {
     const bool colors = !options.no_color && environment_allows_colors();
@@ -80,18 +88,23 @@ std::optional<qsizetype> console::columns() const
 
 void console::error(const terminal_text &text)
 {
-    message(terminal_style::error, u"error:"_s, text);
+    message(terminal_style::error, "error"_L1, text);
 }
 
 void console::warning(const terminal_text &text)
 {
-    message(terminal_style::warning, u"warning:"_s, text);
+    message(terminal_style::warning, "warning"_L1, text);
 }
 
 void console::note(const terminal_text &text)
 {
     if (!is_quiet)
-        message(terminal_style::bold, u"note:"_s, text);
+        message(terminal_style::bold, "note"_L1, text);
+}
+
+void console::event(const QJsonObject &event)
+{
+    write_line(stderr, QJsonDocument(event).toJson(QJsonDocument::Compact));
 }
 
 void console::log_line(const terminal_text &line)
@@ -99,10 +112,13 @@ void console::log_line(const terminal_text &line)
     write_line(stderr, line);
 }
 
-void console::message(terminal_style style, const terminal_text &kind, const terminal_text &text)
+void console::message(terminal_style style, QLatin1StringView kind, const terminal_text &text)
 {
     run_progress.clear();
-    write_line(stderr, (has_error_colors ? kind.styled(style) : kind) + u" "_s + text);
+    if (has_events)
+        return event({{u"event"_s, u"message"_s}, {u"weight"_s, QString(kind)}, {u"text"_s, text.to_string()}});
+    const terminal_text head = kind + u":"_s;
+    write_line(stderr, (has_error_colors ? head.styled(style) : head) + u" "_s + text);
 }
 
 bool console::finish()

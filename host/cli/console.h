@@ -7,6 +7,8 @@
 #include "host/cli/progress_lines.h"
 #include "host/files/terminal_text.h"
 
+#include <QJsonObject>
+
 #include <optional>
 
 struct console_options
@@ -14,6 +16,7 @@ struct console_options
     bool quiet = false;       ///< nothing but data, warnings and errors
     bool no_color = false;    ///< asked for; a stream that is no terminal has no colours anyway
     bool no_progress = false; ///< verbose output already fills standard error
+    bool has_events = false;  ///< standard error is JSON Lines
 };
 
 /** The program's two streams: data and results on standard output, everything about the run on standard error. */
@@ -39,6 +42,9 @@ public:
     void warning(const terminal_text &text);
     void note(const terminal_text &text);
 
+    /** An object of its own line, on standard error. */
+    void event(const QJsonObject &event);
+
     /** A line of the plug-in's log, on standard error. */
     void log_line(const terminal_text &line);
 
@@ -52,9 +58,10 @@ public:
     bool finish();
 
 private:
-    void message(terminal_style style, const terminal_text &kind, const terminal_text &text);
+    void message(terminal_style style, QLatin1StringView kind, const terminal_text &text);
 
     bool is_quiet;
+    bool has_events;
     bool has_output_colors;
     bool has_error_colors;
     progress_lines run_progress;

@@ -237,7 +237,8 @@ void add_extract_command(CLI::App &app, command_line &line)
     add_limits(extract, options, arguments->jobs);
     add_display(extract, arguments->result);
     extract.final_callback([arguments, &line] {
-        line.output.no_progress = arguments->result.request.options.is_verbose || arguments->result.json_progress;
+        line.output.has_events = arguments->result.json_progress;
+        line.output.no_progress = arguments->result.request.options.is_verbose || line.output.has_events;
         line.command = options_of(*arguments, line.arguments);
     });
 }

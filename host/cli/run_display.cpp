@@ -5,7 +5,6 @@
 
 #include <QElapsedTimer>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QLocale>
 #include <QMap>
 
@@ -200,45 +199,46 @@ private:
 class json_display : public run_observer
 {
 public:
-    explicit json_display(const display_options &display)
+    json_display(const display_options &display, console &console_of_run)
         : options(display)
+        , out(console_of_run)
     {
     }
 
     void kept(const QStringList &paths) override
     {
-        write({{u"event"_s, u"kept"_s}, {u"paths"_s, QJsonArray::fromStringList(paths)}});
+        out.event({{u"event"_s, u"kept"_s}, {u"paths"_s, QJsonArray::fromStringList(paths)}});
     }
 
     void source_started(const source_request &request, const QList<run_message> &messages) override
     {
-        write({{u"event"_s, u"started"_s}, {u"source"_s, request.number}, {u"path"_s, request.source.path}});
+        out.event({{u"event"_s, u"started"_s}, {u"source"_s, request.number}, {u"path"_s, request.source.path}});
         for (const run_message &message : messages)
             write_message(request, message);
     }
 
     void bytes_hashed(const source_request &request, qint64 bytes) override
     {
-        write({{u"event"_s, u"hashed"_s}, {u"source"_s, request.number}, {u"bytes"_s, bytes}});
+        out.event({{u"event"_s, u"hashed"_s}, {u"source"_s, request.number}, {u"bytes"_s, bytes}});
     }
 
     void records_announced(const source_request &request, qint64 records, int tables_done) override
     {
-        write({{u"event"_s, u"records"_s},
-               {u"source"_s, request.number},
-               {u"records"_s, records},
-               {u"tables_done"_s, tables_done}});
+        out.event({{u"event"_s, u"records"_s},
+                   {u"source"_s, request.number},
+                   {u"records"_s, records},
+                   {u"tables_done"_s, tables_done}});
     }
 
     void worker_said(const source_request &request, const QString &line) override
     {
         if (request.options.is_verbose)
-            write({{u"event"_s, u"log"_s}, {u"source"_s, request.number}, {u"line"_s, line}});
+            out.event({{u"event"_s, u"log"_s}, {u"source"_s, request.number}, {u"line"_s, line}});
     }
 
     void cancelling(const source_request &) override
     {
-        write({{u"event"_s, u"cancelling"_s}});
+        out.event({{u"event"_s, u"cancelling"_s}});
     }
 
     void source_finished(const source_request &request, const source_outcome &outcome) override
@@ -246,31 +246,26 @@ public:
         const QJsonObject record = outcome.record.to_json();
         for (const run_message &message : outcome.messages)
             write_message(request, message);
-        write({{u"event"_s, u"finished"_s},
-               {u"source"_s, request.number},
-               {u"status"_s, record.value("status"_L1)},
-               {u"exit_code"_s, record.value("exit_code"_L1)},
-               {u"rows"_s, record.value("rows"_L1)},
-               {u"sources_done"_s, ++sources_done},
-               {u"sources"_s, options.source_count}});
+        out.event({{u"event"_s, u"finished"_s},
+                   {u"source"_s, request.number},
+                   {u"status"_s, record.value("status"_L1)},
+                   {u"exit_code"_s, record.value("exit_code"_L1)},
+                   {u"rows"_s, record.value("rows"_L1)},
+                   {u"sources_done"_s, ++sources_done},
+                   {u"sources"_s, options.source_count}});
     }
 
 private:
-    static void write_message(const source_request &request, const run_message &message)
+    void write_message(const source_request &request, const run_message &message)
     {
-        write({{u"event"_s, u"message"_s},
-               {u"source"_s, request.number},
-               {u"weight"_s, QString(weight_name(message.importance))},
-               {u"text"_s, message.text}});
-    }
-
-    static void write(const QJsonObject &line)
-    {
-        const QByteArray text = QJsonDocument(line).toJson(QJsonDocument::Compact) + '\n';
-        std::fwrite(text.constData(), 1, size_t(text.size()), stderr);
+        out.event({{u"event"_s, u"message"_s},
+                   {u"source"_s, request.number},
+                   {u"weight"_s, QString(weight_name(message.importance))},
+                   {u"text"_s, message.text}});
     }
 
     const display_options options;
+    console &out;
     qint64 sources_done = 0;
 };
 
@@ -279,6 +274,6 @@ private:
 std::unique_ptr<run_observer> make_display(const display_options &options, console &out)
 {
     if (options.is_json)
-        return std::make_unique<json_display>(options);
+        return std::make_unique<json_display>(options, out);
     return std::make_unique<text_display>(options, out);
 }

@@ -232,7 +232,7 @@ const evidence_file *file_of(const evidence_state &evidence, const QString &path
 /** Why there is nothing to compare although there is a log. */
 std::optional<QString> objection(const evidence_file *database, const evidence_file &log)
 {
-    if (log.copy_sha256.isEmpty())
+    if (!log.reason.isEmpty() || log.copy_sha256.isEmpty())
         return log.reason;
     if (!database || database->state == evidence_file::presence::absent)
         return u"the database that it belongs to is not there"_s;
@@ -284,7 +284,7 @@ private:
             }
         }
         end_table(database, found, problem);
-        if (problem)
+        if (problem && problem != log.reason) // which is told of the file itself
             findings.problems.append(log.path + u" cannot be compared with its database: "_s + *problem);
     }
 

@@ -3,6 +3,7 @@
 
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
+#include "tests/support/strict_test.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -10,12 +11,12 @@
 
 using namespace Qt::StringLiterals;
 
-class test_debug_log : public QObject
+class test_debug_log : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void function_field_data();
     void function_field();
     void engine_field_data();
@@ -35,7 +36,7 @@ private:
 
 void test_debug_log::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     log.start();
     log.take_lines();
 }
@@ -189,6 +190,6 @@ void test_debug_log::message_is_written_unchanged()
     QCOMPARE(log.take_messages(), QStringList({u"a::b:   größe 日本 🎧 %s %1 "_s, u"a::b: "_s}));
 }
 
-QTEST_MAIN(test_debug_log)
+QTEST_GUILESS_MAIN(test_debug_log)
 
 #include "test_debug_log.moc"

@@ -3,9 +3,9 @@
 
 #include "common/evidence_file.h"
 #include "tests/support/file_content.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
@@ -19,12 +19,12 @@
 
 using namespace Qt::StringLiterals;
 
-class test_evidence_file : public QObject
+class test_evidence_file : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void opened_file_is_read_and_keeps_its_times();
     void refused_things_data();
     void refused_things();
@@ -51,7 +51,7 @@ private:
 
 void test_evidence_file::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     ::umask(022);
     directory = std::make_unique<QTemporaryDir>();
     write_file(path(u"source/file"_s), "evidence");
@@ -253,6 +253,6 @@ void test_evidence_file::same_file()
     QVERIFY(!is_same_file(u""_s, file));
 }
 
-QTEST_MAIN(test_evidence_file)
+QTEST_GUILESS_MAIN(test_evidence_file)
 
 #include "test_evidence_file.moc"

@@ -4,11 +4,11 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/file_content.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -49,12 +49,12 @@ private:
 
 } // namespace
 
-class test_files_and_paths : public QObject
+class test_files_and_paths : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void cleanup();
 
     void copy_of_a_missing_folder_data();
@@ -117,7 +117,7 @@ private:
 
 void test_files_and_paths::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     directory = std::make_unique<QTemporaryDir>();
     log.start();
     log.take_lines();
@@ -705,6 +705,6 @@ void test_files_and_paths::relative_path()
     QCOMPARE(final_file.complete_source_file_path, kind == home_kind ? given : QString());
 }
 
-QTEST_MAIN(test_files_and_paths)
+QTEST_GUILESS_MAIN(test_files_and_paths)
 
 #include "test_files_and_paths.moc"

@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/plugin_static_function.h"
+#include "tests/support/strict_test.h"
 #include "tests/support/text_function.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 #include <ctime>
@@ -13,12 +13,11 @@ using namespace Qt::StringLiterals;
 using library = plugin_static_function;
 
 /** Evidence can hold texts of any size: no conversion may take more than a few passes over its text. */
-class test_large_texts : public QObject
+class test_large_texts : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void time_data();
     void time();
 };
@@ -69,11 +68,6 @@ constexpr QStringView fillers[] = {u" ",  u"0",       u"1",       u"a",       u"
 
 } // namespace
 
-void test_large_texts::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
-
 void test_large_texts::time_data()
 {
     QTest::addColumn<text_function>("function");
@@ -97,6 +91,6 @@ void test_large_texts::time()
     QCOMPARE_LT((std::clock() - start) * 1000 / CLOCKS_PER_SEC, bearable_milliseconds);
 }
 
-QTEST_MAIN(test_large_texts)
+QTEST_GUILESS_MAIN(test_large_texts)
 
 #include "test_large_texts.moc"

@@ -6,20 +6,20 @@
 #include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
 #include "tests/support/property_list_objects.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 #include <limits>
 
 using namespace Qt::StringLiterals;
 
-class test_plist_values : public QObject
+class test_plist_values : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void string_values_data();
     void string_values();
     void number_values_data();
@@ -49,7 +49,7 @@ private:
 
 void test_plist_values::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     log.start();
     log.take_lines();
 }

@@ -5,11 +5,11 @@
 #include "common/plugin_helper_functions.h"
 #include "common/plugin_static_function.h"
 #include "tests/support/file_content.h"
+#include "tests/support/strict_test.h"
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
@@ -22,12 +22,12 @@ using namespace Qt::StringLiterals;
 
 static_assert(!std::is_polymorphic_v<plugin_helper_functions>, "the host's plug-ins share this plain layout");
 
-class test_plugin_helper_functions : public QObject
+class test_plugin_helper_functions : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void cleanup();
     void sizes_of_the_lists();
     void entries_of_the_lists_data();
@@ -55,7 +55,7 @@ private:
 
 void test_plugin_helper_functions::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     directory = std::make_unique<QTemporaryDir>();
     QDir().mkpath(path(u"tmp"_s));
 }
@@ -263,6 +263,6 @@ void test_plugin_helper_functions::no_copy_without_a_parent_path()
     QVERIFY(QDir(path(u"tmp"_s)).isEmpty());
 }
 
-QTEST_MAIN(test_plugin_helper_functions)
+QTEST_GUILESS_MAIN(test_plugin_helper_functions)
 
 #include "test_plugin_helper_functions.moc"

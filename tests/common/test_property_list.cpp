@@ -6,11 +6,11 @@
 #include "common/property_list/property_list_guard.h"
 #include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
+#include "tests/support/strict_test.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QRegularExpression>
 #include <QStringEncoder>
 #include <QTemporaryDir>
 #include <QTest>
@@ -33,12 +33,11 @@ QByteArray with_second_object_as_root(QByteArray binary_list)
 
 } // namespace
 
-class test_property_list : public QObject
+class test_property_list : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void values_data();
     void values();
     void encodings_data();
@@ -56,11 +55,6 @@ private Q_SLOTS:
 private:
     QTemporaryDir directory;
 };
-
-void test_property_list::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_property_list::values_data()
 {

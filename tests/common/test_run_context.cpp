@@ -181,6 +181,6 @@ void test_run_context::meta_object_is_plain()
     QCOMPARE(meta.propertyCount(), meta.propertyOffset());
 }
 
-QTEST_MAIN(test_run_context)
+QTEST_GUILESS_MAIN(test_run_context)
 
 #include "test_run_context.moc"

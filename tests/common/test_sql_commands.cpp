@@ -4,8 +4,8 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -74,12 +74,12 @@ const helper helpers[] = {
 
 Q_DECLARE_METATYPE(const helper *)
 
-class test_sql_commands : public QObject
+class test_sql_commands : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void cleanup();
     void success_data();
     void success();
@@ -119,7 +119,7 @@ private:
 
 void test_sql_commands::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     directory = std::make_unique<QTemporaryDir>();
     file = path(u"data.sqlite"_s);
     sqlite_file(file).execute(u"CREATE TABLE t(a TEXT, b TEXT)"_s);
@@ -417,6 +417,6 @@ void test_sql_commands::repeated_calls_reuse_the_connection()
     QCOMPARE(QSqlDatabase::connectionNames().size(), 3);
 }
 
-QTEST_MAIN(test_sql_commands)
+QTEST_GUILESS_MAIN(test_sql_commands)
 
 #include "test_sql_commands.moc"

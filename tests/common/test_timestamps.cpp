@@ -3,11 +3,11 @@
 
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
+#include "tests/support/strict_test.h"
 #include "tests/support/text_function.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <limits>
@@ -17,14 +17,14 @@
 using namespace Qt::StringLiterals;
 using library = plugin_static_function;
 
-class test_timestamps : public QObject
+class test_timestamps : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase_data();
     void initTestCase();
-    void init();
+    void init() override;
 
     void text_to_text_data();
     void text_to_text();
@@ -93,7 +93,7 @@ void test_timestamps::initTestCase()
 
 void test_timestamps::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     QFETCH_GLOBAL(QLocale, locale);
     QLocale::setDefault(locale);
     log.start();
@@ -572,6 +572,6 @@ void test_timestamps::posix_timestamp_in_the_hour_that_autumn_repeats()
     }
 }
 
-QTEST_MAIN(test_timestamps)
+QTEST_GUILESS_MAIN(test_timestamps)
 
 #include "test_timestamps.moc"

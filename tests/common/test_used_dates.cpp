@@ -3,19 +3,19 @@
 
 #include "common/plugin_static_function.h"
 #include "common/used_dates.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTemporaryFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_used_dates : public QObject
+class test_used_dates : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void last_used_data();
     void last_used();
     void used_dates_data();
@@ -26,7 +26,7 @@ private Q_SLOTS:
 
 void test_used_dates::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     plugin_static_function::set_essentials();
 }
 

@@ -4,11 +4,11 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/file_content.h"
+#include "tests/support/strict_test.h"
 #include "tests/support/text_function.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -16,13 +16,13 @@
 using namespace Qt::StringLiterals;
 using library = plugin_static_function;
 
-class test_value_formatting : public QObject
+class test_value_formatting : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase_data();
-    void init();
+    void init() override;
 
     void text_to_text_data();
     void text_to_text();
@@ -65,7 +65,7 @@ void test_value_formatting::initTestCase_data()
 
 void test_value_formatting::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     QFETCH_GLOBAL(QLocale, locale);
     QLocale::setDefault(locale);
     log.start();
@@ -420,6 +420,6 @@ void test_value_formatting::unicode_when_cancelled()
     QCOMPARE(log.take_messages(), QStringList{u"plugin_static_function::convert_string_to_unicode:  : running"_s});
 }
 
-QTEST_MAIN(test_value_formatting)
+QTEST_GUILESS_MAIN(test_value_formatting)
 
 #include "test_value_formatting.moc"

@@ -3,8 +3,8 @@
 
 #include "common/platform/xml_property_list.h"
 #include "tests/support/property_list_bytes.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 #include <limits>
@@ -12,20 +12,14 @@
 using namespace Qt::StringLiterals;
 
 /** What stands in malformed lists, where Foundation's parsers answer each in its own way. */
-class test_xml_property_list : public QObject
+class test_xml_property_list : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void malformed_values_data();
     void malformed_values();
 };
-
-void test_xml_property_list::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_xml_property_list::malformed_values_data()
 {

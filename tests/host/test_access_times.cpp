@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -15,21 +15,15 @@
 using namespace Qt::StringLiterals;
 
 /** Who is not the owner of the evidence cannot keep its access times, and is told before the run. */
-class test_access_times : public QObject
+class test_access_times : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void owner_is_told_nothing();
     void other_user_is_told_data();
     void other_user_is_told();
 };
-
-void test_access_times::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_access_times::owner_is_told_nothing()
 {

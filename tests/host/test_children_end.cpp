@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <csignal>
@@ -31,19 +31,19 @@ QStringList processes_with(const QByteArray &variable)
 } // namespace
 
 /** However the program ends, no process of it runs on, and its case says that it is incomplete. */
-class test_children_end : public QObject
+class test_children_end : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void killed_program_data();
     void killed_program();
 };
 
 void test_children_end::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     if (!QDir(u"/proc/self"_s).exists())
         QSKIP("the system shows no processes");
 }

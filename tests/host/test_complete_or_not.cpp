@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <csignal>
@@ -15,12 +15,11 @@
 using namespace Qt::StringLiterals;
 
 /** However a run ends, its record says whether it came to its end, and one that did not may be begun anew. */
-class test_complete_or_not : public QObject
+class test_complete_or_not : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void signal_cancels_data();
     void signal_cancels();
     void hangup_that_is_ignored();
@@ -38,11 +37,6 @@ private:
 
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
 };
-
-void test_complete_or_not::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_complete_or_not::signal_cancels_data()
 {

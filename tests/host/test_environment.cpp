@@ -3,10 +3,10 @@
 
 #include "tests/host/host_program.h"
 #include "tests/host/private_mount.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -15,12 +15,11 @@
 using namespace Qt::StringLiterals;
 
 /** Whatever surrounds the program, it works, or it says what is wrong. */
-class test_environment : public QObject
+class test_environment : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void variable_changes_nothing_data();
     void variable_changes_nothing();
     void missing_variable_changes_nothing_data();
@@ -43,11 +42,6 @@ private:
 
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
 };
-
-void test_environment::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 /** The sample gives what it always gives, and nothing else is said. */
 void test_environment::extracts(const host_program &host, const QStringList &command)

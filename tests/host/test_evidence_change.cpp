@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <fcntl.h>
@@ -76,12 +76,11 @@ void remove_the_file(const QString &path)
 Q_DECLARE_METATYPE(change_step)
 
 /** What changes in the evidence during a run is told, by content and by what the file system says of its files. */
-class test_evidence_change : public QObject
+class test_evidence_change : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void change_is_told_data();
     void change_is_told();
     void file_that_comes_or_goes_beside();
@@ -92,11 +91,6 @@ private:
     const QStringList extract_macos = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
     const QStringList extract_ios = {u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s, u"case"_s};
 };
-
-void test_evidence_change::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_evidence_change::change_is_told_data()
 {

@@ -3,20 +3,19 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_extract : public QObject
+class test_extract : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void sample_gives_its_counts();
     void rows_carry_what_the_host_hands_in();
     void only_the_named_table_is_filled();
@@ -53,11 +52,6 @@ private:
     const QString devices_count = u"        devices             1,000 rows\n"_s;
     const QString paired_count = u"        paired_devices         20 rows\n"_s;
 };
-
-void test_extract::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_extract::sample_gives_its_counts()
 {

@@ -3,19 +3,18 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_extract_ios : public QObject
+class test_extract_ios : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void tables_without_room_are_told();
     void widened_tables_hold_every_device();
     void case_beside_the_log();
@@ -29,11 +28,6 @@ private:
         "leaves them as the suite makes them\n"_s;
     const QStringList extract_log = {u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s, u"case"_s};
 };
-
-void test_extract_ios::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 qint64 test_extract_ios::lines_with(const host_program &host, QByteArrayView marker) const
 {

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -42,12 +42,11 @@ QStringList contents(const QString &folder)
 } // namespace
 
 /** A case holds more than the program's results, and nothing else is lost by --force. */
-class test_force_removes_only_ours : public QObject
+class test_force_removes_only_ours : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void notes_stay_and_are_named_data();
     void notes_stay_and_are_named();
     void notes_in_temporary_folders_stop_the_run_data();
@@ -61,11 +60,6 @@ private:
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
     const QStringList extract_anew = extract_sample + QStringList{u"--force"_s};
 };
-
-void test_force_removes_only_ours::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_force_removes_only_ours::notes_stay_and_are_named_data()
 {

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/host/private_mount.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,12 +14,11 @@
 using namespace Qt::StringLiterals;
 
 /** Where the case cannot hold all of it, nothing is lost without a word. */
-class test_full_disk : public QObject
+class test_full_disk : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void no_room_for_the_copies_is_told_before_the_run();
     void full_disk_is_told_data();
     void full_disk_is_told();
@@ -29,11 +29,6 @@ private Q_SLOTS:
 private:
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
 };
-
-void test_full_disk::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_full_disk::no_room_for_the_copies_is_told_before_the_run()
 {

@@ -3,22 +3,21 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <csignal>
 
 using namespace Qt::StringLiterals;
 
-class test_interrupt : public QObject
+class test_interrupt : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void first_one_ends_the_extraction();
     void second_one_ends_the_program();
     void table_that_is_being_written_is_finished();
@@ -26,11 +25,6 @@ private Q_SLOTS:
 private:
     const QString finishing = u"note: finishing what is being written; again to stop at once\n"_s;
 };
-
-void test_interrupt::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_interrupt::first_one_ends_the_extraction()
 {

@@ -3,13 +3,13 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -22,12 +22,11 @@ constexpr bool has_memory_limit = true;
 #endif
 
 /** Memory, size and time have limits, each told by its name. */
-class test_limits : public QObject
+class test_limits : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void want_of_memory_is_told_data();
     void want_of_memory_is_told();
     void database_that_takes_gigabytes_data();
@@ -51,11 +50,6 @@ private:
 
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
 };
-
-void test_limits::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 host_result test_limits::extract_with(host_program &host, const QString &fault, const QStringList &options) const
 {

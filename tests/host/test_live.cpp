@@ -2,22 +2,21 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 /** A system in use: the case lies on it, and its evidence changes while it is read. */
-class test_live : public QObject
+class test_live : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void case_within_the_source_data();
     void case_within_the_source();
     void changes_are_notes();
@@ -25,11 +24,6 @@ private Q_SLOTS:
 private:
     const QStringList extract_live = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"--live"_s};
 };
-
-void test_live::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_live::case_within_the_source_data()
 {

@@ -2,30 +2,24 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 /** What is no log text of a device is no iOS source, and an empty result is not taken for a finding. */
-class test_no_log_text : public QObject
+class test_no_log_text : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void file_is_refused_data();
     void file_is_refused();
     void log_is_taken_data();
     void log_is_taken();
 };
-
-void test_no_log_text::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_no_log_text::file_is_refused_data()
 {

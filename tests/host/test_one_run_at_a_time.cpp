@@ -3,22 +3,21 @@
 
 #include "host/files/file_lock.h"
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 /** Two runs never write into one case. */
-class test_one_run_at_a_time : public QObject
+class test_one_run_at_a_time : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void lock_of_somebody_else_data();
     void lock_of_somebody_else();
     void second_run_is_refused_data();
@@ -29,11 +28,6 @@ private Q_SLOTS:
 private:
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
 };
-
-void test_one_run_at_a_time::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_one_run_at_a_time::lock_of_somebody_else_data()
 {

@@ -2,22 +2,21 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 /** The plug-in tells of failures in its log alone: a log that lost a line is a failure. */
-class test_plugin_log_is_whole : public QObject
+class test_plugin_log_is_whole : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void stands_in_the_case_and_has_its_end();
     void harmed_log_is_told_data();
     void harmed_log_is_told();
@@ -32,11 +31,6 @@ private:
 
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
 };
-
-void test_plugin_log_is_whole::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_plugin_log_is_whole::stands_in_the_case_and_has_its_end()
 {

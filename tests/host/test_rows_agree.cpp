@@ -3,10 +3,10 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QFile>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTest>
@@ -15,12 +15,11 @@ using namespace Qt::StringLiterals;
 
 /** Rows found in the evidence, announced by the plug-in and stored in the result are the same, or the numbers are told.
  */
-class test_rows_agree : public QObject
+class test_rows_agree : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void numbers_stand_in_the_record();
     void result_that_is_harmed_data();
     void result_that_is_harmed();
@@ -42,11 +41,6 @@ private:
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
     const QStringList extract_paired = extract_sample + QStringList{u"--table"_s, u"paired_devices"_s};
 };
-
-void test_rows_agree::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_rows_agree::numbers_stand_in_the_record()
 {

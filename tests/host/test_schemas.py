@@ -6,11 +6,13 @@
 # Cases of every kind that can be made quickly fit docs/*.schema.json, what does not fit is refused, and the lists of
 # sources that the program takes and refuses are those that their schema takes and refuses.
 
+import contextlib
 import copy
 import json
 import pathlib
 import shutil
 import signal
+import sqlite3
 import sys
 import time
 import unittest
@@ -77,6 +79,20 @@ class manifests(fitting_case):
         self.assertEqual(self.statuses_that_fit(), ["failed", "partial", "not run"])
         states = {file["state"] for file in self.read("case/manifest.json")["sources"][1]["evidence"]}
         self.assertEqual(states, {"present", "absent", "refused"})
+
+    def test_write_ahead_log(self):
+        name = "Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"
+        with contextlib.closing(sqlite3.connect(self.folder / "sample/macos" / name)) as database:
+            database.execute("PRAGMA journal_mode=WAL")
+            database.execute("DELETE FROM OtherDevices WHERE rowid < 3")
+            database.execute("UPDATE OtherDevices SET Name = 'another' WHERE rowid = 3")
+            database.commit()
+            shutil.copytree(self.folder / "sample/macos", self.folder / "logged")  # closing writes the log back
+        (self.folder / "logged" / (name + "-shm")).unlink()
+        self.run_program("extract", "-i", "logged", "-o", "case")
+        self.assertEqual(self.statuses_that_fit(), ["done"])
+        self.assertEqual(self.read("case/manifest.json")["sources"][0]["wal"],
+                         {"devices": {"added": 0, "changed": 1, "deleted": 2}})
 
     def test_timed_out(self):
         self.run_program("extract", "-i", "sample/macos", "-o", "case", "--plugin", waiting_plugin, "--timeout", "1",

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -19,12 +20,11 @@
 using namespace Qt::StringLiterals;
 
 /** Evidence must be after a run what it was before it, down to the times of access. */
-class test_source_untouched : public QObject
+class test_source_untouched : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void state_stays_data();
     void state_stays();
     void system_calls_only_read_data();
@@ -130,11 +130,6 @@ bool copies_from(const QString &line, const QString &folder)
 }
 
 } // namespace
-
-void test_source_untouched::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_source_untouched::add_sources()
 {

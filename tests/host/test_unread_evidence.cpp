@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -70,12 +70,11 @@ void put_a_link_inside(const QString &path)
 Q_DECLARE_METATYPE(replacement)
 
 /** Absent, unreadable and refused are three things, each told with the file's name and the reason. */
-class test_unread_evidence : public QObject
+class test_unread_evidence : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void one_of_two_data();
     void one_of_two();
     void both_data();
@@ -88,11 +87,6 @@ private Q_SLOTS:
 private:
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
 };
-
-void test_unread_evidence::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_unread_evidence::one_of_two_data()
 {

@@ -3,9 +3,9 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QFile>
-#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTest>
@@ -27,12 +27,11 @@ bool write_file(const QString &path, const QByteArray &content)
 } // namespace
 
 /** What stands beside a database and is not read is told, each with what it means for the rows. */
-class test_write_ahead_log : public QObject
+class test_write_ahead_log : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void rows_are_those_of_the_main_file_data();
     void rows_are_those_of_the_main_file();
     void other_companions_data();
@@ -45,11 +44,6 @@ private:
 
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
 };
-
-void test_write_ahead_log::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_write_ahead_log::leave_a_log(const host_program &host, const QStringList &statements)
 {

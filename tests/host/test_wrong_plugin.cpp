@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <csignal>
@@ -24,13 +24,13 @@ constexpr bool has_sanitizer = false;
 #endif
 
 /** No plug-in ends the program, and nothing that one does is taken for success. */
-class test_wrong_plugin : public QObject
+class test_wrong_plugin : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase();
-    void init();
+    void init() override;
     void file_that_is_none_data();
     void file_that_is_none();
     void fault_while_it_is_loaded_data();
@@ -57,7 +57,7 @@ void test_wrong_plugin::initTestCase()
 
 void test_wrong_plugin::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     QVERIFY(QDir(host.path(u"case"_s)).removeRecursively());
 }
 

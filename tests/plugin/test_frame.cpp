@@ -8,11 +8,11 @@
 #include "extractors/winos/bluetooth_logs_winos.h"
 #include "plugin/m_bluetooth_logs.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QMetaMethod>
 #include <QPointer>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -29,12 +29,12 @@ using frame_reader = std::function<QVariantList(const bluetooth_logs &)>;
 Q_DECLARE_METATYPE(frame_operation)
 Q_DECLARE_METATYPE(frame_reader)
 
-class test_frame : public QObject
+class test_frame : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void methods_in_order();
     void form();
     void form_keeps_an_object_name();
@@ -62,7 +62,7 @@ private Q_SLOTS:
 
 void test_frame::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     plugin_static_function::set_essentials();
 }
 

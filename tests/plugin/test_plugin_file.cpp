@@ -3,6 +3,7 @@
 
 #include "common/shared_records.h"
 #include "tests/support/macos_source.h"
+#include "tests/support/strict_test.h"
 
 #include <QFrame>
 #include <QLibrary>
@@ -47,21 +48,15 @@ public:
 };
 
 /** The plug-in file itself, as the suite loads it. Its path is the first argument of the build. */
-class test_plugin_file : public QObject
+class test_plugin_file : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void exported_names();
     void fields_of_the_records_stand_in_order();
     void operations_stand_in_slot_order();
 };
-
-void test_plugin_file::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_plugin_file::exported_names()
 {

@@ -4,20 +4,20 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/file_content.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_result_store : public QObject
+class test_result_store : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void paths_data();
     void paths();
     void transcript_of_the_set_up();
@@ -43,7 +43,7 @@ private:
 
 void test_result_store::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     run = std::make_unique<plugin_run>();
 }
 

@@ -3,9 +3,9 @@
 
 #include "common/plugin_helper_functions.h"
 #include "tests/extractors/ios_uid/ios_uid_case.h"
+#include "tests/support/strict_test.h"
 
 #include <QMetaMethod>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -37,12 +37,11 @@ struct kept_settings
     bool operator==(const kept_settings &) const = default;
 };
 
-class test_bluetooth_logs_ios_uid : public QObject
+class test_bluetooth_logs_ios_uid : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void own_methods_are_the_two_signals();
     void starts_empty();
     void setters_store();
@@ -72,11 +71,6 @@ private:
                 extractor.source_log_file_path};
     }
 };
-
-void test_bluetooth_logs_ios_uid::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_bluetooth_logs_ios_uid::own_methods_are_the_two_signals()
 {

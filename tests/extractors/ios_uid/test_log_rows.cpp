@@ -3,8 +3,8 @@
 
 #include "tests/extractors/ios_uid/ios_uid_case.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -43,12 +43,11 @@ QStringList paired_rows(const ios_uid_case &test)
 } // namespace
 
 /** What a log makes of result tables that a host has given the missing columns. */
-class test_log_rows : public QObject
+class test_log_rows : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void devices_data();
     void devices();
     void paired_devices_data();
@@ -58,11 +57,6 @@ private Q_SLOTS:
     void a_huge_line_data();
     void a_huge_line();
 };
-
-void test_log_rows::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_log_rows::devices_data()
 {

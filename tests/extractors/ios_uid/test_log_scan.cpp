@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "extractors/ios_uid/log_scan.h"
+#include "tests/support/strict_test.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <vector>
@@ -120,12 +120,11 @@ private:
 
 } // namespace
 
-class test_log_scan : public QObject
+class test_log_scan : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void finds_the_lines_data();
     void finds_the_lines();
     void agrees_with_reading_line_by_line_data();
@@ -137,11 +136,6 @@ private Q_SLOTS:
     void a_flag_set_before_stops_at_once_unless_there_is_no_line();
     void a_read_error_ends_the_log();
 };
-
-void test_log_scan::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_log_scan::finds_the_lines_data()
 {
@@ -281,6 +275,6 @@ void test_log_scan::a_read_error_ends_the_log()
     }
 }
 
-QTEST_MAIN(test_log_scan)
+QTEST_GUILESS_MAIN(test_log_scan)
 
 #include "test_log_scan.moc"

@@ -5,9 +5,9 @@
 #include "tests/extractors/ios_uid/ios_uid_case.h"
 #include "tests/support/log_watch.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QTest>
 
@@ -60,12 +60,11 @@ qint64 row_count(const ios_uid_case &test)
 
 } // namespace
 
-class test_read_log : public QObject
+class test_read_log : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void whole_run_against_the_tables_of_the_plugin();
     void result_database_cannot_be_opened_data();
     void result_database_cannot_be_opened();
@@ -90,11 +89,6 @@ private Q_SLOTS:
     void connection_stays_closed_data();
     void connection_stays_closed();
 };
-
-void test_read_log::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_read_log::whole_run_against_the_tables_of_the_plugin()
 {

@@ -5,22 +5,22 @@
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
-class test_device_name : public QObject
+class test_device_name : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void names_data();
     void names();
     void the_key_counts_exactly_data();
@@ -47,7 +47,7 @@ private:
 
 void test_device_name::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     log.start();
     log.take_lines();
     source = std::make_unique<QTemporaryDir>();

@@ -5,11 +5,11 @@
 #include "extractors/macos/device_rows.h"
 #include "extractors/macos/device_tables.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -33,12 +33,12 @@ QString as_json(const QList<QJsonObject> &rows)
 } // namespace
 
 /** Rows of a database that is open already; no extractor, no case. */
-class test_device_rows : public QObject
+class test_device_rows : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void rows_of_a_query_data();
     void rows_of_a_query();
     void well_formed_schemas_data();
@@ -60,7 +60,7 @@ private:
 
 void test_device_rows::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     directory = std::make_unique<QTemporaryDir>();
 }
 

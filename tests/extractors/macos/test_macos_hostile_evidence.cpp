@@ -5,11 +5,11 @@
 #include "tests/support/log_watch.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -38,12 +38,12 @@ std::pair<qint64, qsizetype> read_varint(const QByteArray &bytes, qsizetype posi
 } // namespace
 
 /** The evidence's author is not on our side: nothing he wrote hangs or crashes the host, or makes it write to him. */
-class test_macos_hostile_evidence : public QObject
+class test_macos_hostile_evidence : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void tables_that_are_not_ordinary_data();
     void tables_that_are_not_ordinary();
     void ordinary_table_in_another_case();
@@ -75,7 +75,7 @@ private:
 
 void test_macos_hostile_evidence::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     source = std::make_unique<macos_source>();
     run = std::make_unique<plugin_run>();
     run->source.source_root_path = source->root();

@@ -9,10 +9,10 @@
 #include "tests/support/log_watch.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QTest>
 
@@ -20,12 +20,12 @@ using namespace Qt::StringLiterals;
 
 Q_DECLARE_METATYPE(QJsonValue)
 
-class test_macos_readers : public QObject
+class test_macos_readers : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void value_conversion_data();
     void value_conversion();
     void null_in_a_number_column_is_an_empty_text();
@@ -54,7 +54,7 @@ private:
 
 void test_macos_readers::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     source = std::make_unique<macos_source>();
     run = std::make_unique<plugin_run>();
     run->source.source_root_path = source->root();

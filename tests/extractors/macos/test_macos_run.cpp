@@ -6,9 +6,9 @@
 #include "tests/support/log_watch.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -107,12 +107,12 @@ public:
 
 } // namespace
 
-class test_macos_run : public QObject
+class test_macos_run : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() override;
     void cleanup();
     void full_run();
     void full_run_of_the_other_engines_data();
@@ -149,7 +149,7 @@ private:
 
 void test_macos_run::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
+    strict_test::init();
     source = std::make_unique<macos_source>();
     run = std::make_unique<plugin_run>();
     run->source.source_root_path = source->root();

@@ -6,21 +6,20 @@
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QMetaMethod>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_macos_source : public QObject
+class test_macos_source : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void signals_in_order();
     void initial_values();
     void setters();
@@ -35,11 +34,6 @@ private Q_SLOTS:
     void cancelled_extractor_writes_nothing();
     void staging_keeps_an_earlier_copy();
 };
-
-void test_macos_source::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_macos_source::signals_in_order()
 {

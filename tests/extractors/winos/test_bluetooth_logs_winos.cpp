@@ -5,10 +5,10 @@
 
 #include "common/plugin_helper_functions.h"
 #include "tests/support/debug_log_capture.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QMetaMethod>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -38,12 +38,11 @@ struct kept_settings
     bool operator==(const kept_settings &) const = default;
 };
 
-class test_bluetooth_logs_winos : public QObject
+class test_bluetooth_logs_winos : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void own_methods_are_the_two_signals();
     void starts_empty();
     void setters_store();
@@ -73,11 +72,6 @@ private:
                 extractor.plugin_name};
     }
 };
-
-void test_bluetooth_logs_winos::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_bluetooth_logs_winos::own_methods_are_the_two_signals()
 {

@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/case/case_layout.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -49,12 +49,11 @@ const QStringList files_of_a_run = {
 
 } // namespace
 
-class test_case_layout : public QObject
+class test_case_layout : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void places();
     void removal_leaves_nothing_of_a_run();
     void removal_leaves_all_else();
@@ -63,11 +62,6 @@ private Q_SLOTS:
     void traces_of_a_run();
     void source_numbers();
 };
-
-void test_case_layout::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_case_layout::places()
 {

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,12 +15,11 @@
 using namespace Qt::StringLiterals;
 
 /** What the program prints, and that it can print it wherever it is called. */
-class test_console : public QObject
+class test_console : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void help_data();
     void help();
     void help_everywhere_data();
@@ -30,11 +30,6 @@ private Q_SLOTS:
     void closed_streams_catch_no_file();
     void reader_that_goes_ends_the_program();
 };
-
-void test_console::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_console::help_data()
 {

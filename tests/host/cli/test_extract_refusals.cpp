@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -13,13 +13,12 @@
 
 using namespace Qt::StringLiterals;
 
-class test_extract_refusals : public QObject
+class test_extract_refusals : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void initTestCase();
-    void init();
     void refusal_data();
     void refusal();
     void case_reached_by_a_link();
@@ -41,11 +40,6 @@ void test_extract_refusals::initTestCase()
     QVERIFY(QDir().mkpath(host.path(u"old_case/Source1/Artifacts_Result/Bluetooth_Logs/source/Windows/System32"_s)));
     QCOMPARE(::mkfifo(QFile::encodeName(host.path(u"fifo"_s)).constData(), 0600), 0);
     QVERIFY(QFile(host.path(u"taken.log"_s)).open(QIODevice::WriteOnly));
-}
-
-void test_extract_refusals::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
 }
 
 void test_extract_refusals::refusal_data()

@@ -2,26 +2,20 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/nearest_word.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_nearest_word : public QObject
+class test_nearest_word : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void nearest_data();
     void nearest();
 };
-
-void test_nearest_word::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_nearest_word::nearest_data()
 {

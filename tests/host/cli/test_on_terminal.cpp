@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/host/pseudo_terminal.h"
+#include "tests/support/strict_test.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -12,12 +13,11 @@
 using namespace Qt::StringLiterals;
 
 /** Progress and colours are for terminals; here standard error is one. */
-class test_on_terminal : public QObject
+class test_on_terminal : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void standard_error_data();
     void standard_error();
     void progress_keeps_to_the_width();
@@ -27,11 +27,6 @@ private:
     static QByteArray errors_on_terminal(const host_program &host, const QStringList &arguments,
                                          const QByteArray &variable, int columns, int &exit_code);
 };
-
-void test_on_terminal::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 /** What the program writes to a terminal that is its standard error. @p variable is set to "1", TERM to "dumb". */
 QByteArray test_on_terminal::errors_on_terminal(const host_program &host, const QStringList &arguments,

@@ -3,22 +3,21 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QCryptographicHash>
 #include <QDirIterator>
 #include <QFile>
 #include <QMap>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_sample : public QObject
+class test_sample : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void two_runs_write_the_same_bytes();
     void every_file_is_there();
     void databases_have_the_real_layout_data();
@@ -49,11 +48,6 @@ QMap<QString, QByteArray> hashes(const QString &folder)
 }
 
 } // namespace
-
-void test_sample::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_sample::two_runs_write_the_same_bytes()
 {

@@ -2,28 +2,22 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/shell_text.h"
+#include "tests/support/strict_test.h"
 
 #include <QProcess>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_shell_text : public QObject
+class test_shell_text : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void word_data();
     void word();
 };
-
-void test_shell_text::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_shell_text::word_data()
 {

@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/host/pseudo_terminal.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,12 +18,11 @@
 
 using namespace Qt::StringLiterals;
 
-class test_show : public QObject
+class test_show : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void every_value_is_shown();
     void one_table_on_request();
     void no_rows();
@@ -52,11 +52,6 @@ private:
     }
     static sqlite_file make_case(const host_program &host, int number = 1, const QString &status = u"done"_s);
 };
-
-void test_show::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 /** A source of a case in the folder "case": its record, and its result tables without rows. */
 sqlite_file test_show::make_case(const host_program &host, int number, const QString &status)

@@ -2,26 +2,20 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/text_table.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_text_table : public QObject
+class test_text_table : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void columns_are_aligned();
     void a_very_long_cell_widens_no_column();
 };
-
-void test_text_table::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_text_table::columns_are_aligned()
 {

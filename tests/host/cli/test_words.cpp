@@ -2,20 +2,19 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 /** What the program answers to arguments that it cannot follow, and what it understands beside the exact words. */
-class test_words : public QObject
+class test_words : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void refusal_data();
     void refusal();
     void path_that_is_no_text_data();
@@ -29,11 +28,6 @@ private Q_SLOTS:
 private:
     host_program host;
 };
-
-void test_words::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_words::refusal_data()
 {

@@ -2,21 +2,20 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/files/sqlite.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_sqlite : public QObject
+class test_sqlite : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void table_is_told_from_what_is_none_data();
     void table_is_told_from_what_is_none();
     void stranger_runs_nothing_data();
@@ -37,11 +36,6 @@ sqlite_database database_of(const QTemporaryDir &folder, const QByteArray &state
 }
 
 } // namespace
-
-void test_sqlite::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_sqlite::table_is_told_from_what_is_none_data()
 {

@@ -2,18 +2,17 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/files/terminal_text.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_terminal_text : public QObject
+class test_terminal_text : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void text_data();
     void text();
     void nothing_that_acts_gets_through();
@@ -25,11 +24,6 @@ private Q_SLOTS:
     void ascii_can_be_pasted();
     void style_ends_with_the_text();
 };
-
-void test_terminal_text::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_terminal_text::text_data()
 {

@@ -5,10 +5,10 @@
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -39,12 +39,11 @@ QString refusal(Function function)
 } // namespace
 
 /** Files of the program are written whole, read with care, locked, and stand where they were meant to. */
-class test_whole_files : public QObject
+class test_whole_files : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void file_is_replaced_as_a_whole();
     void link_is_replaced_and_not_followed();
     void what_cannot_be_written_leaves_the_old();
@@ -58,11 +57,6 @@ private Q_SLOTS:
     void absolute_data();
     void absolute();
 };
-
-void test_whole_files::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_whole_files::file_is_replaced_as_a_whole()
 {

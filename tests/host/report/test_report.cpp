@@ -5,6 +5,7 @@
 #include "tests/host/pseudo_terminal.h"
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
+#include "tests/support/strict_test.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -14,7 +15,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -90,12 +90,11 @@ QList<QJsonObject> json_lines_of(const QString &path)
 
 } // namespace
 
-class test_report : public QObject
+class test_report : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void rows_for_programs();
     void shared_devices();
     void chains_join();
@@ -133,11 +132,6 @@ private Q_SLOTS:
     void case_that_was_not_collected();
     void folder_in_the_evidence();
 };
-
-void test_report::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_report::rows_for_programs()
 {

@@ -7,8 +7,8 @@
 #include "host/report/preferences_names.h"
 #include "host/report/rank.h"
 #include "host/report/separated_cell.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -43,12 +43,11 @@ QString shown(const std::optional<QByteArray> &text)
 } // namespace
 
 /** How single values are read and shown. */
-class test_report_values : public QObject
+class test_report_values : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void addresses_data();
     void addresses();
     void log_lines_data();
@@ -64,11 +63,6 @@ private Q_SLOTS:
     void markup_data();
     void markup();
 };
-
-void test_report_values::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_report_values::addresses_data()
 {

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -19,12 +20,11 @@
 using namespace Qt::StringLiterals;
 
 /** Cases of several sources: what each gives, what a case is after a run that was cut short, and what never changes. */
-class test_cases : public QObject
+class test_cases : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void five_sources_one_out_of_memory();
     void missing_source_fails_alone();
     void changed_bytes_are_found_data();
@@ -45,6 +45,7 @@ private Q_SLOTS:
     void wrong_list_is_refused();
     void one_of_many_looks_at_no_other();
     void progress_for_programs();
+    void progress_for_programs_tells_all_that_goes_wrong();
 };
 
 namespace {
@@ -172,11 +173,6 @@ bool is_sanitized()
 }
 
 } // namespace
-
-void test_cases::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_cases::five_sources_one_out_of_memory()
 {
@@ -560,6 +556,24 @@ void test_cases::progress_for_programs()
     QCOMPARE(ended, (QMap<int, QString>{{1, u"done"_s}, {3, u"done"_s}}));
     QCOMPARE(json(host.path(u"case/Source3/source.json"_s)).value("name"_L1).toString(), u"Laptop of the hallway"_s);
     QCOMPARE(content(host.path(u"case/manifest.json.sha256"_s)).size(), 64 + qstrlen("  manifest.json\n"));
+}
+
+void test_cases::progress_for_programs_tells_all_that_goes_wrong()
+{
+    const host_program host;
+    write_sources(host);
+    const QStringList arguments{u"-i"_s, u"sample/macos"_s, u"-i"_s, u"none"_s, u"--progress"_s, u"json"_s};
+    const host_result failed = run_extract(host, arguments);
+    QCOMPARE(failed.exit_code, 4);
+    QVERIFY(failed.errors.startsWith(u"{"_s));
+    QVERIFY2(failed.errors.endsWith(
+                 u"\n{\"event\":\"message\",\"text\":\"not done: source 2\",\"weight\":\"error\"}\n"_s),
+             qPrintable(failed.errors));
+    const host_result refused = run_extract(host, arguments);
+    QCOMPARE(refused.exit_code, 2);
+    QVERIFY2(refused.errors.startsWith(u"{\"event\":\"message\",\"text\":\"the case already holds a result, "_s),
+             qPrintable(refused.errors));
+    QCOMPARE(refused.errors.count(u'\n'), 1);
 }
 
 QTEST_GUILESS_MAIN(test_cases)

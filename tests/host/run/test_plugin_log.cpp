@@ -2,19 +2,18 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/run/plugin_log.h"
+#include "tests/support/strict_test.h"
 
 #include <QBuffer>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
-class test_plugin_log : public QObject
+class test_plugin_log : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void words_data();
     void words();
     void nothing_failed_data();
@@ -49,11 +48,6 @@ QStringList texts(const QList<logged_failure> &failures)
 }
 
 } // namespace
-
-void test_plugin_log::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_plugin_log::words_data()
 {

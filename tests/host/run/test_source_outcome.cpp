@@ -4,8 +4,8 @@
 #include "host/run/source_outcome.h"
 
 #include "host/source/macos_databases.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 #include <csignal>
@@ -62,23 +62,17 @@ worker_report good_report()
 Q_DECLARE_METATYPE(deviation)
 Q_DECLARE_METATYPE(exit_code)
 
-class test_source_outcome : public QObject
+class test_source_outcome : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void verdict_data();
     void verdict();
     void interruption_counts_before_everything_but_a_change();
     void record_holds_all_that_is_known();
     void later_failure();
 };
-
-void test_source_outcome::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_source_outcome::verdict_data()
 {

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/source/evidence_files.h"
+#include "tests/support/strict_test.h"
 
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -30,20 +30,14 @@ evidence_state unchanged()
 
 Q_DECLARE_METATYPE(change)
 
-class test_evidence_state : public QObject
+class test_evidence_state : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void changes_data();
     void changes();
 };
-
-void test_evidence_state::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_evidence_state::changes_data()
 {

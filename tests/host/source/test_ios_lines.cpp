@@ -5,10 +5,10 @@
 #include "extractors/ios_uid/parse_log_line.h"
 #include "host/source/ios_lines.h"
 #include "tests/support/file_content.h"
+#include "tests/support/strict_test.h"
 
 #include <QBuffer>
 #include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -68,23 +68,17 @@ QByteArray random_log(QRandomGenerator &random)
 
 } // namespace
 
-class test_ios_lines : public QObject
+class test_ios_lines : public strict_test
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
     void finds_lines_data();
     void finds_lines();
     void finds_what_the_plugin_finds();
     void a_line_of_any_length();
     void written_lines();
 };
-
-void test_ios_lines::init()
-{
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
-}
 
 void test_ios_lines::finds_lines_data()
 {
