@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/result_rows.h"
+#include "tests/support/strict_test.h"
 
 #include <QTest>
 
-class test_result_rows : public QObject
+class test_result_rows : public strict_test
 {
     Q_OBJECT
 

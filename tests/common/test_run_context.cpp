@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "common/plugin_static_function.h"
+#include "tests/support/strict_test.h"
 
 #include <QMetaMethod>
 #include <QTest>
@@ -10,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 using library = plugin_static_function;
 
-class test_run_context : public QObject
+class test_run_context : public strict_test
 {
     Q_OBJECT
 

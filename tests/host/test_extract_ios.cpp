@@ -72,7 +72,7 @@ void test_extract_ios::widened_tables_hold_every_device()
              QList<QVariantList>({{devices, devices, devices, u"iOS"_s, u"Source1"_s}}));
     QCOMPARE(database.rows(u"SELECT count(*), count(device_address), count(status), count(date) FROM paired_devices"_s),
              QList<QVariantList>({{paired, paired, paired, paired}}));
-    QVERIFY(!database.rows(u"SELECT 1 FROM devices WHERE device_name = 'Anna''s Buds' AND model <> ''"_s).isEmpty());
+    QVERIFY(!database.rows(u"SELECT 1 FROM devices WHERE device_name = 'Desk''s Phone' AND model <> ''"_s).isEmpty());
     QVERIFY(!database.rows(u"SELECT 1 FROM paired_devices WHERE status = 'Route changed to'"_s).isEmpty());
 }
 

@@ -3,13 +3,13 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/file_content.h"
+#include "tests/support/strict_test.h"
 
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
 
@@ -35,7 +35,7 @@ bool is_harmless(const QString &text)
 } // namespace
 
 /** The names of the hostile sample, in everything that the program writes and prints. */
-class test_hostile_names : public QObject
+class test_hostile_names : public strict_test
 {
     Q_OBJECT
 
@@ -60,7 +60,6 @@ private:
 
 void test_hostile_names::initTestCase()
 {
-    QTest::failOnWarning(QRegularExpression(u".*"_s));
     QCOMPARE(host.run({u"sample"_s, u"sample"_s, u"--hostile"_s}).exit_code, 0);
     const host_result extraction = host.run(
         {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s, u"case"_s});
