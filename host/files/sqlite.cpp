@@ -3,6 +3,8 @@
 
 #include "host/files/sqlite.h"
 
+#include "host/files/utf8_text.h"
+
 #include <QFile>
 
 #include <chrono>
@@ -265,5 +267,5 @@ QByteArrayView sqlite_statement::bytes(int column) const
 
 QString sqlite_statement::text(int column) const
 {
-    return QString::fromUtf8(bytes(column));
+    return utf8_text(bytes(column));
 }

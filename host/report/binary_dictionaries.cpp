@@ -125,7 +125,7 @@ std::optional<QByteArray> binary_dictionaries::text(quint64 object) const
     const std::optional<QByteArrayView> content = bytes_at(found->position, 2 * found->count);
     if (!content)
         return {};
-    QStringDecoder decode(QStringDecoder::Utf16BE);
+    QStringDecoder decode(QStringDecoder::Utf16BE, QStringDecoder::Flag::ConvertInitialBom);
     const QString decoded = decode(*content);
     return decoded.toUtf8();
 }

@@ -5,6 +5,7 @@
 
 #include "host/files/json_text.h"
 #include "host/files/terminal_text.h"
+#include "host/files/utf8_text.h"
 
 #include <QLocale>
 
@@ -35,7 +36,7 @@ QString whole_text(QByteArrayView bytes)
 {
     if (!bytes.isValidUtf8())
         return u"x'"_s + QString::fromLatin1(bytes.toByteArray().toHex()) + u'\'';
-    const QString text = QString::fromUtf8(bytes);
+    const QString text = utf8_text(bytes);
     return is_plain(bytes) ? text : terminal_text(text).to_string();
 }
 

@@ -138,7 +138,7 @@ void test_sqlite::values_come_as_they_are()
     const sqlite_database database(folder.filePath(u"x.db"_s), sqlite_database::access::create);
     sqlite_statement row(database, "SELECT NULL, 9223372036854775807, 0.5, 'a' || char(0) || 'b', x'ff00', "
                                    "CAST(x'61ff62' AS TEXT), ?, ?, ? AS name");
-    row.bind(0, u"ü"_s);
+    row.bind(0, u"\uFEFFü"_s); // no byte order mark: a text of a row is no file
     row.bind(1, qint64(-1));
     row.bind_null(2);
     QVERIFY(row.next());
@@ -153,7 +153,7 @@ void test_sqlite::values_come_as_they_are()
     QCOMPARE(row.bytes(3).toByteArray(), QByteArray("a\0b", 3));
     QCOMPARE(row.bytes(4).toByteArray(), QByteArray("\xff\0", 2));
     QCOMPARE(row.text(5), u"a\ufffdb"_s);
-    QCOMPARE(row.text(6), u"ü"_s);
+    QCOMPARE(row.text(6), u"\uFEFFü"_s);
     QCOMPARE(row.integer(7), -1);
     QCOMPARE(row.column_name(8), u"name"_s);
     QVERIFY(!row.next());

@@ -287,6 +287,7 @@ void test_report_values::markup_data()
     QTest::newRow("comment")   << QByteArray("<!--")          << QByteArray("&lt;!--")           << QByteArray("\"\\u003c!--\"");
     QTest::newRow("terminal")  << QByteArray("\x1b]0;")       << QByteArray("\\u{1b}]0;")        << QByteArray("\"\\\\u{1b}]0;\"");
     QTest::newRow("direction") << QByteArray("\xE2\x80\xAE""a") << QByteArray("\\u{202e}a")      << QByteArray("\"\\\\u{202e}a\"");
+    QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBF""a") << QByteArray("\\u{feff}a")  << QByteArray("\"\\\\u{feff}a\"");
     QTest::newRow("backslash") << QByteArray("a\\b")          << QByteArray("a\\\\b")            << QByteArray("\"a\\\\\\\\b\"");
     QTest::newRow("no UTF-8")  << QByteArray("\xED\xA0\x80")  << QByteArray("x&#39;eda080&#39;") << QByteArray("\"x'eda080'\"");
     // clang-format on
