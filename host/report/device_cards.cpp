@@ -112,9 +112,12 @@ html_table device_cards(const report_case &that_case, const QList<joined_device>
             sources.append(QByteArray::number(that_case.sources.at(source).record.number));
         table.begin_row();
         table.add(u"device_name"_s, texts_of(device, &device_appearance::name));
+        table.add(u"host_name"_s, texts_of(device, &device_appearance::host_name));
         table.add(u"host_preferences_name"_s, texts_of(device, &device_appearance::preferences_name));
         table.add(u"address"_s, texts_of(device, &device_appearance::address));
+        table.add(u"host_address_kind"_s, texts_of(device, &device_appearance::address_kind));
         table.add(u"host_resolved_address"_s, texts_of(device, &device_appearance::resolved_address));
+        table.add(u"host_vendor"_s, texts_of(device, &device_appearance::vendor));
         table.add(u"icloud_identifier"_s, texts_of(device, &device_appearance::icloud_identifier));
         table.add(u"uuid"_s, texts_of(device, &device_appearance::uuid));
         table.add(u"sources"_s, sources.join(", "));

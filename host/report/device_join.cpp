@@ -72,7 +72,10 @@ device_appearance appearance_of(const report_row &row, int source)
     result.name = text_in(row.plugin, {"device_name"_L1});
     result.address = text_in(row.plugin, {"address"_L1, "device_address"_L1});
     result.resolved_address = bytes_of(row, host_field::resolved_address);
+    result.host_name = bytes_of(row, host_field::name);
     result.preferences_name = bytes_of(row, host_field::preferences_name);
+    result.vendor = bytes_of(row, host_field::vendor);
+    result.address_kind = bytes_of(row, host_field::address_kind);
     result.icloud_identifier = bytes_of(row, host_field::icloud_identifier);
     if (result.icloud_identifier.isEmpty())
         result.icloud_identifier = text_in(row.plugin, {"icloud_identifier"_L1});

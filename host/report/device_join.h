@@ -41,10 +41,13 @@ struct device_appearance
     row_place place;
     QByteArray uuid;
     QByteArray name;             ///< the result's
+    QByteArray host_name;        ///< the evidence's
     QByteArray preferences_name; ///< the preferences list's
     QByteArray address;          ///< as the result has it
     QByteArray resolved_address;
     QByteArray icloud_identifier;
+    QByteArray vendor;
+    QByteArray address_kind;
     QList<join_key> keys;
 };
 

@@ -290,6 +290,8 @@ void test_report::card_for_each_device()
     const QJsonArray cards{
         QJsonObject{{u"device_name"_s, u"=cmd|'/c'!A1 | <script>alert(1)</script>\\u{1b}]0;x | a,\"b\"\\u{d}\\u{a}c"_s},
                     {u"address"_s, u"Random C0:00:00:00:00:01 | Public b4:c2:6a:7f:d3:7a | Public B4:C2:6A:7F:D3:7A"_s},
+                    {u"host_name"_s, u"=cmd|'/c'!A1 | <script>alert(1)</script>\\u{1b}]0;x | a,\"b\"\\u{d}\\u{a}c"_s},
+                    {u"host_address_kind"_s, u"static | public"_s},
                     {u"host_resolved_address"_s, u"Public B4:C2:6A:7F:D3:7A"_s},
                     {u"icloud_identifier"_s, u"ic-1"_s},
                     {u"uuid"_s, u"U-1 | U-2"_s},
@@ -300,6 +302,8 @@ void test_report::card_for_each_device()
                     {u"not_joined_because"_s, QJsonValue()},
                     {u"appears_as"_s, places}},
         QJsonObject{{u"device_name"_s, QJsonValue()},
+                    {u"host_name"_s, QJsonValue()},
+                    {u"host_address_kind"_s, u"resolvable"_s},
                     {u"address"_s, u"Random 40:00:00:00:00:01"_s},
                     {u"host_resolved_address"_s, QJsonValue()},
                     {u"icloud_identifier"_s, QJsonValue()},
