@@ -63,6 +63,7 @@ class RowTable {
         this.isDescending = false;
         this.texts = null;
         this.first = -1;
+        this.input.addEventListener("focus", () => this.prepareFilter());
         this.input.addEventListener("input", () => this.filter());
         this.view.addEventListener("scroll", () => this.show());
         section.querySelectorAll("th button").forEach((button, column) =>
@@ -85,10 +86,15 @@ class RowTable {
         return this.texts[index].includes(this.words);
     }
 
-    filter() {
-        this.words = this.input.value.toLowerCase();
+    /** Before the first letter is typed. */
+    prepareFilter() {
         if (this.texts === null)
             this.texts = this.rows.map(row => row.join("\n").toLowerCase());
+    }
+
+    filter() {
+        this.words = this.input.value.toLowerCase();
+        this.prepareFilter();
         this.update();
     }
 
