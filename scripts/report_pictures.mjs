@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // node scripts/report_pictures.mjs PROGRAM FOLDER [MODULES]
-// Takes pictures of a report of the sample into FOLDER: light.png, dark.png, narrow.png, print.pdf, and report.png for
-// README.md, which is docs/report.png. ./test.sh installs what it needs into build/browser, the usual MODULES.
+// Takes pictures of a report of the sample into FOLDER: light, dark and narrow ones, print.pdf, and report.png, which is
+// docs/report.png for README.md. MODULES is build/browser unless it is given; ./test.sh installs what is needed there.
 
 import {execFileSync} from "node:child_process";
 import {mkdirSync, mkdtempSync, rmSync} from "node:fs";
@@ -13,8 +13,8 @@ import {pathToFileURL} from "node:url";
 
 import {startBrowser} from "../tests/host/report/browser/browser.mjs";
 
-const [program, folder, modules = "build/browser"] = process.argv.slice(2).map(word => resolve(word));
-const {browser} = await startBrowser(modules ?? resolve("build/browser"));
+const [program, folder, modules] = process.argv.slice(2).concat("build/browser").map(word => resolve(word));
+const {browser} = await startBrowser(modules);
 mkdirSync(folder, {recursive: true});
 
 const place = mkdtempSync(join(tmpdir(), "report-pictures-"));
@@ -24,30 +24,41 @@ run("extract", "-i", "sample/macos", "-i", "sample/ios/system.log", "-o", "case"
     "--examiner", "A. Example");
 run("report", "case");
 
+const address = pathToFileURL(join(place, "case/Report/report.html")).href;
+
 async function take(name, {width, height, scheme = "light", scale = 1, prepare = async () => {}}) {
     const page = await browser.newPage();
     await page.setViewport({width, height, deviceScaleFactor: scale});
     await page.emulateMediaFeatures([{name: "prefers-color-scheme", value: scheme}]);
-    await page.goto(pathToFileURL(join(place, "case/Report/report.html")).href);
+    await page.goto(address);
     await prepare(page);
     await page.screenshot({path: join(folder, name)});
     await page.close();
 }
 
-const toDevices = async page => {
+const toFilter = async page => {
     await page.type("#devices-filter", "o");
     await page.$eval("#devices", section => section.scrollIntoView());
 };
-await take("light.png", {width: 1280, height: 1600});
-await take("light-devices.png", {width: 1280, height: 1000, prepare: toDevices});
-await take("dark.png", {width: 1280, height: 1600, scheme: "dark"});
-await take("dark-devices.png", {width: 1280, height: 1000, scheme: "dark", prepare: toDevices});
+const toNames = async page => {
+    for (const unused of ["ascending", "descending"])
+        await page.click("#cards th:nth-child(2) button");
+    await page.evaluate(() => document.activeElement.blur());
+    await page.$eval("#cards", section => section.scrollIntoView());
+    await page.$eval("#cards .window", view => { // past scripts that the set-up installs no fonts for
+        view.scrollTop = 9 * view.querySelector("tbody tr").getBoundingClientRect().height;
+    });
+};
+
+await take("report.png", {width: 1200, height: 560, prepare: toNames});
+for (const scheme of ["light", "dark"]) {
+    await take(`${scheme}.png`, {width: 1280, height: 1600, scheme});
+    await take(`${scheme}-filter.png`, {width: 1280, height: 1000, scheme, prepare: toFilter});
+}
 await take("narrow.png", {width: 320, height: 1600, scale: 2});
-await take("narrow-devices.png", {width: 320, height: 900, scale: 2, prepare: toDevices});
+await take("narrow-filter.png", {width: 320, height: 900, scale: 2, prepare: toFilter});
 const page = await browser.newPage();
-await page.goto(pathToFileURL(join(place, "case/Report/report.html")).href);
-console.time("pdf");
-await page.pdf({path: join(folder, "print.pdf"), format: "A4", timeout: 0, preferCSSPageSize: true});
-console.timeEnd("pdf");
+await page.goto(address);
+await page.pdf({path: join(folder, "print.pdf"), preferCSSPageSize: true, timeout: 0});
 await browser.close();
 rmSync(place, {recursive: true});
