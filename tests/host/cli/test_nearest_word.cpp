@@ -29,6 +29,7 @@ void test_nearest_word::nearest_data()
     QTest::newRow("letters swapped")  << u"smaple"_s    << u"sample"_s;
     QTest::newRow("swapped in short") << u"shwo"_s      << u"show"_s;
     QTest::newRow("capitals")         << u"EXTRACT"_s   << u"extract"_s;
+    QTest::newRow("missing capital")  << u"EXTRCT"_s    << u"extract"_s;
     QTest::newRow("beginning")        << u"ext"_s       << u"extract"_s;
     QTest::newRow("too short")        << u"ex"_s        << QString();
     QTest::newRow("something else")   << u"frobnicate"_s << QString();

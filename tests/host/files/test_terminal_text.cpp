@@ -63,6 +63,7 @@ void test_terminal_text::text_data()
     QTest::newRow("joined, selector")   << u"🏃\u200d♀\ufe0f"_s       << u"🏃\u200d♀\ufe0f"_s;
     QTest::newRow("joiner at the end")  << u"👩\u200d"_s              << u"👩\\u{200d}"_s;
     QTest::newRow("joiner to a letter") << u"👩\u200da"_s             << u"👩\\u{200d}a"_s;
+    QTest::newRow("letter to an emoji") << u"a\u200d💻"_s            << u"a\\u{200d}💻"_s;
     QTest::newRow("two selectors")      << u"♀\ufe0f\ufe0f"_s         << u"♀\ufe0f\\u{fe0f}"_s;
     QTest::newRow("selector, letter")   << u"a\ufe0f"_s               << u"a\\u{fe0f}"_s;
     QTest::newRow("flag")               << u"🇩🇪"_s                    << u"🇩🇪"_s;

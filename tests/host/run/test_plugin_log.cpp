@@ -5,6 +5,7 @@
 #include "tests/support/strict_test.h"
 
 #include <QBuffer>
+#include <QCryptographicHash>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -19,6 +20,7 @@ private Q_SLOTS:
     void nothing_failed_data();
     void nothing_failed();
     void alike_failures_are_counted();
+    void hash_is_of_the_whole_log();
 };
 
 namespace {
@@ -110,6 +112,15 @@ void test_plugin_log::alike_failures_are_counted()
     QCOMPARE(texts(failures_in_log(log_of(insert + warning + insert + insert), {})),
              QStringList({u"3 insert a row could not be written: no column"_s,
                           u"1 a source database could not be read, or not to its end: malformed"_s}));
+}
+
+void test_plugin_log::hash_is_of_the_whole_log()
+{
+    QByteArray log = log_of({u"one"_s, u"two"_s}).toUtf8() + "without an end";
+    QBuffer file(&log);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(read_plugin_log(file, {}).sha256,
+             QString::fromLatin1(QCryptographicHash::hash(log, QCryptographicHash::Sha256).toHex()));
 }
 
 QTEST_GUILESS_MAIN(test_plugin_log)
