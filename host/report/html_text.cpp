@@ -115,7 +115,9 @@ QString page_text(QByteArrayView bytes)
     QString text = whole_text(bytes);
     if (text.size() <= most_shown_characters)
         return text;
-    return text.first(most_shown_characters) + u"… (cut; "_s + QString::number(bytes.size()) + u" bytes)"_s;
+    const bool ends_in_a_pair = text.at(most_shown_characters - 1).isHighSurrogate();
+    return text.first(most_shown_characters - ends_in_a_pair) + u"… (cut; "_s + QString::number(bytes.size())
+           + u" bytes)"_s;
 }
 
 QByteArray page_json(const QString &shown)

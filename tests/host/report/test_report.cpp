@@ -111,6 +111,7 @@ private Q_SLOTS:
     void no_absolute_paths();
     void cells_of_separated_values();
     void page_holds_evidence_as_text();
+    void page_tells_hash_and_limitations();
     void lines_of_an_ios_log();
     void rows_of_a_write_ahead_log();
     void json_lines_follow_their_schema();
@@ -137,6 +138,9 @@ void test_report::rows_for_programs()
 {
     const host_program host;
     const two_sources sources;
+    const sqlite_file other(sources.one.other_db());
+    other.execute(u"CREATE TABLE CustomProperties(Uuid TEXT, JSON TEXT, UNIQUE(Uuid))"_s);
+    other.execute(u"INSERT INTO CustomProperties VALUES('U-1', '{\"a\": [1, \"<b>\"]}'), ('U-9', '{}')"_s);
     sources.extract(host);
     const host_result result = host.run({u"-q"_s, u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s});
     QCOMPARE(result.errors, QString());
@@ -158,7 +162,7 @@ void test_report::rows_for_programs()
                                 {u"last_connection_time"_s, 0},
                                 {u"name_origin"_s, 2},
                                 {u"gatt_service_change_config"_s, 0},
-                                {u"custom_properties"_s, QJsonValue()},
+                                {u"custom_properties"_s, u"{\"a\": [1, \"<b>\"]}"_s},
                                 {u"tags"_s, u"Tag"_s},
                                 {u"icloud_identifier"_s, u""_s},
                                 {u"address_kind"_s, u"static"_s},
@@ -560,6 +564,21 @@ void test_report::page_holds_evidence_as_text()
     }
     // No absolute path but those of the plug-in's own column.
     QVERIFY(!QByteArray(page).replace("plugin_source_file", "").contains("case/Source1"));
+}
+
+void test_report::page_tells_hash_and_limitations()
+{
+    const host_program host;
+    two_sources().extract(host);
+    QCOMPARE(host.run({u"report"_s, u"case"_s}).exit_code, 0);
+    const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
+    QVERIFY(page.contains("<dt>SHA-256 of manifest.json</dt>"));
+    const QByteArray hash = content_of(host.path(u"case/manifest.json.sha256"_s)).first(64);
+    QVERIFY(page.contains(hash));
+    const qsizetype limitations = page.indexOf("<section id=\"limitations\"");
+    QVERIFY(limitations > 0);
+    for (const char *text : {"main file", "about 1,000 rows", "no dates", "paired"})
+        QVERIFY2(page.indexOf(text, limitations) > 0, text);
 }
 
 void test_report::lines_of_an_ios_log()

@@ -290,6 +290,10 @@ void test_report_values::markup_data()
     QTest::newRow("byte order mark") << QByteArray("\xEF\xBB\xBF""a") << QByteArray("\\u{feff}a")  << QByteArray("\"\\\\u{feff}a\"");
     QTest::newRow("backslash") << QByteArray("a\\b")          << QByteArray("a\\\\b")            << QByteArray("\"a\\\\\\\\b\"");
     QTest::newRow("no UTF-8")  << QByteArray("\xED\xA0\x80")  << QByteArray("x&#39;eda080&#39;") << QByteArray("\"x'eda080'\"");
+    QTest::newRow("cut")       << QByteArray(4001, 'a')       << QByteArray(4000, 'a') + "\u2026 (cut; 4001 bytes)"
+                               << '"' + QByteArray(4000, 'a') + "\u2026 (cut; 4001 bytes)\"";
+    QTest::newRow("cut before a pair") << QByteArray(3999, 'a') + "\U0001F3A7" << QByteArray(3999, 'a') + "\u2026 (cut; 4003 bytes)"
+                               << '"' + QByteArray(3999, 'a') + "\u2026 (cut; 4003 bytes)\"";
     // clang-format on
 }
 
