@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <ranges>
 #include <string_view>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -146,19 +146,28 @@ private:
     }
 };
 
+/** The place in the text that has the least @p count. */
+template<typename counter>
+qsizetype place_of_least(QLatin1StringView text, counter count)
+{
+    std::vector<qsizetype> counts;
+    for (qsizetype place = 0; place < text.size(); ++place)
+        counts.push_back(count(place));
+    return std::min_element(counts.cbegin(), counts.cend()) - counts.cbegin();
+}
+
 /** The text, to be found by those two bytes that stand least often at their distance in @p sample. */
 searched_text found_by_rare_bytes(QLatin1StringView text, QByteArrayView sample)
 {
-    const auto places = std::views::iota(qsizetype(0), text.size());
     const auto count_of_byte = [&](qsizetype place) { return sample.count(text[place].toLatin1()); };
-    const qsizetype first = std::ranges::min(places, {}, count_of_byte);
+    const qsizetype first = place_of_least(text, count_of_byte);
     const auto count_of_pair = [&](qsizetype second) {
         qsizetype count = 0;
         for (qsizetype i = text.size(); i + text.size() < sample.size(); ++i)
             count += sample[i] == text[first] && sample[i + second - first] == text[second];
         return count;
     };
-    return {text, first, std::ranges::min(places, {}, count_of_pair)};
+    return {text, first, place_of_least(text, count_of_pair)};
 }
 
 /** Finds texts and the borders of lines in a file. */
