@@ -26,7 +26,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype block_bytes = 1 << 20;
+constexpr qsizetype block_bytes = 1 << 16;                        // what was read is hashed from the cache
 constexpr QByteArrayView database_magic("SQLite format 3\0", 16); // https://www.sqlite.org/fileformat.html
 constexpr QByteArrayView log_magics[] = {"\x37\x7f\x06\x82", "\x37\x7f\x06\x83"};
 
