@@ -24,6 +24,7 @@ struct folder_rule
 
 const QString frame_header = u"plugin/bluetooth_logs.h"_s;
 const QString records_header = u"common/shared_records.h"_s;
+const QString property_list_header = u"common/property_list/property_list_file.h"_s;
 
 /** The floors of the house, the ground first. A folder that is not listed may not hold sources. */
 // clang-format off
@@ -36,12 +37,13 @@ const folder_rule folder_rules[] = {
     {u"extractors/winos"_s,     {u"common"_s}},
     {u"plugin"_s,               {u"common"_s, u"extractors/ios_uid"_s, u"extractors/macos"_s, u"extractors/winos"_s}},
 
-    // Of the plug-in the program knows these two headers alone, and only where the worker process drives it.
+    // Of the plug-in the program knows two headers, and only where the worker process drives it. Of what the plug-in is
+    // made of it shares the reader of property lists, which reports need for names that no result has.
     {u"host/files"_s,           {}},
     {u"host/source"_s,          {u"host/files"_s}},
     {u"host/case"_s,            {u"host/files"_s, u"host/source"_s}},
     {u"host/sample"_s,          {u"host/files"_s, u"host/source"_s}},
-    {u"host/report"_s,          {u"host/files"_s, u"host/source"_s, u"host/case"_s}},
+    {u"host/report"_s,          {u"host/files"_s, u"host/source"_s, u"host/case"_s, property_list_header}},
     {u"host/run"_s,             {u"host/files"_s, u"host/source"_s, u"host/case"_s}},
     {u"host/worker"_s,          {u"host/files"_s, u"host/source"_s, u"host/case"_s, u"host/run"_s, frame_header, records_header}},
     {u"host/cli"_s,             {u"host/files"_s, u"host/source"_s, u"host/case"_s, u"host/sample"_s, u"host/report"_s, u"host/run"_s}},

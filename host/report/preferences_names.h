@@ -12,26 +12,17 @@
 
 /**
  * The names that the Bluetooth preferences of macOS keep of devices: DeviceCache, then the device's address, then Name.
- * Nothing else of the property list is looked at, binary or XML, and nothing in it is trusted: what does not fit is no
- * name.
+ * Nothing in the property list is trusted: what does not fit is no name.
  */
 class preferences_names
 {
 public:
     preferences_names() = default;
-    /** @p list is the whole file. */
-    explicit preferences_names(const QByteArray &list);
-
-    /** The names of a working copy; problem() says why it cannot be read. */
-    static preferences_names of_file(const QString &file);
+    /** Those of a working copy; problem() says why it cannot be read. */
+    explicit preferences_names(const QString &file);
 
     /** The name of the first of the texts that is a public address with a name; null: there is none. */
     QByteArray name_of(std::initializer_list<QByteArrayView> texts) const;
-
-    qsizetype count() const
-    {
-        return names.size();
-    }
 
     /** Empty unless the list cannot be read. */
     QString problem() const
@@ -40,10 +31,6 @@ public:
     }
 
 private:
-    void add(QByteArrayView key, const QByteArray &name);
-    bool read_binary(QByteArrayView list);
-    bool read_xml(const QByteArray &list);
-
     QHash<QByteArray, QByteArray> names; ///< by address: "b4:c2:6a:7f:d3:7a"
     QString problem_text;
 };

@@ -44,7 +44,7 @@ void add_source(report_case &result, source_record record)
     report_source source{record, record.name.isEmpty() ? fallback : record.name, {}, file_lock::is_held(files.lock())};
     const QString preferences = files.evidence_folder() + u'/' + macos_preferences_file;
     if (record.type == macos_kind.name && path_exists(preferences))
-        source.preferences = preferences_names::of_file(preferences);
+        source.preferences = preferences_names(preferences);
     if (!source.preferences.problem().isEmpty())
         result.shortcomings.append(
             source.problem_text(macos_preferences_file + u": "_s + source.preferences.problem()));

@@ -7,8 +7,10 @@
 #include "host/report/preferences_names.h"
 #include "host/report/rank.h"
 #include "host/report/separated_cell.h"
+#include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -38,6 +40,14 @@ QByteArray binary_list()
 QString shown(const std::optional<QByteArray> &text)
 {
     return text ? u'"' + QString::fromUtf8(*text) + u'"' : u"none"_s;
+}
+
+preferences_names names_in(const QByteArray &list)
+{
+    const QTemporaryDir directory;
+    const QString file = directory.filePath(u"list"_s);
+    write_file(file, list);
+    return preferences_names(file);
 }
 
 } // namespace
@@ -231,7 +241,7 @@ void test_report_values::preferences()
 {
     QFETCH(QByteArray, list);
     QFETCH(QString, names);
-    const preferences_names read(list);
+    const preferences_names read = names_in(list);
     const auto name = [&read](QByteArrayView address) {
         const QByteArray text = read.name_of({"Random B4:C2:6A:7F:D3:7A", "", address});
         return text.isNull() ? u"none"_s : QString::fromUtf8(text);
@@ -270,8 +280,8 @@ void test_report_values::preferences_that_unfold()
         for (const int shift : {24, 16, 8, 0})
             list.append(char(number >> shift));
     }
-    const preferences_names read(list);
-    QCOMPARE(read.problem(), u"it is made to overwhelm its reader"_s);
+    const preferences_names read = names_in(list);
+    QCOMPARE(read.problem(), u"it is no property list with a dictionary at its top"_s);
     QVERIFY(read.name_of({"b4-c2-6a-7f-d3-7a"}).isNull());
 }
 
