@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/fuzzer.h"
-#include "host/files/json_text.h"
-#include "host/report/html_text.h"
-#include "host/report/separated_cell.h"
+#include "host/report/page/html_text.h"
+#include "host/report/tables/separated_cell.h"
+#include "host/text/json_text.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -40,13 +40,19 @@ const folder_rule folder_rules[] = {
     // Of the plug-in the program knows two headers, and only where the worker process drives it. Of what the plug-in is
     // made of it shares the reader of property lists, which reports need for names that no result has.
     {u"host/files"_s,           {}},
-    {u"host/source"_s,          {u"host/files"_s}},
-    {u"host/case"_s,            {u"host/files"_s, u"host/source"_s}},
-    {u"host/sample"_s,          {u"host/files"_s, u"host/source"_s}},
-    {u"host/report"_s,          {u"host/files"_s, u"host/source"_s, u"host/case"_s, property_list_header}},
-    {u"host/run"_s,             {u"host/files"_s, u"host/source"_s, u"host/case"_s}},
-    {u"host/worker"_s,          {u"host/files"_s, u"host/source"_s, u"host/case"_s, u"host/run"_s, frame_header, records_header}},
-    {u"host/cli"_s,             {u"host/files"_s, u"host/source"_s, u"host/case"_s, u"host/sample"_s, u"host/report"_s, u"host/run"_s}},
+    {u"host/sqlite"_s,          {u"host/files"_s}},
+    {u"host/text"_s,            {u"host/files"_s, u"host/sqlite"_s}},
+    {u"host/source"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s}},
+    {u"host/case"_s,            {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s}},
+    {u"host/sample"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/source"_s}},
+    {u"host/report/reading"_s,  {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s, property_list_header}},
+    {u"host/report/join"_s,     {u"host/files"_s, u"host/text"_s, u"host/report/reading"_s}},
+    {u"host/report/tables"_s,   {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/report/reading"_s, u"host/report/join"_s}},
+    {u"host/report/page"_s,     {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/case"_s, u"host/report/reading"_s, u"host/report/join"_s, u"host/report/tables"_s}},
+    {u"host/report"_s,          {u"host/files"_s, u"host/text"_s, u"host/case"_s, u"host/report/reading"_s, u"host/report/join"_s, u"host/report/tables"_s, u"host/report/page"_s}},
+    {u"host/run"_s,             {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s}},
+    {u"host/worker"_s,          {u"host/files"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s, u"host/run"_s, frame_header, records_header}},
+    {u"host/cli"_s,             {u"host/files"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s, u"host/sample"_s, u"host/report"_s, u"host/report/reading"_s, u"host/report/tables"_s, u"host/run"_s}},
     {u"host"_s,                 {u"host/files"_s, u"host/worker"_s, u"host/cli"_s}},
 };
 // clang-format on

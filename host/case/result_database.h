@@ -4,7 +4,7 @@
 #ifndef HOST_CASE_RESULT_DATABASE_H
 #define HOST_CASE_RESULT_DATABASE_H
 
-#include "host/files/sqlite.h"
+#include "host/sqlite/sqlite.h"
 
 #include <QString>
 #include <QStringList>

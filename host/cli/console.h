@@ -5,7 +5,7 @@
 #define HOST_CLI_CONSOLE_H
 
 #include "host/cli/progress_lines.h"
-#include "host/files/terminal_text.h"
+#include "host/text/terminal_text.h"
 
 #include <QJsonObject>
 

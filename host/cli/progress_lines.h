@@ -4,7 +4,7 @@
 #ifndef HOST_CLI_PROGRESS_LINES_H
 #define HOST_CLI_PROGRESS_LINES_H
 
-#include "host/files/terminal_text.h"
+#include "host/text/terminal_text.h"
 
 /** The last lines of the terminal that standard error is; they tell how far a run has come. */
 class progress_lines

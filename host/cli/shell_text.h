@@ -4,7 +4,7 @@
 #ifndef HOST_CLI_SHELL_TEXT_H
 #define HOST_CLI_SHELL_TEXT_H
 
-#include "host/files/terminal_text.h"
+#include "host/text/terminal_text.h"
 
 #include <QString>
 

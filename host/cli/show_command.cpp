@@ -4,7 +4,7 @@
 #include "host/cli/show_command.h"
 
 #include "host/case/stored_source.h"
-#include "host/report/report_table.h"
+#include "host/report/tables/report_table.h"
 
 #include <QLocale>
 

@@ -7,7 +7,7 @@
 #include "host/cli/console.h"
 #include "host/cli/table_view.h"
 #include "host/files/host_error.h"
-#include "host/report/row_formats.h"
+#include "host/report/tables/row_formats.h"
 
 #include <QString>
 

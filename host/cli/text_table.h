@@ -4,7 +4,7 @@
 #ifndef HOST_CLI_TEXT_TABLE_H
 #define HOST_CLI_TEXT_TABLE_H
 
-#include "host/files/terminal_text.h"
+#include "host/text/terminal_text.h"
 
 #include <QList>
 

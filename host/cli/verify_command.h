@@ -4,8 +4,8 @@
 #ifndef HOST_CLI_VERIFY_COMMAND_H
 #define HOST_CLI_VERIFY_COMMAND_H
 
+#include "host/case/case_check.h"
 #include "host/cli/console.h"
-#include "host/run/case_check.h"
 
 /** Compares a case with its manifest and tells what is different. Throws host_error. */
 exit_code run_verify(const check_request &request, console &out);

@@ -8,13 +8,13 @@
 #include "host/files/json_file.h"
 #include "host/files/new_file.h"
 #include "host/files/paths.h"
-#include "host/report/device_cards.h"
-#include "host/report/evidence_list.h"
-#include "host/report/html_page.h"
-#include "host/report/html_summary.h"
-#include "host/report/json_lines.h"
+#include "host/report/page/device_cards.h"
+#include "host/report/page/html_page.h"
+#include "host/report/page/html_summary.h"
 #include "host/report/report_readme.h"
-#include "host/report/shared_devices.h"
+#include "host/report/tables/evidence_list.h"
+#include "host/report/tables/json_lines.h"
+#include "host/report/tables/shared_devices.h"
 
 #include <QDir>
 #include <QFile>

@@ -4,7 +4,7 @@
 #ifndef HOST_REPORT_REPORT_FILES_H
 #define HOST_REPORT_REPORT_FILES_H
 
-#include "host/report/row_formats.h"
+#include "host/report/tables/row_formats.h"
 
 #include <QList>
 #include <QString>

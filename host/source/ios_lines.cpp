@@ -3,8 +3,8 @@
 
 #include "host/source/ios_lines.h"
 
-#include "host/files/json_text.h"
 #include "host/source/macos_databases.h"
+#include "host/text/json_text.h"
 
 #include <algorithm>
 

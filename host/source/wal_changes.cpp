@@ -4,12 +4,12 @@
 #include "host/source/wal_changes.h"
 
 #include "host/files/host_error.h"
-#include "host/files/json_text.h"
 #include "host/files/new_file.h"
 #include "host/files/paths.h"
-#include "host/files/sqlite.h"
 #include "host/files/system_error.h"
 #include "host/source/macos_databases.h"
+#include "host/sqlite/sqlite.h"
+#include "host/text/json_text.h"
 
 #include <QFile>
 #include <QJsonObject>

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef HOST_CLI_INTERRUPT_H
-#define HOST_CLI_INTERRUPT_H
+#ifndef HOST_WORKER_CANCELLATION_H
+#define HOST_WORKER_CANCELLATION_H
 
 class bluetooth_logs;
 

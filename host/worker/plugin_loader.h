@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef HOST_RUN_PLUGIN_LOADER_H
-#define HOST_RUN_PLUGIN_LOADER_H
+#ifndef HOST_WORKER_PLUGIN_LOADER_H
+#define HOST_WORKER_PLUGIN_LOADER_H
 
 #include <QString>
 

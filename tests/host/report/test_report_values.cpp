@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/report/device_address.h"
-#include "host/report/html_text.h"
-#include "host/report/log_line.h"
-#include "host/report/preferences_names.h"
-#include "host/report/rank.h"
-#include "host/report/separated_cell.h"
+#include "host/report/page/html_text.h"
+#include "host/report/page/rank.h"
+#include "host/report/reading/device_address.h"
+#include "host/report/reading/log_line.h"
+#include "host/report/reading/preferences_names.h"
+#include "host/report/tables/separated_cell.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/files/sqlite.h"
 #include "host/source/wal_changes.h"
+#include "host/sqlite/sqlite.h"
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/strict_test.h"

@@ -3,8 +3,8 @@
 //
 // The declarations of Core Foundation and Metadata that common/platform/ uses; see Foundation/Foundation.h.
 
-#ifndef TESTS_SUPPORT_APPLE_STUBS_CORESERVICES_H
-#define TESTS_SUPPORT_APPLE_STUBS_CORESERVICES_H
+#ifndef TESTS_SUPPORT_APPLE_STUBS_CORESERVICES_CORESERVICES_H
+#define TESTS_SUPPORT_APPLE_STUBS_CORESERVICES_CORESERVICES_H
 
 using CFTypeRef = const void *;
 using CFAllocatorRef = const struct __CFAllocator *;

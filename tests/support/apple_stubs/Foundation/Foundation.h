@@ -4,8 +4,8 @@
 // The declarations of Foundation that common/platform/ uses, written from Apple's public documentation, each with the
 // types that are documented. Nothing stands behind them: they let a compiler check our files where there is no Mac.
 
-#ifndef TESTS_SUPPORT_APPLE_STUBS_FOUNDATION_H
-#define TESTS_SUPPORT_APPLE_STUBS_FOUNDATION_H
+#ifndef TESTS_SUPPORT_APPLE_STUBS_FOUNDATION_FOUNDATION_H
+#define TESTS_SUPPORT_APPLE_STUBS_FOUNDATION_FOUNDATION_H
 
 using NSInteger = long;
 using NSUInteger = unsigned long;

@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_REPORT_READING_DATABASE_READING_H
+#define HOST_REPORT_READING_DATABASE_READING_H
+
+#include "host/report/reading/host_reading.h"
+#include "host/report/reading/preferences_names.h"
+#include "host/source/macos_databases.h"
+
+#include <QHash>
+
+#include <vector>
+
+/** A working copy that a host reading reads. */
+struct database_copy
+{
+    QString file;
+    QString path; ///< what locators call it
+    const macos_database &database;
+    qint64 lost = 0; ///< how many rows the result lacks: so many may be passed over to find the one with the next UUID
+};
+
+/** Reads the working copy of a macOS database beside the rows that the plug-in made of it, in the same order. */
+class database_reading : public host_reading
+{
+public:
+    database_reading(const database_copy &copy, const sqlite_statement &row, const vendor_list &vendors,
+                     const preferences_names &names);
+
+    void next(const sqlite_statement &row) override;
+    sqlite_statement::cell value_of(host_field field) const override;
+
+private:
+    /** A column of the evidence beside the result's column that the plug-in copies it to; -1: there is none. */
+    struct column_pair
+    {
+        QByteArray result_name;
+        int result = -1;
+        int evidence = -1;
+    };
+
+    void open(const database_copy &copy, const sqlite_statement &row);
+    void read_custom_properties();
+    bool advance();
+    void describe(const sqlite_statement &row);
+
+    std::unique_ptr<sqlite_database> opened;
+    std::unique_ptr<sqlite_statement> rows; ///< none: nothing can be read, or not any more
+    const vendor_list &vendors;
+    preferences_names names;
+    qint64 may_pass_over;
+    column_pair uuid;
+    std::vector<column_pair> pairs;
+    std::array<int, host_field_names.size()> columns = {}; ///< of the evidence, by field; -1: there is none
+    int address_column = -1;
+    QHash<QByteArray, QByteArray> custom_properties; ///< by UUID
+    QByteArray properties;                           ///< of the current row; null: none
+    QByteArray differs;
+    QByteArray vendor;
+    QByteArray preferences_name; ///< null: none
+    QLatin1StringView address_kind;
+    row_place known_place;
+};
+
+#endif

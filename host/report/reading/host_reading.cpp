@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/reading/host_reading.h"
+
+#include "host/files/paths.h"
+#include "host/report/reading/database_reading.h"
+#include "host/report/reading/log_reading.h"
+#include "host/source/macos_databases.h"
+#include "host/source/source_kinds.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/** Where the host has kept nothing to read. */
+class no_reading : public host_reading
+{
+public:
+    void next(const sqlite_statement &) override
+    {
+    }
+
+    sqlite_statement::cell value_of(host_field) const override
+    {
+        return {};
+    }
+};
+
+const table_rows *counts_of(const source_record &record, const QString &table)
+{
+    const auto found = std::find_if(record.rows.cbegin(), record.rows.cend(),
+                                    [&table](const table_rows &rows) { return rows.table == table; });
+    return found == record.rows.cend() ? nullptr : &*found;
+}
+
+} // namespace
+
+std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, const report_source &source,
+                                                const QString &table, const sqlite_statement &row)
+{
+    const source_layout layout = that_case.layout.source(source.record.number);
+    if (source.record.type == ios_uid_kind.name && path_exists(layout.ios_lines())) {
+        const QString log = source.record.evidence.files.isEmpty() ? QString() : source.record.evidence.files[0].path;
+        return std::make_unique<log_reading>(layout.ios_lines(), log, table, row, that_case.vendors);
+    }
+    for (const macos_database *database : macos_databases) {
+        const QString path = QString(macos_database_folder) + database->file_name;
+        const QString copy = layout.evidence_folder() + u'/' + path;
+        if (source.record.type != macos_kind.name || table != database->result_table || !path_exists(copy))
+            continue;
+        const table_rows *counts = counts_of(source.record, table);
+        const qint64 lost = counts ? counts->found.value_or(0) - counts->stored.value_or(0) : 0;
+        return std::make_unique<database_reading>(database_copy{copy, path, *database, lost}, row, that_case.vendors,
+                                                  source.preferences);
+    }
+    return std::make_unique<no_reading>();
+}

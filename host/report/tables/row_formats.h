@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_REPORT_TABLES_ROW_FORMATS_H
+#define HOST_REPORT_TABLES_ROW_FORMATS_H
+
+#include "host/report/reading/report_row.h"
+#include "host/report/tables/separated_files.h"
+
+#include <QLatin1StringView>
+
+#include <functional>
+
+enum class report_format { html, csv, tsv, jsonl };
+
+/** A format that programs read. */
+struct program_format
+{
+    report_format format;
+    QLatin1StringView suffix;
+    char separator; ///< of values; 0: they are no separated ones
+};
+
+inline constexpr program_format program_formats[] = {
+    {report_format::csv, QLatin1StringView(".csv"), ','},
+    {report_format::tsv, QLatin1StringView(".tsv"), '\t'},
+    {report_format::jsonl, QLatin1StringView(".jsonl"), 0},
+};
+
+/** "csv": how the format is called on the command line. */
+inline QString format_name(const program_format &format)
+{
+    return QString(format.suffix.sliced(1));
+}
+
+/** How texts stand in separated values. */
+struct cell_options
+{
+    bool is_raw = false;   ///< texts that look like formulas stay as they are
+    bool has_mark = false; ///< a byte order mark stands in front
+};
+
+separated_form form_of(const program_format &format, const cell_options &options);
+
+using row_writer = std::function<void(const report_row &row)>;
+
+/**
+ * Writes the rows of a result table, of all sources of the case one after the other: what it is called with goes to
+ * @p sink. The header, if there is one, goes there at once.
+ */
+row_writer make_row_writer(const program_format &format, const cell_options &options, const report_case &that_case,
+                           const QString &table, const byte_sink &sink, changed_cells &changes);
+
+#endif

@@ -1,0 +1,146 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/text/json_text.h"
+
+#include <QLocale>
+
+#include <cmath>
+
+namespace {
+
+constexpr char hex_digits[] = "0123456789abcdef";
+
+void append_escape(QByteArray &json, unsigned character)
+{
+    json.append("\\u");
+    for (int shift = 12; shift >= 0; shift -= 4)
+        json.append(hex_digits[(character >> shift) & 0xf]);
+}
+
+bool acts_on_its_reader(unsigned character)
+{
+    return (character >= 0x80 && character <= 0x9f) || character == 0x061c || character == 0x200e || character == 0x200f
+           || (character >= 0x2028 && character <= 0x202e) || (character >= 0x2066 && character <= 0x2069)
+           || character == 0xfeff;
+}
+
+/** How many bytes the character takes that starts with @p first, at least 0x80. */
+qsizetype length_of(unsigned char first)
+{
+    return first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+}
+
+/** The character of 2 or 3 bytes; those of 4 need no escape. */
+unsigned decoded(QByteArrayView bytes)
+{
+    const auto part = [&bytes](qsizetype index) { return unsigned(bytes.at(index)) & 0x3f; };
+    if (bytes.size() == 2)
+        return (unsigned(bytes.at(0)) & 0x1f) << 6 | part(1);
+    return bytes.size() == 3 ? (unsigned(bytes.at(0)) & 0xf) << 12 | part(1) << 6 | part(2) : 0;
+}
+
+/** Appends the character below 0x80 that stands for itself in no string. */
+void append_ascii_escape(QByteArray &json, char character)
+{
+    switch (character) {
+    case '"':
+        json.append("\\\"");
+        break;
+    case '\\':
+        json.append("\\\\");
+        break;
+    case '\n':
+        json.append("\\n");
+        break;
+    case '\t':
+        json.append("\\t");
+        break;
+    default:
+        append_escape(json, static_cast<unsigned char>(character));
+    }
+}
+
+bool is_plain(char character)
+{
+    return character >= ' ' && character < 0x7f && character != '"' && character != '\\';
+}
+
+void append_base64(QByteArray &json, QByteArrayView bytes)
+{
+    json.append("{\"base64\":\"");
+    json.append(QByteArray::fromRawData(bytes.data(), bytes.size()).toBase64());
+    json.append("\"}");
+}
+
+void append_real(QByteArray &json, double number)
+{
+    if (!std::isfinite(number)) {
+        json.append(number < 0 ? "{\"real\":\"-inf\"}" : "{\"real\":\"inf\"}");
+        return;
+    }
+    const QByteArray text = QByteArray::number(number, 'g', QLocale::FloatingPointShortest);
+    json.append(text);
+    if (!text.contains('.') && !text.contains('e'))
+        json.append(".0");
+}
+
+} // namespace
+
+void append_json_text(QByteArray &json, QByteArrayView utf8)
+{
+    json.append('"');
+    qsizetype begin = 0; // of the bytes that stand for themselves
+    qsizetype at = 0;
+    const auto append_plain = [&] { json.append(utf8.sliced(begin, at - begin)); };
+    while (at < utf8.size()) {
+        const char byte = utf8.at(at);
+        if (is_plain(byte)) {
+            ++at;
+            continue;
+        }
+        const bool is_ascii = static_cast<unsigned char>(byte) < 0x80;
+        const qsizetype length = is_ascii ? 1 : length_of(static_cast<unsigned char>(byte));
+        const unsigned character = is_ascii ? 0 : decoded(utf8.sliced(at, length));
+        if (is_ascii || acts_on_its_reader(character)) {
+            append_plain();
+            if (is_ascii)
+                append_ascii_escape(json, byte);
+            else
+                append_escape(json, character);
+            begin = at + length;
+        }
+        at += length;
+    }
+    append_plain();
+    json.append('"');
+}
+
+void append_json_bytes(QByteArray &json, QByteArrayView bytes)
+{
+    if (bytes.isValidUtf8())
+        append_json_text(json, bytes);
+    else
+        append_base64(json, bytes);
+}
+
+void append_json_value(QByteArray &json, const sqlite_statement::cell &value)
+{
+    switch (value.kind) {
+    case sqlite_statement::type::null:
+        json.append("null");
+        break;
+    case sqlite_statement::type::integer:
+        json.append(QByteArray::number(value.integer));
+        break;
+    case sqlite_statement::type::real:
+        append_real(json, value.real);
+        break;
+    case sqlite_statement::type::text:
+        append_json_bytes(json, value.bytes);
+        break;
+    case sqlite_statement::type::blob:
+        append_base64(json, value.bytes);
+        break;
+    }
+}

@@ -1,0 +1,164 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/sqlite/sqlite.h"
+#include "tests/support/strict_test.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class test_sqlite : public strict_test
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void table_is_told_from_what_is_none_data();
+    void table_is_told_from_what_is_none();
+    void stranger_runs_nothing_data();
+    void stranger_runs_nothing();
+    void main_file_alone_leaves_all_else();
+    void links_and_odd_names();
+    void values_come_as_they_are();
+};
+
+namespace {
+
+sqlite_database database_of(const QTemporaryDir &folder, const QByteArray &statements)
+{
+    sqlite_database(folder.filePath(u"x.db"_s), sqlite_database::access::create).execute(statements.constData());
+    sqlite_database database(folder.filePath(u"x.db"_s), sqlite_database::access::main_file_alone);
+    database.distrust();
+    return database;
+}
+
+} // namespace
+
+void test_sqlite::table_is_told_from_what_is_none_data()
+{
+    QTest::addColumn<QByteArray>("statements");
+    QTest::addColumn<bool>("is_table");
+
+    const QByteArray schema = "; PRAGMA writable_schema=ON; ";
+    // clang-format off
+    QTest::newRow("table")            << QByteArray("CREATE TABLE t(a)")                                   << true;
+    QTest::newRow("other letters")    << QByteArray("CREATE TABLE T(a)")                                   << true;
+    QTest::newRow("without rowid")    << QByteArray("CREATE TABLE t(a PRIMARY KEY) WITHOUT ROWID")         << true;
+    QTest::newRow("generated column") << QByteArray("CREATE TABLE t(a, b AS (json_array(a)))")             << true;
+    QTest::newRow("check of JSON")    << QByteArray("CREATE TABLE t(a); CREATE TABLE u(j CHECK(json_valid(j)))") << true;
+    QTest::newRow("with an index and a trigger") << QByteArray("CREATE TABLE t(a); CREATE INDEX i ON t(a); CREATE TRIGGER g AFTER INSERT ON t BEGIN SELECT 1; END") << true;
+    QTest::newRow("nothing")          << QByteArray("CREATE TABLE u(a)")                                   << false;
+    QTest::newRow("empty")            << QByteArray("VACUUM")                                              << false;
+    QTest::newRow("view")             << QByteArray("CREATE VIEW t AS SELECT 1 AS a")                      << false;
+    QTest::newRow("virtual table")    << QByteArray("CREATE VIRTUAL TABLE t USING fts5(a)")                << false;
+    QTest::newRow("index of that name") << QByteArray("CREATE TABLE u(a); CREATE INDEX t ON u(a)")         << false;
+    QTest::newRow("table without pages") << "CREATE TABLE t(a)" + schema + "UPDATE sqlite_master SET rootpage = 0" << false;
+    // clang-format on
+}
+
+void test_sqlite::table_is_told_from_what_is_none()
+{
+    QFETCH(QByteArray, statements);
+    QFETCH(bool, is_table);
+    const QTemporaryDir folder;
+    sqlite_database database = database_of(folder, statements);
+    bool answer = false;
+    try {
+        answer = database.has_table("t"_L1);
+    } catch (const sqlite_error &) {
+        // a schema that SQLite refuses as a whole
+    }
+    QCOMPARE(answer, is_table);
+}
+
+void test_sqlite::stranger_runs_nothing_data()
+{
+    QTest::addColumn<QByteArray>("statement");
+
+    // clang-format off
+    QTest::newRow("view")         << QByteArray("SELECT * FROM v");
+    QTest::newRow("virtual table") << QByteArray("SELECT * FROM f");
+    QTest::newRow("function")     << QByteArray("SELECT randomblob(1)");
+    QTest::newRow("extension")    << QByteArray("SELECT load_extension('x')");
+    QTest::newRow("recursion")    << QByteArray("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i FROM n) SELECT * FROM n");
+    QTest::newRow("attachment")   << QByteArray("ATTACH '/tmp/x' AS x");
+    QTest::newRow("change")       << QByteArray("INSERT INTO t VALUES(1)");
+    QTest::newRow("setting")      << QByteArray("PRAGMA writable_schema=ON");
+    // clang-format on
+}
+
+void test_sqlite::stranger_runs_nothing()
+{
+    QFETCH(QByteArray, statement);
+    const QTemporaryDir folder;
+    const sqlite_database database = database_of(
+        folder, "CREATE TABLE t(a); CREATE VIEW v AS SELECT randomblob(1) AS a; CREATE VIRTUAL TABLE f USING fts5(a)");
+    QVERIFY_THROWS_EXCEPTION(sqlite_error, sqlite_statement(database, statement).next());
+}
+
+void test_sqlite::main_file_alone_leaves_all_else()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"x.db"_s);
+    sqlite_database writer(path, sqlite_database::access::create);
+    writer.execute(
+        "PRAGMA journal_mode=WAL; CREATE TABLE t(a); PRAGMA wal_checkpoint(TRUNCATE); INSERT INTO t VALUES(1)");
+    QVERIFY(QFile::copy(path, folder.filePath(u"y.db"_s))
+            && QFile::copy(path + u"-wal"_s, folder.filePath(u"y.db-wal"_s)));
+    {
+        const sqlite_database reader(folder.filePath(u"y.db"_s), sqlite_database::access::main_file_alone);
+        sqlite_statement count(reader, "SELECT count(*) FROM t");
+        QVERIFY(count.next());
+        QCOMPARE(count.integer(0), 0);
+    }
+    QCOMPARE(QDir(folder.path()).entryList({u"y.db*"_s}), QStringList({u"y.db"_s, u"y.db-wal"_s}));
+}
+
+void test_sqlite::links_and_odd_names()
+{
+    const QTemporaryDir folder;
+    const QString odd = folder.filePath(u"a b%20?mode=rwc&x=#ö.db"_s);
+    sqlite_database(odd, sqlite_database::access::create).execute("CREATE TABLE t(a)");
+    QVERIFY(QFile::exists(odd));
+    QVERIFY(sqlite_database(odd, sqlite_database::access::read_only).has_table("t"_L1));
+    QVERIFY(QFile::link(odd, folder.filePath(u"link.db"_s)));
+    QVERIFY_THROWS_EXCEPTION(sqlite_error,
+                             sqlite_database(folder.filePath(u"link.db"_s), sqlite_database::access::read_only));
+    QVERIFY_THROWS_EXCEPTION(sqlite_error,
+                             sqlite_database(folder.filePath(u"none.db"_s), sqlite_database::access::read_write));
+    QVERIFY(!QFile::exists(folder.filePath(u"none.db"_s)));
+}
+
+void test_sqlite::values_come_as_they_are()
+{
+    const QTemporaryDir folder;
+    const sqlite_database database(folder.filePath(u"x.db"_s), sqlite_database::access::create);
+    sqlite_statement row(database, "SELECT NULL, 9223372036854775807, 0.5, 'a' || char(0) || 'b', x'ff00', "
+                                   "CAST(x'61ff62' AS TEXT), ?, ?, ? AS name");
+    row.bind(0, u"\uFEFFü"_s); // no byte order mark: a text of a row is no file
+    row.bind(1, qint64(-1));
+    row.bind_null(2);
+    QVERIFY(row.next());
+    using type = sqlite_statement::type;
+    const QList<type> types{type::null, type::integer, type::real,    type::text, type::blob,
+                            type::text, type::text,    type::integer, type::null};
+    QCOMPARE(row.column_count(), types.size());
+    for (int column = 0; column < types.size(); ++column)
+        QVERIFY2(row.column_type(column) == types.at(column), qPrintable(QString::number(column)));
+    QCOMPARE(row.integer(1), 9223372036854775807);
+    QCOMPARE(row.real(2), 0.5);
+    QCOMPARE(row.bytes(3).toByteArray(), QByteArray("a\0b", 3));
+    QCOMPARE(row.bytes(4).toByteArray(), QByteArray("\xff\0", 2));
+    QCOMPARE(row.text(5), u"a\ufffdb"_s);
+    QCOMPARE(row.text(6), u"\uFEFFü"_s);
+    QCOMPARE(row.integer(7), -1);
+    QCOMPARE(row.column_name(8), u"name"_s);
+    QVERIFY(!row.next());
+}
+
+QTEST_GUILESS_MAIN(test_sqlite)
+
+#include "test_sqlite.moc"
