@@ -40,8 +40,8 @@ const folder_rule folder_rules[] = {
     // Of the plug-in the program knows two headers, and only where the worker process drives it. Of what the plug-in is
     // made of it shares the reader of property lists, which reports need for names that no result has.
     {u"host/files"_s,           {}},
-    {u"host/sqlite"_s,          {u"host/files"_s}},
-    {u"host/text"_s,            {u"host/files"_s, u"host/sqlite"_s}},
+    {u"host/text"_s,            {u"host/files"_s}},
+    {u"host/sqlite"_s,          {u"host/files"_s, u"host/text"_s}},
     {u"host/source"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s}},
     {u"host/case"_s,            {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s}},
     {u"host/sample"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/source"_s}},
@@ -58,7 +58,7 @@ const folder_rule folder_rules[] = {
 // clang-format on
 
 /** Their files may include whatever they test or measure. */
-const QStringList free_folders = {u"bench"_s, u"fuzz"_s, u"tests"_s};
+const QStringList free_folders = {u"bench"_s, u"cmake"_s, u"fuzz"_s, u"tests"_s};
 
 QString folder_of(const QString &path)
 {

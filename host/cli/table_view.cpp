@@ -40,23 +40,23 @@ terminal_text text_cell(const QString &text)
 terminal_text cell_of(const sqlite_statement &row, int column)
 {
     switch (row.column_type(column)) {
-    case sqlite_statement::type::null:
+    case cell::type::null:
         return null_mark.toString();
-    case sqlite_statement::type::integer:
+    case cell::type::integer:
         return QString::number(row.integer(column));
-    case sqlite_statement::type::real:
+    case cell::type::real:
         return QString::number(row.real(column), 'g', QLocale::FloatingPointShortest);
-    case sqlite_statement::type::text:
+    case cell::type::text:
         return text_cell(row.text(column));
-    case sqlite_statement::type::blob:
+    case cell::type::blob:
         return u"x'"_s + QString::fromLatin1(row.bytes(column).toByteArray().toHex()) + u'\'';
     }
     return {};
 }
 
-bool is_number_or_null(sqlite_statement::type type)
+bool is_number_or_null(cell::type type)
 {
-    return type != sqlite_statement::type::text && type != sqlite_statement::type::blob;
+    return type != cell::type::text && type != cell::type::blob;
 }
 
 /** Goes through the rows of a table, at most @p limit of them. */
@@ -90,12 +90,12 @@ table_view::table_view(const result_database &result, const QString &table_name,
         for (int i = 0; i < columns.size(); ++i) {
             seen_column &seen = columns[i];
             const terminal_text cell = cell_of(row, i);
-            const sqlite_statement::type type = row.column_type(i);
+            const cell::type type = row.column_type(i);
             if (rows == 0)
                 seen.first_cell = cell;
             seen.width = std::max(seen.width, cell.width());
             seen.is_same = seen.is_same && cell == seen.first_cell;
-            seen.is_null = seen.is_null && type == sqlite_statement::type::null;
+            seen.is_null = seen.is_null && type == cell::type::null;
             seen.is_number = seen.is_number && is_number_or_null(type);
         }
         ++rows;

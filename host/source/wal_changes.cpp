@@ -123,8 +123,8 @@ public:
 private:
     bool has_same_value(const table_reader &other, int column) const
     {
-        const sqlite_statement::cell one = rows->value_of(column);
-        const sqlite_statement::cell two = other.rows->value_of(column);
+        const cell one = rows->value_of(column);
+        const cell two = other.rows->value_of(column);
         return one.kind == two.kind && one.integer == two.integer && !(one.real < two.real) && !(one.real > two.real)
                && one.bytes == two.bytes;
     }

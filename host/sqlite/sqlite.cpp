@@ -218,31 +218,31 @@ int sqlite_statement::column_named(QLatin1StringView name) const
     return -1;
 }
 
-sqlite_statement::type sqlite_statement::column_type(int column) const
+cell::type sqlite_statement::column_type(int column) const
 {
     switch (sqlite3_column_type(statement.get(), column)) {
     case SQLITE_INTEGER:
-        return type::integer;
+        return cell::type::integer;
     case SQLITE_FLOAT:
-        return type::real;
+        return cell::type::real;
     case SQLITE_TEXT:
-        return type::text;
+        return cell::type::text;
     case SQLITE_BLOB:
-        return type::blob;
+        return cell::type::blob;
     default:
-        return type::null;
+        return cell::type::null;
     }
 }
 
-sqlite_statement::cell sqlite_statement::value_of(int column) const
+cell sqlite_statement::value_of(int column) const
 {
     cell result;
     result.kind = column_type(column);
-    if (result.kind == type::integer)
+    if (result.kind == cell::type::integer)
         result.integer = integer(column);
-    else if (result.kind == type::real)
+    else if (result.kind == cell::type::real)
         result.real = real(column);
-    else if (result.kind != type::null)
+    else if (result.kind != cell::type::null)
         result.bytes = bytes(column);
     return result;
 }
@@ -259,7 +259,7 @@ double sqlite_statement::real(int column) const
 
 QByteArrayView sqlite_statement::bytes(int column) const
 {
-    const void *start = column_type(column) == type::blob
+    const void *start = column_type(column) == cell::type::blob
                             ? sqlite3_column_blob(statement.get(), column)
                             : static_cast<const void *>(sqlite3_column_text(statement.get(), column));
     return QByteArrayView(static_cast<const char *>(start), sqlite3_column_bytes(statement.get(), column));

@@ -4,6 +4,8 @@
 #ifndef HOST_SQLITE_SQLITE_H
 #define HOST_SQLITE_SQLITE_H
 
+#include "host/text/cell.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -91,17 +93,6 @@ private:
 class sqlite_statement
 {
 public:
-    enum class type { null, integer, real, text, blob };
-
-    /** What stands in a column; bytes are those of a text or a blob, and valid until the next call of next(). */
-    struct cell
-    {
-        type kind = type::null;
-        qint64 integer = 0;
-        double real = 0;
-        QByteArrayView bytes;
-    };
-
     sqlite_statement(const sqlite_database &database, const QByteArray &sql);
 
     void bind_null(int parameter);
@@ -117,7 +108,8 @@ public:
     QString column_name(int column) const;
     /** The first column of this name, letter case aside; -1: there is none. */
     int column_named(QLatin1StringView name) const;
-    type column_type(int column) const;
+    cell::type column_type(int column) const;
+    /** Bytes of a text or a blob are valid until the next call of next(). */
     cell value_of(int column) const;
     qint64 integer(int column) const;
     double real(int column) const;

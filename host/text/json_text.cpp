@@ -124,22 +124,22 @@ void append_json_bytes(QByteArray &json, QByteArrayView bytes)
         append_base64(json, bytes);
 }
 
-void append_json_value(QByteArray &json, const sqlite_statement::cell &value)
+void append_json_value(QByteArray &json, const cell &value)
 {
     switch (value.kind) {
-    case sqlite_statement::type::null:
+    case cell::type::null:
         json.append("null");
         break;
-    case sqlite_statement::type::integer:
+    case cell::type::integer:
         json.append(QByteArray::number(value.integer));
         break;
-    case sqlite_statement::type::real:
+    case cell::type::real:
         append_real(json, value.real);
         break;
-    case sqlite_statement::type::text:
+    case cell::type::text:
         append_json_bytes(json, value.bytes);
         break;
-    case sqlite_statement::type::blob:
+    case cell::type::blob:
         append_base64(json, value.bytes);
         break;
     }

@@ -4,7 +4,7 @@
 #ifndef HOST_TEXT_JSON_TEXT_H
 #define HOST_TEXT_JSON_TEXT_H
 
-#include "host/sqlite/sqlite.h"
+#include "host/text/cell.h"
 
 #include <QByteArray>
 
@@ -24,6 +24,6 @@ void append_json_bytes(QByteArray &json, QByteArrayView bytes);
  * Appends a value of a row: null, an exact integer, a real (always with a point or an exponent; {"real": "inf"} for
  * what JSON has no number for), a text as append_json_bytes() does, a blob as {"base64": "…"}.
  */
-void append_json_value(QByteArray &json, const sqlite_statement::cell &value);
+void append_json_value(QByteArray &json, const cell &value);
 
 #endif

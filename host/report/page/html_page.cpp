@@ -40,8 +40,8 @@ QByteArray page_head()
 /** All counters of a row, from the evidence where the host has read it, else from the result. */
 std::optional<qint64> counter_in(const report_row &row, host_field field, QLatin1StringView column)
 {
-    const sqlite_statement::cell in_evidence = row.host.value_of(field);
-    if (in_evidence.kind != sqlite_statement::type::null)
+    const cell in_evidence = row.host.value_of(field);
+    if (in_evidence.kind != cell::type::null)
         return counter_of(in_evidence);
     const int place = row.plugin.column_named(column);
     return place < 0 ? std::nullopt : counter_of(row.plugin.value_of(place));
@@ -138,7 +138,7 @@ void html_page::add(const report_row &row)
         table.add(u"plugin_"_s + row.plugin.column_name(column), row.plugin.value_of(column));
     table.add(u"last_seen_as_time"_s, plausible_time(known.seen.last()).toUtf8());
     table.add(u"last_connection_as_time"_s, plausible_time(known.connected.last()).toUtf8());
-    if (row.host.value_of(host_field::differs).kind != sqlite_statement::type::null)
+    if (row.host.value_of(host_field::differs).kind != cell::type::null)
         ++differing[row.table];
     const row_place &place = row.host.place();
     table.add(u"host_file"_s, place.file);

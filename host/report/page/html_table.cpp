@@ -16,11 +16,11 @@ constexpr QByteArrayView cell_start("<td");
 constexpr QByteArrayView same_as_above("[]"); // in the data: the row above has the same value in this column
 constexpr const char *null_cell = "<td><span class=\"null\">\u2205</span></td>";
 
-sqlite_statement::cell number_cell(const std::optional<qint64> &number)
+cell number_cell(const std::optional<qint64> &number)
 {
-    sqlite_statement::cell cell;
+    cell cell;
     if (number) {
-        cell.kind = sqlite_statement::type::integer;
+        cell.kind = cell::type::integer;
         cell.integer = *number;
     }
     return cell;
@@ -52,10 +52,10 @@ qsizetype html_table::place_of(const QString &column)
     return columns.size() - 1;
 }
 
-void html_table::add(const QString &column, const sqlite_statement::cell &value)
+void html_table::add(const QString &column, const cell &value)
 {
     const qsizetype place = place_of(column);
-    const bool is_there = value.kind != sqlite_statement::type::null;
+    const bool is_there = value.kind != cell::type::null;
     is_filled[place] = is_filled.at(place) || is_there;
     QByteArrayList &row = rows.last();
     while (row.size() < place)
@@ -76,9 +76,9 @@ void html_table::add(const QString &column, const std::optional<qint64> &number)
 
 void html_table::add(const QString &column, QByteArrayView text)
 {
-    sqlite_statement::cell cell;
+    cell cell;
     if (!text.isEmpty()) {
-        cell.kind = sqlite_statement::type::text;
+        cell.kind = cell::type::text;
         cell.bytes = text;
     }
     add(column, cell);

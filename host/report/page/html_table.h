@@ -23,7 +23,7 @@ public:
 
     /** Begins a row. Its cells follow by their columns' names; columns that it does not name are NULL there. */
     void begin_row();
-    void add(const QString &column, const sqlite_statement::cell &value);
+    void add(const QString &column, const cell &value);
     void add(const QString &column, const std::optional<qint64> &number);
     void add(const QString &column, QByteArrayView text);
 

@@ -40,21 +40,20 @@ QString whole_text(QByteArrayView bytes)
     return is_plain(bytes) ? text : terminal_text(text).to_string();
 }
 
-QString number_text(const sqlite_statement::cell &value)
+QString number_text(const cell &value)
 {
-    return value.kind == sqlite_statement::type::integer
-               ? QString::number(value.integer)
-               : QString::number(value.real, 'g', QLocale::FloatingPointShortest);
+    return value.kind == cell::type::integer ? QString::number(value.integer)
+                                             : QString::number(value.real, 'g', QLocale::FloatingPointShortest);
 }
 
-bool is_number(const sqlite_statement::cell &value)
+bool is_number(const cell &value)
 {
-    return value.kind == sqlite_statement::type::integer || value.kind == sqlite_statement::type::real;
+    return value.kind == cell::type::integer || value.kind == cell::type::real;
 }
 
-QString cell_text(const sqlite_statement::cell &value)
+QString cell_text(const cell &value)
 {
-    if (value.kind == sqlite_statement::type::blob)
+    if (value.kind == cell::type::blob)
         return page_text(QByteArray(
             "x'" + value.bytes.first(qMin(value.bytes.size(), most_shown_characters)).toByteArray().toHex() + '\''));
     return page_text(value.bytes);
@@ -101,9 +100,9 @@ QByteArray html_evidence(QByteArrayView bytes)
     return "<bdi>" + escaped(page_text(bytes)) + "</bdi>";
 }
 
-QByteArray html_cell(const sqlite_statement::cell &value)
+QByteArray html_cell(const cell &value)
 {
-    if (value.kind == sqlite_statement::type::null)
+    if (value.kind == cell::type::null)
         return "<td><span class=\"null\">\u2205</span></td>";
     if (is_number(value))
         return "<td class=\"number\">" + number_text(value).toLatin1() + "</td>";
@@ -127,15 +126,15 @@ QByteArray page_json(const QString &shown)
     return json.replace('<', "\\u003c").replace('>', "\\u003e").replace('&', "\\u0026");
 }
 
-QByteArray page_json(const sqlite_statement::cell &value)
+QByteArray page_json(const cell &value)
 {
-    if (value.kind == sqlite_statement::type::null)
+    if (value.kind == cell::type::null)
         return "null";
-    if (value.kind == sqlite_statement::type::text && needs_no_escape(value.bytes))
+    if (value.kind == cell::type::text && needs_no_escape(value.bytes))
         return '"' + value.bytes.toByteArray() + '"';
     if (!is_number(value))
         return page_json(cell_text(value));
-    const bool is_exact = value.kind == sqlite_statement::type::integer && value.integer <= largest_exact_number
+    const bool is_exact = value.kind == cell::type::integer && value.integer <= largest_exact_number
                           && value.integer >= -largest_exact_number;
     return is_exact ? QByteArray::number(value.integer) : page_json(number_text(value));
 }

@@ -21,10 +21,10 @@ QByteArray html_evidence(QByteArrayView bytes);
 QString page_text(QByteArrayView bytes);
 
 /** A value of a row for the page's data block: a number where JavaScript has it exactly, else a text, or null. */
-QByteArray page_json(const sqlite_statement::cell &value);
+QByteArray page_json(const cell &value);
 QByteArray page_json(const QString &shown);
 
 /** The same for the page's rows without script, in a cell. */
-QByteArray html_cell(const sqlite_statement::cell &value);
+QByteArray html_cell(const cell &value);
 
 #endif

@@ -8,15 +8,15 @@
 
 using namespace Qt::StringLiterals;
 
-std::optional<qint64> counter_of(const sqlite_statement::cell &value)
+std::optional<qint64> counter_of(const cell &value)
 {
     qint64 number = value.integer;
-    if (value.kind == sqlite_statement::type::text) {
+    if (value.kind == cell::type::text) {
         bool is_number = false;
         number = value.bytes.toByteArray().toLongLong(&is_number);
         if (!is_number)
             return {};
-    } else if (value.kind != sqlite_statement::type::integer) {
+    } else if (value.kind != cell::type::integer) {
         return {};
     }
     return number == 0 ? std::nullopt : std::optional(number);

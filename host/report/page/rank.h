@@ -12,7 +12,7 @@
 #include <optional>
 
 /** A counter of the evidence: integers, and texts that are one. Nothing for 0, which means never, and for the rest. */
-std::optional<qint64> counter_of(const sqlite_statement::cell &value);
+std::optional<qint64> counter_of(const cell &value);
 
 /** The rank of each counter among all of them: the largest is 1, equal ones share theirs. None without a counter. */
 QList<std::optional<qint64>> ranks_of(const QList<std::optional<qint64>> &counters);

@@ -13,8 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using cell = sqlite_statement::cell;
-using type = sqlite_statement::type;
+using cell = cell;
+using type = cell::type;
 
 /** More than this no cache of devices ever holds; they are kept in memory. */
 constexpr qint64 most_custom_properties = 100000;

@@ -29,7 +29,7 @@ public:
                      const preferences_names &names);
 
     void next(const sqlite_statement &row) override;
-    sqlite_statement::cell value_of(host_field field) const override;
+    cell value_of(host_field field) const override;
 
 private:
     /** A column of the evidence beside the result's column that the plug-in copies it to; -1: there is none. */

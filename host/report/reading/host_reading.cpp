@@ -23,7 +23,7 @@ public:
     {
     }
 
-    sqlite_statement::cell value_of(host_field) const override
+    cell value_of(host_field) const override
     {
         return {};
     }

@@ -76,7 +76,7 @@ public:
     virtual void next(const sqlite_statement &row) = 0;
 
     /** Valid until the next call of next(). */
-    virtual sqlite_statement::cell value_of(host_field field) const = 0;
+    virtual cell value_of(host_field field) const = 0;
 
     const row_place &place() const
     {

@@ -10,8 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using cell = sqlite_statement::cell;
-using type = sqlite_statement::type;
+using cell = cell;
+using type = cell::type;
 
 constexpr qsizetype date_length = 15; // "May 17 12:11:05"
 

@@ -19,7 +19,7 @@ public:
                 const vendor_list &vendors);
 
     void next(const sqlite_statement &row) override;
-    sqlite_statement::cell value_of(host_field field) const override;
+    cell value_of(host_field field) const override;
 
 private:
     bool advance();

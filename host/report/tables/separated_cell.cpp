@@ -42,18 +42,18 @@ separated_cell make_text_cell(QByteArrayView utf8, bool is_raw)
     return {utf8.toByteArray(), cell_change::none};
 }
 
-separated_cell make_cell(const sqlite_statement::cell &value, bool is_raw)
+separated_cell make_cell(const cell &value, bool is_raw)
 {
     switch (value.kind) {
-    case sqlite_statement::type::integer:
+    case cell::type::integer:
         return {QByteArray::number(value.integer), cell_change::none};
-    case sqlite_statement::type::real:
+    case cell::type::real:
         return {QByteArray::number(value.real, 'g', QLocale::FloatingPointShortest), cell_change::none};
-    case sqlite_statement::type::text:
+    case cell::type::text:
         return make_text_cell(value.bytes, is_raw);
-    case sqlite_statement::type::blob:
+    case cell::type::blob:
         return {"x'" + value.bytes.toByteArray().toHex() + '\'', cell_change::hexadecimal};
-    case sqlite_statement::type::null:
+    case cell::type::null:
         break;
     }
     return {};

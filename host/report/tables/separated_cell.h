@@ -23,7 +23,7 @@ struct separated_cell
 };
 
 /** NULL is an empty cell, as an empty text is. @p is_raw: texts get no apostrophe. */
-separated_cell make_cell(const sqlite_statement::cell &value, bool is_raw);
+separated_cell make_cell(const cell &value, bool is_raw);
 separated_cell make_text_cell(QByteArrayView utf8, bool is_raw);
 
 /**

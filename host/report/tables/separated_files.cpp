@@ -39,7 +39,7 @@ void separated_file::add_text(QByteArrayView utf8)
     add_cell(make_text_cell(utf8, form.is_raw));
 }
 
-void separated_file::add_value(const sqlite_statement::cell &value)
+void separated_file::add_value(const cell &value)
 {
     add_cell(make_cell(value, form.is_raw));
 }
@@ -89,7 +89,7 @@ void separated_rows::add(const report_row &row)
     file.add_number(row.source.record.number);
     file.add_text(row.source.name.toUtf8());
     for (const int place : std::as_const(places))
-        file.add_value(place < 0 ? sqlite_statement::cell() : row.plugin.value_of(place));
+        file.add_value(place < 0 ? cell() : row.plugin.value_of(place));
     const row_place &place = row.host.place();
     file.add_text(place.file);
     file.add_text(place.table);

@@ -58,7 +58,7 @@ public:
                    changed_cells &changes);
 
     void add_text(QByteArrayView utf8);
-    void add_value(const sqlite_statement::cell &value);
+    void add_value(const cell &value);
     void add_number(const std::optional<qint64> &number);
     void end_line();
 

@@ -17,10 +17,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-sqlite_statement::cell text_cell(QByteArrayView bytes)
+cell text_cell(QByteArrayView bytes)
 {
-    sqlite_statement::cell cell;
-    cell.kind = sqlite_statement::type::text;
+    cell cell;
+    cell.kind = cell::type::text;
     cell.bytes = bytes;
     return cell;
 }

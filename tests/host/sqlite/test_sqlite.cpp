@@ -142,7 +142,7 @@ void test_sqlite::values_come_as_they_are()
     row.bind(1, qint64(-1));
     row.bind_null(2);
     QVERIFY(row.next());
-    using type = sqlite_statement::type;
+    using type = cell::type;
     const QList<type> types{type::null, type::integer, type::real,    type::text, type::blob,
                             type::text, type::text,    type::integer, type::null};
     QCOMPARE(row.column_count(), types.size());
