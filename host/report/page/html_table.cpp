@@ -16,6 +16,14 @@ constexpr QByteArrayView cell_start("<td");
 constexpr QByteArrayView same_as_above("[]"); // in the data: the row above has the same value in this column
 constexpr const char *null_cell = "<td><span class=\"null\">\u2205</span></td>";
 
+/** A source may come to its columns in another order than the sources before it. */
+void put(QByteArrayList &row, qsizetype place, const QByteArray &value, const QByteArray &filling)
+{
+    while (row.size() <= place)
+        row.append(filling);
+    row[place] = value;
+}
+
 cell number_cell(const std::optional<qint64> &number)
 {
     cell cell;
@@ -57,16 +65,9 @@ void html_table::add(const QString &column, const cell &value)
     const qsizetype place = place_of(column);
     const bool is_there = value.kind != cell::type::null;
     is_filled[place] = is_filled.at(place) || is_there;
-    QByteArrayList &row = rows.last();
-    while (row.size() < place)
-        row.append("null");
-    row.append(page_json(value));
-    if (rows.size() > rows_without_script)
-        return;
-    QByteArrayList &html = html_rows.last();
-    while (html.size() < place)
-        html.append(null_cell);
-    html.append(html_cell(value));
+    put(rows.last(), place, page_json(value), "null");
+    if (rows.size() <= rows_without_script)
+        put(html_rows.last(), place, html_cell(value), null_cell);
 }
 
 void html_table::add(const QString &column, const std::optional<qint64> &number)
