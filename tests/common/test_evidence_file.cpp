@@ -28,6 +28,7 @@ private Q_SLOTS:
     void opened_file_is_read_and_keeps_its_times();
     void refused_things_data();
     void refused_things();
+    void refused_things_are_closed();
     void errors_are_those_of_qt_data();
     void errors_are_those_of_qt();
     void copy_is_whole();
@@ -101,6 +102,17 @@ void test_evidence_file::refused_things()
     QVERIFY(!file.isOpen());
     QVERIFY(!copy_evidence_file(path(u"source/"_s + name), path(u"case/copy"_s)));
     QVERIFY(!QFile::exists(path(u"case/copy"_s)));
+}
+
+void test_evidence_file::refused_things_are_closed()
+{
+    QFile folder(path(u"source/folder"_s));
+    const int lowest_free = ::dup(STDIN_FILENO);
+    ::close(lowest_free);
+    QVERIFY(open_evidence_file(folder).has_value());
+    const int lowest_free_now = ::dup(STDIN_FILENO);
+    ::close(lowest_free_now);
+    QCOMPARE(lowest_free_now, lowest_free);
 }
 
 void test_evidence_file::errors_are_those_of_qt_data()

@@ -44,6 +44,8 @@ private Q_SLOTS:
     void encodings();
     void refused_data();
     void refused();
+    void refused_by_the_guard_data();
+    void refused_by_the_guard();
     void nesting_ends_at_a_level_data();
     void nesting_ends_at_a_level();
     void largest_list();
@@ -198,6 +200,21 @@ QByteArray replaced(QByteArray list, qsizetype from_end, const QByteArray &bytes
     return list.replace(list.size() - from_end, bytes.size(), bytes);
 }
 
+/**
+ * The root is an array whose references of one byte are the offset table behind it, the trailer and one byte more than
+ * the file has. Object 256 is the root, all others are the same true, so that every byte is a reference to one of
+ * these.
+ */
+QByteArray references_beyond_the_end()
+{
+    const QByteArray table = QByteArray(256, '\x08') + '\x09';
+    const QByteArray trailer = QByteArray(6, '\0') + "\1\1" + QByteArray(6, '\0') + "\1\1" + QByteArray(6, '\0')
+                               + QByteArray("\1\0", 2) + QByteArray(7, '\0') + '\x0D';
+    const auto count = quint16(table.size() + trailer.size() + 1);
+    const char size[] = {char(count >> 8), char(count & 0xFF)};
+    return "bplist00\x09\xAF\x11" + QByteArray(size, 2) + table + trailer;
+}
+
 } // namespace
 
 void test_property_list::refused_data()
@@ -272,6 +289,21 @@ void test_property_list::refused()
     const QByteArray guarded = guarded_property_list(list);
     QVERIFY(guarded.isNull() || !parse_property_list(guarded).isValid());
     QVERIFY2(timer.elapsed() < 20'000, qPrintable(QString::number(timer.elapsed())));
+}
+
+void test_property_list::refused_by_the_guard_data()
+{
+    QTest::addColumn<QByteArray>("list");
+    const QByteArray small = binary_list({binary_array({1}), binary_text("a")});
+    QTest::newRow("object outside") << replaced(small, 36, QByteArray(4, '\x7F'));
+    QTest::newRow("references beyond the end") << references_beyond_the_end();
+}
+
+/** What a parser may refuse, too, does not reach it. */
+void test_property_list::refused_by_the_guard()
+{
+    QFETCH(QByteArray, list);
+    QVERIFY(guarded_property_list(list).isNull());
 }
 
 void test_property_list::nesting_ends_at_a_level_data()

@@ -77,6 +77,10 @@ void test_run_context::setters_take_their_fields()
     QCOMPARE(library::system_account_QList.size(), 2);
     QCOMPARE(library::system_account_QList.at(0).system_account_home_path, u"/Users/alice"_s);
     QVERIFY(library::system_account_QStringList.isEmpty());
+    source.system_account_list = {{u"bob"_s, u"/Users/bob"_s}};
+    library::set_source_info(source); // the next source's accounts stand alone
+    QCOMPARE(library::system_account_QList.size(), 1);
+    QCOMPARE(library::system_account_QList.at(0).system_user, u"bob"_s);
 
     library::set_engine_type(2);
     QCOMPARE(library::type_engine_int, 2);

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void transcript_of_the_set_up();
     void schema_data();
     void schema();
+    void tables_are_made_in_one_transaction();
     void existing_rows_stay();
     void unopenable_database();
     void failed_table_creation_data();
@@ -118,6 +119,14 @@ void test_result_store::schema()
                    "notes_icon VARCHAR(1024),tags_icon VARCHAR(1024),os_scheme_display varchar(500),"
                    "source_count_name varchar(500),source_file  VARCHAR(1024),"
                    "artifacts_relation_source_file  VARCHAR(1024),notes VARCHAR(500))"_s);
+}
+
+/** The file change counter, https://www.sqlite.org/fileformat.html section 1.3.7, counts transactions that wrote. */
+void test_result_store::tables_are_made_in_one_transaction()
+{
+    run->prepare();
+    const QByteArray file = content_of(run->frame.destination_db_file);
+    QCOMPARE(file.sliced(24, 4), QByteArray("\0\0\0\1", 4));
 }
 
 void test_result_store::existing_rows_stay()

@@ -43,6 +43,8 @@ private Q_SLOTS:
     void rows_of_a_query();
     void well_formed_schemas_data();
     void well_formed_schemas();
+    void order_of_rows_data();
+    void order_of_rows();
     void forged_schemas_data();
     void forged_schemas();
     void views_are_not_compiled();
@@ -155,6 +157,26 @@ void test_device_rows::well_formed_schemas()
     QTEST(as_json(rows.devices), "rows");
 }
 
+void test_device_rows::order_of_rows_data()
+{
+    QTest::addColumn<const reading_texts *>("texts");
+    QTest::newRow("other") << &other;
+    QTest::newRow("paired") << &paired;
+}
+
+/** Rows come as the table holds them; no column puts them in order. */
+void test_device_rows::order_of_rows()
+{
+    QFETCH(const reading_texts *, texts);
+    const QString table = texts->table_name.toString();
+    execute({u"CREATE TABLE "_s + table + u"(Uuid TEXT, Name TEXT, Address TEXT, LastSeenTime TEXT)"_s,
+             u"INSERT INTO "_s + table + u" VALUES('B','y','3','2'),('A','z','1','3'),('C','x','2','1')"_s});
+    QStringList uuids;
+    for (const QJsonObject &row : select(*texts).devices)
+        uuids.append(row.value("Uuid"_L1).toString());
+    QCOMPARE(uuids, QStringList({u"B"_s, u"A"_s, u"C"_s}));
+}
+
 void test_device_rows::forged_schemas_data()
 {
     QTest::addColumn<QStringList>("statements"); // the schema, and how it is forged
@@ -169,6 +191,7 @@ void test_device_rows::forged_schemas_data()
     // clang-format off
     QTest::newRow("view")                      << QStringList{view} << refused;
     QTest::newRow("view in another case")      << QStringList{u"CREATE VIEW OTHERDEVICES AS SELECT 1"_s} << refused;
+    QTest::newRow("view of what is missing")  << QStringList{u"CREATE VIEW OtherDevices AS SELECT * FROM missing"_s} << refused;
     QTest::newRow("virtual table")             << QStringList{virtual_table} << refused;
     QTest::newRow("view called a table")       << QStringList{view, writable, u"UPDATE sqlite_master SET type='table'"_s} << malformed;
     QTest::newRow("view called a trigger")     << QStringList{view, writable, u"UPDATE sqlite_master SET type='trigger'"_s} << malformed;
