@@ -8,7 +8,7 @@
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
-#include "host/source/evidence_folder.h"
+#include "host/source/evidence_look.h"
 #include "host/source/macos_databases.h"
 
 #include <QFileInfo>

@@ -3,6 +3,8 @@
 
 #include "host/case/source_record.h"
 
+#include "host/text/json_member.h"
+
 #include <QJsonArray>
 
 #include <algorithm>
@@ -26,11 +28,6 @@ std::optional<qint64> number_from(const QJsonValue &json)
     if (!json.isDouble())
         return {};
     return json.toInteger();
-}
-
-QJsonValue text_or_null(const QString &text)
-{
-    return text.isEmpty() ? QJsonValue() : QJsonValue(text);
 }
 
 QStringList texts_from(const QJsonValue &json)

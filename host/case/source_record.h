@@ -4,7 +4,7 @@
 #ifndef HOST_CASE_SOURCE_RECORD_H
 #define HOST_CASE_SOURCE_RECORD_H
 
-#include "host/source/evidence_files.h"
+#include "host/source/evidence_state.h"
 
 #include <QJsonObject>
 #include <QLatin1StringView>

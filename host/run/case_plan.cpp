@@ -7,6 +7,7 @@
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
+#include "host/text/json_member.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -40,11 +41,6 @@ QString plugin_hash(const QString &file)
     if (!plugin.open(QIODevice::ReadOnly))
         return {};
     return sha256::of(plugin.readAll());
-}
-
-QJsonValue text_or_null(const QString &text)
-{
-    return text.isEmpty() ? QJsonValue() : QJsonValue(text);
 }
 
 QJsonObject facts_of(const case_request &request, const QList<named_source> &all)

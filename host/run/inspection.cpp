@@ -6,7 +6,7 @@
 #include "host/case/result_database.h"
 #include "host/files/file_hash.h"
 #include "host/files/host_error.h"
-#include "host/source/evidence_folder.h"
+#include "host/source/evidence_files.h"
 #include "host/source/macos_databases.h"
 #include "host/source/wal_changes.h"
 
@@ -19,13 +19,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const evidence_file *file_of(const evidence_state &evidence, const QString &path)
-{
-    const auto found = std::find_if(evidence.files.cbegin(), evidence.files.cend(),
-                                    [&path](const evidence_file &file) { return file.path == path; });
-    return found == evidence.files.cend() ? nullptr : &*found;
-}
 
 QString path_of(const macos_database &database)
 {
@@ -58,7 +51,7 @@ void count_found(inspection &result, table_rows &rows, const source_request &req
                                        [&rows](const auto *known) { return rows.table == known->result_table; });
     if (database == std::end(macos_databases))
         return;
-    const evidence_file *file = file_of(result.evidence, path_of(**database));
+    const evidence_file *file = result.evidence.file_named(path_of(**database));
     if (!file || file->state == evidence_file::presence::absent) {
         rows.found = 0;
         return;
@@ -103,7 +96,7 @@ QStringList tables_whose_file(const source_request &request, const evidence_stat
 {
     QStringList tables;
     for (const QString &table : request.options.tables) {
-        const evidence_file *file = file_of(evidence, file_of_table(request, table));
+        const evidence_file *file = evidence.file_named(file_of_table(request, table));
         if (file && is_meant(file->state))
             tables.append(table);
     }

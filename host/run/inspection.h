@@ -7,6 +7,7 @@
 #include "host/case/source_record.h"
 #include "host/run/plugin_log.h"
 #include "host/run/source_request.h"
+#include "host/source/evidence_look.h"
 
 #include <QJsonObject>
 
@@ -32,8 +33,8 @@ struct inspection
 };
 
 /**
- * The tables of the request whose evidence is there and cannot be read, or is refused: the plug-in does not get it to
- * see, and no rows are expected of it.
+ * The tables of the request whose evidence is there and cannot be read, or is refused: not passed to the plug-in; no
+ * rows are expected.
  */
 QStringList unread_tables(const source_request &request, const evidence_state &evidence);
 

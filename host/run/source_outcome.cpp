@@ -3,6 +3,7 @@
 
 #include "host/run/source_outcome.h"
 
+#include "host/source/evidence_files.h"
 #include "host/source/evidence_folder.h"
 #include "host/source/macos_databases.h"
 

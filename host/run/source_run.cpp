@@ -10,6 +10,7 @@
 #include "host/files/utc_time.h"
 #include "host/run/interruption.h"
 #include "host/run/worker_environment.h"
+#include "host/source/evidence_files.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -6,77 +6,8 @@
 
 #include "host/source/evidence_source.h"
 
-#include <QJsonObject>
-#include <QLatin1StringView>
-#include <QList>
 #include <QString>
 #include <QStringList>
-
-#include <functional>
-#include <optional>
-
-/** What the file system says of a file at one time, and what was read from it. */
-struct file_state
-{
-    QString identity; ///< device and inode: another file of the same name has another; empty when read from a record
-    qint64 size = 0;
-    QString modified; ///< UTC, to the nanosecond
-    QString changed;  ///< the same for the last change of the file's entry (ctime)
-    QString sha256;   ///< empty: it could not be read, or is not looked into
-
-    QJsonObject to_json() const;
-    static file_state from_json(const QJsonObject &json);
-};
-
-/** A file that the host looked for in a source. */
-struct evidence_file
-{
-    enum class presence { present, absent, unreadable, refused };
-
-    QString path; ///< relative to the source; of an iOS source the log's name
-    presence state = presence::absent;
-    QString reason; ///< why it is unreadable or refused, or what is odd about one that is present
-    std::optional<file_state> before;
-    std::optional<file_state> after;
-    QString copy_sha256; ///< of the working copy; empty: there is none
-
-    QJsonObject to_json() const;
-    static evidence_file from_json(const QJsonObject &json);
-};
-
-/** "present", "absent", "unreadable" or "refused". */
-QLatin1StringView presence_name(evidence_file::presence state);
-
-/** The files of a source and the names in its evidence folder, before and after the plug-in read them. */
-struct evidence_state
-{
-    QList<evidence_file> files;
-    QStringList listing_before;
-    QStringList listing_after;
-
-    /** What is different after the run, in plain words, one text for each file. Empty when nothing is. */
-    QStringList changes() const;
-};
-
-/** Tells how many more bytes were hashed. */
-using hash_observer = std::function<void(qint64 bytes)>;
-
-/** Where the host keeps what it takes from the evidence. */
-struct evidence_places
-{
-    QString copy_folder; ///< macOS: working copies, at the paths that the files have in the source
-    QString ios_lines;   ///< iOS: the file for the lines of the log that rows are made of
-};
-
-/**
- * Looks at the evidence before the plug-in does: states and hashes, working copies, lines. A database larger than
- * @p most_database_bytes is refused, unread. Throws host_error (internal_error) when something cannot be written.
- */
-evidence_state look_before(const evidence_source &source, const evidence_places &places, qint64 most_database_bytes,
-                           const hash_observer &hashed);
-
-/** Looks again, after the plug-in, and completes @p evidence. */
-void look_after(evidence_state &evidence, const evidence_source &source, const hash_observer &hashed);
 
 /** The files that a source of this kind may hold, relative to its root, present or not, in the order of a record. */
 QStringList evidence_paths(const evidence_source &source);

@@ -9,7 +9,10 @@
 #include <QString>
 #include <QStringList>
 
-/** Opens a file or folder of the evidence for reading: waits for nobody, and keeps the access time where it may. */
+/**
+ * Opens a file or folder of the evidence for reading: waits for nobody, and keeps the access time where it may. The
+ * plug-in has a function of its own for that: what checks it shares no code with it.
+ */
 descriptor open_evidence(const QString &path, int more_flags = 0);
 
 /**

@@ -73,7 +73,7 @@ std::optional<QString> unreadable_reason(const QFileInfo &file)
     return {};
 }
 
-/** A folder on the way to the databases that nobody lets us look into: what is behind it is not absent. */
+/** An unreadable folder; do not report its content as absent. */
 std::optional<QString> closed_folder(const evidence_source &source)
 {
     for (const QString &folder :

@@ -11,7 +11,7 @@
 
 #include <optional>
 
-/** A source of evidence, as far as it can be told without opening its evidence. */
+/** A source of evidence, as far as it is known without opening its evidence. */
 struct evidence_source
 {
     const source_kind *kind = nullptr;

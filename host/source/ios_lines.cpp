@@ -3,6 +3,7 @@
 
 #include "host/source/ios_lines.h"
 
+#include "host/source/device_phrases.h"
 #include "host/source/macos_databases.h"
 #include "host/text/json_text.h"
 
@@ -15,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /** What a line holds; the places are those of has_marker. */
-constexpr QLatin1StringView markers[] = {"BLE device found:"_L1, "active device:"_L1, "<Notice>:"_L1};
+constexpr QLatin1StringView markers[] = {found_device_phrase, active_device_phrase, notice_phrase};
 
 /** A kind of line: the markers that it holds, the rarest first. */
 struct line_kind
@@ -30,7 +31,7 @@ constexpr line_kind line_kinds[] = {
     {paired_devices_database.result_table, 1, 2},
 };
 
-constexpr qsizetype longest_marker = 17;
+constexpr qsizetype longest_marker = found_device_phrase.size();
 
 /** Place of the marker in the bytes from @p from on; their size if it is not there. */
 qsizetype find(QByteArrayView bytes, qsizetype from, QLatin1StringView marker)
@@ -109,8 +110,8 @@ void ios_line_finder::add_whole_lines(QByteArrayView lines)
         for (std::size_t i = 0; i < marker_count; ++i)
             has_marker[i] = contains(line, markers[i]);
         number += line_ends_in(lines.sliced(position, begin - position));
-        tell(block_offset + begin, line.first(qMin<qsizetype>(line.size(), ios_line::most_bytes)), line.size(),
-             has_marker);
+        emit_line(block_offset + begin, line.first(qMin<qsizetype>(line.size(), ios_line::most_bytes)), line.size(),
+                  has_marker);
         ++number;
         position = end + 1;
     }
@@ -134,15 +135,15 @@ void ios_line_finder::add_to_open_line(QByteArrayView bytes)
 
 void ios_line_finder::end_open_line()
 {
-    tell(offset - open_size, open_start, open_size, open_markers);
+    emit_line(offset - open_size, open_start, open_size, open_markers);
     open_start.clear();
     open_end.clear();
     open_size = 0;
     open_markers = {};
 }
 
-void ios_line_finder::tell(qint64 line_offset, QByteArrayView start, qint64 size,
-                           const std::array<bool, marker_count> &has_marker)
+void ios_line_finder::emit_line(qint64 line_offset, QByteArrayView start, qint64 size,
+                                const std::array<bool, marker_count> &has_marker)
 {
     for (const line_kind &kind : line_kinds) {
         if (has_marker[kind.rare_marker] && has_marker[kind.other_marker])

@@ -44,7 +44,8 @@ private:
     void add_whole_lines(QByteArrayView lines);
     void add_to_open_line(QByteArrayView bytes);
     void end_open_line();
-    void tell(qint64 line_offset, QByteArrayView start, qint64 size, const std::array<bool, marker_count> &has_marker);
+    void emit_line(qint64 line_offset, QByteArrayView start, qint64 size,
+                   const std::array<bool, marker_count> &has_marker);
 
     std::function<void(const ios_line &line)> take;
     qint64 offset = 0; ///< of the next byte

@@ -4,12 +4,12 @@
 #include "host/source/log_text.h"
 
 #include "host/files/system_error.h"
+#include "host/source/device_phrases.h"
 #include "host/source/evidence_folder.h"
 
 #include <QByteArray>
 #include <QRegularExpression>
 
-#include <algorithm>
 #include <cerrno>
 
 using namespace Qt::StringLiterals;
@@ -53,9 +53,6 @@ constexpr file_signature signatures[] = {
 constexpr QLatin1StringView
     utf_16_without_mark("it looks like a text in UTF-16: convert it first (iconv -f UTF-16LE -t UTF-8)");
 
-/** The phrases that the plug-in looks for. */
-constexpr QByteArrayView device_phrases[] = {"BLE device found:", "active device:"};
-
 /** Text in UTF-16 that is mostly ASCII has a zero in every other byte. */
 bool looks_like_utf_16(QByteArrayView start)
 {
@@ -91,8 +88,7 @@ bool is_device_log_line(QByteArrayView line)
     // "May 17 12:11:05 " of a system log, "2026-05-17 12:11:05" of its export
     static const QRegularExpression time(
         u"^\\s*(?:[A-Z][a-z]{2} [ 0-3]?[0-9] [0-9]{2}:[0-9]{2}:[0-9]{2}|[0-9]{4}-[0-9]{2}-[0-9]{2}[ T][0-9]{2}:[0-9]{2})"_s);
-    if (std::any_of(std::begin(device_phrases), std::end(device_phrases),
-                    [line](QByteArrayView phrase) { return line.contains(phrase); }))
+    if (line.contains(found_device_phrase) || line.contains(active_device_phrase))
         return true;
     return time.match(QString::fromLatin1(line.first(qMin(line.size(), longest_time)))).hasMatch();
 }

@@ -15,7 +15,6 @@
 #include <QJsonObject>
 #include <QtEndian>
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -222,13 +221,6 @@ bool has_pages_of_the_same_size(const QString &database)
     return qFromBigEndian<quint32>(in_log.constData()) == (pages == 1 ? 65536u : pages);
 }
 
-const evidence_file *file_of(const evidence_state &evidence, const QString &path)
-{
-    const auto found = std::find_if(evidence.files.cbegin(), evidence.files.cend(),
-                                    [&path](const evidence_file &file) { return file.path == path; });
-    return found == evidence.files.cend() ? nullptr : &*found;
-}
-
 /** Why there is nothing to compare although there is a log. */
 std::optional<QString> objection(const evidence_file *database, const evidence_file &log)
 {
@@ -257,7 +249,7 @@ public:
     {
         for (const macos_database *database : macos_databases) {
             const QString path = QString(macos_database_folder) + database->file_name;
-            const evidence_file *log = file_of(evidence, path + log_ending);
+            const evidence_file *log = evidence.file_named(path + log_ending);
             if (log && log->state != evidence_file::presence::absent)
                 add_database(*database, path, *log);
         }
@@ -273,7 +265,7 @@ private:
     void add_database(const macos_database &database, const QString &path, const evidence_file &log)
     {
         begin_table(database, path);
-        std::optional<QString> problem = objection(file_of(evidence, path), log);
+        std::optional<QString> problem = objection(evidence.file_named(path), log);
         std::optional<change_counts> found;
         if (!problem) {
             try {
@@ -284,7 +276,7 @@ private:
             }
         }
         end_table(database, found, problem);
-        if (problem && problem != log.reason) // which is told of the file itself
+        if (problem && problem != log.reason) // which is reported of the file itself
             findings.problems.append(log.path + u" cannot be compared with its database: "_s + *problem);
     }
 

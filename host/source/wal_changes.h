@@ -4,7 +4,7 @@
 #ifndef HOST_SOURCE_WAL_CHANGES_H
 #define HOST_SOURCE_WAL_CHANGES_H
 
-#include "host/source/evidence_files.h"
+#include "host/source/evidence_state.h"
 
 #include <QJsonValue>
 #include <QString>

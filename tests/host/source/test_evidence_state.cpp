@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/source/evidence_files.h"
+#include "host/source/evidence_state.h"
 #include "tests/support/strict_test.h"
 
 #include <QTest>

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "host/source/evidence_look.h"
 #include "host/source/wal_changes.h"
 #include "host/sqlite/sqlite.h"
 #include "tests/support/file_content.h"
