@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/command_line.h"
-#include "host/files/host_error.h"
+#include "host/cli/exit_code.h"
 #include "host/worker/worker.h"
 
 #include <QCoreApplication>
@@ -72,7 +72,7 @@ exit_code run_reporting_errors(const command_line &line)
         return code == exit_code::done ? exit_code::internal_error : code;
     } catch (const host_error &error) {
         out.error(error.message());
-        return error.code();
+        return exit_code_of(error.kind());
     }
 }
 

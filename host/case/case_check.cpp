@@ -5,6 +5,7 @@
 
 #include "host/case/manifest.h"
 #include "host/files/file_hash.h"
+#include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
@@ -39,7 +40,7 @@ public:
     check_outcome run()
     {
         if (!path_exists(layout.directory()))
-            throw host_error(exit_code::input, u"there is no case "_s + layout.directory());
+            throw host_error(error_kind::not_found, u"there is no case "_s + layout.directory());
         if (!path_exists(layout.manifest())) {
             outcome.incomplete.append(u"the case has no manifest.json: \"collect\" makes it"_s);
             return outcome;
@@ -180,13 +181,13 @@ private:
 
 } // namespace
 
-exit_code check_outcome::code() const
+outcome_code check_outcome::code() const
 {
     if (!differences.isEmpty())
-        return exit_code::evidence_changed;
+        return outcome_code::evidence_changed;
     if (!incomplete.isEmpty())
-        return exit_code::partial;
-    return missing.isEmpty() ? exit_code::done : exit_code::input;
+        return outcome_code::partial;
+    return missing.isEmpty() ? outcome_code::done : outcome_code::no_evidence;
 }
 
 check_outcome check_case(const check_request &request)

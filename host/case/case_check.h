@@ -5,7 +5,7 @@
 #define HOST_CASE_CASE_CHECK_H
 
 #include "host/case/case_layout.h"
-#include "host/files/host_error.h"
+#include "host/case/outcome_code.h"
 
 #include <QMap>
 #include <QString>
@@ -32,12 +32,12 @@ struct check_outcome
     qint64 files_compared = 0;
 
     /** 5 with differences, 4 for an incomplete case, 3 without the evidence, else 0. */
-    exit_code code() const;
+    outcome_code code() const;
 };
 
 /**
  * Hashes evidence, working copies and results of a case again and compares them with its manifest, by content. Reads
- * and never writes. Throws host_error (input) when there is no such case.
+ * and never writes. Throws host_error (not_found) when there is no such case.
  */
 check_outcome check_case(const check_request &request);
 

@@ -34,7 +34,7 @@ public:
 
     /**
      * Removes what the program wrote for a source, and only the names that it writes; folders go when they are empty.
-     * Gives the paths that stay because they are not the program's. Throws host_error (internal_error).
+     * Gives the paths that stay because they are not the program's. Throws host_error (io).
      */
     QStringList remove_run() const;
 

@@ -28,7 +28,7 @@ constexpr QLatin1StringView list_members[] = {"path"_L1, "type"_L1, "name"_L1, "
 
 [[noreturn]] void refuse(const QString &message)
 {
-    throw host_error(exit_code::usage, message);
+    throw host_error(error_kind::refused, message);
 }
 
 QString text_of(const QJsonObject &entry, QLatin1StringView member, const QString &place)
@@ -76,7 +76,7 @@ QJsonObject read_list_file(const QString &file)
     try {
         return read_json_file(file);
     } catch (const host_error &error) {
-        throw host_error(QFileInfo(file).isReadable() ? exit_code::usage : error.code(), error.message());
+        throw host_error(QFileInfo(file).isReadable() ? error_kind::refused : error.kind(), error.message());
     }
 }
 

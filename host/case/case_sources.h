@@ -28,7 +28,7 @@ QList<named_source> read_source_list(const QString &file);
 
 /**
  * Gives each source without a number the lowest one that is free above all others before it: 1, 2, … Throws host_error
- * (usage) when a number or a source is there twice, or one source lies inside another.
+ * (refused) when a number or a source is there twice, or one source lies inside another.
  */
 void number_sources(QList<named_source> &sources);
 
@@ -38,7 +38,7 @@ enum class path_comparison {
     texts,  ///< the paths alone: no source of the list is looked at
 };
 
-/** Throws host_error (usage) when two of the sources are one, or one lies inside another. */
+/** Throws host_error (refused) when two of the sources are one, or one lies inside another. */
 void refuse_overlaps(const QList<named_source> &sources, path_comparison comparison);
 
 /**

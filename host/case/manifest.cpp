@@ -5,6 +5,7 @@
 
 #include "host/case/case_sources.h"
 #include "host/files/file_lock.h"
+#include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/new_file.h"
 #include "host/files/paths.h"
@@ -40,13 +41,13 @@ case_heading read_heading(const case_layout &layout, const QList<int> &numbers)
     for (const int number : numbers) {
         const kept_record record = read_source_record(layout, number);
         if (record.source.status == source_status::running)
-            throw host_error(exit_code::usage, u"source "_s + QString::number(number) + u" still runs"_s);
+            throw host_error(error_kind::refused, u"source "_s + QString::number(number) + u" still runs"_s);
         if (heading.first_number == 0) {
             heading.first_number = number;
             heading.members = record.members;
         }
         if (list_hash(record.members) != list_hash(heading.members))
-            throw host_error(exit_code::usage,
+            throw host_error(error_kind::refused,
                              u"the records of source "_s + QString::number(heading.first_number) + u" and source "_s
                                  + QString::number(number) + u" are of different lists of sources: "_s
                                  + list_hash(heading.members) + u" and "_s + list_hash(record.members));
@@ -80,11 +81,11 @@ kept_record read_source_record(const case_layout &layout, int number)
     kept_record record;
     record.members = read_json_file(source.record());
     if (record.members.value("format"_L1) != record_format || record.members.value("version"_L1) != 1)
-        throw host_error(exit_code::input, source.record() + u" is no record of this version of the program"_s);
+        throw host_error(error_kind::not_found, source.record() + u" is no record of this version of the program"_s);
     record.source = source_record::from_json(record.members);
     if (record.source.status == source_status::running && !file_lock::is_held(source.lock())) {
         record.source.status = source_status::interrupted;
-        record.source.exit_code = int(exit_code::interrupted);
+        record.source.exit_code = int(outcome_code::interrupted);
         record.source.messages.append(u"interrupted: the run ended without a word, the result is incomplete"_s);
     }
     return record;
@@ -103,36 +104,37 @@ QList<int> recorded_sources(const case_layout &layout)
 void case_tally::add(const source_record &source)
 {
     ++sources[source.status];
-    ++codes[exit_code(source.exit_code.value_or(int(exit_code::partial)))];
+    ++codes[outcome_code(source.exit_code.value_or(int(outcome_code::partial)))];
     if (source.status != source_status::done)
         not_done.append(source.number);
 }
 
-exit_code case_tally::code() const
+outcome_code case_tally::code() const
 {
     int count = 0;
     for (const int sources_with_code : codes)
         count += sources_with_code;
-    if (codes.contains(exit_code::evidence_changed))
-        return exit_code::evidence_changed;
-    if (is_interrupted || codes.contains(exit_code::interrupted))
-        return exit_code::interrupted;
-    if (count > 0 && codes.value(exit_code::input) == count)
-        return exit_code::input;
-    return codes.value(exit_code::done) == count ? exit_code::done : exit_code::partial;
+    if (codes.contains(outcome_code::evidence_changed))
+        return outcome_code::evidence_changed;
+    if (is_interrupted || codes.contains(outcome_code::interrupted))
+        return outcome_code::interrupted;
+    if (count > 0 && codes.value(outcome_code::no_evidence) == count)
+        return outcome_code::no_evidence;
+    return codes.value(outcome_code::done) == count ? outcome_code::done : outcome_code::partial;
 }
 
 case_tally collect_case(const case_layout &layout)
 {
     const QList<int> recorded = recorded_sources(layout);
     if (recorded.isEmpty())
-        throw host_error(exit_code::input, layout.directory() + u" holds no record of a source"_s);
+        throw host_error(error_kind::not_found, layout.directory() + u" holds no record of a source"_s);
     const case_heading heading = read_heading(layout, recorded);
     QList<int> numbers = numbers_in(heading.members.value("case_sources"_L1).toObject().value("numbers"_L1).toString());
     for (const int number : recorded) {
         if (!numbers.contains(number))
-            throw host_error(exit_code::usage, u"source "_s + QString::number(number)
-                                                   + u" has a record and is not in the list of the case's sources"_s);
+            throw host_error(error_kind::refused,
+                             u"source "_s + QString::number(number)
+                                 + u" has a record and is not in the list of the case's sources"_s);
     }
 
     QJsonObject head{{u"format"_s, QString(manifest_format)}, {u"version"_s, 1}};

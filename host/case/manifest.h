@@ -5,8 +5,8 @@
 #define HOST_CASE_MANIFEST_H
 
 #include "host/case/case_layout.h"
+#include "host/case/outcome_code.h"
 #include "host/case/source_record.h"
-#include "host/files/host_error.h"
 
 #include <QJsonObject>
 #include <QList>
@@ -22,7 +22,7 @@ struct kept_record
 
 /**
  * Reads the record of a source. One that says "running" though nobody holds its lock is interrupted. Throws host_error
- * (input) when it is missing or no record of this program.
+ * (not_found) when it is missing or no record of this program.
  */
 kept_record read_source_record(const case_layout &layout, int number);
 
@@ -34,24 +34,24 @@ struct case_tally
 {
     QMap<source_status, int> sources; ///< how many ended how
     QList<int> not_done;              ///< the numbers of those that are not done
-    QMap<exit_code, int> codes;       ///< how many with which code
+    QMap<outcome_code, int> codes;    ///< how many with which code
     QString manifest_sha256;
     bool is_interrupted = false; ///< before all sources had their turn
 
     void add(const source_record &source);
 
     /** The code for the whole, the first that fits: 5, 130, 3 when no source could be read, 4, 0. */
-    exit_code code() const;
+    outcome_code code() const;
 };
 
 /**
  * Makes the manifest of a case from the records of its sources, in flat memory, and the file with its hash. Throws
- * host_error: usage when records are of different lists of sources or one of them still runs, input when there is no
- * record, internal_error when it cannot be written.
+ * host_error: refused when records are of different lists of sources or one of them still runs, not_found when there is
+ * no record, io when it cannot be written.
  */
 case_tally collect_case(const case_layout &layout);
 
-/** The sources whose records are not what the manifest says of them. Throws host_error (input). */
+/** The sources whose records are not what the manifest says of them. Throws host_error (not_found). */
 QList<int> sources_unlike_manifest(const case_layout &layout, const QJsonObject &manifest);
 
 #endif

@@ -28,20 +28,20 @@ constexpr const char *ios_columns = R"(
 
 [[noreturn]] void fail_to_read(const QString &what, const sqlite_error &error)
 {
-    throw host_error(exit_code::input, what + u" cannot be read: "_s + error.message());
+    throw host_error(error_kind::not_found, what + u" cannot be read: "_s + error.message());
 }
 
 sqlite_database open_to_read(const QString &file)
 {
     if (!QFileInfo(file).isFile())
-        throw host_error(exit_code::input, u"there is no result database "_s + file);
+        throw host_error(error_kind::not_found, u"there is no result database "_s + file);
     try {
         sqlite_database database(file, sqlite_database::access::read_only);
         database.distrust(); // a case may come from anywhere
         database.execute("BEGIN");
         return database;
     } catch (const sqlite_error &error) {
-        throw host_error(exit_code::input,
+        throw host_error(error_kind::not_found,
                          u"the result database "_s + file + u" cannot be opened: "_s + error.message());
     }
 }
@@ -66,7 +66,7 @@ QStringList result_database::tables() const
         fail_to_read(u"the result database "_s + path, error);
     }
     if (names.isEmpty())
-        throw host_error(exit_code::input, u"the result database "_s + path + u" holds no result table"_s);
+        throw host_error(error_kind::not_found, u"the result database "_s + path + u" holds no result table"_s);
     return names;
 }
 
@@ -96,6 +96,6 @@ void widen_result_tables_for_ios(const QString &file)
         sqlite_database database(file, sqlite_database::access::read_write);
         database.execute(ios_columns);
     } catch (const sqlite_error &error) {
-        throw host_error(exit_code::internal_error, u"the result tables cannot be widened: "_s + error.message());
+        throw host_error(error_kind::io, u"the result tables cannot be widened: "_s + error.message());
     }
 }

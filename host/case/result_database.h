@@ -11,7 +11,7 @@
 
 /**
  * A result database that is there, read as it was when the first of it was read, whoever writes to it meanwhile. It may
- * come from a stranger. Every function throws host_error (input) when the file cannot be read.
+ * come from a stranger. Every function throws host_error (not_found) when the file cannot be read.
  */
 class result_database
 {
@@ -19,7 +19,8 @@ public:
     /** Opens it for reading. */
     explicit result_database(const QString &file);
 
-    /** The names of its result tables, in the plug-in's order. Throws host_error (input) also when there are none. */
+    /** The names of its result tables, in the plug-in's order. Throws host_error (not_found) also when there are none.
+     */
     QStringList tables() const;
 
     qint64 row_count(const QString &table) const;
@@ -34,7 +35,7 @@ private:
 
 /**
  * Adds to the result tables of @p file the columns that rows of iOS sources fill and the tables, made for macOS, lack.
- * Throws host_error (internal_error).
+ * Throws host_error (io).
  */
 void widen_result_tables_for_ios(const QString &file);
 

@@ -93,7 +93,7 @@ QList<stored_source> stored_sources(const QString &place)
     for (const int number : layout.source_numbers())
         sources.append(read_source(layout, number));
     if (sources.isEmpty())
-        throw host_error(exit_code::input,
+        throw host_error(error_kind::not_found,
                          u"there is no case and no result database at "_s + place
                              + (QFileInfo::exists(place) ? u": a case holds a folder Source1"_s : QString()));
     return sources;

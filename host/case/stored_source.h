@@ -31,7 +31,7 @@ struct stored_source
 
 /**
  * The sources of the case at @p place, in the order of their numbers. A result database there is taken for a case of
- * one. Throws host_error (input) when there is neither, and when a record cannot be read.
+ * one. Throws host_error (not_found) when there is neither, and when a record cannot be read.
  */
 QList<stored_source> stored_sources(const QString &place);
 

@@ -99,5 +99,5 @@ void require_choice(const argument &what, const QString &word, const QStringList
 
 void refuse(const argument &what, const QString &reason)
 {
-    throw host_error(exit_code::usage, what.name() + u": "_s + reason);
+    throw host_error(error_kind::refused, what.name() + u": "_s + reason);
 }

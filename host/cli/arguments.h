@@ -15,7 +15,7 @@
 
 /**
  * Arguments with values. Their names are as CLI11 has them, "-i,--input" or "CASE"; in messages an argument has the
- * last one of them. Whatever is wrong with a value, host_error (usage) says it, and that comes through
+ * last one of them. Whatever is wrong with a value, host_error (refused) says it, and that comes through
  * CLI::App::parse().
  */
 struct argument
@@ -46,7 +46,7 @@ CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, q
 /** Throws unless @p word is one of @p choices; the message shows them, and the nearest. */
 void require_choice(const argument &what, const QString &word, const QStringList &choices);
 
-/** Throws host_error (usage): "--timeout: reason". */
+/** Throws host_error (refused): "--timeout: reason". */
 [[noreturn]] void refuse(const argument &what, const QString &reason);
 
 #endif

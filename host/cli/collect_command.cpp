@@ -4,6 +4,7 @@
 #include "host/cli/collect_command.h"
 
 #include "host/files/file_lock.h"
+#include "host/files/host_error.h"
 #include "host/files/paths.h"
 
 using namespace Qt::StringLiterals;
@@ -45,9 +46,9 @@ exit_code run_collect(const QString &directory, console &out)
 {
     const case_layout layout(directory);
     if (!path_exists(layout.directory()))
-        throw host_error(exit_code::input, u"there is no case "_s + layout.directory());
+        throw host_error(error_kind::not_found, u"there is no case "_s + layout.directory());
     const file_lock lock(layout.lock());
     const case_tally tally = collect_case(layout);
     print_tally(tally, true, out);
-    return tally.code();
+    return exit_code_of(tally.code());
 }

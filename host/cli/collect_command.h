@@ -6,6 +6,7 @@
 
 #include "host/case/manifest.h"
 #include "host/cli/console.h"
+#include "host/cli/exit_code.h"
 
 /** Makes the manifest of the case at @p directory from the records of its sources. Throws host_error. */
 exit_code run_collect(const QString &directory, console &out);

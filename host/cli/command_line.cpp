@@ -100,7 +100,7 @@ host_error usage_error(const CLI::App &app, const CLI::ParseError &error)
 {
     const CLI::App &command = given_command(app);
     const QString name = command.get_parent() ? u' ' + QString::fromStdString(command.get_name()) : QString();
-    return host_error(exit_code::usage,
+    return host_error(error_kind::refused,
                       reason_of(app, error) + u" (bluetooth-logs"_s + name + u" --help tells more)"_s);
 }
 

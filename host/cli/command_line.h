@@ -20,7 +20,7 @@ struct collect_options
     QString directory; ///< absolute
 };
 
-/** What the examiner asked for, or what is wrong with it: a host_error (usage), for the console to tell. */
+/** What the examiner asked for, or what is wrong with it: a host_error (refused), for the console to tell. */
 struct command_line
 {
     QStringList arguments; ///< as they were typed

@@ -169,7 +169,7 @@ void add_display(CLI::App &extract, extract_options &options)
 
 [[noreturn]] void refuse(const QString &message)
 {
-    throw host_error(exit_code::usage, message);
+    throw host_error(error_kind::refused, message);
 }
 
 QList<named_source> sources_of(const extract_arguments &arguments)

@@ -15,5 +15,5 @@ exit_code run_extract(const extract_options &options, console &out)
     out.progress().clear();
     if (!request.only)
         print_tally(tally, sources > 1, out);
-    return tally.code();
+    return exit_code_of(tally.code());
 }

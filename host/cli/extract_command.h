@@ -4,6 +4,7 @@
 #ifndef HOST_CLI_EXTRACT_COMMAND_H
 #define HOST_CLI_EXTRACT_COMMAND_H
 
+#include "host/cli/exit_code.h"
 #include "host/cli/run_display.h"
 #include "host/run/case_run.h"
 

@@ -5,7 +5,7 @@
 #define HOST_CLI_REPORT_COMMAND_H
 
 #include "host/cli/console.h"
-#include "host/files/host_error.h"
+#include "host/cli/exit_code.h"
 #include "host/report/report_files.h"
 
 /** Writes reports of a case. The code is partial when the case, or what was read of it, is not complete. */

@@ -5,6 +5,7 @@
 
 #include "host/cli/shell_text.h"
 #include "host/files/file_removal.h"
+#include "host/files/host_error.h"
 #include "host/files/paths.h"
 #include "host/sample/sample_parts.h"
 #include "host/source/macos_databases.h"
@@ -90,10 +91,10 @@ QStringList make_room(const QString &directory, bool force)
     const bool is_ours = is_our_sample(directory);
     const QStringList in_the_way = is_ours ? obstacles(directory, files) : present;
     if (!in_the_way.isEmpty())
-        throw host_error(exit_code::usage,
+        throw host_error(error_kind::refused,
                          u"this stands in the way, and it is no sample of this program: "_s + in_the_way.join(u", "_s));
     if (!force)
-        throw host_error(exit_code::usage,
+        throw host_error(error_kind::refused,
                          u"the folder holds a sample already, "_s + directory + u": --force writes it anew"_s);
     return remove_listed_files(directory, files);
 }

@@ -5,7 +5,7 @@
 #define HOST_CLI_SAMPLE_COMMAND_H
 
 #include "host/cli/console.h"
-#include "host/files/host_error.h"
+#include "host/cli/exit_code.h"
 #include "host/sample/sample_parts.h"
 
 #include <QString>

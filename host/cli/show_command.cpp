@@ -4,6 +4,7 @@
 #include "host/cli/show_command.h"
 
 #include "host/case/stored_source.h"
+#include "host/files/host_error.h"
 #include "host/report/tables/report_table.h"
 
 #include <QLocale>
@@ -37,8 +38,8 @@ QList<stored_source> chosen_sources(const show_options &options)
             return {source};
         names.append(source.name);
     }
-    throw host_error(exit_code::usage, u"the case has no Source"_s + QString::number(*options.source) + u", only "_s
-                                           + names.join(u", "_s));
+    throw host_error(error_kind::refused, u"the case has no Source"_s + QString::number(*options.source) + u", only "_s
+                                              + names.join(u", "_s));
 }
 
 /** Prints sources one after the other, and at the end how many rows each table has. */
@@ -87,8 +88,8 @@ private:
         if (options.table.isEmpty())
             return tables;
         if (!tables.contains(options.table))
-            throw host_error(exit_code::input, u"the result database "_s + source.result_database
-                                                   + u" holds no table "_s + options.table);
+            throw host_error(error_kind::not_found, u"the result database "_s + source.result_database
+                                                        + u" holds no table "_s + options.table);
         return {options.table};
     }
 
@@ -103,7 +104,7 @@ exit_code show_file(const show_options &options, console &out)
 {
     if (options.format->separator != 0 && out.columns())
         throw host_error(
-            exit_code::usage,
+            error_kind::refused,
             u"csv and tsv hold texts as they are, which could act on this terminal: send them to a file or "
             "a program, or ask for jsonl"_s);
     const QStringList shortcomings = tell_table({options.place, options.table, *options.format, options.source},

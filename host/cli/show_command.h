@@ -5,8 +5,8 @@
 #define HOST_CLI_SHOW_COMMAND_H
 
 #include "host/cli/console.h"
+#include "host/cli/exit_code.h"
 #include "host/cli/table_view.h"
-#include "host/files/host_error.h"
 #include "host/report/tables/row_formats.h"
 
 #include <QString>
@@ -25,7 +25,7 @@ struct show_options
 
 /**
  * Prints the rows of a case's result databases. What stands between them and the whole of the evidence is told as
- * warnings; partial where a source is incomplete. Throws host_error (input) when there are no rows to be had.
+ * warnings; partial where a source is incomplete. Throws host_error (not_found) when there are no rows to be had.
  */
 exit_code run_show(const show_options &options, console &out);
 

@@ -22,7 +22,7 @@ enum class row_layout {
 
 /**
  * One result table for the terminal. Its rows are read twice, once to learn the columns' widths and what is the same
- * in every row, and once to print them, so that they take no memory. Throws host_error (input).
+ * in every row, and once to print them, so that they take no memory. Throws host_error (not_found).
  */
 class table_view
 {

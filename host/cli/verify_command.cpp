@@ -12,12 +12,12 @@ QString verdict(const check_outcome &outcome, const check_request &request)
 {
     const QString files = QString::number(outcome.files_compared) + u" files compared"_s;
     switch (outcome.code()) {
-    case exit_code::evidence_changed:
+    case outcome_code::evidence_changed:
         return u"CHANGED     "_s + QString::number(outcome.differences.size())
                + (outcome.differences.size() == 1 ? u" difference, "_s : u" differences, "_s) + files;
-    case exit_code::partial:
+    case outcome_code::partial:
         return u"INCOMPLETE  what is there is unchanged, "_s + files;
-    case exit_code::input:
+    case outcome_code::no_evidence:
         return u"NOT CHECKED evidence is not there to be looked at; the case itself is unchanged, "_s + files;
     default:
         return (request.leaves_out_evidence ? u"UNCHANGED   results and working copies, evidence left out, "_s
@@ -40,5 +40,5 @@ exit_code run_verify(const check_request &request, console &out)
     for (const QString &text : outcome.missing)
         out.error(text);
     out.print_unless_quiet({verdict(outcome, request)});
-    return outcome.code();
+    return exit_code_of(outcome.code());
 }

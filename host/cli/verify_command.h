@@ -6,6 +6,7 @@
 
 #include "host/case/case_check.h"
 #include "host/cli/console.h"
+#include "host/cli/exit_code.h"
 
 /** Compares a case with its manifest and tells what is different. Throws host_error. */
 exit_code run_verify(const check_request &request, console &out);

@@ -55,13 +55,12 @@ file_lock::file_lock(const QString &path)
     : file(::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644))
 {
     if (!file.is_open())
-        throw host_error(exit_code::internal_error,
-                         u"the lock "_s + path + u" cannot be written: "_s + system_error_text(errno));
+        throw host_error(error_kind::io, u"the lock "_s + path + u" cannot be written: "_s + system_error_text(errno));
     if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EWOULDBLOCK)
-            throw host_error(exit_code::usage,
+            throw host_error(error_kind::refused,
                              u"another run works here, "_s + holder_of(file.number()) + u": "_s + path);
-        throw host_error(exit_code::internal_error,
+        throw host_error(error_kind::io,
                          u"the file system of "_s + path + u" gives no lock: "_s + system_error_text(errno));
     }
     // A full disk keeps the name out, not the lock. A file that others filled stays as it is.

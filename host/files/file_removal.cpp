@@ -37,8 +37,7 @@ void remove_file(const QString &path)
     std::error_code error;
     filesystem::remove(to_std_path(path), error);
     if (error)
-        throw host_error(exit_code::internal_error,
-                         path + u" cannot be removed: "_s + system_error_text(error.value()));
+        throw host_error(error_kind::io, path + u" cannot be removed: "_s + system_error_text(error.value()));
 }
 
 /** Adds what lies in a folder, unless something below it is told already. */

@@ -10,7 +10,7 @@
 /**
  * Removes files below @p root that the program wrote, by their names relative to it and in this order, and then the
  * folders that held them, where they are empty. Nothing is removed through a link, and no folder with something in it.
- * Gives the paths of what stays in those folders. Throws host_error (internal_error) when a file cannot be removed.
+ * Gives the paths of what stays in those folders. Throws host_error (io) when a file cannot be removed.
  */
 QStringList remove_listed_files(const QString &root, const QStringList &files);
 

@@ -8,30 +8,29 @@
 
 #include <exception>
 
-/** What the program tells its caller; scripts rely on the numbers. */
-enum class exit_code {
-    done = 0,
-    internal_error = 1,
-    usage = 2,
-    input = 3,            ///< missing, unreadable or free of evidence
-    partial = 4,          ///< evidence was found, but a part could not be read or written
-    evidence_changed = 5, ///< the evidence is not what it was before the run
-    interrupted = 130,
+/** What kept the program from its work, as far as a caller acts on it. */
+enum class error_kind {
+    io,               ///< something cannot be written, started or loaded
+    refused,          ///< it cannot be done as it was asked for; nothing was touched
+    not_found,        ///< what is to be read is missing, unreadable or something else
+    incomplete,       ///< a part of the work could not be done
+    evidence_changed, ///< the evidence is not what it was before the run
+    interrupted,
 };
 
-/** Ends a command: what the examiner reads, and the exit code. Thrown by the host's own code only. */
+/** Ends a command: what the examiner reads, and its kind. Thrown by the host's own code only. */
 class host_error : public std::exception
 {
 public:
-    host_error(exit_code code, const QString &message)
-        : exit(code)
+    host_error(error_kind kind_of_error, const QString &message)
+        : error(kind_of_error)
         , text(message)
     {
     }
 
-    exit_code code() const
+    error_kind kind() const
     {
-        return exit;
+        return error;
     }
 
     QString message() const
@@ -40,7 +39,7 @@ public:
     }
 
 private:
-    exit_code exit;
+    error_kind error;
     QString text;
 };
 

@@ -39,7 +39,7 @@ void write_json_file(const QString &path, const QJsonObject &content)
 QByteArray read_whole_file(const QString &path, qint64 most_bytes)
 {
     const auto fail = [&path](const QString &reason) {
-        throw host_error(exit_code::input, path + u" cannot be read: "_s + reason);
+        throw host_error(error_kind::not_found, path + u" cannot be read: "_s + reason);
     };
     const descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
@@ -63,9 +63,9 @@ QJsonObject read_json_file(const QString &path)
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(read_whole_file(path, most_json_bytes), &error);
     if (error.error != QJsonParseError::NoError)
-        throw host_error(exit_code::input, path + u" is no JSON file: "_s + error.errorString() + u" at byte "_s
-                                               + QString::number(error.offset));
+        throw host_error(error_kind::not_found, path + u" is no JSON file: "_s + error.errorString() + u" at byte "_s
+                                                    + QString::number(error.offset));
     if (!document.isObject())
-        throw host_error(exit_code::input, path + u" holds no JSON object"_s);
+        throw host_error(error_kind::not_found, path + u" holds no JSON object"_s);
     return document.object();
 }

@@ -12,17 +12,18 @@
 
 /**
  * Puts @p content at @p path: whole or not at all, on the disk when this returns, in place of an earlier file of that
- * name. Throws host_error (internal_error) and leaves an earlier file as it was.
+ * name. Throws host_error (io) and leaves an earlier file as it was.
  */
 void write_whole_file(const QString &path, const QByteArray &content);
 
 /** The same for JSON, indented, with a line end at the end. */
 void write_json_file(const QString &path, const QJsonObject &content);
 
-/** The bytes of a regular file of at most @p most_bytes, which is no link. Throws host_error (input). */
+/** The bytes of a regular file of at most @p most_bytes, which is no link. Throws host_error (not_found). */
 QByteArray read_whole_file(const QString &path, qint64 most_bytes);
 
-/** The JSON object in a file of this program. Throws host_error (input), naming the file and the place of an error. */
+/** The JSON object in a file of this program. Throws host_error (not_found), naming the file and the place of an error.
+ */
 QJsonObject read_json_file(const QString &path);
 
 #endif

@@ -60,7 +60,7 @@ void new_file::commit()
 
 void new_file::fail(int error) const
 {
-    throw host_error(exit_code::internal_error, path + u" cannot be written: "_s + system_error_text(error));
+    throw host_error(error_kind::io, path + u" cannot be written: "_s + system_error_text(error));
 }
 
 void new_file::write(QByteArrayView bytes)

@@ -11,7 +11,7 @@
 
 /**
  * A file that is written piece by piece and has its name only when it is whole: until then it stands beside it as
- * "<name>.new", and goes if it is given up. Every function throws host_error (internal_error) with the system's reason.
+ * "<name>.new", and goes if it is given up. Every function throws host_error (io) with the system's reason.
  */
 class new_file
 {

@@ -26,7 +26,7 @@ QString clean_path(const QString &path, const QString &name)
     const filesystem::path followed = filesystem::weakly_canonical(to_std_path(path), error);
     const QString text = QFile::decodeName(followed.c_str());
     if (error || to_std_path(text) != followed)
-        throw host_error(exit_code::usage, name + u" cannot be followed to a folder: "_s + path);
+        throw host_error(error_kind::refused, name + u" cannot be followed to a folder: "_s + path);
     return QDir::cleanPath(text);
 }
 
@@ -40,19 +40,20 @@ filesystem::path to_std_path(const QString &path)
 QString absolute_path(const QString &path, const QString &name)
 {
     if (path.isEmpty())
-        throw host_error(exit_code::usage, name + u" is an empty path"_s);
+        throw host_error(error_kind::refused, name + u" is an empty path"_s);
     if (path.startsWith(u'/'))
         return clean_path(path, name);
     std::error_code error;
     const filesystem::path folder = filesystem::current_path(error);
     if (error)
-        throw host_error(exit_code::usage, name + u" is a relative path, "_s + path
-                                               + u", and the working folder is gone: give an absolute path"_s);
+        throw host_error(error_kind::refused, name + u" is a relative path, "_s + path
+                                                  + u", and the working folder is gone: give an absolute path"_s);
     const QString working_folder = QFile::decodeName(folder.c_str());
     if (to_std_path(working_folder) != folder)
-        throw host_error(exit_code::usage, name + u" is a relative path, "_s + path
-                                               + u", and the path of the working folder is no UTF-8: give an absolute "
-                                                 "path"_s);
+        throw host_error(error_kind::refused,
+                         name + u" is a relative path, "_s + path
+                             + u", and the path of the working folder is no UTF-8: give an absolute "
+                               "path"_s);
     return clean_path(working_folder + u'/' + path, name);
 }
 
@@ -82,6 +83,5 @@ void make_folder(const QString &path)
     std::error_code error;
     filesystem::create_directories(to_std_path(path), error);
     if (error)
-        throw host_error(exit_code::internal_error,
-                         path + u" cannot be written: "_s + system_error_text(error.value()));
+        throw host_error(error_kind::io, path + u" cannot be written: "_s + system_error_text(error.value()));
 }

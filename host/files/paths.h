@@ -12,7 +12,7 @@
 std::filesystem::path to_std_path(const QString &path);
 
 /**
- * The absolute form of a path that the examiner gave, links not followed but before a "..". Throws host_error (usage)
+ * The absolute form of a path that the examiner gave, links not followed but before a "..". Throws host_error (refused)
  * for an empty path, and for a relative one when the working folder is gone or has a name that is no UTF-8. @p name
  * says in the message what the path is for.
  */
@@ -27,7 +27,7 @@ bool path_exists(const QString &path);
  */
 bool is_inside(const QString &path, const QString &folder);
 
-/** Makes the folder with its parents. Throws host_error (internal_error) with the system's reason. */
+/** Makes the folder with its parents. Throws host_error (io) with the system's reason. */
 void make_folder(const QString &path);
 
 #endif

@@ -137,8 +137,8 @@ private:
     {
         for (const report_source &source : that_case.sources) {
             if (!source.record.path.isEmpty() && is_inside(options.output, source.record.path))
-                throw host_error(exit_code::usage, u"the report's folder lies in the evidence: "_s + options.output
-                                                       + u" is inside "_s + source.record.path);
+                throw host_error(error_kind::refused, u"the report's folder lies in the evidence: "_s + options.output
+                                                          + u" is inside "_s + source.record.path);
         }
         QStringList present;
         for (const QString &name : outcome.files) {
@@ -146,7 +146,7 @@ private:
                 present.append(path_of(name));
         }
         if (!present.isEmpty() && !options.force)
-            throw host_error(exit_code::usage,
+            throw host_error(error_kind::refused,
                              u"these files are there already, --force replaces them: "_s + present.join(u", "_s));
     }
 
@@ -243,8 +243,7 @@ private:
         for (const QString &name : names) {
             if (options.force && form.match(name).hasMatch() && !outcome.files.contains(name)
                 && !QFile::remove(path_of(name)))
-                throw host_error(exit_code::internal_error,
-                                 u"a page of an earlier report cannot be removed: "_s + path_of(name));
+                throw host_error(error_kind::io, u"a page of an earlier report cannot be removed: "_s + path_of(name));
         }
     }
 

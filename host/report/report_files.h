@@ -29,7 +29,7 @@ struct report_outcome
 
 /**
  * Writes reports of a case into a folder, from the case alone: no evidence is opened. Throws host_error: input when
- * there is no case, usage when a file is in the way or the folder lies in the evidence, internal_error when a file
+ * there is no case, refused when a file is in the way or the folder lies in the evidence, io when a file
  * cannot be written.
  */
 report_outcome write_report(const report_options &options);

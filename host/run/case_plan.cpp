@@ -4,6 +4,7 @@
 #include "host/run/case_plan.h"
 
 #include "host/case/completeness.h"
+#include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
@@ -22,7 +23,7 @@ namespace {
 
 [[noreturn]] void refuse(const QString &message)
 {
-    throw host_error(exit_code::usage, message);
+    throw host_error(error_kind::refused, message);
 }
 
 /** The options that decide what stands in the result; a run that is continued must have the same. */
@@ -163,7 +164,7 @@ void check_sources(const case_request &request, const case_plan &plan)
             check_places(request_for(request, source));
             ++readable;
         } catch (const host_error &error) {
-            if (error.code() != exit_code::input)
+            if (error.kind() != error_kind::not_found)
                 throw;
             if (!first)
                 first = error;

@@ -16,15 +16,16 @@ struct case_plan
 };
 
 /**
- * Works out what is to be done, without touching anything. Throws host_error (usage) when the request does not fit
+ * Works out what is to be done, without touching anything. Throws host_error (refused) when the request does not fit
  * what the case holds, input when no source can be read.
  */
 case_plan plan_case(const case_request &request);
 
-/** The request of one source. Throws host_error (input) when the source cannot be read, usage when it must not be. */
+/** The request of one source. Throws host_error (not_found) when the source cannot be read, usage when it must not be.
+ */
 source_request request_for(const case_request &request, const named_source &named);
 
-/** Throws host_error (usage) when the places of the case and of a source of it would meet. */
+/** Throws host_error (refused) when the places of the case and of a source of it would meet. */
 void check_places(const source_request &request);
 
 #endif

@@ -5,6 +5,7 @@
 
 #include "host/case/completeness.h"
 #include "host/files/file_lock.h"
+#include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/utc_time.h"
@@ -18,6 +19,7 @@
 #include <algorithm>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -31,7 +33,7 @@ void refuse_foreign_temporaries(const source_layout &layout)
 {
     for (const QString &folder : {layout.temporary_folder(), layout.plugin_temporary_folder()}) {
         if (path_exists(folder))
-            throw host_error(exit_code::usage,
+            throw host_error(error_kind::refused,
                              u"this is not of an earlier run and stands in the way, move it elsewhere first: "_s
                                  + folder);
     }
@@ -229,14 +231,14 @@ private:
             source = request_for(request, named);
             outcome = run_source(source, plan.facts, observer, [this] { preparation.prepare(); });
         } catch (const host_error &error) {
-            const bool is_unreadable = error.code() == exit_code::input;
+            const bool is_unreadable = error.kind() == error_kind::not_found;
             if (is_unreadable)
                 preparation.prepare();
             if (!preparation.is_done() || plan.all.size() == 1)
                 throw;
             source = unreadable_request(named);
             outcome = failed_outcome(named, error);
-            if (error.code() != exit_code::usage) // somebody else works on it
+            if (error.kind() != error_kind::refused) // somebody else works on it
                 write_failed_record(source, outcome);
         }
         observer.source_finished(source, outcome);
@@ -264,7 +266,8 @@ private:
         outcome.record.path = named.path;
         outcome.record.type = named.kind ? QString(named.kind->name) : QString();
         outcome.record.status = source_status::failed;
-        outcome.record.exit_code = int(error.code() == exit_code::input ? exit_code::input : exit_code::partial);
+        outcome.record.exit_code = int(error.kind() == error_kind::not_found ? outcome_code::no_evidence
+                                                                             : outcome_code::partial);
         outcome.record.started = utc_now();
         outcome.record.finished = outcome.record.started;
         outcome.record.messages = {error.message()};
@@ -306,6 +309,26 @@ void renew_list(const case_layout &layout, const QJsonObject &facts)
     }
 }
 
+/** The kind of error that an outcome of sources is; none of one that is done. */
+std::optional<error_kind> kind_of(outcome_code code)
+{
+    switch (code) {
+    case outcome_code::done:
+        return {};
+    case outcome_code::failed:
+        return error_kind::io;
+    case outcome_code::no_evidence:
+        return error_kind::not_found;
+    case outcome_code::partial:
+        return error_kind::incomplete;
+    case outcome_code::evidence_changed:
+        return error_kind::evidence_changed;
+    case outcome_code::interrupted:
+        break;
+    }
+    return error_kind::interrupted;
+}
+
 } // namespace
 
 case_tally run_case(const case_request &request, run_observer &observer)
@@ -330,7 +353,6 @@ case_tally run_case(const case_request &request, run_observer &observer)
         return tally;
     } catch (const host_error &error) {
         // What became of the sources counts more than their list.
-        const exit_code code = of_this_run.code();
-        throw host_error(code == exit_code::done ? error.code() : code, error.message());
+        throw host_error(kind_of(of_this_run.code()).value_or(error.kind()), error.message());
     }
 }

@@ -41,7 +41,7 @@ pipe_ends make_pipe()
     const bool is_made = ::pipe2(ends, O_CLOEXEC) == 0;
 #endif
     if (!is_made)
-        throw host_error(exit_code::internal_error, u"no pipe can be made: "_s + system_error_text(errno));
+        throw host_error(error_kind::io, u"no pipe can be made: "_s + system_error_text(errno));
     return {descriptor(ends[0]), descriptor(ends[1])};
 }
 
@@ -153,7 +153,7 @@ child_process::child_process(const QString &program, const QStringList &argument
                                     pointers(texts).data(), pointers(environment).data());
     if (error != 0) {
         process = -1;
-        throw host_error(exit_code::internal_error, program + u" cannot be started: "_s + system_error_text(error));
+        throw host_error(error_kind::io, program + u" cannot be started: "_s + system_error_text(error));
     }
     input = std::move(to_child.writing);
     output = std::move(from_child.reading);

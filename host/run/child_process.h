@@ -35,7 +35,7 @@ struct child_end
 class child_process
 {
 public:
-    /** @p environment: "NAME=value". Throws host_error (internal_error). */
+    /** @p environment: "NAME=value". Throws host_error (io). */
     child_process(const QString &program, const QStringList &arguments, const QList<QByteArray> &environment);
     /** Kills the child if it still runs. */
     ~child_process();

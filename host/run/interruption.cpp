@@ -3,8 +3,6 @@
 
 #include "host/run/interruption.h"
 
-#include "host/files/host_error.h"
-
 #include <csignal>
 
 #include <unistd.h>
@@ -18,7 +16,7 @@ volatile std::sig_atomic_t interrupt_count = 0;
 extern "C" void on_interrupt(int)
 {
     if (interrupt_count == 2)
-        ::_exit(int(exit_code::interrupted)); // the worker processes end with this one
+        ::_exit(128 + SIGINT); // the worker processes end with this one
     interrupt_count = interrupt_count + 1;
 }
 

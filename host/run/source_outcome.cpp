@@ -46,7 +46,7 @@ public:
     }
 
     /** The first one that is given counts. */
-    void end_as(source_status status, exit_code code)
+    void end_as(source_status status, outcome_code code)
     {
         if (outcome.record.exit_code)
             return;
@@ -99,9 +99,9 @@ void tell_odd_evidence(const source_request &request, const evidence_state &evid
                     file.path + (is_unread ? u" was not read: "_s : u": "_s) + file.reason);
     }
     if (!unread_tables(request, evidence).isEmpty() && is_nothing_readable(request, evidence))
-        verdict.end_as(source_status::failed, exit_code::input);
+        verdict.end_as(source_status::failed, outcome_code::no_evidence);
     else if (is_any_unread)
-        verdict.end_as(source_status::partial, exit_code::partial);
+        verdict.end_as(source_status::partial, outcome_code::partial);
     if (request.source.kind != &macos_kind)
         return;
     for (const macos_database *database : macos_databases) {
@@ -123,20 +123,20 @@ void tell_end(const source_request &request, const worker_report &report, bool i
     if (report.end.is_timed_out) {
         verdict.say(weight::error, u"timed out"_s + phase + u": the run took longer than the "_s
                                        + QString::number(request.options.timeout) + u" seconds of --timeout"_s);
-        verdict.end_as(source_status::timed_out, exit_code::partial);
+        verdict.end_as(source_status::timed_out, outcome_code::partial);
     }
     if (report.is_out_of_memory || (report.inspected && report.inspected->log.is_out_of_memory)
         || (report.inspected && report.inspected->is_out_of_memory)) {
         verdict.say(weight::error, u"out of memory"_s + phase + u": the run needs more than the "_s
                                        + QString::number(request.options.memory_limit) + u" MiB of --memory-limit"_s);
-        verdict.end_as(source_status::out_of_memory, exit_code::partial);
+        verdict.end_as(source_status::out_of_memory, outcome_code::partial);
     }
     for (const QString &problem : report.problems)
         verdict.say(weight::error, problem);
     if (report.end.signal != 0 && !report.end.is_timed_out && !is_interrupted) {
         verdict.say(weight::error, u"crashed"_s + phase + u": the process that runs the plug-in ended with "_s
                                        + report.end.signal_name());
-        verdict.end_as(source_status::crashed, exit_code::partial);
+        verdict.end_as(source_status::crashed, outcome_code::partial);
     }
     if (report.is_extracted || is_interrupted)
         return;
@@ -144,7 +144,7 @@ void tell_end(const source_request &request, const worker_report &report, bool i
         verdict.say(weight::error, u"the process that runs the plug-in ended before the extraction did, with exit "
                                    "code "_s
                                        + QString::number(report.end.exit_code));
-    verdict.end_as(source_status::failed, exit_code::partial);
+    verdict.end_as(source_status::failed, outcome_code::partial);
 }
 
 /** What the plug-in's log says went wrong. */
@@ -170,7 +170,7 @@ void tell_failures(const source_request &request, const log_findings &log, judge
                                          + u" found and not written: the suite's result tables have no columns for iOS "
                                            "rows; without --suite-tables the program adds them"_s);
     if (!log.failures.isEmpty())
-        verdict.end_as(source_status::partial, exit_code::partial);
+        verdict.end_as(source_status::partial, outcome_code::partial);
 }
 
 /** The log must be whole: what failed is told there and nowhere else. */
@@ -180,13 +180,13 @@ void check_log(const worker_report &report, judgement &verdict)
         return;
     if (!report.log_has_its_end) {
         verdict.say(weight::error, u"the plug-in's log has no line that ends it: the plug-in stopped early"_s);
-        verdict.end_as(source_status::partial, exit_code::partial);
+        verdict.end_as(source_status::partial, outcome_code::partial);
     }
     if (!report.inspected || report.inspected->log.sha256 != report.log_sha256) {
         verdict.say(weight::error,
                     u"the plug-in's log, plugin.log, does not hold all that the plug-in wrote into it: failures may "
                     "be missing there"_s);
-        verdict.end_as(source_status::partial, exit_code::partial);
+        verdict.end_as(source_status::partial, outcome_code::partial);
     }
 }
 
@@ -209,7 +209,7 @@ void check_rows(const source_request &request, const worker_report &report, cons
         verdict.say(weight::error, u"the rows of the table "_s + rows.table + u" do not agree: "_s + found
                                        + count_text(rows.announced) + u" announced by the plug-in, "_s
                                        + count_text(rows.stored) + u" stored in the result"_s);
-        verdict.end_as(source_status::partial, exit_code::partial);
+        verdict.end_as(source_status::partial, outcome_code::partial);
     }
 }
 
@@ -219,10 +219,10 @@ void source_outcome::fail(const QString &text)
 {
     messages.append({weight::error, text});
     record.messages.append(text);
-    if (code() != exit_code::done)
+    if (code() != outcome_code::done)
         return;
     record.status = source_status::partial;
-    record.exit_code = int(exit_code::partial);
+    record.exit_code = int(outcome_code::partial);
 }
 
 source_outcome judge_source(const source_request &request, const source_record &record, const worker_report &report,
@@ -240,10 +240,10 @@ source_outcome judge_source(const source_request &request, const source_record &
             verdict.say(weight::error, u"the evidence changed during the run: "_s + change);
     }
     if (!changes.isEmpty() && !request.options.is_live)
-        verdict.end_as(source_status::evidence_changed, exit_code::evidence_changed);
+        verdict.end_as(source_status::evidence_changed, outcome_code::evidence_changed);
     if (is_interrupted) {
         verdict.say(weight::error, u"interrupted: the result is incomplete"_s);
-        verdict.end_as(source_status::interrupted, exit_code::interrupted);
+        verdict.end_as(source_status::interrupted, outcome_code::interrupted);
     }
     tell_end(request, report, is_interrupted, verdict);
 
@@ -276,21 +276,21 @@ source_outcome judge_source(const source_request &request, const source_record &
         verdict.say(weight::note, u"this version extracts nothing from Windows sources"_s);
     if (!report.inspected) {
         verdict.say(weight::error, u"the evidence could not be looked at again after the run"_s);
-        verdict.end_as(source_status::failed, exit_code::partial);
+        verdict.end_as(source_status::failed, outcome_code::partial);
     } else {
         for (const QString &warning : report.inspected->warnings)
             verdict.say(weight::warning, warning);
         tell_failures(request, report.inspected->log, verdict);
         for (const QString &problem : report.inspected->problems) {
             verdict.say(weight::error, problem);
-            verdict.end_as(source_status::partial, exit_code::partial);
+            verdict.end_as(source_status::partial, outcome_code::partial);
         }
         if (!is_interrupted) {
             check_log(report, verdict);
             check_rows(request, report, outcome.record, verdict);
         }
     }
-    verdict.end_as(source_status::done, exit_code::done);
+    verdict.end_as(source_status::done, outcome_code::done);
     return outcome;
 }
 

@@ -4,8 +4,8 @@
 #ifndef HOST_RUN_SOURCE_OUTCOME_H
 #define HOST_RUN_SOURCE_OUTCOME_H
 
+#include "host/case/outcome_code.h"
 #include "host/case/source_record.h"
-#include "host/files/host_error.h"
 #include "host/run/source_request.h"
 #include "host/run/worker_report.h"
 
@@ -27,9 +27,9 @@ struct source_outcome
     source_record record; ///< with its status, its exit code and the texts of the messages
     QList<run_message> messages;
 
-    exit_code code() const
+    outcome_code code() const
     {
-        return exit_code(record.exit_code.value_or(int(exit_code::internal_error)));
+        return outcome_code(record.exit_code.value_or(int(outcome_code::failed)));
     }
 
     /** Adds an error to a run that was judged already: one that was done is partial then. */

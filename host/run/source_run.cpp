@@ -4,6 +4,7 @@
 #include "host/run/source_run.h"
 
 #include "host/files/file_lock.h"
+#include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/system_error.h"
@@ -59,9 +60,9 @@ void require_room(const source_request &request)
     const qint64 free = qint64(system.f_bavail) * qint64(system.f_frsize);
     const qint64 needed = bytes_to_stage(request);
     if (needed > free)
-        throw host_error(exit_code::partial, u"there is no room in the case to copy the evidence: "_s
-                                                 + QString::number(needed) + u" bytes are needed and "_s
-                                                 + QString::number(free) + u" are free"_s);
+        throw host_error(error_kind::incomplete, u"there is no room in the case to copy the evidence: "_s
+                                                     + QString::number(needed) + u" bytes are needed and "_s
+                                                     + QString::number(free) + u" are free"_s);
 }
 
 /** The plug-in appends to its log and never creates it. */
@@ -70,7 +71,7 @@ void create_plugin_log(const QString &path)
     const descriptor file(
         ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
     if (!file.is_open())
-        throw host_error(exit_code::internal_error, path + u" cannot be written: "_s + system_error_text(errno));
+        throw host_error(error_kind::io, path + u" cannot be written: "_s + system_error_text(errno));
 }
 
 /** Of a plug-in that was stopped: what it and its libraries put into the run's own folders for a while. */
@@ -106,7 +107,7 @@ public:
             std::rethrow_exception(failure);
         report.end = end;
         if (!is_prepared && is_interrupted())
-            throw host_error(exit_code::interrupted, u"interrupted before anything was written"_s);
+            throw host_error(error_kind::interrupted, u"interrupted before anything was written"_s);
         if (!is_prepared && !end.is_timed_out && !report.is_out_of_memory)
             throw_unusable_plugin();
         if (!is_prepared) {
@@ -205,13 +206,12 @@ private:
     {
         const QString start = u"the plug-in file "_s + request.options.plugin_file + u" cannot be used: "_s;
         if (!report.problems.isEmpty())
-            throw host_error(exit_code::internal_error, report.problems.first());
+            throw host_error(error_kind::io, report.problems.first());
         if (report.end.signal != 0)
-            throw host_error(exit_code::internal_error,
+            throw host_error(error_kind::io,
                              start + u"it crashed while it was loaded, with "_s + report.end.signal_name());
-        throw host_error(exit_code::internal_error, start
-                                                        + u"it ended the process while it was loaded, with exit code "_s
-                                                        + QString::number(report.end.exit_code));
+        throw host_error(error_kind::io, start + u"it ended the process while it was loaded, with exit code "_s
+                                             + QString::number(report.end.exit_code));
     }
 
     source_outcome finish()

@@ -19,12 +19,12 @@ struct case_facts
 /**
  * Runs the plug-in over one source, in a process of its own that is watched from here, and writes the source's record.
  * Once the plug-in is loaded, and before anything is written, @p prepare is called; what it throws ends the run. Throws
- * host_error (internal_error) when the plug-in cannot be loaded or the worker cannot be started.
+ * host_error (io) when the plug-in cannot be loaded or the worker cannot be started.
  */
 source_outcome run_source(const source_request &request, const case_facts &facts, run_observer &observer,
                           const std::function<void()> &prepare);
 
-/** Writes the record of a source. Throws host_error (internal_error). */
+/** Writes the record of a source. Throws host_error (io). */
 void write_source_record(const source_request &request, const case_facts &facts, const source_record &record);
 
 #endif

@@ -36,7 +36,7 @@ constexpr QLatin1StringView common_statements[] = {
 void execute(QSqlQuery &query, const QString &statement)
 {
     if (!query.exec(statement))
-        throw host_error(exit_code::internal_error,
+        throw host_error(error_kind::io,
                          u"the sample database cannot be written: "_s + statement + u": "_s + query.lastError().text());
 }
 
@@ -48,8 +48,7 @@ void insert(const QSqlDatabase &database, const QString &table, const QVariantLi
     for (const QVariant &value : values)
         query.addBindValue(value);
     if (!query.exec())
-        throw host_error(exit_code::internal_error,
-                         u"the sample database cannot be written: "_s + query.lastError().text());
+        throw host_error(error_kind::io, u"the sample database cannot be written: "_s + query.lastError().text());
 }
 
 /** Nearly all devices that were only seen have no name; the named ones are spread among them. */
@@ -118,8 +117,7 @@ void write_database(const QString &folder, const macos_database &kind, Fill fill
         QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, connection_name);
         database.setDatabaseName(folder + kind.file_name);
         if (!database.open())
-            throw host_error(exit_code::internal_error,
-                             u"the sample database cannot be made: "_s + database.lastError().text());
+            throw host_error(error_kind::io, u"the sample database cannot be made: "_s + database.lastError().text());
         {
             QSqlQuery query(database);
             execute(query, u"PRAGMA page_size=4096"_s);

@@ -12,6 +12,5 @@ void write_sample_file(const QString &path, const QByteArray &content)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) || file.write(content) != content.size() || !file.flush())
-        throw host_error(exit_code::internal_error,
-                         u"the file cannot be written: "_s + path + u": "_s + file.errorString());
+        throw host_error(error_kind::io, u"the file cannot be written: "_s + path + u": "_s + file.errorString());
 }

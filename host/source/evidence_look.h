@@ -23,7 +23,7 @@ struct evidence_places
 
 /**
  * Looks at the evidence before the plug-in does: states and hashes, working copies, lines. A database larger than
- * @p most_database_bytes is refused, unread. Throws host_error (internal_error) when something cannot be written.
+ * @p most_database_bytes is refused, unread. Throws host_error (io) when something cannot be written.
  */
 evidence_state look_before(const evidence_source &source, const evidence_places &places, qint64 most_database_bytes,
                            const hash_observer &hashed);

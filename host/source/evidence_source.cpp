@@ -20,7 +20,7 @@ namespace {
 
 [[noreturn]] void fail(const QString &message)
 {
-    throw host_error(exit_code::input, message);
+    throw host_error(error_kind::not_found, message);
 }
 
 /** The entry of a folder whose name is @p name in any letter case, empty if there is none. */

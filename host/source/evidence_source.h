@@ -23,7 +23,7 @@ struct evidence_source
 
 /**
  * Recognizes what stands at the absolute @p path. @p kind is null where the examiner left it open. Throws host_error
- * (input) when there is nothing to extract for the result tables @p tables, or when it cannot be read.
+ * (not_found) when there is nothing to extract for the result tables @p tables, or when it cannot be read.
  */
 evidence_source find_source(const QString &path, const source_kind *kind, const QStringList &tables,
                             bool follow_links = false);

@@ -49,8 +49,7 @@ public:
         filesystem::copy_file(to_std_path(file), to_std_path(copy), filesystem::copy_options::overwrite_existing,
                               error);
         if (error)
-            throw host_error(exit_code::internal_error,
-                             file + u" cannot be copied: "_s + system_error_text(error.value()));
+            throw host_error(error_kind::io, file + u" cannot be copied: "_s + system_error_text(error.value()));
         return copy;
     }
 

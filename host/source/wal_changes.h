@@ -27,7 +27,7 @@ struct wal_findings
  * rowid and content, and writes the rows that differ to @p file (docs/report-formats.md). No file is written where
  * there is no -wal. A log does not say which database it belongs to: one of another database with the same layout gives
  * what SQLite makes of the two. SQLite works on copies of the copies, below @p scratch, which are removed again. Throws
- * host_error (internal_error) when something cannot be written.
+ * host_error (io) when something cannot be written.
  */
 wal_findings write_wal_changes(const evidence_state &evidence, const QString &copies, const QString &scratch,
                                const QString &file);

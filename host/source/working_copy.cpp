@@ -74,6 +74,6 @@ QString working_copy::hash()
 
 void working_copy::fail() const
 {
-    throw host_error(exit_code::internal_error,
+    throw host_error(error_kind::io,
                      u"the working copy "_s + path + u" cannot be written: "_s + system_error_text(errno));
 }

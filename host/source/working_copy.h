@@ -18,7 +18,7 @@ bool read_blocks(int file, const std::function<void(QByteArrayView block)> &take
 
 /**
  * A working copy while it is written: readable by nobody who may not read the original, writable by its owner. Every
- * function throws host_error (internal_error) with the system's reason.
+ * function throws host_error (io) with the system's reason.
  */
 class working_copy
 {

@@ -3,7 +3,7 @@
 
 #include "host/worker/cancellation.h"
 
-#include "host/files/host_error.h"
+#include "host/worker/worker.h"
 #include "plugin/bluetooth_logs.h"
 
 #include <csignal>
@@ -23,7 +23,7 @@ bluetooth_logs *volatile cancel_target = nullptr;
 extern "C" void on_cancel_signal(int)
 {
     if (interrupt_count != 0)
-        ::_exit(int(exit_code::interrupted));
+        ::_exit(int(worker_end::interrupted));
     interrupt_count = 1;
     cancel_target->pub_cancel_extraction();
 }

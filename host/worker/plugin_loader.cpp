@@ -17,7 +17,7 @@ constexpr QLatin1StringView artifact_name("Bluetooth Logs");
 
 [[noreturn]] void fail(const QString &path, const QString &reason)
 {
-    throw host_error(exit_code::internal_error, u"the plug-in file "_s + path + u" cannot be used: "_s + reason);
+    throw host_error(error_kind::io, u"the plug-in file "_s + path + u" cannot be used: "_s + reason);
 }
 
 } // namespace
@@ -25,11 +25,11 @@ constexpr QLatin1StringView artifact_name("Bluetooth Logs");
 std::unique_ptr<bluetooth_logs> load_plugin(const QString &path)
 {
     if (!QFileInfo(path).isFile())
-        throw host_error(exit_code::internal_error, u"there is no plug-in file "_s + path);
+        throw host_error(error_kind::io, u"there is no plug-in file "_s + path);
 
     QLibrary library(path);
     if (!library.load())
-        throw host_error(exit_code::internal_error,
+        throw host_error(error_kind::io,
                          u"the plug-in file "_s + path + u" cannot be loaded: "_s + library.errorString());
     const auto create_object = reinterpret_cast<bluetooth_logs *(*) ()>(library.resolve("create_object"));
     if (!create_object)

@@ -12,7 +12,7 @@ class bluetooth_logs;
 
 /**
  * Loads the plug-in file as the suite does and creates its object through create_object(). The file stays loaded until
- * the program ends. Throws host_error (internal_error).
+ * the program ends. Throws host_error (io).
  */
 std::unique_ptr<bluetooth_logs> load_plugin(const QString &file);
 

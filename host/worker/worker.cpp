@@ -50,7 +50,7 @@ int events = -1; // the descriptor that the watching process reads
 [[noreturn]] void end_without_memory()
 {
     static_cast<void>(::write(events, no_memory_line, sizeof no_memory_line - 1) > 0);
-    ::_exit(int(exit_code::partial));
+    ::_exit(int(worker_end::without_memory));
 }
 
 /** An exception that nobody caught; where nothing may be thrown, want of memory comes here too. */
@@ -74,7 +74,7 @@ void send(QLatin1StringView event, QJsonObject members = {})
     while (done < line.size()) {
         const auto count = ::write(events, line.constData() + done, size_t(line.size() - done));
         if (count < 0 && errno != EINTR)
-            ::_exit(int(exit_code::internal_error)); // nobody listens any more
+            ::_exit(int(worker_end::failed)); // nobody listens any more
         done += qMax<qsizetype>(0, count);
     }
 }
@@ -90,7 +90,7 @@ std::string read_line()
 {
     std::string line;
     if (!std::getline(std::cin, line))
-        ::_exit(int(exit_code::internal_error)); // the watching process is gone
+        ::_exit(int(worker_end::failed)); // the watching process is gone
     return line;
 }
 
@@ -108,7 +108,7 @@ std::future<void> end_with_the_watcher()
         for (;;) {
             const auto count = ::read(STDIN_FILENO, &byte, 1);
             if (count == 0 || (count < 0 && errno != EINTR))
-                ::_exit(int(exit_code::internal_error));
+                ::_exit(int(worker_end::failed));
             if (byte == '\n' && !std::exchange(is_started, true))
                 start.set_value();
         }
@@ -205,7 +205,7 @@ int work()
             extract(request, start);
     } catch (const host_error &error) {
         send(worker_events::problem, {{u"text"_s, error.message()}});
-        return int(error.code());
+        return int(worker_end::failed);
     } catch (const std::bad_alloc &) {
         end_without_memory();
     }

@@ -9,6 +9,9 @@
 /** The argument that makes the program the process that runs the plug-in. It is for the program itself alone. */
 inline constexpr QLatin1StringView worker_argument("worker");
 
+/** How the process ends, for who watches it; what its events say counts more. */
+enum class worker_end { done = 0, failed = 1, without_memory = 4, interrupted = 130 };
+
 /**
  * The process that runs the plug-in over one source: reads its request from standard input, tells on standard output
  * how it goes, and ends when standard input ends. Gives the process's exit code.

@@ -60,7 +60,7 @@ void read_manifest(report_case &result)
     result.manifest_sha256 = sha256::of(read_whole_file(result.layout.manifest(), most_manifest_bytes));
     QJsonObject manifest = read_json_file(result.layout.manifest());
     if (manifest.value("format"_L1) != "bluetooth-logs manifest"_L1 || manifest.value("version"_L1) != 1)
-        throw host_error(exit_code::input,
+        throw host_error(error_kind::not_found,
                          result.layout.manifest() + u" is no manifest of this version of the program"_s);
     const QJsonArray sources = manifest.value("sources"_L1).toArray();
     for (const QJsonValue source : sources)
@@ -76,7 +76,7 @@ void read_records(report_case &result)
 {
     const QList<int> numbers = recorded_sources(result.layout);
     if (numbers.isEmpty())
-        throw host_error(exit_code::input, u"there is no case in "_s + result.layout.directory());
+        throw host_error(error_kind::not_found, u"there is no case in "_s + result.layout.directory());
     result.shortcomings.append(u"the case was not collected: it has no manifest"_s);
     for (const int number : numbers)
         add_source(result, read_source_record(result.layout, number).source);

@@ -42,7 +42,7 @@ struct report_case
 
 /**
  * Reads the manifest of the case in @p directory, or the records of its sources where there is none. Throws host_error
- * (input) when there is no case, or it cannot be read.
+ * (not_found) when there is no case, or it cannot be read.
  */
 report_case read_report_case(const QString &directory);
 

@@ -23,7 +23,7 @@ QByteArray read_list(const QString &file)
     try {
         return read_whole_file(QFileInfo(file).canonicalFilePath(), most_bytes);
     } catch (const host_error &error) {
-        throw host_error(exit_code::usage, u"--vendors: "_s + error.message());
+        throw host_error(error_kind::refused, u"--vendors: "_s + error.message());
     }
 }
 
@@ -39,7 +39,7 @@ vendor_list::vendor_list(const QString &file)
             add(prefix, line.sliced(place + marker.size()).trimmed());
     }
     if (names.isEmpty())
-        throw host_error(exit_code::usage, u"--vendors: "_s + file + u" names no vendor in the form of oui.txt"_s);
+        throw host_error(error_kind::refused, u"--vendors: "_s + file + u" names no vendor in the form of oui.txt"_s);
     const QFileInfo info(file);
     description_text = info.fileName() + u", SHA-256 "_s + sha256::of(content) + u", of "_s
                        + info.lastModified().toUTC().date().toString(Qt::ISODate);

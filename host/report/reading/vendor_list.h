@@ -16,7 +16,7 @@ class vendor_list
 public:
     vendor_list() = default;
 
-    /** Throws host_error (usage) when the file cannot be read or names nobody. */
+    /** Throws host_error (refused) when the file cannot be read or names nobody. */
     explicit vendor_list(const QString &file);
 
     /** The vendor of the first of the texts that is a public address; empty: the list does not say. */

@@ -13,7 +13,7 @@ void keep_source(report_case &that_case, qint64 number)
 {
     that_case.sources.removeIf([number](const report_source &source) { return source.record.number != number; });
     if (that_case.sources.isEmpty())
-        throw host_error(exit_code::usage, u"the case has no source "_s + QString::number(number));
+        throw host_error(error_kind::refused, u"the case has no source "_s + QString::number(number));
 }
 
 } // namespace

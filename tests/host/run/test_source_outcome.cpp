@@ -60,7 +60,7 @@ worker_report good_report()
 } // namespace
 
 Q_DECLARE_METATYPE(deviation)
-Q_DECLARE_METATYPE(exit_code)
+Q_DECLARE_METATYPE(outcome_code)
 
 class test_source_outcome : public strict_test
 {
@@ -77,7 +77,7 @@ private Q_SLOTS:
 void test_source_outcome::verdict_data()
 {
     QTest::addColumn<deviation>("deviate");
-    QTest::addColumn<exit_code>("code");
+    QTest::addColumn<outcome_code>("code");
     QTest::addColumn<source_status>("status");
     QTest::addColumn<QStringList>("messages");
 
@@ -95,91 +95,91 @@ void test_source_outcome::verdict_data()
     // clang-format off
     QTest::newRow("all is well")
         << deviation([](source_request &, worker_report &) {})
-        << exit_code::done << done << QStringList();
+        << outcome_code::done << done << QStringList();
     QTest::newRow("one row less is stored")
         << deviation([](source_request &, worker_report &report) { report.inspected->rows[0].stored = 4; })
-        << exit_code::partial << partial << QStringList{rows(u"devices"_s, u"5"_s, u"5"_s, u"4"_s)};
+        << outcome_code::partial << partial << QStringList{rows(u"devices"_s, u"5"_s, u"5"_s, u"4"_s)};
     QTest::newRow("one row more is stored")
         << deviation([](source_request &, worker_report &report) { report.inspected->rows[1].stored = 3; })
-        << exit_code::partial << partial << QStringList{rows(u"paired_devices"_s, u"2"_s, u"2"_s, u"3"_s)};
+        << outcome_code::partial << partial << QStringList{rows(u"paired_devices"_s, u"2"_s, u"2"_s, u"3"_s)};
     QTest::newRow("one row less is announced")
         << deviation([](source_request &, worker_report &report) { report.announced[u"devices"_s] = 4; })
-        << exit_code::partial << partial << QStringList{rows(u"devices"_s, u"5"_s, u"4"_s, u"5"_s)};
+        << outcome_code::partial << partial << QStringList{rows(u"devices"_s, u"5"_s, u"4"_s, u"5"_s)};
     QTest::newRow("one row more is found")
         << deviation([](source_request &, worker_report &report) { report.inspected->rows[0].found = 6; })
-        << exit_code::partial << partial << QStringList{rows(u"devices"_s, u"6"_s, u"5"_s, u"5"_s)};
+        << outcome_code::partial << partial << QStringList{rows(u"devices"_s, u"6"_s, u"5"_s, u"5"_s)};
     QTest::newRow("nothing is announced")
         << deviation([](source_request &, worker_report &report) { report.announced.remove(u"devices"_s); })
-        << exit_code::partial << partial << QStringList{rows(u"devices"_s, u"5"_s, u"an unknown number"_s, u"5"_s)};
+        << outcome_code::partial << partial << QStringList{rows(u"devices"_s, u"5"_s, u"an unknown number"_s, u"5"_s)};
     QTest::newRow("stored rows are unknown")
         << deviation([](source_request &, worker_report &report) { report.inspected->rows[0].stored.reset(); })
-        << exit_code::partial << partial << QStringList{rows(u"devices"_s, u"5"_s, u"5"_s, u"an unknown number"_s)};
+        << outcome_code::partial << partial << QStringList{rows(u"devices"_s, u"5"_s, u"5"_s, u"an unknown number"_s)};
     QTest::newRow("log of another content")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.sha256 = u"other"_s; })
-        << exit_code::partial << partial << QStringList{lost};
+        << outcome_code::partial << partial << QStringList{lost};
     QTest::newRow("log without its end")
         << deviation([](source_request &, worker_report &report) { report.log_has_its_end = false; })
-        << exit_code::partial << partial << QStringList{u"the plug-in's log has no line that ends it: the plug-in stopped early"_s};
+        << outcome_code::partial << partial << QStringList{u"the plug-in's log has no line that ends it: the plug-in stopped early"_s};
     QTest::newRow("failures in the log")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.failures = {{u"a row could not be written: x"_s, 3, true}, {u"y"_s, 1, false}}; })
-        << exit_code::partial << partial << QStringList{u"a row could not be written: x (3 times)"_s, u"y"_s};
+        << outcome_code::partial << partial << QStringList{u"a row could not be written: x (3 times)"_s, u"y"_s};
     QTest::newRow("rows that cannot be counted")
         << deviation([](source_request &, worker_report &report) { report.inspected->problems = {u"the rows of x cannot be counted: y"_s}; })
-        << exit_code::partial << partial << QStringList{u"the rows of x cannot be counted: y"_s};
+        << outcome_code::partial << partial << QStringList{u"the rows of x cannot be counted: y"_s};
     QTest::newRow("rows that cannot be counted, and all else agrees")
         << deviation([](source_request &, worker_report &report) { report.inspected->problems = {u"the rows of x cannot be counted: y"_s};
                                                                    report.inspected->rows[0] = {u"devices"_s, {}, {}, 0}; report.announced[u"devices"_s] = 0; })
-        << exit_code::partial << partial << QStringList{u"the rows of x cannot be counted: y"_s};
+        << outcome_code::partial << partial << QStringList{u"the rows of x cannot be counted: y"_s};
     QTest::newRow("crash")
         << deviation([](source_request &, worker_report &report) { report.end.signal = SIGSEGV; report.is_extracted = false; report.announced.clear(); report.inspected->rows[0].stored = 0; report.inspected->rows[1].stored = 0; })
-        << exit_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGSEGV"_s,
+        << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGSEGV"_s,
             rows(u"devices"_s, u"5"_s, u"an unknown number"_s, u"0"_s), rows(u"paired_devices"_s, u"2"_s, u"an unknown number"_s, u"0"_s)};
     QTest::newRow("crash after all was done")
         << deviation([](source_request &, worker_report &report) { report.end.signal = SIGABRT; })
-        << exit_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGABRT"_s};
+        << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGABRT"_s};
     QTest::newRow("ends too early")
         << deviation([](source_request &, worker_report &report) { report.end.exit_code = 7; report.is_extracted = false; })
-        << exit_code::partial << failed << QStringList{u"the process that runs the plug-in ended before the extraction did, with exit code 7"_s};
+        << outcome_code::partial << failed << QStringList{u"the process that runs the plug-in ended before the extraction did, with exit code 7"_s};
     QTest::newRow("timed out")
         << deviation([](source_request &request, worker_report &report) { request.options.timeout = 9; report.end = {0, SIGKILL, true}; report.is_extracted = false; })
-        << exit_code::partial << timed_out << QStringList{u"timed out: the run took longer than the 9 seconds of --timeout"_s};
+        << outcome_code::partial << timed_out << QStringList{u"timed out: the run took longer than the 9 seconds of --timeout"_s};
     QTest::newRow("out of memory")
         << deviation([](source_request &, worker_report &report) { report.is_out_of_memory = true; report.end.exit_code = 4; report.is_extracted = false; })
-        << exit_code::partial << out_of_memory << QStringList{u"out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
+        << outcome_code::partial << out_of_memory << QStringList{u"out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
     QTest::newRow("out of memory, by the log")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.is_out_of_memory = true; })
-        << exit_code::partial << out_of_memory << QStringList{u"out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
+        << outcome_code::partial << out_of_memory << QStringList{u"out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
     QTest::newRow("worker gives up")
         << deviation([](source_request &, worker_report &report) { report.problems = {u"no room"_s}; report.is_extracted = false; })
-        << exit_code::partial << failed << QStringList{u"no room"_s};
+        << outcome_code::partial << failed << QStringList{u"no room"_s};
     QTest::newRow("evidence was not looked at again")
         << deviation([](source_request &, worker_report &report) { report.inspected.reset(); report.end.signal = SIGKILL; report.is_extracted = false; })
-        << exit_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGKILL"_s, u"the evidence could not be looked at again after the run"_s};
+        << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGKILL"_s, u"the evidence could not be looked at again after the run"_s};
     QTest::newRow("evidence changed")
         << deviation([](source_request &, worker_report &report) { report.inspected->changes = {u"x: it is gone"_s}; report.inspected->rows[0].stored = 4; })
-        << exit_code::evidence_changed << evidence_changed << QStringList{u"the evidence changed during the run: x: it is gone"_s, rows(u"devices"_s, u"5"_s, u"5"_s, u"4"_s)};
+        << outcome_code::evidence_changed << evidence_changed << QStringList{u"the evidence changed during the run: x: it is gone"_s, rows(u"devices"_s, u"5"_s, u"5"_s, u"4"_s)};
     QTest::newRow("live evidence changed")
         << deviation([](source_request &request, worker_report &report) { request.options.is_live = true; report.inspected->changes = {u"x: it is gone"_s}; })
-        << exit_code::done << done << QStringList{u"the live evidence changed during the run: x: it is gone"_s};
+        << outcome_code::done << done << QStringList{u"the live evidence changed during the run: x: it is gone"_s};
     QTest::newRow("one file unread")
         << deviation([](source_request &, worker_report &report) { auto &file = report.inspected->evidence.files[0]; file.state = evidence_file::presence::refused; file.reason = u"it is large"_s;
                                                                    report.inspected->rows[0] = {u"devices"_s, {}, {}, 0}; report.announced.remove(u"devices"_s); })
-        << exit_code::partial << partial << QStringList{other + u" was not read: it is large"_s};
+        << outcome_code::partial << partial << QStringList{other + u" was not read: it is large"_s};
     QTest::newRow("nothing readable")
         << deviation([](source_request &, worker_report &report) { for (auto &file : report.inspected->evidence.files) { file.state = evidence_file::presence::unreadable; file.reason = u"it is no SQLite database"_s; }
                                                                    report.inspected->rows = {{u"devices"_s, {}, {}, 0}, {u"paired_devices"_s, {}, {}, 0}}; report.announced.clear(); })
-        << exit_code::input << failed << QStringList{other + u" was not read: it is no SQLite database"_s, paired + u" was not read: it is no SQLite database"_s};
+        << outcome_code::no_evidence << failed << QStringList{other + u" was not read: it is no SQLite database"_s, paired + u" was not read: it is no SQLite database"_s};
     QTest::newRow("absent")
         << deviation([](source_request &, worker_report &report) { report.inspected->evidence.files[1] = {}; report.inspected->evidence.files[1].path = QString(macos_database_folder) + paired_devices_database.file_name;
                                                                    report.inspected->rows[1] = {u"paired_devices"_s, 0, {}, 0}; report.announced[u"paired_devices"_s] = 0; })
-        << exit_code::done << done << QStringList{u"the source holds no database for the table paired_devices"_s};
+        << outcome_code::done << done << QStringList{u"the source holds no database for the table paired_devices"_s};
     // clang-format on
 }
 
 void test_source_outcome::verdict()
 {
     QFETCH(deviation, deviate);
-    QFETCH(exit_code, code);
+    QFETCH(outcome_code, code);
     QFETCH(source_status, status);
     QFETCH(QStringList, messages);
     source_request request = macos_request();
@@ -200,12 +200,12 @@ void test_source_outcome::interruption_counts_before_everything_but_a_change()
     report.inspected->rows[0].stored = 0;
     const source_outcome interrupted = judge_source(macos_request(), {}, report, true);
     QCOMPARE(interrupted.record.messages, QStringList{u"interrupted: the result is incomplete"_s});
-    QCOMPARE(interrupted.code(), exit_code::interrupted);
+    QCOMPARE(interrupted.code(), outcome_code::interrupted);
     QCOMPARE(interrupted.record.status, source_status::interrupted);
 
     report.inspected->changes = {u"x: it is gone"_s};
     const source_outcome changed = judge_source(macos_request(), {}, report, true);
-    QCOMPARE(changed.code(), exit_code::evidence_changed);
+    QCOMPARE(changed.code(), outcome_code::evidence_changed);
 }
 
 void test_source_outcome::record_holds_all_that_is_known()
@@ -232,7 +232,7 @@ void test_source_outcome::later_failure()
 {
     source_outcome outcome = judge_source(macos_request(), {}, good_report(), false);
     outcome.fail(u"too late"_s);
-    QCOMPARE(outcome.code(), exit_code::partial);
+    QCOMPARE(outcome.code(), outcome_code::partial);
     QCOMPARE(outcome.record.status, source_status::partial);
     QCOMPARE(outcome.record.messages, QStringList{u"too late"_s});
 
@@ -240,7 +240,7 @@ void test_source_outcome::later_failure()
     changed.inspected->changes = {u"x: it is gone"_s};
     outcome = judge_source(macos_request(), {}, changed, false);
     outcome.fail(u"too late"_s);
-    QCOMPARE(outcome.code(), exit_code::evidence_changed);
+    QCOMPARE(outcome.code(), outcome_code::evidence_changed);
     QCOMPARE(outcome.record.status, source_status::evidence_changed);
 }
 
