@@ -3,8 +3,8 @@
 # SPDX-License-Identifier: MIT
 """Puts the faults of tests/mutations.txt into a copy of the tree, one at a time, and says which no test noticed.
 
-Exit code: 0 all were noticed, 1 one lived, 2 the list does not fit the tree (a text that is not found exactly once,
-an unknown test, a fault that does not compile, a test that fails without a fault).
+Exit code: 0 all were noticed, 1 one lived, 2 the list does not fit the tree (a text that its definition does not have, an
+unknown test, a fault that does not compile, a test that fails without a fault).
 """
 
 import argparse
@@ -21,6 +21,8 @@ import sys
 import threading
 import time
 
+import cpp_definitions
+
 PROJECT = pathlib.Path(__file__).resolve().parent.parent
 ALL_CAUGHT, ONE_LIVED, LIST_IS_WRONG = 0, 1, 2
 
@@ -33,42 +35,31 @@ class WrongList(Exception):
 class Fault:
     line: int
     file: str
+    definition: str
     test: str
     what: str
-    found: str
-    replaced: str
+    change: str
 
     def __str__(self):
-        return f"mutations.txt:{self.line}: {self.file} ({self.test}): {self.what}"
+        return f"mutations.txt:{self.line}: {self.file}: {self.definition} ({self.test}): {self.what}"
 
 
 # ---- the list ----
 
 
-def parse_fault(lines):
-    """One paragraph of the list: (line number, text) of each of its lines."""
-    number, header = lines[0]
-    words = header.split(maxsplit=2)
-    texts = {"-": [], "+": []}
-    for line_number, line in lines[1:]:
-        if line[:1] not in texts or line[1:2] not in ("", " "):
-            raise WrongList(f"mutations.txt:{line_number}: neither a '- ' nor a '+ ' line: {line}")
-        texts[line[0]].append(line[2:])
-    if len(words) < 3 or not texts["-"]:
-        raise WrongList(f"mutations.txt:{number}: a fault needs a file, a test, a few words and a '-' line: {header}")
-    return Fault(number, *words, "\n".join(texts["-"]), "\n".join(texts["+"]))
-
-
 def parse_list(text):
-    faults, paragraph = [], []
-    for number, line in enumerate(text.split("\n") + [""], 1):
-        if line.startswith("#"):
+    faults, header = [], None
+    for number, line in enumerate(text.split("\n"), 1):
+        if line.startswith("#") or not line.strip():
             continue
-        if line.strip():
-            paragraph.append((number, line))
-        elif paragraph:
-            faults.append(parse_fault(paragraph))
-            paragraph = []
+        if not line.startswith(" "):
+            header = number, line.split(maxsplit=3)
+        elif header and len(header[1]) == 4:
+            faults.append(Fault(header[0], *header[1], line.strip()))
+            header = None
+        else:
+            raise WrongList(f"mutations.txt:{number}: a fault is a line with file, definition, test and a few words, and a "
+                            f"line with what is changed: {line}")
     return faults
 
 
@@ -78,12 +69,18 @@ def with_fault(fault, tree):
     if not path.is_file():
         raise WrongList(f"{fault}: there is no such file")
     content = path.read_bytes().decode("utf-8")
-    count = content.count(fault.found)
-    if count != 1:
-        raise WrongList(f"{fault}: the text stands {count} times in the file")
-    if fault.found == fault.replaced:
+    found = re.fullmatch(r"(?:without (?P<statement>.*?)|(?P<old>.*?))(?: #(?P<which>\d+))?(?: =>(?P<new>.*))?", fault.change)
+    which = int(found["which"] or 0)
+    try:
+        if found["statement"]:
+            changed = cpp_definitions.without(content, fault.definition, found["statement"], which)
+        else:
+            changed = cpp_definitions.replaced(content, fault.definition, found["old"], (found["new"] or "").strip(), which)
+    except cpp_definitions.NotFound as error:
+        raise WrongList(f"{fault}: {error}") from error
+    if changed == content:
         raise WrongList(f"{fault}: nothing is changed")
-    return content.replace(fault.found, fault.replaced)
+    return changed
 
 
 def check_list(faults, tree):
@@ -274,7 +271,7 @@ def test_faults(faults, folder, jobs):
         thread.join()
 
     for fault in work.lived:
-        print(f"\nlived: {fault}\n- {fault.found}\n+ {fault.replaced}")
+        print(f"\nlived: {fault}\n  {fault.change}")
     untried = len(faults) - work.caught - len(work.lived)
     print(f"\n{len(faults)} faults: {work.caught} caught, {len(work.lived)} lived, {untried} could not be tried")
     if untried:
@@ -291,7 +288,7 @@ def main():
     options.add_argument("--jobs", type=int, default=1, help="copies of the tree that work side by side")
     options.add_argument("--folder", type=pathlib.Path, default=PROJECT / "build" / "mutations",
                          help="where the copies stand; they are kept, which makes the next call faster")
-    options.add_argument("--check", action="store_true", help="only see whether each text stands exactly once")
+    options.add_argument("--check", action="store_true", help="only see whether each fault fits the tree")
     arguments = options.parse_args()
 
     try:
