@@ -8,24 +8,15 @@
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
-#include "host/files/sha256.h"
 #include "host/source/evidence_look.h"
 #include "host/source/macos_databases.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr qint64 most_manifest_bytes = qint64(4) << 30;
-
-QString source_name(int number)
-{
-    return u"Source"_s + QString::number(number);
-}
 
 /** Compares one case; each function adds to the outcome. */
 class case_check
@@ -45,11 +36,13 @@ public:
             outcome.incomplete.append(u"the case has no manifest.json: \"collect\" makes it"_s);
             return outcome;
         }
-        const QByteArray bytes = read_whole_file(layout.manifest(), most_manifest_bytes);
-        check_manifest_hash(bytes);
-        const QJsonObject manifest = QJsonDocument::fromJson(bytes).object();
-        if (manifest.value("format"_L1) != u"bluetooth-logs manifest"_s) {
-            outcome.differences.append(u"manifest.json is no manifest of this program"_s);
+        const manifest_file file = read_manifest_file(layout);
+        check_manifest_hash(file.sha256);
+        QJsonObject manifest;
+        try {
+            manifest = manifest_members(file);
+        } catch (const host_error &error) {
+            outcome.differences.append(error.message());
             return outcome;
         }
         check_records(manifest);
@@ -59,9 +52,8 @@ public:
     }
 
 private:
-    void check_manifest_hash(const QByteArray &bytes)
+    void check_manifest_hash(const QString &found)
     {
-        const QString found = sha256::of(bytes);
         QString expected = request.manifest_sha256.toLower();
         if (expected.isEmpty() && path_exists(layout.manifest_hash()))
             expected = QString::fromLatin1(read_whole_file(layout.manifest_hash(), 1000)).section(u' ', 0, 0);

@@ -3,6 +3,7 @@
 
 #include "host/case/case_layout.h"
 
+#include "host/case/case_files.h"
 #include "host/files/file_removal.h"
 #include "host/files/paths.h"
 #include "host/source/macos_databases.h"
@@ -12,6 +13,7 @@
 #include <QRegularExpression>
 
 #include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 namespace filesystem = std::filesystem;
@@ -24,53 +26,36 @@ bool is_link(const QString &path)
     return filesystem::is_symlink(filesystem::symlink_status(to_std_path(path), error));
 }
 
-/** The names that the program itself could have given to a file in the evidence folder of a case. */
-QStringList working_copy_names(const QString &folder)
+/** The copies of what a damaged database left in the evidence, by the folder's own names. */
+QStringList leftovers_in(const QString &folder)
 {
-    QStringList own;
+    QStringList leftovers;
     const QStringList names = QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System
                                                      | QDir::NoDotAndDotDot);
-    for (const QString &name : names) {
-        for (const macos_database *database : macos_databases) {
-            static const QRegularExpression ending(u"^(|-wal|-shm|-journal|\\..*\\.corrupt)$"_s);
-            if (name.startsWith(database->file_name)
-                && ending.match(name.sliced(database->file_name.size())).hasMatch())
-                own.append(name);
-        }
-    }
-    return own;
-}
-
-/** A database and what SQLite puts beside it. */
-QStringList with_companions(const QString &database)
-{
-    return {database, database + u"-journal"_s, database + u"-wal"_s, database + u"-shm"_s};
+    std::copy_if(names.cbegin(), names.cend(), std::back_inserter(leftovers), is_leftover);
+    return leftovers;
 }
 
 /** What the program itself could have written, relative to the folder of the source. */
 QStringList files_of_a_run(const QString &source_folder)
 {
-    QStringList files{u"source.json"_s, u"source.json.new"_s, u"plugin.log"_s, u"ios_lines.jsonl"_s,
-                      u"wal_changes.json"_s};
-    files.append(u"Evidence/Library/Preferences/com.apple.Bluetooth.plist"_s);
-    for (const QString &name : working_copy_names(source_folder + u"/Evidence/Library/Bluetooth"_s))
-        files.append(u"Evidence/Library/Bluetooth/"_s + name);
-    const QString results = u"Artifacts_Result/Bluetooth_Logs/"_s;
-    files += with_companions(results + u"Bluetooth_Logs.sqlite"_s);
-    for (const macos_database *database : macos_databases) {
-        files += with_companions(results + u"Logs/"_s + database->file_name);
-        files += with_companions(u"tmp/wal/"_s + database->file_name);
-    }
-    for (const QLatin1StringView folder : {"Evidence/Library/Bluetooth/"_L1, "Artifacts_Result/Bluetooth_Logs/tmp/"_L1})
-        files.append(folder);
+    const QString copies = u"Evidence/"_s + macos_database_folder;
+    QStringList files = case_file_names(&case_file::is_removed);
+    for (const QString &name : leftovers_in(source_folder + u'/' + copies))
+        files.append(copies + name);
     return files;
 }
 
 } // namespace
 
+QString source_name(int number)
+{
+    return u"Source"_s + QString::number(number);
+}
+
 source_layout::source_layout(const QString &case_directory, int number)
     : directory(case_directory)
-    , source_folder(case_directory + u"/Source"_s + QString::number(number))
+    , source_folder(case_directory + u'/' + source_name(number))
 {
 }
 
@@ -136,11 +121,12 @@ QString source_layout::relative_to_case(const QString &path) const
 
 bool source_layout::holds_a_run() const
 {
-    const QStringList places{record(),          record() + u".new"_s, plugin_log(),
-                             evidence_folder(), temporary_folder(),   result_folder()};
+    const QStringList traces = case_file_names(&case_file::is_trace);
+    const bool is_there = std::any_of(traces.cbegin(), traces.cend(), [this](const QString &name) {
+        return path_exists(source_folder + u'/' + (name.endsWith(u'/') ? name.chopped(1) : name));
+    });
     // A folder that is a link would take the results elsewhere.
-    return std::any_of(places.cbegin(), places.cend(), path_exists) || is_link(source_folder)
-           || is_link(source_folder + u"/Artifacts_Result"_s);
+    return is_there || is_link(source_folder) || is_link(source_folder + u"/Artifacts_Result"_s);
 }
 
 QStringList source_layout::remove_run() const

@@ -8,6 +8,9 @@
 #include <QString>
 #include <QStringList>
 
+/** "Source1": the folder of a source below the case, and what messages call it. */
+QString source_name(int number);
+
 /** Where things stand in the folder of one source of a case. */
 class source_layout
 {

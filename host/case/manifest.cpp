@@ -13,6 +13,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSet>
 
 using namespace Qt::StringLiterals;
 
@@ -20,6 +21,10 @@ namespace {
 
 constexpr QLatin1StringView record_format("bluetooth-logs source");
 constexpr QLatin1StringView manifest_format("bluetooth-logs manifest");
+constexpr int format_version = 1;
+
+/** A million sources of a thousand bytes each: what a program can still hold in memory as one document. */
+constexpr qint64 most_manifest_bytes = qint64(1) << 30;
 
 /** What all records of a case must agree on, and what the manifest says of the whole. */
 struct case_heading
@@ -80,7 +85,7 @@ kept_record read_source_record(const case_layout &layout, int number)
     const source_layout source = layout.source(number);
     kept_record record;
     record.members = read_json_file(source.record());
-    if (record.members.value("format"_L1) != record_format || record.members.value("version"_L1) != 1)
+    if (record.members.value("format"_L1) != record_format || record.members.value("version"_L1) != format_version)
         throw host_error(error_kind::not_found, source.record() + u" is no record of this version of the program"_s);
     record.source = source_record::from_json(record.members);
     if (record.source.status == source_status::running && !file_lock::is_held(source.lock())) {
@@ -129,15 +134,17 @@ case_tally collect_case(const case_layout &layout)
     if (recorded.isEmpty())
         throw host_error(error_kind::not_found, layout.directory() + u" holds no record of a source"_s);
     const case_heading heading = read_heading(layout, recorded);
-    QList<int> numbers = numbers_in(heading.members.value("case_sources"_L1).toObject().value("numbers"_L1).toString());
+    const QList<int> numbers = numbers_in(
+        heading.members.value("case_sources"_L1).toObject().value("numbers"_L1).toString());
+    const QSet<int> listed(numbers.cbegin(), numbers.cend());
     for (const int number : recorded) {
-        if (!numbers.contains(number))
+        if (!listed.contains(number))
             throw host_error(error_kind::refused,
                              u"source "_s + QString::number(number)
                                  + u" has a record and is not in the list of the case's sources"_s);
     }
 
-    QJsonObject head{{u"format"_s, QString(manifest_format)}, {u"version"_s, 1}};
+    QJsonObject head{{u"format"_s, QString(manifest_format)}, {u"version"_s, format_version}};
     for (const QLatin1StringView member : {"tool"_L1, "options"_L1, "examiner"_L1, "case_number"_L1, "case_sources"_L1})
         head.insert(member, heading.members.value(member));
     head.insert("started"_L1, heading.started.isEmpty() ? QJsonValue() : QJsonValue(heading.started));
@@ -152,7 +159,7 @@ case_tally collect_case(const case_layout &layout)
     };
     write(compact(head).chopped(1) + ",\"sources\":[");
     bool is_first = true;
-    for (const int number : std::as_const(numbers)) {
+    for (const int number : numbers) {
         const source_record record = path_exists(layout.source(number).record())
                                          ? read_source_record(layout, number).source
                                          : not_run(number);
@@ -165,6 +172,24 @@ case_tally collect_case(const case_layout &layout)
     tally.manifest_sha256 = hash.result();
     write_whole_file(layout.manifest_hash(), tally.manifest_sha256.toLatin1() + "  manifest.json\n");
     return tally;
+}
+
+manifest_file read_manifest_file(const case_layout &layout)
+{
+    manifest_file file;
+    file.bytes = read_whole_file(layout.manifest(), most_manifest_bytes);
+    file.sha256 = sha256::of(file.bytes);
+    return file;
+}
+
+QJsonObject manifest_members(const manifest_file &file)
+{
+    const QJsonObject members = QJsonDocument::fromJson(file.bytes).object();
+    if (members.value("format"_L1) != manifest_format)
+        throw host_error(error_kind::not_found, u"manifest.json is no manifest of this program"_s);
+    if (members.value("version"_L1) != format_version)
+        throw host_error(error_kind::not_found, u"manifest.json is of another version of this program"_s);
+    return members;
 }
 
 QList<int> sources_unlike_manifest(const case_layout &layout, const QJsonObject &manifest)

@@ -8,6 +8,7 @@
 #include "host/case/outcome_code.h"
 #include "host/case/source_record.h"
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QList>
 #include <QMap>
@@ -50,6 +51,20 @@ struct case_tally
  * no record, io when it cannot be written.
  */
 case_tally collect_case(const case_layout &layout);
+
+/** manifest.json as it stands in the case. */
+struct manifest_file
+{
+    QByteArray bytes;
+    QString sha256; ///< of the bytes
+};
+
+/** Throws host_error (not_found) when the case has none or it cannot be read. */
+manifest_file read_manifest_file(const case_layout &layout);
+
+/** Its members. Throws host_error (not_found) when it is no manifest, or one of a version that this program cannot
+ * read. */
+QJsonObject manifest_members(const manifest_file &file);
 
 /** The sources whose records are not what the manifest says of them. Throws host_error (not_found). */
 QList<int> sources_unlike_manifest(const case_layout &layout, const QJsonObject &manifest);

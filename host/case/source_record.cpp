@@ -30,14 +30,6 @@ std::optional<qint64> number_from(const QJsonValue &json)
     return json.toInteger();
 }
 
-QStringList texts_from(const QJsonValue &json)
-{
-    QStringList texts;
-    for (const auto text : json.toArray())
-        texts.append(text.toString());
-    return texts;
-}
-
 } // namespace
 
 bool is_complete(source_status status)

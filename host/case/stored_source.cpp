@@ -41,18 +41,7 @@ QString stored_source::title() const
 
 bool stored_source::is_complete() const
 {
-    if (is_locked)
-        return false;
-    if (!record)
-        return true;
-    switch (record->status) {
-    case source_status::done:
-    case source_status::partial:
-    case source_status::evidence_changed:
-        return true;
-    default:
-        return false;
-    }
+    return !is_locked && (!record || ::is_complete(record->status));
 }
 
 QString stored_source::reservation() const

@@ -76,7 +76,7 @@ QString result_line(const source_request &request, const source_outcome &outcome
     QStringList counts;
     for (const table_rows &rows : outcome.record.rows)
         counts.append((rows.stored ? number_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
-    return u"Source"_s + QString::number(request.number) + u"  "_s + status_name(outcome.record.status) + u"  "_s
+    return source_name(request.number) + u"  "_s + status_name(outcome.record.status) + u"  "_s
            + (counts.isEmpty() ? QString() : QString(counts.join(u", "_s) + u"  "_s)) + kind_text(request) + u": "_s
            + request.source.path;
 }
@@ -156,7 +156,7 @@ public:
 private:
     QString prefix(const source_request &request) const
     {
-        return options.source_count == 1 ? QString() : QString(u"Source"_s + QString::number(request.number) + u": "_s);
+        return options.source_count == 1 ? QString() : source_name(request.number) + u": "_s;
     }
 
     /** One source: what it does. Several: all of them in one line, then a line for each that runs. */

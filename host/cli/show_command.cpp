@@ -34,7 +34,7 @@ QList<stored_source> chosen_sources(const show_options &options)
         return sources;
     QStringList names;
     for (const stored_source &source : std::as_const(sources)) {
-        if (source.name == u"Source"_s + QString::number(*options.source))
+        if (source.name == source_name(int(*options.source)))
             return {source};
         names.append(source.name);
     }

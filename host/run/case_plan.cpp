@@ -12,6 +12,7 @@
 
 #include <QFile>
 #include <QJsonArray>
+#include <QSet>
 
 #include <algorithm>
 
@@ -141,11 +142,12 @@ void refuse_earlier_run(const case_request &request, const case_plan &plan)
         if (request.earlier == case_request::earlier_run::refused)
             numbers += layout.source_numbers();
     }
+    QSet<int> to_run;
+    for (const named_source &source : plan.to_run)
+        to_run.insert(source.number);
     for (const int number : std::as_const(numbers)) {
-        const bool is_to_run = std::any_of(plan.to_run.cbegin(), plan.to_run.cend(),
-                                           [number](const named_source &source) { return source.number == number; });
         // What a run that did not come to its end left may be made anew.
-        if (!layout.source(number).holds_a_run() || (is_to_run && was_left_incomplete(layout, number)))
+        if (!layout.source(number).holds_a_run() || (to_run.contains(number) && was_left_incomplete(layout, number)))
             continue;
         if (request.earlier == case_request::earlier_run::added_to)
             refuse(u"the case already holds a result, "_s + layout.source(number).folder());

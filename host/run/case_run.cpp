@@ -15,6 +15,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSet>
 
 #include <algorithm>
 #include <memory>
@@ -105,10 +106,11 @@ private:
     /** The folders of sources that the case has no longer, if nothing else is in them. */
     void remove_other_folders(const case_layout &layout) const
     {
+        QSet<int> ours;
+        for (const named_source &source : plan.all)
+            ours.insert(source.number);
         for (const int number : layout.source_numbers()) {
-            const bool is_ours = std::any_of(plan.all.cbegin(), plan.all.cend(),
-                                             [number](const named_source &source) { return source.number == number; });
-            if (is_ours)
+            if (ours.contains(number))
                 continue;
             QFile::remove(layout.source(number).lock());
             QDir().rmdir(layout.source(number).folder());

@@ -9,6 +9,7 @@
 #include "host/source/evidence_files.h"
 #include "host/source/macos_databases.h"
 #include "host/source/wal_changes.h"
+#include "host/text/json_member.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -19,11 +20,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QString path_of(const macos_database &database)
-{
-    return QString(macos_database_folder) + database.file_name;
-}
 
 /**
  * Rows of the device table in the main file of the working copy, without what its write-ahead log says. Whole rows
@@ -51,7 +47,7 @@ void count_found(inspection &result, table_rows &rows, const source_request &req
                                        [&rows](const auto *known) { return rows.table == known->result_table; });
     if (database == std::end(macos_databases))
         return;
-    const evidence_file *file = result.evidence.file_named(path_of(**database));
+    const evidence_file *file = result.evidence.file_named(path_in_source(**database));
     if (!file || file->state == evidence_file::presence::absent) {
         rows.found = 0;
         return;
@@ -85,7 +81,7 @@ QString file_of_table(const source_request &request, const QString &table)
         return evidence_paths(request.source).value(0);
     for (const macos_database *database : macos_databases) {
         if (request.source.kind == &macos_kind && table == database->result_table)
-            return path_of(*database);
+            return path_in_source(*database);
     }
     return {};
 }
@@ -202,12 +198,9 @@ inspection inspection::from_json(const QJsonObject &json)
     result.evidence = record.evidence;
     result.rows = record.rows;
     result.wal = record.wal;
-    for (const auto text : json.value("changes"_L1).toArray())
-        result.changes.append(text.toString());
-    for (const auto text : json.value("problems"_L1).toArray())
-        result.problems.append(text.toString());
-    for (const auto text : json.value("warnings"_L1).toArray())
-        result.warnings.append(text.toString());
+    result.changes = texts_from(json.value("changes"_L1));
+    result.problems = texts_from(json.value("problems"_L1));
+    result.warnings = texts_from(json.value("warnings"_L1));
     result.result_sha256 = json.value("result_sha256"_L1).toString();
     result.log = log_findings::from_json(json.value("log"_L1).toObject());
     result.is_out_of_memory = json.value("is_out_of_memory"_L1).toBool();

@@ -105,7 +105,7 @@ void tell_odd_evidence(const source_request &request, const evidence_state &evid
     if (request.source.kind != &macos_kind)
         return;
     for (const macos_database *database : macos_databases) {
-        const QString path = QString(macos_database_folder) + database->file_name;
+        const QString path = path_in_source(*database);
         const bool is_absent = std::any_of(evidence.files.cbegin(), evidence.files.cend(),
                                            [&path](const evidence_file &file) {
                                                return file.path == path

@@ -7,7 +7,6 @@
 #include "host/source/macos_databases.h"
 
 #include <QFileInfo>
-#include <QLatin1StringView>
 
 #include <algorithm>
 
@@ -17,14 +16,6 @@ namespace {
 
 /** What SQLite keeps beside a database. */
 constexpr QLatin1StringView database_companions[] = {"-wal"_L1, "-shm"_L1, "-journal"_L1};
-
-/** "com.apple….other.db.12:00:00_01-31-2026.corrupt" and its like. */
-bool is_leftover(const QString &name)
-{
-    return name.endsWith(".corrupt"_L1)
-           && std::any_of(std::begin(macos_databases), std::end(macos_databases),
-                          [&name](const auto *database) { return name.startsWith(database->file_name); });
-}
 
 } // namespace
 
@@ -36,7 +27,7 @@ QStringList evidence_paths(const evidence_source &source)
         return {};
     QStringList paths;
     for (const macos_database *database : macos_databases) {
-        const QString path = QString(macos_database_folder) + database->file_name;
+        const QString path = path_in_source(*database);
         paths.append(path);
         for (const QLatin1StringView companion : database_companions)
             paths.append(path + companion);

@@ -5,6 +5,10 @@
 #define HOST_SOURCE_MACOS_DATABASES_H
 
 #include <QLatin1StringView>
+#include <QString>
+
+#include <algorithm>
+#include <iterator>
 
 /**
  * One of the two Bluetooth low-energy device databases of macOS, and the result table that its rows go to. Names and
@@ -32,5 +36,19 @@ inline constexpr macos_database paired_devices_database = {
     QLatin1StringView("paired_devices"),
 };
 inline constexpr const macos_database *macos_databases[] = {&other_devices_database, &paired_devices_database};
+
+/** The path of the database, relative to the root of the source. */
+inline QString path_in_source(const macos_database &database)
+{
+    return QString(macos_database_folder) + database.file_name;
+}
+
+/** "com.apple….other.db.12:00:00_01-31-2026.corrupt" and its like: what the system keeps of a damaged database. */
+inline bool is_leftover(const QString &name)
+{
+    return name.endsWith(QLatin1StringView(".corrupt"))
+           && std::any_of(std::begin(macos_databases), std::end(macos_databases),
+                          [&name](const auto *database) { return name.startsWith(database->file_name); });
+}
 
 #endif

@@ -247,7 +247,7 @@ public:
     wal_findings run()
     {
         for (const macos_database *database : macos_databases) {
-            const QString path = QString(macos_database_folder) + database->file_name;
+            const QString path = path_in_source(*database);
             const evidence_file *log = evidence.file_named(path + log_ending);
             if (log && log->state != evidence_file::presence::absent)
                 add_database(*database, path, *log);

@@ -47,7 +47,7 @@ std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, co
         return std::make_unique<log_reading>(layout.ios_lines(), log, table, row, that_case.vendors);
     }
     for (const macos_database *database : macos_databases) {
-        const QString path = QString(macos_database_folder) + database->file_name;
+        const QString path = path_in_source(*database);
         const QString copy = layout.evidence_folder() + u'/' + path;
         if (source.record.type != macos_kind.name || table != database->result_table || !path_exists(copy))
             continue;

@@ -6,9 +6,7 @@
 #include "host/case/manifest.h"
 #include "host/files/file_lock.h"
 #include "host/files/host_error.h"
-#include "host/files/json_file.h"
 #include "host/files/paths.h"
-#include "host/files/sha256.h"
 #include "host/source/macos_databases.h"
 #include "host/source/source_kinds.h"
 
@@ -18,8 +16,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr qint64 most_manifest_bytes = qint64(1) << 30;
 
 /** The text without the places where case and source lay: a report is read elsewhere. source.json has the whole text.
  */
@@ -39,9 +35,11 @@ void add_source(report_case &result, source_record record)
         message = without_places(message, result.layout, record);
     for (evidence_file &file : record.evidence.files)
         file.reason = without_places(file.reason, result.layout, record);
-    const QString fallback = u"Source"_s + QString::number(record.number);
     const source_layout files = result.layout.source(record.number);
-    report_source source{record, record.name.isEmpty() ? fallback : record.name, {}, file_lock::is_held(files.lock())};
+    report_source source{record,
+                         record.name.isEmpty() ? source_name(record.number) : record.name,
+                         {},
+                         file_lock::is_held(files.lock())};
     const QString preferences = files.evidence_folder() + u'/' + macos_preferences_file;
     if (record.type == macos_kind.name && path_exists(preferences))
         source.preferences = preferences_names(preferences);
@@ -57,11 +55,9 @@ void add_source(report_case &result, source_record record)
 
 void read_manifest(report_case &result)
 {
-    result.manifest_sha256 = sha256::of(read_whole_file(result.layout.manifest(), most_manifest_bytes));
-    QJsonObject manifest = read_json_file(result.layout.manifest());
-    if (manifest.value("format"_L1) != "bluetooth-logs manifest"_L1 || manifest.value("version"_L1) != 1)
-        throw host_error(error_kind::not_found,
-                         result.layout.manifest() + u" is no manifest of this version of the program"_s);
+    const manifest_file file = read_manifest_file(result.layout);
+    result.manifest_sha256 = file.sha256;
+    QJsonObject manifest = manifest_members(file);
     const QJsonArray sources = manifest.value("sources"_L1).toArray();
     for (const QJsonValue source : sources)
         add_source(result, source_record::from_json(source.toObject()));

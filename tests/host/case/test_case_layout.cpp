@@ -34,7 +34,19 @@ QStringList names_below(const QString &folder)
 
 const QStringList files_of_a_run = {
     u"source.json"_s,
+    u"source.json.new"_s,
     u"plugin.log"_s,
+    u"ios_lines.jsonl"_s,
+    u"ios_lines.jsonl.new"_s,
+    u"unparsed_lines.jsonl"_s,
+    u"unparsed_lines.jsonl.new"_s,
+    u"wal_changes.json"_s,
+    u"wal_changes.jsonl"_s,
+    u"wal_changes.jsonl.new"_s,
+    u"salvage.jsonl"_s,
+    u"salvage.jsonl.new"_s,
+    u"host_devices.jsonl"_s,
+    u"host_devices.jsonl.new"_s,
     u"Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s,
     u"Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite-journal"_s,
     u"Artifacts_Result/Bluetooth_Logs/Logs/com.apple.MobileBluetooth.ledevices.other.db"_s,
@@ -42,6 +54,8 @@ const QStringList files_of_a_run = {
     u"Evidence/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s,
     u"Evidence/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db-wal"_s,
     u"Evidence/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db.12:00:00_01-31-2026.corrupt"_s,
+    u"Evidence/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db.corrupt"_s,
+    u"Evidence/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db.a\nb.corrupt"_s,
     u"Evidence/Library/Preferences/com.apple.Bluetooth.plist"_s,
     u"tmp/wal/com.apple.MobileBluetooth.ledevices.other.db"_s,
     u"tmp/wal/com.apple.MobileBluetooth.ledevices.other.db-shm"_s,
@@ -141,6 +155,13 @@ void test_case_layout::traces_of_a_run_data()
     QTest::newRow("record")        << u"source.json"_s                          << true;
     QTest::newRow("half a record") << u"source.json.new"_s                      << true;
     QTest::newRow("log")           << u"plugin.log"_s                           << true;
+    QTest::newRow("lines")         << u"ios_lines.jsonl"_s                      << true;
+    QTest::newRow("half of them")  << u"ios_lines.jsonl.new"_s                  << true;
+    QTest::newRow("no rows")       << u"unparsed_lines.jsonl"_s                 << true;
+    QTest::newRow("changes")       << u"wal_changes.jsonl"_s                    << true;
+    QTest::newRow("old changes")   << u"wal_changes.json"_s                     << true;
+    QTest::newRow("salvage")       << u"salvage.jsonl"_s                        << true;
+    QTest::newRow("host's")        << u"host_devices.jsonl"_s                   << true;
     QTest::newRow("copies")        << u"Evidence/x"_s                           << true;
     QTest::newRow("results")       << u"Artifacts_Result/Bluetooth_Logs/x"_s    << true;
     QTest::newRow("lock")          << u".lock"_s                                << false;
