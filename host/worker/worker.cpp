@@ -226,7 +226,7 @@ int run_worker()
 {
     take_over_standard_output();
     std::set_terminate(on_terminate);
-    static_cast<void>(::chdir("/"));
+    static_cast<void>(::chdir("/") == 0);
     // The plug-in is a widget. Qt gets none of our arguments, and none of its threads receives Ctrl-C.
     static int argument_count = 1;
     static char name[] = "bluetooth-logs";

@@ -1,0 +1,84 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/** What readelf tells of the headers, the dynamic section and the symbols of a file. */
+QString description_of(const QString &file)
+{
+    QProcess readelf;
+    readelf.start(QStringLiteral(READELF), {u"-W"_s, u"-h"_s, u"-l"_s, u"-d"_s, u"--dyn-syms"_s, file});
+    if (!readelf.waitForFinished() || readelf.exitCode() != 0)
+        return {};
+    return QString::fromUtf8(readelf.readAllStandardOutput());
+}
+
+QByteArray content_of(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+/** What the compiler and the linker were told shows in the files that examiners run. */
+class test_hardening : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void file_tells_protection_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("pattern");
+        const QString program = QStringLiteral(PROGRAM_FILE);
+        const QString plugin = QStringLiteral(PLUGIN_FILE);
+        // clang-format off
+        QTest::newRow("program: any address")             << program << u"Flags: .*\\bPIE\\b"_s;
+        QTest::newRow("program: read-only after start")   << program << u"GNU_RELRO"_s;
+        QTest::newRow("program: all found at the start")  << program << u"\\(FLAGS\\) .*BIND_NOW"_s;
+        QTest::newRow("program: stack is no code")        << program << u"GNU_STACK .* RW "_s;
+        QTest::newRow("program: stack protector")         << program << u"__stack_chk_fail"_s;
+        QTest::newRow("program: index checks")            << program << u"__glibcxx_assert_fail"_s;
+        QTest::newRow("plug-in: any address")             << plugin  << u"Type: *DYN "_s;
+        QTest::newRow("plug-in: read-only after start")   << plugin  << u"GNU_RELRO"_s;
+        QTest::newRow("plug-in: all found at the start")  << plugin  << u"\\(FLAGS\\) .*BIND_NOW"_s;
+        QTest::newRow("plug-in: stack is no code")        << plugin  << u"GNU_STACK .* RW "_s;
+        QTest::newRow("plug-in: stack protector")         << plugin  << u"__stack_chk_fail"_s;
+        QTest::newRow("plug-in: index checks")            << plugin  << u"__glibcxx_assert_fail"_s;
+        if (IS_OPTIMISED) {
+            QTest::newRow("program: sizes in C calls")    << program << u"__mem(cpy|set|move)_chk"_s;
+            QTest::newRow("plug-in: sizes in C calls")    << plugin  << u"__mem(cpy|set|move)_chk"_s;
+        }
+        // clang-format on
+    }
+
+    void file_tells_protection()
+    {
+        QFETCH(const QString, file);
+        QFETCH(const QString, pattern);
+        const QString description = description_of(file);
+        QVERIFY(!description.isEmpty());
+        QVERIFY2(QRegularExpression(pattern).match(description).hasMatch(), qPrintable(description));
+    }
+
+    /** x86: each function that is called through a pointer begins with this instruction. */
+    void indirect_calls_have_marks()
+    {
+        if (!HAS_BRANCH_MARKS)
+            QSKIP("not this processor, or not this compiler");
+        const QByteArrayView end_branch("\xf3\x0f\x1e\xfa");
+        for (const QString &file : {QStringLiteral(PROGRAM_FILE), QStringLiteral(PLUGIN_FILE)})
+            QVERIFY2(content_of(file).count(end_branch) > 100, qPrintable(file));
+    }
+};
+
+QTEST_GUILESS_MAIN(test_hardening)
+#include "test_hardening.moc"
