@@ -86,6 +86,11 @@ QString source_layout::evidence_folder() const
 
 QString source_layout::wal_changes() const
 {
+    return source_folder + u"/wal_changes.jsonl"_s;
+}
+
+QString source_layout::earlier_wal_changes() const
+{
     return source_folder + u"/wal_changes.json"_s;
 }
 

@@ -23,6 +23,7 @@ public:
     QString plugin_log() const;
     QString evidence_folder() const; ///< the host's working copies
     QString wal_changes() const;
+    QString earlier_wal_changes() const; ///< what earlier versions of the program called it, in another form
     QString ios_lines() const;
     QString temporary_folder() const;        ///< of the process that runs the plug-in
     QString plugin_temporary_folder() const; ///< of the plug-in, which removes it in the end

@@ -11,6 +11,7 @@
 #include "host/report/page/device_cards.h"
 #include "host/report/page/html_page.h"
 #include "host/report/page/html_summary.h"
+#include "host/report/reading/wal_change.h"
 #include "host/report/report_readme.h"
 #include "host/report/tables/evidence_list.h"
 #include "host/report/tables/json_lines.h"
@@ -150,6 +151,14 @@ private:
                              u"these files are there already, --force replaces them: "_s + present.join(u", "_s));
     }
 
+    /** Said once, whichever pass found it. */
+    void add_shortcoming(const report_source &source, const QString &problem)
+    {
+        const QString text = source.problem_text(problem);
+        if (!problem.isEmpty() && !outcome.shortcomings.contains(text))
+            outcome.shortcomings.append(text);
+    }
+
     void write_table(const QString &table, html_page &page)
     {
         std::vector<std::shared_ptr<new_file>> files;
@@ -170,9 +179,7 @@ private:
                 if (needs_join())
                     join.learn(appearance_of(row, int(i)));
             });
-            if (const QString text = source.problem_text(reading.problem);
-                !reading.problem.isEmpty() && !outcome.shortcomings.contains(text))
-                outcome.shortcomings.append(text);
+            add_shortcoming(source, reading.problem);
         }
         for (const std::shared_ptr<new_file> &file : files)
             file->commit();
@@ -213,15 +220,18 @@ private:
         const QString evidence = evidence_name + format.suffix;
         const auto shared_file = open_file(path_of(shared));
         const auto evidence_file = open_file(path_of(evidence));
+        const byte_sink shared_sink = sink_of(shared_file);
+        const byte_sink evidence_sink = sink_of(evidence_file);
         if (format.separator == 0) {
-            tell_shared_lines(that_case, devices, sink_of(shared_file));
-            tell_evidence_lines(that_case, sink_of(evidence_file));
+            for_each_shared_device(that_case, devices, shared_sink);
+            const json_objects objects(columns_of(evidence_columns()));
+            for_each_evidence_file(that_case, [&](const line_cells &cells) { evidence_sink(objects.line_of(cells)); });
         } else {
             const separated_form form = form_of(format, options.cells);
-            separated_file shared_cells(sink_of(shared_file), shared, form, shared_columns(), changes);
-            add_shared_cells(shared_cells, that_case, devices);
-            separated_file evidence_cells(sink_of(evidence_file), evidence, form, evidence_columns(), changes);
-            add_evidence_cells(evidence_cells, that_case);
+            separated_file shared_cells(shared_sink, shared, form, columns_of(shared_columns()), changes);
+            for_each_shared_appearance(that_case, devices, [&](const line_cells &cells) { shared_cells.add(cells); });
+            separated_file evidence_cells(evidence_sink, evidence, form, columns_of(evidence_columns()), changes);
+            for_each_evidence_file(that_case, [&](const line_cells &cells) { evidence_cells.add(cells); });
         }
         shared_file->commit();
         evidence_file->commit();
@@ -230,8 +240,13 @@ private:
     void write_wal_changes()
     {
         new_file file(path_of(wal_changes_name));
-        for (const report_source &source : that_case.sources)
-            tell_wal_changes(that_case, source, [&file](QByteArrayView line) { file.add(line); });
+        const json_objects objects(columns_of(wal_columns()));
+        for (const report_source &source : that_case.sources) {
+            const QString problem = for_each_wal_change(that_case, source, [&](const wal_change &change) {
+                file.add(objects.line_of(cells_of(wal_columns(), change)));
+            });
+            add_shortcoming(source, problem);
+        }
         file.commit();
     }
 

@@ -152,28 +152,30 @@ struct change_counts
     qint64 deleted = 0;
 };
 
-/** Writes the changes of one table as members of an array. */
+/** Writes the changes of one table, a line each. */
 class change_writer
 {
 public:
-    explicit change_writer(new_file &output)
+    /** @p table_members say which table it is: "result_table":"devices", and so on. */
+    change_writer(new_file &output, const QByteArray &table_members)
         : file(output)
+        , table(table_members)
     {
     }
 
-    void add(QByteArrayView change, qint64 rowid, const table_reader *before, const table_reader *after)
+    void add(QByteArrayView change, const table_reader *before, const table_reader *after)
     {
-        QByteArray json = is_first ? "\n" : ",\n";
-        is_first = false;
-        json += "{\"change\":\"" + change.toByteArray() + "\",\"rowid\":" + QByteArray::number(rowid);
+        const qint64 rowid = (before ? before : after)->rowid();
+        QByteArray json = "{\"change\":\"" + change.toByteArray() + "\"," + table;
+        json += ",\"rowid\":" + QByteArray::number(rowid);
         json += ",\"before\":" + (before ? before->row_as_json() : QByteArray("null"));
-        json += ",\"after\":" + (after ? after->row_as_json() : QByteArray("null")) + '}';
+        json += ",\"after\":" + (after ? after->row_as_json() : QByteArray("null")) + "}\n";
         file.add(json);
     }
 
 private:
     new_file &file;
-    bool is_first = true;
+    QByteArray table;
 };
 
 change_counts compare(table_reader &before, table_reader &after, change_writer &writer)
@@ -183,13 +185,13 @@ change_counts compare(table_reader &before, table_reader &after, change_writer &
         const bool is_deleted = !after.is_at_row() || (before.is_at_row() && before.rowid() < after.rowid());
         const bool is_added = !before.is_at_row() || (after.is_at_row() && after.rowid() < before.rowid());
         if (is_deleted) {
-            writer.add("deleted", before.rowid(), &before, nullptr);
+            writer.add("deleted", &before, nullptr);
             ++counts.deleted;
         } else if (is_added) {
-            writer.add("added", after.rowid(), nullptr, &after);
+            writer.add("added", nullptr, &after);
             ++counts.added;
         } else if (!before.has_same_content(after)) {
-            writer.add("changed", after.rowid(), &before, &after);
+            writer.add("changed", &before, &after);
             ++counts.changed;
         }
         if (!is_added)
@@ -253,7 +255,6 @@ public:
                 add_database(*database, path, *log);
         }
         if (file) {
-            file->add("\n]}\n");
             file->commit();
             findings.counts = counts;
         }
@@ -263,7 +264,8 @@ public:
 private:
     void add_database(const macos_database &database, const QString &path, const evidence_file &log)
     {
-        begin_table(database, path);
+        if (!file)
+            file = std::make_unique<new_file>(output);
         std::optional<QString> problem = objection(evidence.file_named(path), log);
         std::optional<change_counts> found;
         if (!problem) {
@@ -274,7 +276,7 @@ private:
                 problem = error.message();
             }
         }
-        end_table(database, found, problem);
+        end_table(database, path, found, problem);
         if (problem && problem != log.reason) // which is reported of the file itself
             findings.problems.append(log.path + u" cannot be compared with its database: "_s + *problem);
     }
@@ -291,33 +293,26 @@ private:
         if (before.has_table() && !after.has_table())
             throw sqlite_error(0, u"with it the table "_s + database.device_table
                                       + u" is gone: it may belong to another database"_s);
-        change_writer writer(*file);
+        change_writer writer(*file, table_members(database, path));
         return compare(before, after, writer);
     }
 
-    void begin_table(const macos_database &database, const QString &path)
+    static QByteArray table_members(const macos_database &database, const QString &path)
     {
-        QByteArray json = ",\n";
-        if (!file) {
-            file = std::make_unique<new_file>(output);
-            json = "{\"format\":\"bluetooth-logs wal changes\",\"version\":1,\"tables\":[\n";
-        }
-        json += "{\"result_table\":\"" + QByteArray(database.result_table.data()) + "\",\"file\":\"" + path.toUtf8()
-                + "\",\"table\":\"" + QByteArray(database.device_table.data()) + "\",\"changes\":[";
-        file->add(json);
+        return "\"result_table\":\"" + QByteArray(database.result_table.data()) + "\",\"file\":\"" + path.toUtf8()
+               + "\",\"table\":\"" + QByteArray(database.device_table.data()) + '"';
     }
 
     /** What was found before a problem stays in the file: it was in the log. */
-    void end_table(const macos_database &database, const std::optional<change_counts> &found,
+    void end_table(const macos_database &database, const QString &path, const std::optional<change_counts> &found,
                    const std::optional<QString> &problem)
     {
-        QByteArray json = "\n],\"problem\":";
-        if (problem)
+        if (problem) {
+            QByteArray json = '{' + table_members(database, path) + ",\"problem\":";
             append_json_text(json, problem->toUtf8());
-        else
-            json += "null";
-        json += '}';
-        file->add(json);
+            json += "}\n";
+            file->add(json);
+        }
         counts.insert(database.result_table, found ? QJsonValue(QJsonObject{{u"added"_s, found->added},
                                                                             {u"changed"_s, found->changed},
                                                                             {u"deleted"_s, found->deleted}})

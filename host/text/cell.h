@@ -4,6 +4,7 @@
 #ifndef HOST_TEXT_CELL_H
 #define HOST_TEXT_CELL_H
 
+#include <QByteArray>
 #include <QByteArrayView>
 
 #include <optional>
@@ -17,6 +18,11 @@ struct cell
     qint64 integer = 0;
     double real = 0;
     QByteArrayView bytes; ///< of a text (UTF-8 by rule, not checked) or a blob; whoever made the cell keeps them
+
+    bool is_null() const
+    {
+        return kind == type::null;
+    }
 
     static cell of_integer(qint64 value)
     {
@@ -39,6 +45,15 @@ struct cell
     {
         return utf8.isEmpty() ? cell() : of_text(utf8);
     }
+
+    /** Null for an array that is null; an empty one is an empty text. */
+    static cell of_text_if_any(const QByteArray &utf8)
+    {
+        return utf8.isNull() ? cell() : of_text(utf8);
+    }
 };
+
+/** A number in digits, a real as short as it can be read back; the bytes of a text or a blob; nothing for null. */
+QByteArray text_of(const cell &value);
 
 #endif

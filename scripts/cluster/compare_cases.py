@@ -3,14 +3,14 @@
 # SPDX-License-Identifier: MIT
 #
 # compare_cases.py CASE CASE: whether two runs of the same sources gave the same. Manifests may differ in times and
-# options; result databases, working copies, ios_lines.jsonl and wal_changes.json in no byte. Tells what differs, code 1.
+# options; result databases, working copies, ios_lines.jsonl and wal_changes.jsonl in no byte. Tells what differs, code 1.
 
 import filecmp
 import json
 import pathlib
 import sys
 
-compared_names = ("Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite", "ios_lines.jsonl", "wal_changes.json")
+compared_names = ("Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite", "ios_lines.jsonl", "wal_changes.jsonl")
 
 
 def differences(one, other, place):

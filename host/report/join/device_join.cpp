@@ -39,11 +39,6 @@ void insert_once(QList<Value> &sorted, const Value &value)
         sorted.insert(place, value);
 }
 
-QByteArray bytes_of(const report_row &row, host_field field)
-{
-    return row.host.value_of(field).bytes.toByteArray();
-}
-
 QByteArray identifier_of(const join_key &key)
 {
     return (key.what == join_key::kind::public_address ? 'A' : 'I') + key.value;
@@ -67,16 +62,16 @@ device_appearance appearance_of(const report_row &row, int source)
     device_appearance result;
     result.source = source;
     result.table = row.table;
-    result.place = row.host.place();
+    result.place = row.host.place;
     result.uuid = text_in(row.plugin, {"uuid"_L1, "sf_device_id"_L1}).trimmed().toUpper();
     result.name = text_in(row.plugin, {"device_name"_L1});
     result.address = text_in(row.plugin, {"address"_L1, "device_address"_L1});
-    result.resolved_address = bytes_of(row, host_field::resolved_address);
-    result.host_name = bytes_of(row, host_field::name);
-    result.preferences_name = bytes_of(row, host_field::preferences_name);
-    result.vendor = bytes_of(row, host_field::vendor);
-    result.address_kind = bytes_of(row, host_field::address_kind);
-    result.icloud_identifier = bytes_of(row, host_field::icloud_identifier);
+    result.resolved_address = row.host.resolved_address.bytes.toByteArray();
+    result.host_name = row.host.name.bytes.toByteArray();
+    result.preferences_name = row.host.preferences_name.bytes.toByteArray();
+    result.vendor = row.host.vendor.bytes.toByteArray();
+    result.address_kind = row.host.address_kind.bytes.toByteArray();
+    result.icloud_identifier = row.host.icloud_identifier.bytes.toByteArray();
     if (result.icloud_identifier.isEmpty())
         result.icloud_identifier = text_in(row.plugin, {"icloud_identifier"_L1});
 

@@ -8,11 +8,11 @@
 #include "host/report/page/html_summary.h"
 #include "host/report/page/html_text.h"
 #include "host/report/page/page_parts.h"
-#include "host/report/tables/json_lines.h"
+#include "host/report/reading/common_columns.h"
+#include "host/report/reading/row_columns.h"
+#include "host/report/reading/wal_change.h"
 
 #include <QCryptographicHash>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 using namespace Qt::StringLiterals;
 
@@ -38,10 +38,9 @@ QByteArray page_head()
 }
 
 /** All counters of a row, from the evidence where the host has read it, else from the result. */
-std::optional<qint64> counter_in(const report_row &row, host_field field, QLatin1StringView column)
+std::optional<qint64> counter_in(const report_row &row, const cell &in_evidence, QLatin1StringView column)
 {
-    const cell in_evidence = row.host.value_of(field);
-    if (in_evidence.kind != cell::type::null)
+    if (!in_evidence.is_null())
         return counter_of(in_evidence);
     const int place = row.plugin.column_named(column);
     return place < 0 ? std::nullopt : counter_of(row.plugin.value_of(place));
@@ -53,20 +52,15 @@ html_table wal_table(const report_case &that_case)
                      u"Host reading. The plug-in reads the main file of a database alone; these rows are different in "
                      "the main file with its -wal."_s);
     for (const report_source &source : that_case.sources) {
-        tell_wal_changes(that_case, source, [&table, &source](QByteArrayView line) {
-            const QJsonObject json = QJsonDocument::fromJson(line.toByteArray()).object();
-            const QJsonObject place = json.value("locator"_L1).toObject();
+        for_each_wal_change(that_case, source, [&table, &source](const wal_change &change) {
             table.begin_row();
             table.add(u"source"_s, std::optional<qint64>(source.record.number));
-            table.add(u"table"_s, json.value("table"_L1).toString().toUtf8());
-            table.add(u"change"_s, json.value("change"_L1).toString().toUtf8());
-            table.add(u"file"_s, place.value("file"_L1).toString().toUtf8());
-            table.add(u"rowid"_s, std::optional(place.value("rowid"_L1).toInteger()));
-            for (const QLatin1StringView side : {"before"_L1, "after"_L1}) {
-                const QJsonValue row = json.value(side);
-                table.add(side,
-                          row.isObject() ? QJsonDocument(row.toObject()).toJson(QJsonDocument::Compact) : QByteArray());
-            }
+            table.add(u"table"_s, change.table);
+            table.add(u"change"_s, change.change);
+            table.add(u"file"_s, change.place().file);
+            table.add(u"rowid"_s, change.place().rowid);
+            table.add(u"before"_s, change.before);
+            table.add(u"after"_s, change.after);
         });
     }
     return table;
@@ -130,24 +124,19 @@ void html_page::add(const report_row &row)
     table.add(u"source"_s, std::optional<qint64>(row.source.record.number));
     table.add(u"source_name"_s, row.source.name.toUtf8());
     row_counters &known = counters[row.table][row.source.record.number];
-    known.seen.append(counter_in(row, host_field::last_seen_time, "last_seen_time"_L1));
-    known.connected.append(counter_in(row, host_field::last_connection_time, "last_connection_time"_L1));
+    known.seen.append(counter_in(row, row.host.last_seen_time, "last_seen_time"_L1));
+    known.connected.append(counter_in(row, row.host.last_connection_time, "last_connection_time"_L1));
     table.add(QString::fromLatin1(ranks_of_seen), std::optional<qint64>());
     table.add(QString::fromLatin1(ranks_of_connected), std::optional<qint64>());
     for (int column = 0; column < row.plugin.column_count(); ++column)
         table.add(u"plugin_"_s + row.plugin.column_name(column), row.plugin.value_of(column));
     table.add(u"last_seen_as_time"_s, plausible_time(known.seen.last()).toUtf8());
     table.add(u"last_connection_as_time"_s, plausible_time(known.connected.last()).toUtf8());
-    if (row.host.value_of(host_field::differs).kind != cell::type::null)
+    if (!row.host.differs.is_null())
         ++differing[row.table];
-    const row_place &place = row.host.place();
-    table.add(u"host_file"_s, place.file);
-    table.add(u"host_table"_s, place.table);
-    table.add(u"host_rowid"_s, place.rowid);
-    table.add(u"host_line"_s, place.line);
-    table.add(u"host_offset"_s, place.offset);
-    for (std::size_t field = 0; field < host_field_names.size(); ++field)
-        table.add(u"host_"_s + host_field_names[field], row.host.value_of(host_field(field)));
+    static const line_columns<report_row> columns = place_columns<report_row>() + host_columns();
+    for (const line_column<report_row> &column : columns)
+        table.add(QString::fromUtf8(column.about.cell_name()), column.value(row));
 }
 
 /** The tables of rows with their ranks, and the pictures of these. */

@@ -24,16 +24,6 @@ void put(QByteArrayList &row, qsizetype place, const QByteArray &value, const QB
     row[place] = value;
 }
 
-cell number_cell(const std::optional<qint64> &number)
-{
-    cell cell;
-    if (number) {
-        cell.kind = cell::type::integer;
-        cell.integer = *number;
-    }
-    return cell;
-}
-
 } // namespace
 
 html_table::html_table(const QString &id, const QString &heading, const QString &caption)
@@ -72,26 +62,21 @@ void html_table::add(const QString &column, const cell &value)
 
 void html_table::add(const QString &column, const std::optional<qint64> &number)
 {
-    add(column, number_cell(number));
+    add(column, cell::of_integer(number));
 }
 
 void html_table::add(const QString &column, QByteArrayView text)
 {
-    cell cell;
-    if (!text.isEmpty()) {
-        cell.kind = cell::type::text;
-        cell.bytes = text;
-    }
-    add(column, cell);
+    add(column, cell::of_text_or_null(text));
 }
 
 void html_table::set(qsizetype row, const QString &column, const std::optional<qint64> &number)
 {
     const qsizetype place = place_of(column);
     is_filled[place] = is_filled.at(place) || number.has_value();
-    rows[row][place] = page_json(number_cell(number));
+    rows[row][place] = page_json(cell::of_integer(number));
     if (row < html_rows.size())
-        html_rows[row][place] = html_cell(number_cell(number));
+        html_rows[row][place] = html_cell(cell::of_integer(number));
 }
 
 QList<qsizetype> html_table::filled_columns() const

@@ -7,8 +7,6 @@
 #include "host/text/terminal_text.h"
 #include "host/text/utf8_text.h"
 
-#include <QLocale>
-
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -38,12 +36,6 @@ QString whole_text(QByteArrayView bytes)
         return u"x'"_s + QString::fromLatin1(bytes.toByteArray().toHex()) + u'\'';
     const QString text = utf8_text(bytes);
     return is_plain(bytes) ? text : terminal_text(text).to_string();
-}
-
-QString number_text(const cell &value)
-{
-    return value.kind == cell::type::integer ? QString::number(value.integer)
-                                             : QString::number(value.real, 'g', QLocale::FloatingPointShortest);
 }
 
 bool is_number(const cell &value)
@@ -105,7 +97,7 @@ QByteArray html_cell(const cell &value)
     if (value.kind == cell::type::null)
         return "<td><span class=\"null\">\u2205</span></td>";
     if (is_number(value))
-        return "<td class=\"number\">" + number_text(value).toLatin1() + "</td>";
+        return "<td class=\"number\">" + text_of(value) + "</td>";
     return "<td><bdi>" + escaped(cell_text(value)) + "</bdi></td>";
 }
 
@@ -136,5 +128,5 @@ QByteArray page_json(const cell &value)
         return page_json(cell_text(value));
     const bool is_exact = value.kind == cell::type::integer && value.integer <= largest_exact_number
                           && value.integer >= -largest_exact_number;
-    return is_exact ? QByteArray::number(value.integer) : page_json(number_text(value));
+    return is_exact ? QByteArray::number(value.integer) : page_json(QString::fromLatin1(text_of(value)));
 }

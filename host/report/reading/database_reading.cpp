@@ -5,30 +5,25 @@
 
 #include "host/report/reading/device_address.h"
 
-#include <QLocale>
-
 #include <span>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-using cell = cell;
-using type = cell::type;
-
 /** More than this no cache of devices ever holds; they are kept in memory. */
 constexpr qint64 most_custom_properties = 100000;
 
 /** Fields that are columns of the evidence. */
-constexpr std::pair<host_field, QLatin1StringView> field_columns[] = {
-    {host_field::resolved_address, "ResolvedAddress"_L1},
-    {host_field::last_seen_time, "LastSeenTime"_L1},
-    {host_field::last_connection_time, "LastConnectionTime"_L1},
-    {host_field::name_origin, "NameOrigin"_L1},
-    {host_field::gatt_service_change_config, "GATTServiceChangeConfig"_L1},
-    {host_field::tags, "Tags"_L1},
-    {host_field::icloud_identifier, "iCloudIdentifier"_L1},
-    {host_field::name, "Name"_L1},
+constexpr std::pair<cell host_values::*, QLatin1StringView> field_columns[] = {
+    {&host_values::resolved_address, "ResolvedAddress"_L1},
+    {&host_values::last_seen_time, "LastSeenTime"_L1},
+    {&host_values::last_connection_time, "LastConnectionTime"_L1},
+    {&host_values::name_origin, "NameOrigin"_L1},
+    {&host_values::gatt_service_change_config, "GATTServiceChangeConfig"_L1},
+    {&host_values::tags, "Tags"_L1},
+    {&host_values::icloud_identifier, "iCloudIdentifier"_L1},
+    {&host_values::name, "Name"_L1},
 };
 
 /** Columns of the result, and those of the evidence that hold the same; of other devices the first five. */
@@ -42,36 +37,14 @@ constexpr std::pair<QLatin1StringView, QLatin1StringView> copied_columns[] = {
     {"icloud_identifier"_L1, "iCloudIdentifier"_L1},
 };
 
-QByteArray text_of(const cell &value)
-{
-    switch (value.kind) {
-    case type::integer:
-        return QByteArray::number(value.integer);
-    case type::real:
-        return QByteArray::number(value.real, 'g', QLocale::FloatingPointShortest);
-    default:
-        return value.bytes.toByteArray();
-    }
-}
-
 /** The plug-in copies texts: a number and its text are the same, and NULL and an empty text are. */
 bool is_same(const cell &one, const cell &two)
 {
-    if (one.kind == two.kind && one.kind == type::integer)
+    if (one.kind == two.kind && one.kind == cell::type::integer)
         return one.integer == two.integer;
-    if (one.kind == two.kind && one.kind == type::text)
+    if (one.kind == two.kind && one.kind == cell::type::text)
         return one.bytes == two.bytes;
     return text_of(one) == text_of(two);
-}
-
-cell value_of_text(QByteArrayView text, bool is_there)
-{
-    cell result;
-    if (is_there) {
-        result.kind = type::text;
-        result.bytes = text;
-    }
-    return result;
 }
 
 } // namespace
@@ -84,7 +57,6 @@ database_reading::database_reading(const database_copy &copy, const sqlite_state
 {
     known_place.file = copy.path.toUtf8();
     known_place.table = QByteArray(copy.database.device_table.data());
-    columns.fill(-1);
     try {
         open(copy, row);
     } catch (const sqlite_error &error) {
@@ -104,8 +76,10 @@ void database_reading::open(const database_copy &copy, const sqlite_statement &r
     rows = std::make_unique<sqlite_statement>(*opened, "SELECT rowid, * FROM "
                                                            + QByteArray(database.device_table.data())
                                                            + " NOT INDEXED ORDER BY 1");
-    for (const auto &[field, name] : field_columns)
-        columns[size_t(field)] = rows->column_named(name);
+    for (const auto &[value, name] : field_columns) {
+        if (const int column = rows->column_named(name); column >= 0)
+            columns.emplace_back(value, column);
+    }
     address_column = rows->column_named("Address"_L1);
     const bool copies_all = &database != &other_devices_database;
     for (const auto &[result, evidence] : std::span(copied_columns).first(copies_all ? 7 : 5))
@@ -145,12 +119,7 @@ bool database_reading::advance()
 
 void database_reading::next(const sqlite_statement &row)
 {
-    current_place = {};
-    properties = {};
-    differs = {};
-    vendor = {};
-    preferences_name = {};
-    address_kind = {};
+    current = {};
     if (!advance())
         return;
     const auto is_this_row = [&] {
@@ -167,43 +136,34 @@ void database_reading::next(const sqlite_statement &row)
 
 void database_reading::describe(const sqlite_statement &row)
 {
-    current_place = known_place;
-    current_place.rowid = rows->integer(0);
+    current.place = known_place;
+    current.place.rowid = rows->integer(0);
+    for (const auto &[value, column] : columns)
+        current.*value = rows->value_of(column);
+    differs.clear();
     for (const column_pair &pair : pairs) {
         const cell in_result = pair.result < 0 ? cell() : row.value_of(pair.result);
         const cell in_evidence = pair.evidence < 0 ? cell() : rows->value_of(pair.evidence);
         if (!is_same(in_result, in_evidence))
             differs += (differs.isEmpty() ? "" : ", ") + pair.result_name;
     }
-    if (address_column >= 0) {
-        const cell address = rows->value_of(address_column);
-        const std::optional<device_address> parsed = parse_device_address(address.bytes);
-        if (parsed)
-            address_kind = parsed->kind();
-        const QByteArrayView resolved = value_of(host_field::resolved_address).bytes;
-        vendor = vendors.vendor_of_first_public({address.bytes, resolved});
-        preferences_name = names.name_of({address.bytes, resolved});
-    }
-    if (uuid.evidence >= 0 && !custom_properties.isEmpty())
+    current.differs = cell::of_text_or_null(differs);
+    if (address_column >= 0)
+        describe_address();
+    if (uuid.evidence >= 0 && !custom_properties.isEmpty()) {
         properties = custom_properties.value(rows->value_of(uuid.evidence).bytes.toByteArray());
+        current.custom_properties = cell::of_text_if_any(properties);
+    }
 }
 
-cell database_reading::value_of(host_field field) const
+void database_reading::describe_address()
 {
-    if (current_place.file.isEmpty())
-        return {};
-    switch (field) {
-    case host_field::custom_properties:
-        return value_of_text(properties, !properties.isNull());
-    case host_field::address_kind:
-        return value_of_text(QByteArrayView(address_kind.data(), address_kind.size()), !address_kind.isEmpty());
-    case host_field::preferences_name:
-        return value_of_text(preferences_name, !preferences_name.isNull());
-    case host_field::vendor:
-        return value_of_text(vendor, !vendor.isEmpty());
-    case host_field::differs:
-        return value_of_text(differs, !differs.isEmpty());
-    default:
-        return columns[size_t(field)] < 0 ? cell() : rows->value_of(columns[size_t(field)]);
-    }
+    const QByteArrayView address = rows->value_of(address_column).bytes;
+    const QByteArrayView resolved = current.resolved_address.bytes;
+    if (const std::optional<device_address> parsed = parse_device_address(address))
+        current.address_kind = cell::of_text(parsed->kind());
+    vendor = vendors.vendor_of_first_public({address, resolved});
+    current.vendor = cell::of_text_or_null(vendor);
+    preferences_name = names.name_of({address, resolved});
+    current.preferences_name = cell::of_text_if_any(preferences_name);
 }

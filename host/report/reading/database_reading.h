@@ -10,6 +10,7 @@
 
 #include <QHash>
 
+#include <utility>
 #include <vector>
 
 /** A working copy that a host reading reads. */
@@ -29,7 +30,6 @@ public:
                      const preferences_names &names);
 
     void next(const sqlite_statement &row) override;
-    cell value_of(host_field field) const override;
 
 private:
     /** A column of the evidence beside the result's column that the plug-in copies it to; -1: there is none. */
@@ -44,6 +44,7 @@ private:
     void read_custom_properties();
     bool advance();
     void describe(const sqlite_statement &row);
+    void describe_address();
 
     std::unique_ptr<sqlite_database> opened;
     std::unique_ptr<sqlite_statement> rows; ///< none: nothing can be read, or not any more
@@ -52,14 +53,14 @@ private:
     qint64 may_pass_over;
     column_pair uuid;
     std::vector<column_pair> pairs;
-    std::array<int, host_field_names.size()> columns = {}; ///< of the evidence, by field; -1: there is none
+    std::vector<std::pair<cell host_values::*, int>> columns; ///< of the evidence, where it has them
     int address_column = -1;
     QHash<QByteArray, QByteArray> custom_properties; ///< by UUID
-    QByteArray properties;                           ///< of the current row; null: none
+    // Of the current row:
+    QByteArray properties; ///< null: none
     QByteArray differs;
     QByteArray vendor;
     QByteArray preferences_name; ///< null: none
-    QLatin1StringView address_kind;
     row_place known_place;
 };
 

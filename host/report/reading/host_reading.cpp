@@ -22,11 +22,6 @@ public:
     void next(const sqlite_statement &) override
     {
     }
-
-    cell value_of(host_field) const override
-    {
-        return {};
-    }
 };
 
 const table_rows *counts_of(const source_record &record, const QString &table)

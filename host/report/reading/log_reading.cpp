@@ -10,30 +10,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using cell = cell;
-using type = cell::type;
-
 constexpr qsizetype date_length = 15; // "May 17 12:11:05"
 
-cell value_of_bytes(const std::optional<QByteArray> &bytes)
+cell text_or_null(const std::optional<QByteArray> &text)
 {
-    cell result;
-    if (bytes) {
-        result.kind = type::text;
-        result.bytes = *bytes;
-    }
-    return result;
+    return text ? cell::of_text(*text) : cell();
 }
 
 /** A number of the log is a number here: "-60" is no text that a spreadsheet takes for a formula. */
-cell number_or_text(const std::optional<QByteArray> &bytes)
+cell number_or_text(const std::optional<QByteArray> &text)
 {
-    cell result = value_of_bytes(bytes);
     bool is_number = false;
-    result.integer = result.bytes.toByteArray().toLongLong(&is_number);
-    if (is_number && QByteArray::number(result.integer) == result.bytes)
-        result.kind = type::integer;
-    return result;
+    const qint64 number = text.value_or(QByteArray()).toLongLong(&is_number);
+    return is_number && QByteArray::number(number) == *text ? cell::of_integer(number) : text_or_null(text);
 }
 
 } // namespace
@@ -73,14 +62,14 @@ bool log_reading::advance()
 
 void log_reading::next(const sqlite_statement &row)
 {
-    current_place = {};
+    current = {};
     if (advance())
         describe(row);
 }
 
 void log_reading::describe(const sqlite_statement &row)
 {
-    current_place = next_place;
+    current.place = next_place;
     fields = read_device_line(line);
     vendor = vendors.vendor_of_first_public({fields.identifier.value_or(QByteArray())});
     differs = {};
@@ -89,26 +78,10 @@ void log_reading::describe(const sqlite_statement &row)
         differs = "date";
     if (decoded_escapes(text_in(name_column)) != fields.name.value_or(QByteArray()))
         differs += differs.isEmpty() ? "device_name" : ", device_name";
-}
-
-cell log_reading::value_of(host_field field) const
-{
-    if (current_place.file.isEmpty())
-        return {};
-    switch (field) {
-    case host_field::name:
-        return value_of_bytes(fields.name);
-    case host_field::rssi:
-        return number_or_text(fields.rssi);
-    case host_field::aid:
-        return value_of_bytes(fields.aid);
-    case host_field::line_text:
-        return value_of_bytes(line);
-    case host_field::vendor:
-        return vendor.isEmpty() ? cell() : value_of_bytes(vendor);
-    case host_field::differs:
-        return differs.isEmpty() ? cell() : value_of_bytes(differs);
-    default:
-        return {};
-    }
+    current.name = text_or_null(fields.name);
+    current.rssi = number_or_text(fields.rssi);
+    current.aid = text_or_null(fields.aid);
+    current.line_text = cell::of_text(line);
+    current.vendor = cell::of_text_or_null(vendor);
+    current.differs = cell::of_text_or_null(differs);
 }

@@ -19,7 +19,6 @@ public:
                 const vendor_list &vendors);
 
     void next(const sqlite_statement &row) override;
-    cell value_of(host_field field) const override;
 
 private:
     bool advance();

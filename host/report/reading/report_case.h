@@ -21,6 +21,7 @@ struct report_source
     QString name;                  ///< the one that the examiner gave, else "Source<number>"
     preferences_names preferences; ///< of its Bluetooth preferences; empty where there are none
     bool is_locked = false;        ///< a run works on it: a reader could keep that from writing
+    QByteArray utf8_name = name.toUtf8();
 
     /** "source 1: …" */
     QString problem_text(const QString &problem) const

@@ -7,6 +7,9 @@
 #include "host/files/host_error.h"
 #include "host/files/paths.h"
 
+#include <algorithm>
+#include <iterator>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -41,6 +44,17 @@ QStringList result_columns(const report_case &that_case, const report_source &so
     return names;
 }
 
+QStringList result_columns(const report_case &that_case, const QString &table)
+{
+    QStringList columns;
+    for (const report_source &source : that_case.sources) {
+        const QStringList own = result_columns(that_case, source, table);
+        std::copy_if(own.cbegin(), own.cend(), std::back_inserter(columns),
+                     [&columns](const QString &name) { return !columns.contains(name); });
+    }
+    return columns;
+}
+
 table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,
                         const std::function<void(const report_row &row)> &tell)
 {
@@ -59,9 +73,10 @@ table_reading read_rows(const report_case &that_case, const report_source &sourc
             return reading;
         sqlite_statement row = result.rows(table);
         const std::unique_ptr<host_reading> host = open_host_reading(that_case, source, table, row);
+        const QByteArray utf8_table = table.toUtf8();
         while (row.next()) {
             host->next(row);
-            tell({source, table, row, *host});
+            tell({source, table, row, host->values(), utf8_table});
             ++reading.rows;
         }
         reading.problem = host->problem();

@@ -17,7 +17,13 @@ struct report_row
     const report_source &source;
     QString table;
     const sqlite_statement &plugin; ///< at the row
-    const host_reading &host;       ///< at its evidence
+    const host_values &host;        ///< of its evidence
+    QByteArrayView utf8_table;
+
+    const row_place &place() const
+    {
+        return host.place;
+    }
 };
 
 /** What was read of one table of one source. */
@@ -29,6 +35,9 @@ struct table_reading
 
 /** The names of the columns of a result table, in its order; none where the source has no such table. */
 QStringList result_columns(const report_case &that_case, const report_source &source, const QString &table);
+
+/** Those of all sources: of the first one in their order, what others have more behind them. */
+QStringList result_columns(const report_case &that_case, const QString &table);
 
 /** Tells the rows of a result table in their order. */
 table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,

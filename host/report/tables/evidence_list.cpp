@@ -3,81 +3,54 @@
 
 #include "host/report/tables/evidence_list.h"
 
-#include "host/text/json_text.h"
+#include "host/report/reading/common_columns.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/** A file's texts and its size, in the order of the columns behind the source. */
-struct listed_file
+template<QByteArray evidence_line::*Text>
+cell text_or_null(const evidence_line &line)
 {
-    explicit listed_file(const evidence_file &file)
-        : path(file.path.toUtf8())
-        , state(presence_name(file.state).data())
-        , reason(file.reason.toUtf8())
-        , size(file.before ? std::optional(file.before->size) : std::nullopt)
-        , hashes{file.before ? file.before->sha256.toLatin1() : QByteArray(),
-                 file.after ? file.after->sha256.toLatin1() : QByteArray(), file.copy_sha256.toLatin1()}
-    {
-    }
-
-    QByteArray path;
-    QByteArray state;
-    QByteArray reason;
-    std::optional<qint64> size;
-    QByteArrayList hashes; ///< before, after, of the working copy
-};
-
-void append_text_or_null(QByteArray &json, const QString &name, QByteArrayView text)
-{
-    json += ",\"" + name.toLatin1() + "\":";
-    if (text.isEmpty())
-        json += "null";
-    else
-        append_json_text(json, text);
+    return cell::of_text_or_null(line.*Text);
 }
 
 } // namespace
 
-const QStringList &evidence_columns()
+evidence_line::evidence_line(const report_source &of_source, const evidence_file &file)
+    : source(of_source)
+    , path(file.path.toUtf8())
+    , state(presence_name(file.state).data())
+    , reason(file.reason.toUtf8())
+    , size(file.before ? std::optional(file.before->size) : std::nullopt)
+    , sha256_before(file.before ? file.before->sha256.toLatin1() : QByteArray())
+    , sha256_after(file.after ? file.after->sha256.toLatin1() : QByteArray())
+    , sha256_copy(file.copy_sha256.toLatin1())
 {
-    static const QStringList names{u"source"_s, u"source_name"_s,   u"path"_s,         u"state"_s,      u"reason"_s,
-                                   u"size"_s,   u"sha256_before"_s, u"sha256_after"_s, u"sha256_copy"_s};
-    return names;
 }
 
-void add_evidence_cells(separated_file &file, const report_case &that_case)
+const line_columns<evidence_line> &evidence_columns()
 {
-    for (const report_source &source : that_case.sources) {
-        for (const evidence_file &one : source.record.evidence.files) {
-            const listed_file listed(one);
-            file.add_number(source.record.number);
-            for (const QByteArray &text : {source.name.toUtf8(), listed.path, listed.state, listed.reason})
-                file.add_text(text);
-            file.add_number(listed.size);
-            for (const QByteArray &hash : listed.hashes)
-                file.add_text(hash);
-            file.end_line();
-        }
-    }
+    using group = column_group;
+    using row = evidence_line;
+    // clang-format off
+    static const line_columns<evidence_line> columns = source_columns<evidence_line>() + line_columns<evidence_line>{
+        {{"path"_ba, group::line, {}, {}, "File"_L1, "the path of the file, relative to the source"_L1}, text_or_null<&row::path>},
+        {{"state"_ba, group::line, {}, {}, "State"_L1, "present, absent, unreadable or refused"_L1}, text_or_null<&row::state>},
+        {{"reason"_ba, group::line, {}, {}, "Reason"_L1, "why the file could not be read, or what is odd about it"_L1}, text_or_null<&row::reason>},
+        {{"size"_ba, group::line, {}, {}, "Bytes"_L1, "the size before the plug-in read it"_L1}, [](const row &line) { return cell::of_integer(line.size); }},
+        {{"sha256_before"_ba, group::line, {}, {}, "SHA-256 before"_L1, "of the file before the plug-in read it"_L1}, text_or_null<&row::sha256_before>},
+        {{"sha256_after"_ba, group::line, {}, {}, "SHA-256 after"_L1, "of the file after the plug-in read it"_L1}, text_or_null<&row::sha256_after>},
+        {{"sha256_copy"_ba, group::line, {}, {}, "SHA-256 of the copy"_L1, "of the working copy that the host reads"_L1}, text_or_null<&row::sha256_copy>},
+    };
+    // clang-format on
+    return columns;
 }
 
-void tell_evidence_lines(const report_case &that_case, const std::function<void(QByteArrayView line)> &tell)
+void for_each_evidence_file(const report_case &that_case, const std::function<void(const line_cells &cells)> &take)
 {
-    const QStringList &names = evidence_columns();
     for (const report_source &source : that_case.sources) {
-        for (const evidence_file &one : source.record.evidence.files) {
-            const listed_file listed(one);
-            QByteArray json = "{\"source\":" + QByteArray::number(source.record.number);
-            append_text_or_null(json, names.at(1), source.name.toUtf8());
-            append_text_or_null(json, names.at(2), listed.path);
-            append_text_or_null(json, names.at(3), listed.state);
-            append_text_or_null(json, names.at(4), listed.reason);
-            json += ",\"size\":" + (listed.size ? QByteArray::number(*listed.size) : QByteArray("null"));
-            for (qsizetype i = 0; i < listed.hashes.size(); ++i)
-                append_text_or_null(json, names.at(6 + i), listed.hashes.at(i));
-            tell(QByteArray(json + "}\n"));
-        }
+        for (const evidence_file &file : source.record.evidence.files)
+            take(cells_of(evidence_columns(), evidence_line(source, file)));
     }
 }

@@ -4,19 +4,31 @@
 #ifndef HOST_REPORT_TABLES_EVIDENCE_LIST_H
 #define HOST_REPORT_TABLES_EVIDENCE_LIST_H
 
-#include "host/report/tables/separated_files.h"
+#include "host/report/reading/report_case.h"
+#include "host/report/reading/report_column.h"
+
+#include <QByteArray>
 
 #include <functional>
 
-// The files of the evidence that the host looked for: their state, sizes and hashes, leftovers of damaged databases
-// included.
+/** A file of the evidence that the host looked for: its state, sizes and hashes. */
+struct evidence_line
+{
+    evidence_line(const report_source &of_source, const evidence_file &file);
 
-const QStringList &evidence_columns();
+    const report_source &source;
+    QByteArray path;
+    QByteArray state;
+    QByteArray reason;
+    std::optional<qint64> size;
+    QByteArray sha256_before;
+    QByteArray sha256_after;
+    QByteArray sha256_copy;
+};
 
-/** The lines of evidence_files.csv and its like. */
-void add_evidence_cells(separated_file &file, const report_case &that_case);
+const line_columns<evidence_line> &evidence_columns();
 
-/** The lines of evidence_files.jsonl, each with its line end. */
-void tell_evidence_lines(const report_case &that_case, const std::function<void(QByteArrayView line)> &tell);
+/** Gives all files of the case, leftovers of damaged databases included. */
+void for_each_evidence_file(const report_case &that_case, const std::function<void(const line_cells &cells)> &take);
 
 #endif

@@ -3,132 +3,91 @@
 
 #include "host/report/tables/json_lines.h"
 
-#include "host/files/host_error.h"
 #include "host/text/json_text.h"
 
-#include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
-
-using namespace Qt::StringLiterals;
+#include <algorithm>
+#include <string_view>
 
 namespace {
 
-void append_member(QByteArray &json, QByteArrayView name, const std::optional<qint64> &number)
-{
-    json.append(name);
-    json.append(number ? QByteArray::number(*number) : QByteArray("null"));
-}
+/** What a group's members stand in; empty: in the object itself. In the order of column_group. */
+constexpr std::string_view nested_in[] = {"", "\"locator\":{", "\"plugin\":{", "", "\"host\":{"};
 
-void append_text_or_null(QByteArray &json, QByteArrayView text)
+/** The use of those columns of a locator that this line has not. */
+template<typename Members>
+column_use left_out(const Members &members, const line_cells &cells)
 {
-    if (text.isEmpty())
-        json.append("null");
-    else
-        append_json_text(json, text);
-}
-
-/** "resolved_address": and so on, with the comma before all but the first. */
-const QByteArrayList &host_members()
-{
-    static const QByteArrayList members = [] {
-        QByteArrayList texts;
-        for (const QLatin1StringView name : host_field_names)
-            texts.append((texts.isEmpty() ? "\"" : ",\"") + QByteArray(name.data()) + "\":");
-        return texts;
-    }();
-    return members;
+    const bool is_log = std::any_of(members.begin(), members.end(), [&cells](const auto &member) {
+        return member.use == column_use::log_places && !cells[member.place].is_null();
+    });
+    return is_log ? column_use::table_places : column_use::log_places;
 }
 
 } // namespace
 
-QByteArray json_row_start(const report_source &source, const QString &table)
+json_objects::json_objects(const QList<report_column> &columns)
 {
-    QByteArray json = "{\"source\":" + QByteArray::number(source.record.number) + ",\"source_name\":";
-    append_json_text(json, source.name.toUtf8());
-    json += ",\"table\":";
-    append_json_text(json, table.toUtf8());
-    return json;
+    for (qsizetype place = 0; place < columns.size(); ++place) {
+        const report_column &column = columns.at(place);
+        if (column.use == column_use::cells_only)
+            continue;
+        QByteArray name;
+        append_json_bytes(name, column.name);
+        groups[std::size_t(column.group)].push_back({name + ':', std::size_t(place), column.use, column.is_json});
+    }
 }
 
-void append_json_locator(QByteArray &json, const row_place &place)
+void json_objects::append(QByteArray &json, const line_cells &cells) const
 {
-    json.append("\"locator\":{\"file\":");
-    append_text_or_null(json, place.file);
-    if (place.line) {
-        append_member(json, ",\"line\":", place.line);
-        append_member(json, ",\"offset\":", place.offset);
-    } else {
-        json.append(",\"table\":");
-        append_text_or_null(json, place.table);
-        append_member(json, ",\"rowid\":", place.rowid);
+    json.append('{');
+    for (std::size_t group = 0; group < group_count; ++group) {
+        if (groups[group].empty())
+            continue;
+        if (json.back() != '{')
+            json.append(',');
+        json.append(nested_in[group].data(), qsizetype(nested_in[group].size()));
+        append_members(json, groups[group], cells);
+        if (!nested_in[group].empty())
+            json.append('}');
     }
     json.append('}');
 }
 
-void json_lines::begin_source(const report_row &row)
+void json_objects::append_members(QByteArray &json, const std::vector<member> &members, const line_cells &cells) const
 {
-    source = &row.source;
-    start = json_row_start(row.source, row.table) + ',';
-    names.clear();
-    for (int column = 0; column < row.plugin.column_count(); ++column) {
-        QByteArray name(column == 0 ? "" : ",");
-        append_json_text(name, row.plugin.column_name(column).toUtf8());
-        names.append(name + ':');
+    const column_use without = left_out(members, cells);
+    bool is_first = true;
+    for (const member &one : members) {
+        if (one.use == without)
+            continue;
+        if (!is_first)
+            json.append(',');
+        is_first = false;
+        json.append(one.name);
+        const cell &value = cells[one.place];
+        if (one.is_json && !value.is_null())
+            json.append(value.bytes);
+        else
+            append_json_value(json, value);
     }
 }
 
-QByteArrayView json_lines::line(const report_row &row)
+void json_rows::begin_source(const report_row &row)
+{
+    source = &row.source;
+    QStringList own;
+    for (int column = 0; column < row.plugin.column_count(); ++column)
+        own.append(row.plugin.column_name(column));
+    cells = std::make_unique<row_cells>(own);
+    objects = std::make_unique<json_objects>(cells->columns());
+}
+
+QByteArrayView json_rows::line(const report_row &row)
 {
     if (source != &row.source)
         begin_source(row);
     json.resize(0);
-    json.append(start);
-    append_json_locator(json, row.host.place());
-    json.append(",\"plugin\":{");
-    for (int column = 0; column < names.size(); ++column) {
-        json.append(names.at(column));
-        append_json_value(json, row.plugin.value_of(column));
-    }
-    json.append("},\"host\":{");
-    for (std::size_t field = 0; field < host_field_names.size(); ++field) {
-        json.append(host_members().at(qsizetype(field)));
-        append_json_value(json, row.host.value_of(host_field(field)));
-    }
-    json.append("}}\n");
+    objects->append(json, cells->of(row));
+    json.append('\n');
     return json;
-}
-
-void tell_wal_changes(const report_case &that_case, const report_source &source,
-                      const std::function<void(QByteArrayView line)> &tell)
-{
-    QFile file(that_case.layout.source(source.record.number).wal_changes());
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    // One change a line, and one line before those of a table: no more than a row is held.
-    QByteArray start;
-    row_place place;
-    while (!file.atEnd()) {
-        const QByteArray line = file.readLine();
-        if (line.startsWith("{\"result_table\":")) {
-            const qsizetype end = line.indexOf(",\"changes\":[");
-            const QJsonObject table = QJsonDocument::fromJson(line.first(qMax<qsizetype>(end, 0)) + '}').object();
-            start = json_row_start(source, table.value("result_table"_L1).toString()) + ',';
-            place.file = table.value("file"_L1).toString().toUtf8();
-            place.table = table.value("table"_L1).toString().toUtf8();
-            continue;
-        }
-        const qsizetype content = line.indexOf(",\"before\":");
-        const qsizetype end = line.lastIndexOf('}') + 1;
-        if (!line.startsWith("{\"change\":") || content < 0 || end < content)
-            continue; // the file's own first and last lines
-        const QJsonObject change = QJsonDocument::fromJson(line.first(content) + '}').object();
-        place.rowid = change.value("rowid"_L1).toInteger();
-        QByteArray json = start;
-        append_json_locator(json, place);
-        json += ",\"change\":";
-        append_json_text(json, change.value("change"_L1).toString().toUtf8());
-        json += line.sliced(content, end - content) + '\n';
-        tell(json);
-    }
 }

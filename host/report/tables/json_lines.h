@@ -4,13 +4,50 @@
 #ifndef HOST_REPORT_TABLES_JSON_LINES_H
 #define HOST_REPORT_TABLES_JSON_LINES_H
 
-#include "host/report/reading/report_row.h"
+#include "host/report/reading/report_column.h"
+#include "host/report/reading/row_columns.h"
 
 #include <QByteArray>
 #include <QList>
 
-/** Makes the lines of devices.jsonl and paired_devices.jsonl; docs/report-formats.md describes them. */
-class json_lines
+#include <array>
+#include <memory>
+#include <vector>
+
+/** Makes objects of the lines of a list of columns; docs/report-formats.md describes them. */
+class json_objects
+{
+public:
+    explicit json_objects(const QList<report_column> &columns);
+
+    /** Appends the object of a line, @p cells of which are in the order of the columns. */
+    void append(QByteArray &json, const line_cells &cells) const;
+
+    /** The object and a line end. */
+    QByteArray line_of(const line_cells &cells) const
+    {
+        QByteArray json;
+        append(json, cells);
+        return json + '\n';
+    }
+
+private:
+    struct member
+    {
+        QByteArray name; ///< "rowid": with its quotation marks and colon
+        std::size_t place;
+        column_use use;
+        bool is_json;
+    };
+
+    void append_members(QByteArray &json, const std::vector<member> &members, const line_cells &cells) const;
+
+    static constexpr std::size_t group_count = 5;
+    std::array<std::vector<member>, group_count> groups; ///< by column_group
+};
+
+/** Makes the lines of devices.jsonl and paired_devices.jsonl. */
+class json_rows
 {
 public:
     /** One row, with its line end. Valid until the next call. */
@@ -19,23 +56,10 @@ public:
 private:
     void begin_source(const report_row &row);
 
-    const report_source *source = nullptr; ///< that the texts below are of
-    QByteArray start;                      ///< {"source":1,"source_name":"…","table":"…"
-    QList<QByteArray> names;               ///< of the plug-in's columns: "uuid":
-    QByteArray json;                       ///< keeps its room from row to row
+    const report_source *source = nullptr; ///< that the objects below are of
+    std::unique_ptr<row_cells> cells;
+    std::unique_ptr<json_objects> objects;
+    QByteArray json; ///< keeps its room from row to row
 };
-
-/** {"source":1,"source_name":"…","table":"…" without an end. */
-QByteArray json_row_start(const report_source &source, const QString &table);
-
-/** "locator":{…} */
-void append_json_locator(QByteArray &json, const row_place &place);
-
-/**
- * The lines of wal_changes.jsonl that a source has, each with its line end: the file that the host kept of the source,
- * taken apart again.
- */
-void tell_wal_changes(const report_case &that_case, const report_source &source,
-                      const std::function<void(QByteArrayView line)> &tell);
 
 #endif

@@ -3,7 +3,6 @@
 
 #include "host/report/tables/separated_cell.h"
 
-#include <QLocale>
 #include <QString>
 
 #include <algorithm>
@@ -46,9 +45,8 @@ separated_cell make_cell(const cell &value, bool is_raw)
 {
     switch (value.kind) {
     case cell::type::integer:
-        return {QByteArray::number(value.integer), cell_change::none};
     case cell::type::real:
-        return {QByteArray::number(value.real, 'g', QLocale::FloatingPointShortest), cell_change::none};
+        return {text_of(value), cell_change::none};
     case cell::type::text:
         return make_text_cell(value.bytes, is_raw);
     case cell::type::blob:

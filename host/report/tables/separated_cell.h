@@ -4,7 +4,7 @@
 #ifndef HOST_REPORT_TABLES_SEPARATED_CELL_H
 #define HOST_REPORT_TABLES_SEPARATED_CELL_H
 
-#include "host/sqlite/sqlite.h"
+#include "host/text/cell.h"
 
 #include <QByteArray>
 #include <QLatin1StringView>

@@ -4,7 +4,7 @@
 #ifndef HOST_REPORT_TABLES_SEPARATED_FILES_H
 #define HOST_REPORT_TABLES_SEPARATED_FILES_H
 
-#include "host/report/reading/report_row.h"
+#include "host/report/reading/row_columns.h"
 #include "host/report/tables/separated_cell.h"
 
 #include <QList>
@@ -53,25 +53,25 @@ using byte_sink = std::function<void(QByteArrayView bytes)>;
 class separated_file
 {
 public:
-    /** @p name is for @p changes. */
-    separated_file(const byte_sink &sink, const QString &name, const separated_form &form, const QStringList &columns,
-                   changed_cells &changes);
+    /** @p name is for @p changes. The header goes to @p sink at once. */
+    separated_file(const byte_sink &sink, const QString &name, const separated_form &form,
+                   const QList<report_column> &columns, changed_cells &changes);
 
-    void add_text(QByteArrayView utf8);
-    void add_value(const cell &value);
-    void add_number(const std::optional<qint64> &number);
-    void end_line();
+    /** @p cells are in the order of the columns. */
+    void add(const line_cells &cells);
 
 private:
     void add_cell(const separated_cell &cell);
+    void end_line();
 
     byte_sink take;
     QString file_name;
     separated_form form;
-    QStringList column_names;
+    QList<report_column> columns;
     changed_cells &changes;
     QByteArray line;
     qsizetype column = 0;
+    bool is_first = true; ///< cell of the line
     qint64 line_number = 1;
 };
 
@@ -81,15 +81,20 @@ class separated_rows
 public:
     /** @p result_columns are those of all sources, in order. */
     separated_rows(const byte_sink &sink, const QString &name, const separated_form &form,
-                   const QStringList &result_columns, changed_cells &changes);
+                   const QStringList &result_columns, changed_cells &changes)
+        : cells(result_columns)
+        , file(sink, name, form, cells.columns(), changes)
+    {
+    }
 
-    void add(const report_row &row);
+    void add(const report_row &row)
+    {
+        file.add(cells.of(row));
+    }
 
 private:
-    QStringList columns; ///< of the result
+    row_cells cells;
     separated_file file;
-    const report_source *source = nullptr; ///< that the places below are of
-    QList<int> places;                     ///< of the columns in its result table; -1: it has none of that name
 };
 
 #endif

@@ -3,12 +3,19 @@
 
 #include "host/report/tables/shared_devices.h"
 
+#include "host/report/reading/common_columns.h"
 #include "host/report/tables/json_lines.h"
 #include "host/text/json_text.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+template<QByteArray device_appearance::*Text>
+cell text(const shared_line &line)
+{
+    return cell::of_text(line.appearance.*Text);
+}
 
 QByteArray keys_as_text(const joined_device &device)
 {
@@ -31,89 +38,75 @@ QByteArray keys_as_json(const joined_device &device)
     return json + ']';
 }
 
-void append_text(QByteArray &json, QByteArrayView name, QByteArrayView text)
+shared_line line_of(const report_case &that_case, const joined_device &device, const device_appearance &appearance)
 {
-    json += ",\"" + name.toByteArray() + "\":";
-    append_json_bytes(json, text);
+    return {device, appearance, that_case.sources.at(appearance.source), keys_as_text(device),
+            appearance.table.toUtf8()};
 }
 
-QByteArray appearance_as_json(const device_appearance &appearance, const report_source &source)
+QByteArray device_as_json(const report_case &that_case, const joined_device &device, const json_objects &appearances)
 {
-    QByteArray json = json_row_start(source, appearance.table) + ',';
-    append_json_locator(json, appearance.place);
-    append_text(json, "uuid", appearance.uuid);
-    append_text(json, "device_name", appearance.name);
-    append_text(json, "address", appearance.address);
-    QByteArray host;
-    append_text(host, "resolved_address", appearance.resolved_address);
-    append_text(host, "icloud_identifier", appearance.icloud_identifier);
-    append_text(host, "preferences_name", appearance.preferences_name);
-    return json + ",\"host\":{" + host.sliced(1) + "}}";
+    QByteArray json = "{\"device\":" + QByteArray::number(device.shared_number)
+                      + ",\"joined_by\":" + keys_as_json(device) + ",\"sources\":[";
+    QByteArrayList sources;
+    for (const int source : device.sources)
+        sources.append(QByteArray::number(that_case.sources.at(source).record.number));
+    json += sources.join(',') + "],\"appearances\":[";
+    for (const device_appearance &appearance : device.appearances) {
+        json += json.endsWith('[') ? "" : ",";
+        appearances.append(json, cells_of(shared_columns(), line_of(that_case, device, appearance)));
+    }
+    return json + "]}\n";
 }
 
 } // namespace
 
-const QStringList &shared_columns()
+const line_columns<shared_line> &shared_columns()
 {
-    static const QStringList names{u"device"_s,
-                                   u"joined_by"_s,
-                                   u"source"_s,
-                                   u"source_name"_s,
-                                   u"table"_s,
-                                   u"uuid"_s,
-                                   u"device_name"_s,
-                                   u"address"_s,
-                                   u"host_resolved_address"_s,
-                                   u"host_icloud_identifier"_s,
-                                   u"host_preferences_name"_s,
-                                   u"host_file"_s,
-                                   u"host_table"_s,
-                                   u"host_rowid"_s,
-                                   u"host_line"_s,
-                                   u"host_offset"_s};
-    return names;
+    using group = column_group;
+    using use = column_use;
+    using one = device_appearance;
+    // clang-format off
+    static const line_columns<shared_line> columns =
+        line_columns<shared_line>{
+            {{"device"_ba, group::line, use::cells_only, {}, "Device"_L1, "its number among the devices that more than one source knows"_L1},
+             [](const shared_line &line) { return cell::of_integer(line.device.shared_number); }},
+            {{"joined_by"_ba, group::line, use::cells_only, {}, "Joined by"_L1, "what the sources have in common"_L1},
+             [](const shared_line &line) { return cell::of_text(line.joined_by); }},
+        }
+        + source_columns<shared_line>()
+        + line_columns<shared_line>{
+            {{"table"_ba, group::source, {}, {}, "Table"_L1, "the table of the result"_L1},
+             [](const shared_line &line) { return cell::of_text(line.table); }},
+            {{"uuid"_ba, group::line, {}, {}, "UUID"_L1, "of the row; it means nothing in another source"_L1}, text<&one::uuid>},
+            {{"device_name"_ba, group::line, {}, {}, "Name"_L1, "of the result"_L1}, text<&one::name>},
+            {{"address"_ba, group::line, {}, {}, "Address"_L1, "of the result"_L1}, text<&one::address>},
+            {{"resolved_address"_ba, group::host, {}, {}, "Resolved address"_L1, {}}, text<&one::resolved_address>},
+            {{"icloud_identifier"_ba, group::host, {}, {}, "iCloud identifier"_L1, {}}, text<&one::icloud_identifier>},
+            {{"preferences_name"_ba, group::host, {}, {}, "Name in the preferences"_L1, {}}, text<&one::preferences_name>},
+        }
+        + place_columns<shared_line>();
+    // clang-format on
+    return columns;
 }
 
-void add_shared_cells(separated_file &file, const report_case &that_case, const QList<joined_device> &devices)
+void for_each_shared_appearance(const report_case &that_case, const QList<joined_device> &devices,
+                                const std::function<void(const line_cells &cells)> &take)
 {
     for (const joined_device &device : devices) {
         if (device.shared_number == 0)
             continue;
-        for (const device_appearance &appearance : device.appearances) {
-            const report_source &source = that_case.sources.at(appearance.source);
-            file.add_number(device.shared_number);
-            file.add_text(keys_as_text(device));
-            file.add_number(source.record.number);
-            for (const QByteArray &text :
-                 {source.name.toUtf8(), appearance.table.toUtf8(), appearance.uuid, appearance.name, appearance.address,
-                  appearance.resolved_address, appearance.icloud_identifier, appearance.preferences_name,
-                  appearance.place.file, appearance.place.table})
-                file.add_text(text);
-            file.add_number(appearance.place.rowid);
-            file.add_number(appearance.place.line);
-            file.add_number(appearance.place.offset);
-            file.end_line();
-        }
+        for (const device_appearance &appearance : device.appearances)
+            take(cells_of(shared_columns(), line_of(that_case, device, appearance)));
     }
 }
 
-void tell_shared_lines(const report_case &that_case, const QList<joined_device> &devices,
-                       const std::function<void(QByteArrayView line)> &tell)
+void for_each_shared_device(const report_case &that_case, const QList<joined_device> &devices,
+                            const std::function<void(QByteArrayView line)> &take)
 {
+    const json_objects appearances(columns_of(shared_columns()));
     for (const joined_device &device : devices) {
-        if (device.shared_number == 0)
-            continue;
-        QByteArray json = "{\"device\":" + QByteArray::number(device.shared_number)
-                          + ",\"joined_by\":" + keys_as_json(device) + ",\"sources\":[";
-        QByteArrayList sources;
-        for (const int source : device.sources)
-            sources.append(QByteArray::number(that_case.sources.at(source).record.number));
-        json += sources.join(',') + "],\"appearances\":[";
-        bool is_first = true;
-        for (const device_appearance &appearance : device.appearances) {
-            json += (is_first ? "" : ",") + appearance_as_json(appearance, that_case.sources.at(appearance.source));
-            is_first = false;
-        }
-        tell(QByteArray(json + "]}\n"));
+        if (device.shared_number > 0)
+            take(device_as_json(that_case, device, appearances));
     }
 }

@@ -5,19 +5,35 @@
 #define HOST_REPORT_TABLES_SHARED_DEVICES_H
 
 #include "host/report/join/device_join.h"
-#include "host/report/tables/separated_files.h"
+#include "host/report/reading/report_column.h"
 
 #include <functional>
 
-// Of a list of devices these write the ones that have a shared_number.
+// Of a list of devices these give the ones that have a shared_number.
 
-const QStringList &shared_columns();
+/** One appearance of a device that several sources know. */
+struct shared_line
+{
+    const joined_device &device;
+    const device_appearance &appearance;
+    const report_source &source;
+    QByteArray joined_by;
+    QByteArray table;
+
+    const row_place &place() const
+    {
+        return appearance.place;
+    }
+};
+
+const line_columns<shared_line> &shared_columns();
 
 /** The lines of shared.csv and its like: one for each appearance. */
-void add_shared_cells(separated_file &file, const report_case &that_case, const QList<joined_device> &devices);
+void for_each_shared_appearance(const report_case &that_case, const QList<joined_device> &devices,
+                                const std::function<void(const line_cells &cells)> &take);
 
 /** The lines of shared.jsonl, each with its line end: one for each device. */
-void tell_shared_lines(const report_case &that_case, const QList<joined_device> &devices,
-                       const std::function<void(QByteArrayView line)> &tell);
+void for_each_shared_device(const report_case &that_case, const QList<joined_device> &devices,
+                            const std::function<void(QByteArrayView line)> &take);
 
 #endif

@@ -17,14 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-cell text_cell(QByteArrayView bytes)
-{
-    cell cell;
-    cell.kind = cell::type::text;
-    cell.bytes = bytes;
-    return cell;
-}
-
 /**
  * {"DeviceCache": {"b4-c2-6a-7f-d3-7a": {"Name": "Käfer 🎧", "Class": 5}, "aa-bb-cc-dd-ee-ff": {"Name": "Car"},
  * "00-00-00-00-00-00": {"Name": "nobody"}}, "Other": [1]}, written by Python's plistlib.
@@ -166,8 +158,8 @@ void test_report_values::formulas()
     QFETCH(QByteArray, text);
     QFETCH(bool, is_formula);
     QCOMPARE(looks_like_formula(text), is_formula);
-    QCOMPARE(make_cell(text_cell(text), false).text, is_formula ? '\'' + text : text);
-    QCOMPARE(make_cell(text_cell(text), true).text, text);
+    QCOMPARE(make_cell(cell::of_text(text), false).text, is_formula ? '\'' + text : text);
+    QCOMPARE(make_cell(cell::of_text(text), true).text, text);
 }
 
 void test_report_values::quoting_data()
@@ -202,9 +194,9 @@ void test_report_values::ranks()
 {
     using list = QList<std::optional<qint64>>;
     QCOMPARE(ranks_of({5, 9, std::nullopt, 9, 1}), (list{3, 1, std::nullopt, 1, 4}));
-    QCOMPARE(counter_of(text_cell("12")), std::optional<qint64>(12));
-    QCOMPARE(counter_of(text_cell("0")), std::optional<qint64>());
-    QCOMPARE(counter_of(text_cell("x")), std::optional<qint64>());
+    QCOMPARE(counter_of(cell::of_text("12")), std::optional<qint64>(12));
+    QCOMPARE(counter_of(cell::of_text("0")), std::optional<qint64>());
+    QCOMPARE(counter_of(cell::of_text("x")), std::optional<qint64>());
     QCOMPARE(plausible_time(395626), QString());
     QCOMPARE(plausible_time(1700000000), u"plausible as Unix time"_s);
     QCOMPARE(plausible_time(700000000), u"plausible as Apple time"_s);
@@ -313,8 +305,8 @@ void test_report_values::markup()
     QFETCH(QByteArray, html);
     QFETCH(QByteArray, json);
     QCOMPARE(html_evidence(text), "<bdi>" + html + "</bdi>");
-    QCOMPARE(html_cell(text_cell(text)), "<td><bdi>" + html + "</bdi></td>");
-    QCOMPARE(page_json(text_cell(text)), json);
+    QCOMPARE(html_cell(cell::of_text(text)), "<td><bdi>" + html + "</bdi></td>");
+    QCOMPARE(page_json(cell::of_text(text)), json);
 }
 
 QTEST_GUILESS_MAIN(test_report_values)

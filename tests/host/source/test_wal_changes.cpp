@@ -62,7 +62,7 @@ private:
 
     QString output() const
     {
-        return source.root() + u"wal_changes.json"_s;
+        return source.root() + u"wal_changes.jsonl"_s;
     }
 
     /** Names and bytes of the files in the folder of the databases. */
@@ -76,12 +76,19 @@ private:
     }
 };
 
-QByteArray one_table(const QByteArray &changes, const QByteArray &problem = "null")
+/** With the table that every change names; the shorter form is read more easily. */
+QByteArray in_table(QByteArray changes)
 {
-    return "{\"format\":\"bluetooth-logs wal changes\",\"version\":1,\"tables\":[\n{\"result_table\":\"devices\","
-           "\"file\":\"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db\",\"table\":\"OtherDevices\","
-           "\"changes\":["
-           + changes + "\n],\"problem\":" + problem + "}\n]}\n";
+    return changes.replace(",\"rowid\":", ",\"result_table\":\"devices\",\"file\":\"Library/Bluetooth/"
+                                          "com.apple.MobileBluetooth.ledevices.other.db\",\"table\":\"OtherDevices\","
+                                          "\"rowid\":");
+}
+
+QByteArray problem_line(const QByteArray &problem)
+{
+    return "{\"result_table\":\"devices\",\"file\":\"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db\","
+           "\"table\":\"OtherDevices\",\"problem\":"
+           + problem + "}\n";
 }
 
 QJsonValue counts(int added, int changed, int deleted)
@@ -124,30 +131,30 @@ void test_wal_changes::differences_data()
         << QByteArray("INSERT INTO OtherDevices VALUES('U3', 'a\"\x1b', 0.5);"
                       "UPDATE OtherDevices SET Name = 'new' WHERE Uuid = 'U1'; DELETE FROM OtherDevices WHERE Uuid = 'U2'")
         << counts(1, 1, 1)
-        << QByteArray("\n{\"change\":\"changed\",\"rowid\":1,\"before\":{\"Uuid\":\"U1\",\"Name\":\"one\",\"LastSeenTime\":1},\"after\":{\"Uuid\":\"U1\",\"Name\":\"new\",\"LastSeenTime\":1}},"
-                      "\n{\"change\":\"deleted\",\"rowid\":2,\"before\":{\"Uuid\":\"U2\",\"Name\":{\"base64\":\"AP8=\"},\"LastSeenTime\":9007199254740993},\"after\":null},"
-                      "\n{\"change\":\"added\",\"rowid\":3,\"before\":null,\"after\":{\"Uuid\":\"U3\",\"Name\":\"a\\\"\\u001b\",\"LastSeenTime\":0.5}}");
+        << QByteArray("{\"change\":\"changed\",\"rowid\":1,\"before\":{\"Uuid\":\"U1\",\"Name\":\"one\",\"LastSeenTime\":1},\"after\":{\"Uuid\":\"U1\",\"Name\":\"new\",\"LastSeenTime\":1}}\n"
+                      "{\"change\":\"deleted\",\"rowid\":2,\"before\":{\"Uuid\":\"U2\",\"Name\":{\"base64\":\"AP8=\"},\"LastSeenTime\":9007199254740993},\"after\":null}\n"
+                      "{\"change\":\"added\",\"rowid\":3,\"before\":null,\"after\":{\"Uuid\":\"U3\",\"Name\":\"a\\\"\\u001b\",\"LastSeenTime\":0.5}}\n");
     QTest::newRow("table in the log alone") << QByteArray("CREATE TABLE x(a)") << QByteArray(two_rows)
         << counts(2, 0, 0)
-        << QByteArray("\n{\"change\":\"added\",\"rowid\":1,\"before\":null,\"after\":{\"Uuid\":\"U1\",\"Name\":\"one\",\"LastSeenTime\":1}},"
-                      "\n{\"change\":\"added\",\"rowid\":2,\"before\":null,\"after\":{\"Uuid\":\"U2\",\"Name\":{\"base64\":\"AP8=\"},\"LastSeenTime\":9007199254740993}}");
+        << QByteArray("{\"change\":\"added\",\"rowid\":1,\"before\":null,\"after\":{\"Uuid\":\"U1\",\"Name\":\"one\",\"LastSeenTime\":1}}\n"
+                      "{\"change\":\"added\",\"rowid\":2,\"before\":null,\"after\":{\"Uuid\":\"U2\",\"Name\":{\"base64\":\"AP8=\"},\"LastSeenTime\":9007199254740993}}\n");
     QTest::newRow("all rows deleted") << QByteArray("CREATE TABLE OtherDevices(a); INSERT INTO OtherDevices VALUES(1), (NULL)")
         << QByteArray("DELETE FROM OtherDevices") << counts(0, 0, 2)
-        << QByteArray("\n{\"change\":\"deleted\",\"rowid\":1,\"before\":{\"a\":1},\"after\":null},"
-                      "\n{\"change\":\"deleted\",\"rowid\":2,\"before\":{\"a\":null},\"after\":null}");
+        << QByteArray("{\"change\":\"deleted\",\"rowid\":1,\"before\":{\"a\":1},\"after\":null}\n"
+                      "{\"change\":\"deleted\",\"rowid\":2,\"before\":{\"a\":null},\"after\":null}\n");
     QTest::newRow("type alone") << QByteArray("CREATE TABLE OtherDevices(a); INSERT INTO OtherDevices VALUES(1), (2), (1.0)")
         << QByteArray("UPDATE OtherDevices SET a = '1' WHERE rowid = 1; UPDATE OtherDevices SET a = 2.0000000000000004 WHERE rowid = 2") << counts(0, 2, 0)
-        << QByteArray("\n{\"change\":\"changed\",\"rowid\":1,\"before\":{\"a\":1},\"after\":{\"a\":\"1\"}},"
-                      "\n{\"change\":\"changed\",\"rowid\":2,\"before\":{\"a\":2},\"after\":{\"a\":2.0000000000000004}}");
+        << QByteArray("{\"change\":\"changed\",\"rowid\":1,\"before\":{\"a\":1},\"after\":{\"a\":\"1\"}}\n"
+                      "{\"change\":\"changed\",\"rowid\":2,\"before\":{\"a\":2},\"after\":{\"a\":2.0000000000000004}}\n");
     QTest::newRow("last digit of a real") << QByteArray("CREATE TABLE OtherDevices(a); INSERT INTO OtherDevices VALUES(2.0)")
         << QByteArray("UPDATE OtherDevices SET a = 2.0000000000000004") << counts(0, 1, 0)
-        << QByteArray("\n{\"change\":\"changed\",\"rowid\":1,\"before\":{\"a\":2.0},\"after\":{\"a\":2.0000000000000004}}");
+        << QByteArray("{\"change\":\"changed\",\"rowid\":1,\"before\":{\"a\":2.0},\"after\":{\"a\":2.0000000000000004}}\n");
     QTest::newRow("column more") << QByteArray("CREATE TABLE OtherDevices(a); INSERT INTO OtherDevices VALUES(1)")
         << QByteArray("ALTER TABLE OtherDevices ADD COLUMN b") << counts(0, 1, 0)
-        << QByteArray("\n{\"change\":\"changed\",\"rowid\":1,\"before\":{\"a\":1},\"after\":{\"a\":1,\"b\":null}}");
+        << QByteArray("{\"change\":\"changed\",\"rowid\":1,\"before\":{\"a\":1},\"after\":{\"a\":1,\"b\":null}}\n");
     QTest::newRow("a column hides the row number") << QByteArray("CREATE TABLE OtherDevices(rowid, _rowid_); INSERT INTO OtherDevices VALUES(7, 7)")
         << QByteArray("INSERT INTO OtherDevices VALUES(7, 8)") << counts(1, 0, 0)
-        << QByteArray("\n{\"change\":\"added\",\"rowid\":2,\"before\":null,\"after\":{\"rowid\":7,\"_rowid_\":8}}");
+        << QByteArray("{\"change\":\"added\",\"rowid\":2,\"before\":null,\"after\":{\"rowid\":7,\"_rowid_\":8}}\n");
     QTest::newRow("nothing that matters") << QByteArray(two_rows) << QByteArray("CREATE TABLE x(a)") << counts(0, 0, 0) << QByteArray("");
     // clang-format on
 }
@@ -163,8 +170,9 @@ void test_wal_changes::differences()
     const wal_findings findings = source.compare();
     QCOMPARE(findings.problems, QStringList());
     QCOMPARE(findings.counts, found);
-    QCOMPARE(source.written(), one_table(changes));
-    QVERIFY(QJsonDocument::fromJson(source.written()).isObject());
+    QCOMPARE(source.written(), in_table(changes));
+    for (const QByteArray &line : source.written().split('\n'))
+        QVERIFY(line.isEmpty() || QJsonDocument::fromJson(line).isObject());
 }
 
 void test_wal_changes::no_log()
@@ -184,7 +192,7 @@ void test_wal_changes::empty_log()
     const wal_findings findings = source.compare();
     QCOMPARE(findings.problems, QStringList());
     QCOMPARE(findings.counts, counts(0, 0, 0));
-    QCOMPARE(source.written(), one_table(""));
+    QCOMPARE(source.written(), QByteArray());
 }
 
 void test_wal_changes::log_is_a_folder()
@@ -195,7 +203,7 @@ void test_wal_changes::log_is_a_folder()
     const wal_findings findings = source.compare();
     QCOMPARE(findings.problems, QStringList()); // the file's own reason says it
     QCOMPARE(findings.counts, QJsonValue(QJsonObject{{u"devices"_s, QJsonValue()}}));
-    QCOMPARE(source.written(), one_table("", "\"it is not a regular file\""));
+    QCOMPARE(source.written(), problem_line("\"it is not a regular file\""));
 }
 
 void test_wal_changes::file_that_is_no_log()
@@ -205,7 +213,7 @@ void test_wal_changes::file_that_is_no_log()
     const wal_findings findings = source.compare();
     QCOMPARE(findings.problems, QStringList());
     QCOMPARE(findings.counts, QJsonValue(QJsonObject{{u"devices"_s, QJsonValue()}}));
-    QCOMPARE(source.written(), one_table("", "\"it is no write-ahead log\""));
+    QCOMPARE(source.written(), problem_line("\"it is no write-ahead log\""));
 }
 
 void test_wal_changes::log_of_another_database_data()
@@ -241,7 +249,7 @@ void test_wal_changes::log_of_another_database()
                  "database: "_s
                  + problem});
     QCOMPARE(findings.counts, QJsonValue(QJsonObject{{u"devices"_s, QJsonValue()}}));
-    QCOMPARE(source.written(), one_table("", '"' + problem.toUtf8() + '"'));
+    QCOMPARE(source.written(), problem_line('"' + problem.toUtf8() + '"'));
 }
 
 void test_wal_changes::log_without_a_database()
