@@ -24,14 +24,28 @@ QByteArray content_of(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
 }
 
-/** What a function says when it refuses, with its exit code: "3 …". */
+QString kind_name(error_kind kind)
+{
+    switch (kind) {
+    case error_kind::io:
+        return u"io"_s;
+    case error_kind::refused:
+        return u"refused"_s;
+    case error_kind::not_found:
+        return u"not found"_s;
+    default:
+        return u"another kind"_s;
+    }
+}
+
+/** What a function says when it refuses, with the kind of error: "not found: …". */
 template<typename Function>
 QString refusal(Function function)
 {
     try {
         function();
     } catch (const host_error &error) {
-        return QString::number(int(error.code())) + u' ' + error.message();
+        return kind_name(error.kind()) + u": "_s + error.message();
     }
     return u"done"_s;
 }
@@ -88,12 +102,12 @@ void test_whole_files::what_cannot_be_written_leaves_the_old()
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"a"_s);
     QVERIFY(QDir().mkpath(path + u"/b"_s)); // no file takes its place
-    QVERIFY(refusal([&] { write_whole_file(path, "x"); }).startsWith(u"1 "_s + path + u" cannot be written: "_s));
+    QVERIFY(refusal([&] { write_whole_file(path, "x"); }).startsWith(u"io: "_s + path + u" cannot be written: "_s));
     QVERIFY(!QFile::exists(path + u".new"_s));
     QVERIFY(QFileInfo(path + u"/b"_s).isDir());
     const QString nowhere = folder.filePath(u"none/a"_s);
     QCOMPARE(refusal([&] { write_whole_file(nowhere, "x"); }),
-             u"1 "_s + nowhere + u" cannot be written: no such file or directory"_s);
+             u"io: "_s + nowhere + u" cannot be written: no such file or directory"_s);
 }
 
 void test_whole_files::what_is_no_file_is_not_read_data()
@@ -120,7 +134,7 @@ void test_whole_files::what_is_no_file_is_not_read()
     QVERIFY(QFile::link(u"large"_s, folder.filePath(u"link"_s)));
     QCOMPARE(::mkfifo(QFile::encodeName(folder.filePath(u"fifo"_s)).constData(), 0600), 0);
     write_whole_file(folder.filePath(u"large"_s), "01234567890");
-    QCOMPARE(refusal([&] { read_whole_file(path, 10); }), u"3 "_s + path + u" cannot be read: "_s + reason);
+    QCOMPARE(refusal([&] { read_whole_file(path, 10); }), u"not found: "_s + path + u" cannot be read: "_s + reason);
 }
 
 void test_whole_files::json_that_is_none()
@@ -128,9 +142,9 @@ void test_whole_files::json_that_is_none()
     const QTemporaryDir folder;
     const QString path = folder.filePath(u"a.json"_s);
     write_whole_file(path, "{\"a\": 1");
-    QVERIFY(refusal([&] { read_json_file(path); }).startsWith(u"3 "_s + path + u" is no JSON file: "_s));
+    QVERIFY(refusal([&] { read_json_file(path); }).startsWith(u"not found: "_s + path + u" is no JSON file: "_s));
     write_whole_file(path, "[1]");
-    QCOMPARE(refusal([&] { read_json_file(path); }), u"3 "_s + path + u" holds no JSON object"_s);
+    QCOMPARE(refusal([&] { read_json_file(path); }), u"not found: "_s + path + u" holds no JSON object"_s);
 }
 
 void test_whole_files::lock_is_held_once()
@@ -142,7 +156,8 @@ void test_whole_files::lock_is_held_once()
         const file_lock lock(path);
         QVERIFY(file_lock::is_held(path));
         const QString words = refusal([&] { const file_lock second(path); });
-        QVERIFY2(words.startsWith(u"2 another run works here, process %1 on "_s.arg(QCoreApplication::applicationPid()))
+        QVERIFY2(words.startsWith(
+                     u"refused: another run works here, process %1 on "_s.arg(QCoreApplication::applicationPid()))
                      && words.endsWith(u": "_s + path),
                  qPrintable(words));
     }
@@ -157,8 +172,8 @@ void test_whole_files::lock_is_no_link()
     const QTemporaryDir folder;
     write_whole_file(folder.filePath(u"elsewhere"_s), "keep");
     QVERIFY(QFile::link(folder.filePath(u"elsewhere"_s), folder.filePath(u"link"_s)));
-    QVERIFY(refusal([&] { const file_lock lock(folder.filePath(u"link"_s)); }).startsWith(u"1 the lock "_s));
-    QVERIFY(refusal([&] { const file_lock lock(folder.path()); }).startsWith(u"1 the lock "_s));
+    QVERIFY(refusal([&] { const file_lock lock(folder.filePath(u"link"_s)); }).startsWith(u"io: the lock "_s));
+    QVERIFY(refusal([&] { const file_lock lock(folder.path()); }).startsWith(u"io: the lock "_s));
     // A second name of a file is no lock file of ours.
     QCOMPARE(::link(QFile::encodeName(folder.filePath(u"elsewhere"_s)).constData(),
                     QFile::encodeName(folder.filePath(u"twin"_s)).constData()),
@@ -209,7 +224,7 @@ void test_whole_files::absolute_data()
     QTest::addColumn<QString>("absolute_form"); // $ is the folder
 
     // clang-format off
-    QTest::newRow("empty")            << u""_s               << u"2 --x is an empty path"_s;
+    QTest::newRow("empty")            << u""_s               << u"refused: --x is an empty path"_s;
     QTest::newRow("absolute")         << u"$/a"_s            << u"$/a"_s;
     QTest::newRow("doubled slashes")  << u"$//a//b/"_s       << u"$/a/b"_s;
     QTest::newRow("dots")             << u"$/./a/."_s        << u"$/a"_s;
