@@ -43,6 +43,7 @@ const folder_rule folder_rules[] = {
     {u"host/text"_s,            {u"host/files"_s}},
     {u"host/sqlite"_s,          {u"host/files"_s, u"host/text"_s}},
     {u"host/source"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s}},
+    {u"host/container"_s,       {u"host/files"_s, u"host/sqlite"_s, u"host/source"_s, u"host/text"_s, property_list_header}},
     {u"host/case"_s,            {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s}},
     {u"host/sample"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/source"_s}},
     {u"host/report/reading"_s,  {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s, property_list_header}},

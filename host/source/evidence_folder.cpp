@@ -25,21 +25,20 @@ constexpr int keep_access_time = 0;
 
 constexpr int reading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
-/** The name as text: stray bytes become "\xff". */
-QString name_text(const char *name)
+} // namespace
+
+QString evidence_name_text(QByteArrayView name)
 {
     QString text = QString::fromUtf8(name);
     if (text.toUtf8() == name)
         return text;
     QString escaped;
-    for (const char *byte = name; *byte != '\0'; ++byte) {
-        const auto value = static_cast<unsigned char>(*byte);
-        escaped += value < 0x80 ? QString(QLatin1Char(*byte)) : u"\\x"_s + QString::number(value, 16);
+    for (const char byte : name) {
+        const auto value = static_cast<unsigned char>(byte);
+        escaped += value < 0x80 ? QString(QLatin1Char(byte)) : u"\\x"_s + QString::number(value, 16);
     }
     return escaped;
 }
-
-} // namespace
 
 descriptor open_evidence(const QString &path, int more_flags)
 {
@@ -59,7 +58,7 @@ QStringList entry_names(const QString &folder)
     if (!directory)
         return names;
     while (const dirent *entry = ::readdir(directory.get())) {
-        const QString name = name_text(entry->d_name);
+        const QString name = evidence_name_text(entry->d_name);
         if (name != "."_L1 && name != ".."_L1)
             names.append(name);
     }

@@ -6,8 +6,12 @@
 
 #include "host/files/descriptor.h"
 
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
+
+/** The name of a file as text: stray bytes, which are no UTF-8, become "\xff". */
+QString evidence_name_text(QByteArrayView name);
 
 /**
  * Opens a file or folder of the evidence for reading: waits for nobody, and keeps the access time where it may. The

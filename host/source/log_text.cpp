@@ -93,32 +93,55 @@ bool is_device_log_line(QByteArrayView line)
     return time.match(QString::fromLatin1(line.first(qMin(line.size(), longest_time)))).hasMatch();
 }
 
+bool device_log_check::add(QByteArrayView block)
+{
+    if (is_decided() || block.isEmpty())
+        return has_line;
+    if (is_first) {
+        const QByteArrayView start = block.first(qMin(block.size(), block_bytes));
+        objection = why_no_log_text(start).value_or(QString());
+        is_first = false;
+        if (!objection.isEmpty())
+            return false;
+    }
+    const QByteArray text = rest + block;
+    qsizetype start = 0;
+    for (qsizetype end = text.indexOf('\n'); end != -1; end = text.indexOf('\n', start)) {
+        has_line = is_device_log_line(QByteArrayView(text).sliced(start, end - start));
+        if (has_line)
+            return true;
+        start = end + 1;
+    }
+    rest = text.sliced(start);
+    has_line = is_device_log_line(rest);
+    rest = rest.last(qMin(rest.size(), block_bytes)); // a line without end is not kept as a whole
+    return has_line;
+}
+
+bool device_log_check::finish()
+{
+    if (is_first)
+        objection = why_no_log_text({}).value_or(QString());
+    else if (objection.isEmpty() && !has_line)
+        objection = u"no line of it looks like one of a device's log"_s;
+    return has_line;
+}
+
 std::optional<QString> why_no_device_log(const QString &path)
 {
     const descriptor file = open_evidence(path);
     QByteArray block(block_bytes, Qt::Uninitialized);
-    QByteArray rest; // of a line that the block before began
-    for (bool is_first = true;; is_first = false) {
+    device_log_check check;
+    for (;;) {
         const auto count = ::read(file.number(), block.data(), size_t(block.size()));
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
             return system_error_text(errno);
-        const QByteArrayView bytes(block.constData(), count);
-        if (std::optional<QString> reason = is_first ? why_no_log_text(bytes) : std::nullopt)
-            return reason;
-        const QByteArray text = rest + bytes;
-        qsizetype start = 0;
-        for (qsizetype end = text.indexOf('\n'); end != -1; end = text.indexOf('\n', start)) {
-            if (is_device_log_line(QByteArrayView(text).sliced(start, end - start)))
-                return {};
-            start = end + 1;
-        }
-        rest = text.sliced(start);
-        if (is_device_log_line(rest))
+        const bool is_log = count == 0 ? check.finish() : check.add(QByteArrayView(block.constData(), count));
+        if (is_log)
             return {};
-        if (count == 0)
-            return u"no line of it looks like one of a device's log"_s;
-        rest = rest.last(qMin(rest.size(), block_bytes)); // a line without end is not kept as a whole
+        if (count == 0 || check.is_decided())
+            return check.reason();
     }
 }

@@ -4,6 +4,7 @@
 #ifndef HOST_SOURCE_LOG_TEXT_H
 #define HOST_SOURCE_LOG_TEXT_H
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 
@@ -18,6 +19,34 @@ std::optional<QString> why_no_log_text(QByteArrayView start);
  * phrases that the plug-in looks for. docs/formats.md.
  */
 bool is_device_log_line(QByteArrayView line);
+
+/** Tells whether a stream of bytes is the log text of a device: it has a line that could be of one. */
+class device_log_check
+{
+public:
+    /** Whether it is known to be a log by now. What decides that it is none stands in the first block. */
+    bool add(QByteArrayView block);
+    /** The stream has ended. Whether it is a log. */
+    bool finish();
+
+    /** Whether more bytes would change nothing. */
+    bool is_decided() const
+    {
+        return has_line || !objection.isEmpty();
+    }
+
+    /** Why it is none. */
+    QString reason() const
+    {
+        return objection;
+    }
+
+private:
+    QByteArray rest; ///< of a line that the block before began
+    QString objection;
+    bool is_first = true;
+    bool has_line = false;
+};
 
 /**
  * Why the regular file at @p path is no log text of a device, with what to do about it. It is read up to its first line

@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/container/staged_file.h"
+
+#include "host/files/host_error.h"
+#include "host/files/system_error.h"
+
+#include <QFile>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr mode_t readable_by_owner = 0400;
+
+} // namespace
+
+staged_file::staged_file(const QString &target)
+    : path(target)
+    , file(::open(QFile::encodeName(target).constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                  readable_by_owner))
+{
+    if (!file.is_open())
+        fail(errno);
+}
+
+staged_file::~staged_file()
+{
+    if (file.is_open())
+        ::unlink(QFile::encodeName(path).constData());
+}
+
+void staged_file::add(QByteArrayView bytes)
+{
+    hash.add(bytes);
+    while (!bytes.isEmpty()) {
+        const auto count = ::write(file.number(), bytes.data(), size_t(bytes.size()));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            fail(errno);
+        bytes = bytes.sliced(count);
+    }
+}
+
+QString staged_file::keep()
+{
+    if (::fchmod(file.number(), readable_by_owner) != 0 || ::fsync(file.number()) != 0)
+        fail(errno);
+    file.close();
+    return hash.result();
+}
+
+void staged_file::fail(int error) const
+{
+    throw host_error(error_kind::incomplete,
+                     u"the evidence cannot be copied out of its container into the case: "_s + path + u": "_s
+                         + system_error_text(error));
+}

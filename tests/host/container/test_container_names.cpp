@@ -1,0 +1,182 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/container/container_format.h"
+#include "host/container/evidence_search.h"
+#include "host/container/member_name.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class test_container_names : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void name_is_taken_apart_data();
+    void name_is_taken_apart();
+    void names_fold_alike();
+    void path_is_evidence_data();
+    void path_is_evidence();
+    void near_name_is_told();
+    void format_is_guessed_data();
+    void format_is_guessed();
+    void refusal_names_the_command();
+};
+
+void test_container_names::name_is_taken_apart_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("parts");
+    QTest::addColumn<QString>("danger");
+
+    // clang-format off
+    QTest::newRow("plain")       << "a/b.db"_ba            << u"a|b.db"_s        << QString();
+    QTest::newRow("dot first")   << "./a//b.db"_ba         << u"a|b.db"_s        << QString();
+    QTest::newRow("folder")      << "a/b/"_ba              << u"a|b"_s           << QString();
+    QTest::newRow("dots in it")  << "a/..b/c.."_ba         << u"a|..b|c.."_s     << QString();
+    QTest::newRow("above")       << "../a/b"_ba            << u"a|b"_s           << u"its name leads to a folder above"_s;
+    QTest::newRow("above later") << "a/../../b"_ba         << u"a|b"_s           << u"its name leads to a folder above"_s;
+    QTest::newRow("absolute")    << "/etc/passwd"_ba       << u"etc|passwd"_s    << u"its name is absolute"_s;
+    QTest::newRow("drive")       << "C:/a"_ba              << u"a"_s             << u"its name begins with a drive letter"_s;
+    QTest::newRow("backslash")   << "a\\..\\b"_ba          << u"a|b"_s           << u"its name holds a backslash"_s;
+    QTest::newRow("zero byte")   << QByteArray("a\0b", 3)  << QString(u"a"_s + QChar(u'\0') + u"b"_s) << u"its name holds a zero byte"_s;
+    QTest::newRow("no UTF-8")    << "a/\xff.db"_ba         << u"a|\\xff.db"_s    << QString();
+    // clang-format on
+}
+
+void test_container_names::name_is_taken_apart()
+{
+    QFETCH(const QByteArray, bytes);
+    const member_name name = take_apart(bytes);
+    QTEST(name.danger, "danger");
+    QTEST(name.parts.join(u'|'), "parts");
+}
+
+void test_container_names::names_fold_alike()
+{
+    QCOMPARE(folded_name(u"Library/\u00c9t\u00e9"_s), folded_name(u"LIBRARY/e\u0301te\u0301"_s));
+    QVERIFY(folded_name(u"a"_s) != folded_name(u"b"_s));
+}
+
+void test_container_names::path_is_evidence_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("root");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<bool>("is_a_sign");
+
+    const QString other = u"com.apple.MobileBluetooth.ledevices.other.db"_s;
+    const QString list = u"com.apple.MobileBluetooth.devices.plist"_s;
+    const QString group = u"private/var/containers/Shared/SystemGroup/0A1B"_s;
+    // clang-format off
+    QTest::newRow("macOS")                << (u"Library/Bluetooth/"_s + other)                     << u"macOS"_s     << u""_s                    << (u"Library/Bluetooth/"_s + other)          << true;
+    QTest::newRow("macOS, data volume")   << (u"System/Volumes/Data/Library/Bluetooth/"_s + other) << u"macOS"_s     << u"System/Volumes/Data"_s << (u"Library/Bluetooth/"_s + other)          << true;
+    QTest::newRow("write-ahead log")      << (u"x/Library/Bluetooth/"_s + other + u"-wal"_s)       << u"macOS"_s     << u"x"_s                   << (u"Library/Bluetooth/"_s + other + u"-wal"_s) << false;
+    QTest::newRow("leftover")             << (u"Library/Bluetooth/"_s + other + u".12:00:00_01-31-2026.corrupt"_s) << u"macOS"_s << u""_s        << (u"Library/Bluetooth/"_s + other + u".12:00:00_01-31-2026.corrupt"_s) << false;
+    QTest::newRow("preferences")          << u"Library/Preferences/com.apple.Bluetooth.plist"_s    << u"macOS"_s     << u""_s                    << u"Library/Preferences/com.apple.Bluetooth.plist"_s << false;
+    QTest::newRow("mobile list")          << (u"Library/Bluetooth/Library/Preferences/"_s + list)  << u"macOS"_s     << u""_s                    << (u"Library/Bluetooth/Library/Preferences/"_s + list) << false;
+    QTest::newRow("iOS")                  << (group + u"/Library/Database/"_s + other)             << u"iOS_files"_s << group                    << (u"Library/Bluetooth/"_s + other)          << true;
+    QTest::newRow("iOS, leading folder")  << (u"filesystem1/"_s + group + u"/Library/Database/"_s + other) << u"iOS_files"_s << QString(u"filesystem1/"_s + group) << (u"Library/Bluetooth/"_s + other) << true;
+    QTest::newRow("iOS list")             << (group + u"/Library/Preferences/"_s + list)           << u"iOS_files"_s << group                    << (u"Library/Bluetooth/Library/Preferences/"_s + list) << false;
+    QTest::newRow("older iOS")            << (u"private/var/mobile/Library/MobileBluetooth/"_s + other) << u"iOS_files"_s << u"private/var/mobile"_s << (u"Library/Bluetooth/"_s + other)     << true;
+    QTest::newRow("Windows hive")         << u"c/windows/SYSTEM32/config/System"_s                 << u"winOS"_s     << u"c"_s                   << u"windows/SYSTEM32/config/System"_s         << true;
+    QTest::newRow("Windows log")          << u"Windows/System32/config/SYSTEM.LOG1"_s              << u"winOS"_s     << u""_s                    << u"Windows/System32/config/SYSTEM.LOG1"_s    << true;
+    QTest::newRow("Windows")              << u"Windows/System32"_s                                 << u"winOS"_s     << u""_s                    << u""_s                                      << true;
+    QTest::newRow("other letters")        << u"library/bluetooth/"_s + other                       << u""_s          << u""_s                    << u""_s                                      << false;
+    QTest::newRow("other file")           << u"Library/Bluetooth/com.apple.db"_s                   << u""_s          << u""_s                    << u""_s                                      << false;
+    QTest::newRow("other folder")         << (u"Bluetooth/"_s + other)                             << u""_s          << u""_s                    << u""_s                                      << false;
+    QTest::newRow("longer name")          << (u"Library/Bluetooth/"_s + other + u".bak"_s)         << u""_s          << u""_s                    << u""_s                                      << false;
+    // clang-format on
+}
+
+void test_container_names::path_is_evidence()
+{
+    QFETCH(const QString, path);
+    const std::optional<evidence_match> match = evidence_search().match(path.split(u'/'));
+    QFETCH(const QString, kind);
+    QCOMPARE(match ? QString(match->kind->name) : QString(), kind);
+    if (!match)
+        return;
+    QTEST(match->root, "root");
+    QTEST(match->target, "target");
+    QTEST(match->is_a_sign, "is_a_sign");
+    QVERIFY(!evidence_search(&ios_uid_kind).match(path.split(u'/')));
+}
+
+void test_container_names::near_name_is_told()
+{
+    const evidence_search search;
+    const QString name = u"com.apple.MobileBluetooth.ledevices.other.db"_s;
+    QVERIFY(search.nearly_matches({u"LIBRARY"_s, u"Bluetooth"_s, name}));
+    QVERIFY(search.nearly_matches({u"Library"_s, u"Bluetooth"_s, name.toUpper()}));
+    QVERIFY(!search.nearly_matches({u"Library"_s, u"Bluetooth"_s, name}));
+    QVERIFY(!search.nearly_matches({u"Elsewhere"_s, name.toUpper()}));
+    QVERIFY(!search.nearly_matches({}));
+}
+
+namespace {
+
+QByteArray bytes_at(qsizetype place, const QByteArray &bytes)
+{
+    QByteArray block(8192, '\0');
+    return block.replace(place, bytes.size(), bytes);
+}
+
+} // namespace
+
+void test_container_names::format_is_guessed_data()
+{
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<QByteArray>("end");
+    QTest::addColumn<int>("what");
+    QTest::addColumn<QString>("format");
+
+    using kind = container_guess::kind;
+    // clang-format off
+    QTest::newRow("nothing")     << QByteArray()                              << QByteArray()   << int(kind::none)       << QString();
+    QTest::newRow("text")        << "May 17 12:11:05 phone a[1]: b\n"_ba      << QByteArray()   << int(kind::none)       << QString();
+    QTest::newRow("gzip")        << "\x1f\x8b\x08"_ba                         << QByteArray()   << int(kind::compressed) << u"gzip"_s;
+    QTest::newRow("bzip2")       << "BZh9"_ba                                 << QByteArray()   << int(kind::compressed) << u"bzip2"_s;
+    QTest::newRow("xz")          << QByteArray("\xfd" "7zXZ\0", 6)            << QByteArray()   << int(kind::compressed) << u"xz"_s;
+    QTest::newRow("zstd")        << "\x28\xb5\x2f\xfd"_ba                     << QByteArray()   << int(kind::compressed) << u"zstd"_s;
+    QTest::newRow("tar")         << bytes_at(257, "ustar"_ba)                 << QByteArray()   << int(kind::archive)    << u"tar"_s;
+    QTest::newRow("zip")         << "PK\x03\x04"_ba                           << QByteArray()   << int(kind::archive)    << u"zip"_s;
+    QTest::newRow("7z")          << "7z\xbc\xaf\x27\x1c"_ba                   << QByteArray()   << int(kind::archive)    << u"7z"_s;
+    QTest::newRow("cpio")        << "070701"_ba                               << QByteArray()   << int(kind::archive)    << u"cpio"_s;
+    QTest::newRow("E01")         << "EVF\x09\x0d\x0a\xff"_ba                  << QByteArray()   << int(kind::image)      << u"ewf"_s;
+    QTest::newRow("VMDK")        << "KDMV"_ba                                 << QByteArray()   << int(kind::image)      << u"vmdk"_s;
+    QTest::newRow("VHD at end")  << bytes_at(510, "\x55\xaa"_ba)              << "conectix"_ba  << int(kind::image)      << u"vhd"_s;
+    QTest::newRow("MBR")         << bytes_at(510, "\x55\xaa"_ba)              << QByteArray()   << int(kind::image)      << u"raw"_s;
+    QTest::newRow("APFS")        << bytes_at(32, "NXSB"_ba)                   << QByteArray()   << int(kind::image)      << u"raw"_s;
+    QTest::newRow("ext")         << bytes_at(1080, "\x53\xef"_ba)             << QByteArray()   << int(kind::image)      << u"raw"_s;
+    QTest::newRow("LUKS")        << bytes_at(0, "LUKS\xba\xbe"_ba)            << QByteArray()   << int(kind::image)      << u"raw"_s;
+    QTest::newRow("text at 510") << QByteArray(8192, 'a').replace(510, 2, "\x55\xaa") << QByteArray() << int(kind::none) << QString();
+    QTest::newRow("QCOW2")       << "QFI\xfb"_ba                              << QByteArray()   << int(kind::refused)    << u"a QCOW2 image"_s;
+    QTest::newRow("VHDX")        << "vhdxfile"_ba                             << QByteArray()   << int(kind::refused)    << u"a VHDX image"_s;
+    QTest::newRow("AFF4")        << "PK\x03\x04....container.description"_ba  << QByteArray()   << int(kind::refused)    << u"an AFF4 image"_s;
+    QTest::newRow("DMG")         << QByteArray("x")                           << "koly"_ba      << int(kind::refused)    << u"a DMG image"_s;
+    // clang-format on
+}
+
+void test_container_names::format_is_guessed()
+{
+    QFETCH(const QByteArray, start);
+    QFETCH(const QByteArray, end);
+    const container_guess guess = guess_container(start, end);
+    QTEST(int(guess.what), "what");
+    QTEST(QString(guess.format), "format");
+}
+
+void test_container_names::refusal_names_the_command()
+{
+    const container_guess guess = guess_container("QFI\xfb"_ba, {});
+    QCOMPARE(refusal_of(guess, u"/a b.qcow2"_s),
+             u"it is a QCOW2 image, which this program does not read: convert it first (qemu-img convert -O raw "
+             "/a b.qcow2 /a b.qcow2.raw)"_s);
+}
+
+QTEST_GUILESS_MAIN(test_container_names)
+#include "test_container_names.moc"
