@@ -12,9 +12,9 @@ using read_observer = std::function<void(qint64 bytes)>;
 /** How far an archive may go before it counts as made to overwhelm its reader. */
 struct archive_limits
 {
-    qint64 ratio = 1000;            ///< bytes unpacked for each byte read
+    qint64 ratio = 1000; ///< bytes unpacked for each byte read
     qint64 members = 10'000'000;
-    qint64 free_bytes = 16 << 20;   ///< unpacked before the ratio counts
+    qint64 free_bytes = 16 << 20; ///< unpacked before the ratio counts
 };
 
 /** An archive, which is read from its start to its end, or a compressed file, which is an archive of one. */
@@ -32,7 +32,7 @@ public:
 
 /**
  * The archive in the regular file at @p path. @p others: every other file is given to the taker too. Throws host_error
- * (input) in a build without libarchive.
+ * (not_found) in a build without libarchive.
  */
 std::unique_ptr<archive_store> open_archive(const QString &path, bool others, const read_observer &read,
                                             const archive_limits &limits = {});

@@ -39,6 +39,7 @@ constexpr evidence_folder_rule rules[] = {
     {&winos_kind, "Windows/System32/config"_L1, "SYSTEM.LOG1"_L1, {}},
     {&winos_kind, "Windows/System32/config"_L1, "SYSTEM.LOG2"_L1, {}},
     {&winos_kind, "Windows/System32"_L1, {}, {}},
+    {&ios_backup_kind, {}, "Manifest.db"_L1, {}},
 };
 
 /** Where the root of a kind of source can be in a volume; the empty one is the volume's own root. */
@@ -97,7 +98,7 @@ qsizetype parts_of_root(const evidence_folder_rule &rule, const QStringList &pat
 
 std::optional<evidence_match> fit(const evidence_folder_rule &rule, const QStringList &parts)
 {
-    const QStringList pattern = QString(rule.folder).split(u'/');
+    const QStringList pattern = QString(rule.folder).split(u'/', Qt::SkipEmptyParts);
     const qsizetype names = rule.name.isEmpty() ? 0 : 1;
     const qsizetype start = parts.size() - pattern.size() - names;
     if (start < 0 || !fits_folder(pattern, parts, start, case_of(rule))
@@ -106,7 +107,7 @@ std::optional<evidence_match> fit(const evidence_folder_rule &rule, const QStrin
     evidence_match match;
     match.kind = rule.kind;
     match.root = parts.first(start + parts_of_root(rule, pattern)).join(u'/');
-    match.is_a_sign = rule.kind == &winos_kind || is_database(parts.last());
+    match.is_a_sign = rule.kind == &winos_kind || rule.kind == &ios_backup_kind || is_database(parts.last());
     if (names == 1)
         match.target = rule.target.isEmpty() ? parts.sliced(start).join(u'/') : rule.target + parts.last();
     return match;
@@ -140,7 +141,8 @@ bool evidence_search::nearly_matches(const QStringList &parts) const
     static const QHash<QString, QStringList> spellings = [] {
         QHash<QString, QStringList> names;
         for (const macos_database *database : macos_databases)
-            names.insert(folded_name(database->file_name), QString(macos_database_folder).split(u'/', Qt::SkipEmptyParts));
+            names.insert(folded_name(database->file_name),
+                         QString(macos_database_folder).split(u'/', Qt::SkipEmptyParts));
         return names;
     }();
     const auto known = spellings.constFind(parts.isEmpty() ? QString() : folded_name(parts.last()));

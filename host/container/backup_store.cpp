@@ -1,0 +1,337 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/container/backup_store.h"
+
+#include "common/property_list/property_list_file.h"
+#include "host/container/staged_file.h"
+#include "host/files/file_times.h"
+#include "host/files/host_error.h"
+#include "host/files/system_error.h"
+#include "host/files/utc_time.h"
+#include "host/source/evidence_folder.h"
+#include "host/sqlite/sqlite.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QVariantMap>
+
+#include <cerrno>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1StringView index_name("Manifest.db");
+constexpr QLatin1StringView properties_name("Manifest.plist");
+constexpr QLatin1StringView bluetooth_domain("SysSharedContainerDomain-systemgroup.com.apple.bluetooth");
+constexpr qint64 most_index_bytes = qint64(4) << 30;
+constexpr int most_files = 1000;
+
+/** The path that stands for a file of the domain: as on the device, below a group of this name. */
+const QStringList group_folder{u"containers"_s, u"Shared"_s, u"SystemGroup"_s, u"backup"_s};
+
+[[noreturn]] void fail(const QString &path, const QString &reason)
+{
+    throw host_error(error_kind::not_found, u"the backup cannot be read: "_s + path + u": "_s + reason);
+}
+
+/** Gives files by their paths below the folder of the backup; those that are not there are not given. */
+class backup_files
+{
+public:
+    virtual ~backup_files() = default;
+    virtual void take(const QStringList &paths, const file_taker &take) = 0;
+    virtual container_facts facts() const = 0;
+};
+
+class stored_stream : public byte_stream
+{
+public:
+    explicit stored_stream(descriptor opened)
+        : file(std::move(opened))
+    {
+    }
+
+    qsizetype read(char *bytes, qsizetype most) override
+    {
+        for (;;) {
+            const auto count = ::read(file.number(), bytes, size_t(most));
+            if (count >= 0)
+                return count;
+            if (errno != EINTR)
+                throw stream_failure(system_error_text(errno));
+        }
+    }
+
+private:
+    descriptor file;
+};
+
+class folder_files : public backup_files
+{
+public:
+    explicit folder_files(const QString &path)
+        : folder(path)
+    {
+    }
+
+    void take(const QStringList &paths, const file_taker &take) override
+    {
+        for (const QString &path : paths)
+            take_one(path, take);
+    }
+
+    container_facts facts() const override
+    {
+        container_facts known;
+        known.format = u"folder"_s;
+        for (const QLatin1StringView name : {index_name, properties_name})
+            known.files.append(file_now(folder + u'/' + name));
+        return known;
+    }
+
+private:
+    void take_one(const QString &path, const file_taker &take) const
+    {
+        const QString place = folder + u'/' + path;
+        struct stat status = {};
+        if (::lstat(QFile::encodeName(place).constData(), &status) != 0)
+            return;
+        stored_file file;
+        file.parts = path.split(u'/');
+        file.origin.path = path;
+        file.origin.inode = quint64(status.st_ino);
+        file.origin.size = qint64(status.st_size);
+        file.origin.modified = utc_text(modification_time(status));
+        descriptor opened;
+        if (!S_ISREG(status.st_mode)) {
+            file.objection = u"it is not a regular file"_s;
+            file.is_refused = true;
+        } else if (opened = open_evidence(place); !opened.is_open()) {
+            file.objection = system_error_text(errno);
+        }
+        stored_stream stream(std::move(opened));
+        take(file, file.objection.isEmpty() ? &stream : nullptr);
+    }
+
+    QString folder;
+};
+
+class archive_files : public backup_files
+{
+public:
+    archive_files(const QString &archive_path, const read_observer &read)
+        : path(archive_path)
+        , archive(open_archive(archive_path, false, read))
+    {
+        // The folder of the backup is the one of the index; the first one counts.
+        archive->visit_named([](const QStringList &parts) { return !parts.isEmpty() && parts.last() == index_name; },
+                             [this](const stored_file &file, byte_stream *) {
+                                 if (!root)
+                                     root = file.parts.first(file.parts.size() - 1);
+                             });
+    }
+
+    void take(const QStringList &paths, const file_taker &take) override
+    {
+        QHash<QStringList, QString> wanted;
+        for (const QString &wanted_path : paths)
+            wanted.insert(root.value_or(QStringList()) + wanted_path.split(u'/'), wanted_path);
+        archive->visit_named([&wanted](const QStringList &parts) { return wanted.contains(parts); },
+                             [&wanted, &take](const stored_file &file, byte_stream *stream) {
+                                 stored_file given = file;
+                                 given.parts = wanted.value(file.parts).split(u'/');
+                                 take(given, stream);
+                             });
+    }
+
+    container_facts facts() const override
+    {
+        container_facts known;
+        known.format = archive->format();
+        known.files = {file_now(path)};
+        return known;
+    }
+
+private:
+    QString path;
+    std::unique_ptr<archive_store> archive;
+    std::optional<QStringList> root;
+};
+
+/** A copy of a manifest, which is evidence as the rest. */
+void copy_to(const QString &target, byte_stream &stream)
+{
+    staged_file copy(target);
+    QByteArray block(1 << 16, Qt::Uninitialized);
+    qint64 bytes = 0;
+    while (const qsizetype count = stream.read(block.data(), block.size())) {
+        bytes += count;
+        if (bytes > most_index_bytes)
+            throw stream_failure(u"it is larger than 4 GiB"_s, true);
+        copy.add(QByteArrayView(block.constData(), count));
+    }
+    copy.keep();
+}
+
+class backup_container : public source_container
+{
+public:
+    backup_container(const QString &backup_path, const QString &temporary_folder, std::unique_ptr<backup_files> kept)
+        : path(backup_path)
+        , files(std::move(kept))
+        , temporary(temporary_folder.isEmpty() ? u"/tmp/bluetooth-logs-XXXXXX"_s
+                                               : temporary_folder + u"/backup-XXXXXX"_s)
+    {
+        if (!temporary.isValid())
+            fail(path, u"no temporary folder can be made: "_s + temporary.errorString());
+        copy_manifests();
+        refuse_encryption();
+    }
+
+    container_facts facts() const override
+    {
+        container_facts known = files->facts();
+        known.kind = u"backup"_s;
+        return known;
+    }
+
+    const source_kind *kind() const override
+    {
+        return &ios_backup_kind;
+    }
+
+    std::unique_ptr<evidence_store> store(int) override;
+
+    /** The files of the domain: where each is stored, and its path on the device. */
+    QList<std::pair<QString, QString>> listed_files() const
+    {
+        static const QRegularExpression id_form(u"^[0-9a-fA-F]{40}$"_s);
+        QList<std::pair<QString, QString>> listed;
+        try {
+            sqlite_database index(temporary.filePath(index_name), sqlite_database::access::main_file_alone);
+            index.distrust();
+            if (!index.has_table("Files"_L1))
+                fail(path, u"Manifest.db has no ordinary table Files"_s);
+            sqlite_statement query(index, "SELECT fileID, relativePath FROM Files NOT INDEXED WHERE domain = ?");
+            query.bind(0, QString(bluetooth_domain));
+            while (query.next() && listed.size() < most_files) {
+                const QString id = query.text(0);
+                if (id_form.match(id).hasMatch())
+                    listed.append({id.first(2) + u'/' + id, query.text(1)});
+            }
+        } catch (const sqlite_error &error) {
+            fail(path, u"Manifest.db cannot be read: "_s + error.message());
+        }
+        return listed;
+    }
+
+    backup_files &stored() const
+    {
+        return *files;
+    }
+
+private:
+    void copy_manifests()
+    {
+        QStringList reasons;
+        files->take({index_name, properties_name}, [this, &reasons](const stored_file &file, byte_stream *stream) {
+            const QString name = file.parts.last();
+            try {
+                if (stream && !QFileInfo::exists(temporary.filePath(name)))
+                    copy_to(temporary.filePath(name), *stream);
+                else if (!stream)
+                    reasons.append(name + u": "_s + file.objection);
+            } catch (const stream_failure &failure) {
+                reasons.append(name + u": "_s + failure.reason());
+            }
+        });
+        if (!reasons.isEmpty())
+            fail(path, reasons.join(u"; "_s));
+        for (const QLatin1StringView name : {index_name, properties_name}) {
+            if (!QFileInfo::exists(temporary.filePath(name)))
+                fail(path, u"it has no "_s + name);
+        }
+    }
+
+    void refuse_encryption() const
+    {
+        const QVariant list = read_property_list(temporary.filePath(properties_name));
+        if (!list.isValid())
+            fail(path, u"Manifest.plist is no property list"_s);
+        if (list.toMap().value(u"IsEncrypted"_s).toBool())
+            fail(path, u"it is encrypted (IsEncrypted in Manifest.plist)"_s);
+    }
+
+    QString path;
+    std::unique_ptr<backup_files> files;
+    QTemporaryDir temporary;
+};
+
+class backup_store : public evidence_store
+{
+public:
+    explicit backup_store(const backup_container &opened)
+        : backup(opened)
+    {
+    }
+
+    void visit(const evidence_search &, const file_taker &take) override
+    {
+        const evidence_search search(&ios_files_kind);
+        QHash<QString, QStringList> wanted; // by where it is stored
+        QStringList paths;
+        for (const auto &[place, name] : backup.listed_files()) {
+            const QStringList parts = group_folder + name.split(u'/');
+            if (!search.match(parts))
+                continue;
+            wanted.insert(place, parts);
+            paths.append(place);
+        }
+        QHash<QString, QStringList> missing = wanted;
+        backup.stored().take(paths, [&wanted, &missing, &take](const stored_file &file, byte_stream *stream) {
+            stored_file given = file;
+            given.parts = wanted.value(joined(file.parts));
+            missing.remove(joined(file.parts));
+            take(given, stream);
+        });
+        for (auto lost = missing.cbegin(); lost != missing.cend(); ++lost) {
+            stored_file file;
+            file.parts = lost.value();
+            file.origin.path = lost.key();
+            file.objection = u"the backup lists it and does not store it, at "_s + lost.key();
+            take(file, nullptr);
+        }
+    }
+
+private:
+    const backup_container &backup;
+};
+
+std::unique_ptr<evidence_store> backup_container::store(int)
+{
+    return std::make_unique<backup_store>(*this);
+}
+
+} // namespace
+
+bool is_backup_folder(const QString &folder)
+{
+    return QFileInfo(folder + u'/' + index_name).isFile() && QFileInfo(folder + u'/' + properties_name).isFile();
+}
+
+std::unique_ptr<source_container> open_backup(const QString &path, const QString &temporary, const read_observer &read)
+{
+    std::unique_ptr<backup_files> files;
+    if (QFileInfo(path).isDir())
+        files = std::make_unique<folder_files>(path);
+    else
+        files = std::make_unique<archive_files>(path, read);
+    return std::make_unique<backup_container>(path, temporary, std::move(files));
+}

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CONTAINER_BACKUP_STORE_H
+#define HOST_CONTAINER_BACKUP_STORE_H
+
+#include "host/container/source_container.h"
+
+/** Whether the folder is a backup of an iOS device: it has a Manifest.db and a Manifest.plist. docs/formats.md. */
+bool is_backup_folder(const QString &folder);
+
+/**
+ * The backup in the folder or archive at @p path; @p temporary is the folder for a copy of its two manifests, empty for
+ * the system's own. Throws host_error (not_found) when it is encrypted or damaged, or is none.
+ */
+std::unique_ptr<source_container> open_backup(const QString &path, const QString &temporary, const read_observer &read);
+
+#endif

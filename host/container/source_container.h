@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_CONTAINER_SOURCE_CONTAINER_H
+#define HOST_CONTAINER_SOURCE_CONTAINER_H
+
+#include "host/container/archive_store.h"
+#include "host/container/evidence_store.h"
+
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+/** A volume of an image. */
+struct volume_facts
+{
+    int number = 1;
+    qint64 offset = 0; ///< bytes from the start of the image; of a volume of APFS that of its container
+    qint64 size = 0;
+    QString file_system; ///< "apfs", "hfs+", "ntfs", "ext4", …; empty: none that is known
+    QString name;        ///< its label, else that of its partition
+    bool is_encrypted = false;
+    QString problem; ///< why it cannot be opened, in plain words
+};
+
+/** A file that a container is made of. */
+struct container_file
+{
+    QString path;
+    qint64 size = 0;
+    QString modified; ///< UTC
+    QString sha256;   ///< empty: it was not hashed
+
+    QJsonObject to_json() const;
+};
+
+/** What a record says of a container. */
+struct container_facts
+{
+    QString kind;   ///< "image", "archive", "backup", "compressed"
+    QString format; ///< "raw", "ewf", …
+    QList<container_file> files;
+    QString md5; ///< that the container itself holds of its content
+    QString sha1;
+    std::optional<volume_facts> volume; ///< that was taken
+
+    QJsonObject to_json() const;
+};
+
+/** What evidence is taken out of, open for reading. */
+class source_container
+{
+public:
+    virtual ~source_container() = default;
+
+    /** Complete once its store was visited. */
+    virtual container_facts facts() const = 0;
+    /** None for what has none. */
+    virtual QList<volume_facts> volumes() const
+    {
+        return {};
+    }
+    /** The files of a volume; @p number is without a meaning where there are none. */
+    virtual std::unique_ptr<evidence_store> store(int number) = 0;
+    /** The kind of source that it is by itself; null: its files tell. */
+    virtual const source_kind *kind() const
+    {
+        return nullptr;
+    }
+};
+
+/** How a container is opened. */
+struct opening
+{
+    const source_kind *kind = nullptr; ///< that was asked for; null: any
+    bool follow_links = false;         ///< of a folder: also out of it
+    QString temporary_folder;          ///< for what must be unpacked to be looked into
+    read_observer read = [](qint64) {};
+};
+
+/**
+ * What stands at @p path: an image, an archive, a backup, or a folder of a kind that is taken out of its place. Null
+ * for anything else. Throws host_error (not_found) for a container that is not read, naming the way around.
+ */
+std::unique_ptr<source_container> open_container(const QString &path, const opening &how);
+
+/** Whether a source at @p path is a container, by what can be told without opening it. */
+bool is_container(const QString &path, const source_kind *kind);
+
+/** The state of the files of a container now; empty members where one is gone. */
+container_file file_now(const QString &path);
+
+#endif
