@@ -2,14 +2,14 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/command_line.h"
-#include "host/cli/exit_code.h"
 #include "host/worker/worker.h"
 
 #include <QCoreApplication>
 
 #include <clocale>
 #include <csignal>
-#include <variant>
+#include <exception>
+#include <new>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -18,54 +18,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-exit_code run(const help_text &help, console &out)
-{
-    out.print(help.lines);
-    return exit_code::done;
-}
-
-exit_code run(const host_error &error, console &)
-{
-    throw error;
-}
-
-exit_code run(const sample_options &options, console &out)
-{
-    return run_sample(options, out);
-}
-
-exit_code run(const extract_options &options, console &out)
-{
-    std::signal(SIGPIPE, SIG_IGN); // of a worker that is gone
-    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is told like a full disk
-    return run_extract(options, out);
-}
-
-exit_code run(const collect_options &options, console &out)
-{
-    return run_collect(options.directory, out);
-}
-
-exit_code run(const show_options &options, console &out)
-{
-    return run_show(options, out);
-}
-
-exit_code run(const check_request &request, console &out)
-{
-    return run_verify(request, out);
-}
-
-exit_code run(const report_options &options, console &out)
-{
-    return run_report(options, out);
-}
-
 exit_code run_reporting_errors(const command_line &line)
 {
     console out(line.output);
     try {
-        const exit_code code = std::visit([&out](const auto &command) { return run(command, out); }, line.command);
+        if (line.problem)
+            throw *line.problem;
+        const exit_code code = line.command(out);
         if (out.finish())
             return code;
         out.error(u"standard output cannot be written"_s);
@@ -73,7 +32,12 @@ exit_code run_reporting_errors(const command_line &line)
     } catch (const host_error &error) {
         out.error(error.message());
         return exit_code_of(error.kind());
+    } catch (const std::bad_alloc &) {
+        out.error(u"there is not enough memory"_s);
+    } catch (const std::exception &error) {
+        out.error(u"the system refuses what the program needs: "_s + QString::fromLocal8Bit(error.what()));
     }
+    return exit_code::internal_error;
 }
 
 /**
@@ -97,6 +61,7 @@ int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown
         return run_worker();
     for (const char *variable : {"QT_FATAL_WARNINGS", "QT_FATAL_CRITICALS", "QT_LOGGING_RULES"})
         qunsetenv(variable);
+    std::signal(SIGXFSZ, SIG_IGN);     // a file that may not grow is reported like a full disk
     std::setlocale(LC_ALL, "C.UTF-8"); // evidence is Unicode, whatever the terminal claims
     int application_argc = 1;
     const QCoreApplication application(application_argc, argv);

@@ -47,6 +47,7 @@ CLI::Option *add_values(CLI::App &command, const argument &what, const std::func
             texts.append(valid_text(what, value));
         take(texts);
     };
+    add_example(command, what.shown);
     return command.add_option_function<std::vector<std::string>>(what.names, take_valid, what.help)
         ->type_name(what.type)
         ->expected(1)
@@ -86,6 +87,21 @@ CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, q
     return add_value(command, what, [&number, what, least, most](const QString &value) {
         number = number_of(what, value, least, most);
     });
+}
+
+CLI::Option *add_flag(CLI::App &command, const argument &what, bool &flag)
+{
+    add_example(command, what.shown);
+    return command.add_flag(what.names, flag, what.help);
+}
+
+void add_example(CLI::App &command, const example &shown)
+{
+    if (shown.line.empty())
+        return;
+    std::string footer = command.get_footer().empty() ? "Examples:" : command.get_footer();
+    footer.append("\n  ").append(shown.line).append("\t").append(shown.meaning);
+    command.footer(footer);
 }
 
 void require_choice(const argument &what, const QString &word, const QStringList &choices)

@@ -12,17 +12,26 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+
+/** A command line that shows what an argument is good for. */
+struct example
+{
+    std::string_view line;         ///< "bluetooth-logs show case"; empty: none
+    std::string_view meaning = {}; ///< may be empty
+};
 
 /**
- * Arguments with values. Their names are as CLI11 has them, "-i,--input" or "CASE"; in messages an argument has the
- * last one of them. Whatever is wrong with a value, host_error (refused) says it, and that comes through
- * CLI::App::parse().
+ * All that is said of an argument; what it does is given to the function that adds it. Names are as CLI11 has them,
+ * "-i,--input" or "CASE"; in messages an argument has the last one of them. Whatever is wrong with a value, host_error
+ * (refused) says it, and that comes through CLI::App::parse().
  */
 struct argument
 {
     std::string names;
-    std::string type; ///< as help shows it: "PATH"
+    std::string type; ///< as help shows it: "PATH"; empty for a flag
     std::string help;
+    example shown = {}; ///< stands in the help of its command, with those of the other arguments
 
     QString name() const;
 };
@@ -42,6 +51,12 @@ CLI::Option *add_path(CLI::App &command, const argument &what, QString &path);
 CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, qint64 most, qint64 &number);
 CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, qint64 most,
                         std::optional<qint64> &number);
+
+/** An argument without a value. */
+CLI::Option *add_flag(CLI::App &command, const argument &what, bool &flag);
+
+/** Adds an example to the end of a command's help. */
+void add_example(CLI::App &command, const example &shown);
 
 /** Throws unless @p word is one of @p choices; the message shows them, and the nearest. */
 void require_choice(const argument &what, const QString &word, const QStringList &choices);

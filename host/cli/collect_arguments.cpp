@@ -2,24 +2,28 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/arguments.h"
+#include "host/cli/collect_command.h"
 #include "host/cli/commands.h"
 
 #include <memory>
 
 namespace {
 
-constexpr const char *examples = R"(Examples:
-  bluetooth-logs extract --sources list.json -o case --only 1       on one machine
-  bluetooth-logs extract --sources list.json -o case --only 2       on another one
-  bluetooth-logs collect case                                       once all have ended)";
+constexpr example examples[] = {
+    {"bluetooth-logs extract --sources list.json -o case --only 1", "on one machine"},
+    {"bluetooth-logs extract --sources list.json -o case --only 2", "on another one"},
+    {"bluetooth-logs collect case", "once all have ended"},
+};
 
 } // namespace
 
 void add_collect_command(CLI::App &app, command_line &line)
 {
-    const auto options = std::make_shared<collect_options>();
+    const auto directory = std::make_shared<QString>();
     CLI::App &collect = *app.add_subcommand("collect", "Make the manifest of a case from the records of its sources");
-    collect.footer(examples);
-    add_path(collect, {"CASE", "PATH", "The case's folder"}, options->directory)->required();
-    collect.final_callback([options, &line] { line.command = *options; });
+    for (const example &shown : examples)
+        add_example(collect, shown);
+    add_path(collect, {"CASE", "PATH", "The case's folder"}, *directory)->required();
+    collect.final_callback(
+        [directory, &line] { line.command = [directory](console &out) { return run_collect(*directory, out); }; });
 }

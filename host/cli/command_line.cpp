@@ -3,13 +3,17 @@
 
 #include "host/cli/command_line.h"
 
+#include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/help_text.h"
 #include "host/cli/nearest_word.h"
-#include "host/files/host_error.h"
 
 #include <QRegularExpression>
 
 #include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -63,29 +67,41 @@ QString did_you_mean(const QString &word, const QStringList &words)
     return nearest.isEmpty() ? QString() : u": did you mean "_s + nearest + u'?';
 }
 
+QString no_such_command(const CLI::App &app, const QString &word)
+{
+    const QStringList names = command_names(app);
+    return u"there is no command "_s + word + u" beside "_s + names.first(names.size() - 1).join(u", "_s) + u" and "_s
+           + names.last() + did_you_mean(word, names);
+}
+
+/**
+ * The first word that is understood neither as an option nor as a value: an option, where a command says which there
+ * are; else the word that stands first, for what follows a misspelt command is understood by nobody.
+ */
+QString stray_word(const CLI::App &app, bool has_command)
+{
+    QStringList words;
+    for (const std::string &word : app.remaining(true))
+        words.append(QString::fromStdString(word));
+    if (words.isEmpty())
+        return {};
+    const auto option = std::find_if(words.cbegin(), words.cend(),
+                                     [](const QString &word) { return word.startsWith(u'-'); });
+    return has_command && option != words.cend() ? *option : words.first();
+}
+
 /** What is wrong, in words that name what was typed. */
 QString reason_of(const CLI::App &app, const CLI::ParseError &error)
 {
     const CLI::App &command = given_command(app);
-    QString stray; // the first that is understood neither as an option nor as a value
-    for (const std::string &word : app.remaining(true)) {
-        const QString text = QString::fromStdString(word);
-        if (stray.isEmpty() || (text.startsWith(u'-') && !stray.startsWith(u'-')))
-            stray = text;
-    }
+    const bool has_command = command.get_parent();
+    const QString stray = stray_word(app, has_command);
     if (stray.startsWith(u'-')) {
         const QString name = stray.section(u'=', 0, 0);
         return u"there is no option "_s + name + did_you_mean(name, option_names(command));
     }
-    if (!command.get_parent()) {
-        const QStringList names = command_names(app);
-        const QString list = names.first(names.size() - 1).join(u", "_s) + u" and "_s + names.last();
-        if (stray.isEmpty())
-            return u"one of the commands "_s + list + u" is needed"_s;
-        return u"there is no command "_s + stray + u" beside "_s + list + did_you_mean(stray, names);
-    }
     if (!stray.isEmpty())
-        return u"it is not clear what "_s + stray + u" is for"_s;
+        return has_command ? QString(u"it is not clear what "_s + stray + u" is for"_s) : no_such_command(app, stray);
     QString text = QString::fromUtf8(error.what());
     if (dynamic_cast<const CLI::ArgumentMismatch *>(&error))
         return text.section(u':', 0, 0) + u" needs a value"_s;
@@ -104,6 +120,38 @@ host_error usage_error(const CLI::App &app, const CLI::ParseError &error)
                       reason_of(app, error) + u" (bluetooth-logs"_s + name + u" --help tells more)"_s);
 }
 
+std::function<exit_code(console &)> printing(const terminal_texts &lines, exit_code code)
+{
+    return [lines, code](console &out) {
+        out.print(lines);
+        return code;
+    };
+}
+
+/** "help" and "help show": for those who look for it there. */
+void add_help_command(CLI::App &app, command_line &line)
+{
+    const auto name = std::make_shared<QString>();
+    CLI::App &help = *app.add_subcommand("help", "Print this help, or that of a command");
+    add_text(help, {"COMMAND", "", "One of the commands", {"bluetooth-logs help extract"}}, *name);
+    help.final_callback([&app, name, &line] {
+        if (!name->isEmpty() && !command_names(app).contains(*name))
+            throw host_error(error_kind::refused, no_such_command(app, *name));
+        const CLI::App &meant = name->isEmpty() ? app : *app.get_subcommand(name->toStdString());
+        line.command = printing(help_of(meant), exit_code::done);
+    });
+}
+
+void add_general_options(CLI::App &app)
+{
+    app.set_help_flag("-h,--help", "Print this help");
+    app.set_version_flag("--version", "bluetooth-logs " BLUETOOTH_LOGS_VERSION)->description("Print the version");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.add_flag("-q,--quiet")->description("Print only data, warnings and errors");
+    app.add_flag("--no-color")->description("Print no colours on a terminal; the variable NO_COLOR does the same");
+}
+
 } // namespace
 
 command_line parse_command_line(int argc, char **argv)
@@ -112,30 +160,29 @@ command_line parse_command_line(int argc, char **argv)
     for (int i = 1; i < argc; ++i)
         line.arguments.append(QString::fromLocal8Bit(argv[i]));
     CLI::App app("Extracts the Bluetooth devices of macOS, iOS and Windows sources.", "bluetooth-logs");
-    app.set_help_flag("-h,--help", "Print this help");
-    app.set_version_flag("--version", "bluetooth-logs " BLUETOOTH_LOGS_VERSION)->description("Print the version");
-    app.require_subcommand(1);
-    app.fallthrough();
-    app.footer(exit_codes_help);
-    app.add_flag("-q,--quiet")->description("Print only data, warnings and errors");
-    app.add_flag("--no-color")->description("Print no colours on a terminal; the variable NO_COLOR does the same");
+    add_general_options(app);
     add_sample_command(app, line);
     add_extract_command(app, line);
     add_collect_command(app, line);
     add_verify_command(app, line);
     add_report_command(app, line);
     add_show_command(app, line);
+    add_help_command(app, line);
+    app.footer(exit_codes_help); // last: commands would have it too
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForVersion &version) {
-        line.command = help_text{{QString::fromUtf8(version.what())}};
+        line.command = printing({QString::fromUtf8(version.what())}, exit_code::done);
     } catch (const CLI::Success &) {
-        line.command = help_of(given_command(app));
+        line.command = printing(help_of(given_command(app)), exit_code::done);
     } catch (const CLI::ParseError &error) {
-        line.command = usage_error(app, error);
+        if (app.get_subcommands().empty() && app.remaining(true).empty())
+            line.command = printing(help_of(app), exit_code::usage);
+        else
+            line.problem = usage_error(app, error);
     } catch (const host_error &error) {
-        line.command = error;
+        line.problem = error;
     }
     line.output.quiet = app.count("--quiet") > 0;
     line.output.no_color = app.count("--no-color") > 0;

@@ -4,30 +4,22 @@
 #ifndef HOST_CLI_COMMAND_LINE_H
 #define HOST_CLI_COMMAND_LINE_H
 
-#include "host/cli/collect_command.h"
 #include "host/cli/console.h"
-#include "host/cli/extract_command.h"
-#include "host/cli/help_text.h"
-#include "host/cli/report_command.h"
-#include "host/cli/sample_command.h"
-#include "host/cli/show_command.h"
-#include "host/cli/verify_command.h"
+#include "host/cli/exit_code.h"
+#include "host/files/host_error.h"
 
-#include <variant>
+#include <QStringList>
 
-struct collect_options
-{
-    QString directory; ///< absolute
-};
+#include <functional>
+#include <optional>
 
-/** What the examiner asked for, or what is wrong with it: a host_error (refused), for the console to tell. */
+/** What the examiner asked for. */
 struct command_line
 {
     QStringList arguments; ///< as they were typed
     console_options output;
-    std::variant<help_text, host_error, sample_options, extract_options, collect_options, check_request, report_options,
-                 show_options>
-        command;
+    std::function<exit_code(console &out)> command; ///< does it; may throw host_error
+    std::optional<host_error> problem;              ///< what is wrong with it; there is no command then
 };
 
 /** Reads the arguments of main(). */

@@ -3,6 +3,7 @@
 
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/extract_command.h"
 #include "host/files/host_error.h"
 #include "host/files/paths.h"
 
@@ -16,13 +17,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr const char *examples = R"(Examples:
-  bluetooth-logs extract -i /mnt/image -o case                 a mounted macOS or Windows volume
-  bluetooth-logs extract -i system_logs.txt -t ios -o case     the system log of an iOS device
-  bluetooth-logs extract -i /mnt/a -i /mnt/b -o case           two sources
-  bluetooth-logs extract -i /mnt/c -o case --add               a third one later
-  bluetooth-logs extract -i / --live -o /media/disk/case       the running system)";
 
 constexpr qint64 most_mebibytes = qint64(1) << 30;
 constexpr qint64 most_seconds = qint64(1) << 30;
@@ -41,9 +35,12 @@ const QStringList &engine_names()
 QStringList kind_names()
 {
     QStringList names{any_kind};
-    for (const source_kind *kind : source_kinds)
-        names << kind->name << kind->short_name;
-    names.removeDuplicates();
+    for (const source_kind *kind : source_kinds) {
+        for (const QLatin1StringView name : {kind->name, kind->short_name}) {
+            if (!names.contains(name, Qt::CaseInsensitive))
+                names.append(name);
+        }
+    }
     return names;
 }
 
@@ -62,7 +59,7 @@ qint64 offset_seconds(const argument &what, const QString &text)
     return match.captured(1) == "-"_L1 ? -seconds : seconds;
 }
 
-/** What "extract" is told, as far as it is no member of the request. */
+/** The arguments of "extract", as far as they are no members of the request. */
 struct extract_arguments
 {
     QStringList inputs; ///< absolute
@@ -74,22 +71,32 @@ struct extract_arguments
     bool force = false;
     bool add = false;
     bool resume = false;
-    bool widen_ios_tables = false; ///< what the program does by itself now; still understood
     extract_options result;
 };
 
 void add_sources(CLI::App &extract, extract_arguments &arguments)
 {
-    const argument input{"-i,--input", "PATH",
+    const argument input{"-i,--input",
+                         "PATH",
                          "The source; may be given several times. macOS, Windows: the folder at which its file system "
-                         "is reachable. iOS: the system log's text file"};
+                         "is reachable. iOS: the system log's text file",
+                         {"bluetooth-logs extract -i /mnt/image -o case", "a mounted macOS or Windows volume"}};
     add_values(extract, input, [&arguments, input](const QStringList &paths) {
         for (const QString &path : paths)
             arguments.inputs.append(absolute_path(path, input.name()));
     });
-    add_path(extract, {"--sources", "FILE", "JSON file with the sources: {\"sources\": [{\"path\": \"...\"}]}"},
+    add_example(extract, {"bluetooth-logs extract -i /mnt/a -i /mnt/b -o case", "two sources"});
+    add_path(extract,
+             {"--sources",
+              "FILE",
+              "JSON file with the sources: {\"sources\": [{\"path\": \"...\"}]}",
+              {"bluetooth-logs extract --sources list.json -o case", "many sources, with names of their own"}},
              arguments.source_list);
-    const argument type{"-t,--type", "TYPE", "Kind of the source: macos, ios, windows, or auto (the default)"};
+    const argument type{"-t,--type",
+                        "TYPE",
+                        "Kind of the source: macos, ios, windows, or auto (the default)",
+                        {"bluetooth-logs extract -i system_logs.txt -t ios -o case",
+                         "the system log of an iOS device"}};
     add_value(extract, type, [&arguments, type](const QString &name) {
         arguments.kind = source_kind_named(name);
         if (!arguments.kind && name.compare(any_kind, Qt::CaseInsensitive) != 0)
@@ -97,24 +104,33 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
     });
     add_number(extract, {"--source-number", "N", "Number of the source in the case (default 1)"}, 0, highest_number,
                arguments.number);
-    extract.add_flag("--live", arguments.result.request.options.is_live,
-                     "The source is a system in use, like /: its evidence may change during the run");
+    add_flag(extract,
+             {"--live",
+              "",
+              "The source is a system in use, like /: its evidence may change during the run",
+              {"bluetooth-logs extract -i / --live -o /media/disk/case", "the running system"}},
+             arguments.result.request.options.is_live);
 }
 
 void add_case(CLI::App &extract, extract_arguments &arguments)
 {
     case_request &request = arguments.result.request;
     add_path(extract, {"-o,--output", "PATH", "The case's folder, outside the sources"}, request.directory)->required();
-    extract.add_flag("--add", arguments.add, "Add the sources to a case that is there");
-    extract.add_flag("--resume", arguments.resume, "Run what an earlier run of the case left undone");
-    extract.add_flag("--force", arguments.force, "Remove the case's earlier results first");
+    add_flag(extract,
+             {"--add",
+              "",
+              "Add the sources to a case that is there",
+              {"bluetooth-logs extract -i /mnt/c -o case --add", "a third one later"}},
+             arguments.add);
+    add_flag(extract, {"--resume", "", "Run what an earlier run of the case left undone"}, arguments.resume);
+    add_flag(extract, {"--force", "", "Remove the case's earlier results first"}, arguments.force);
     add_number(extract, {"--only", "N", "Work on the source of this number alone; \"collect\" comes after"}, 1,
                highest_number, arguments.only);
     add_text(extract, {"--examiner", "TEXT", "Examiner's name, for the manifest"}, request.examiner);
     add_text(extract, {"--case-number", "TEXT", "Number of the case, for the manifest"}, request.case_number);
 }
 
-void add_results(CLI::App &extract, extraction_options &options, bool &widen_ios_tables)
+void add_results(CLI::App &extract, extraction_options &options)
 {
     const argument table{"--table", "TABLE", "Fill only this table, devices or paired_devices; may be given twice"};
     add_values(extract, table, [&options, table](const QStringList &names) {
@@ -131,14 +147,15 @@ void add_results(CLI::App &extract, extraction_options &options, bool &widen_ios
     });
     add_text(extract, {"--os-name", "TEXT", "Name of the operating system as the rows show it"}, options.display_name);
     const argument zone{"--timezone-offset", "OFFSET",
-                        "Offset of the examiner's time zone from UTC, like +05:30, or in seconds (default 0)"};
+                        "Offset from UTC that the plug-in is given, like +05:30, or in seconds (default 0). It "
+                        "changes nothing of the tables, whose dates stand as the source has them"};
     add_value(extract, zone,
               [&options, zone](const QString &text) { options.timezone_offset = offset_seconds(zone, text); });
-    extract.add_flag("--suite-tables", options.suite_tables,
-                     "iOS: leave the result tables as the suite makes them; they hold no iOS rows then");
-    extract.add_flag("--widen-ios-tables", widen_ios_tables,
-                     "iOS: add the columns that iOS rows fill to the result tables (the default)");
-    extract.add_flag("--follow-links", options.follow_links, "Read evidence too that a link has outside of the source");
+    add_flag(extract,
+             {"--suite-tables", "", "iOS: leave the result tables as the suite makes them; they hold no iOS rows then"},
+             options.suite_tables);
+    add_flag(extract, {"--follow-links", "", "Read evidence too that a link has outside of the source"},
+             options.follow_links);
 }
 
 void add_limits(CLI::App &extract, extraction_options &options, qint64 &jobs)
@@ -158,13 +175,13 @@ void add_display(CLI::App &extract, extract_options &options)
     add_path(extract, {"--plugin", "PATH", "Plug-in file (default: the one beside this program)"},
              options.request.options.plugin_file);
     const argument progress{"--progress", "FORM",
-                            "How the run is told: text (the default), or json: JSON Lines on "
-                            "standard error"};
+                            "How progress is reported: text (the default), or json: JSON Lines on standard error"};
     add_value(extract, progress, [&options, progress](const QString &form) {
         require_choice(progress, form, {u"text"_s, u"json"_s});
         options.json_progress = form == "json"_L1;
     });
-    extract.add_flag("-v,--verbose", options.request.options.is_verbose, "Print the plug-in's log on standard error");
+    add_flag(extract, {"-v,--verbose", "", "Print the plug-in's log on standard error"},
+             options.request.options.is_verbose);
 }
 
 [[noreturn]] void refuse(const QString &message)
@@ -230,15 +247,16 @@ void add_extract_command(CLI::App &app, command_line &line)
     const auto arguments = std::make_shared<extract_arguments>();
     extraction_options &options = arguments->result.request.options;
     CLI::App &extract = *app.add_subcommand("extract", "Extract the Bluetooth devices of sources into a case");
-    extract.footer(examples);
     add_sources(extract, *arguments);
     add_case(extract, *arguments);
-    add_results(extract, options, arguments->widen_ios_tables);
+    add_results(extract, options);
     add_limits(extract, options, arguments->jobs);
     add_display(extract, arguments->result);
     extract.final_callback([arguments, &line] {
         line.output.has_events = arguments->result.json_progress;
         line.output.no_progress = arguments->result.request.options.is_verbose || line.output.has_events;
-        line.command = options_of(*arguments, line.arguments);
+        line.command = [options = options_of(*arguments, line.arguments)](console &out) {
+            return run_extract(options, out);
+        };
     });
 }

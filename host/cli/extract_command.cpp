@@ -5,8 +5,11 @@
 
 #include "host/cli/collect_command.h"
 
+#include <csignal>
+
 exit_code run_extract(const extract_options &options, console &out)
 {
+    std::signal(SIGPIPE, SIG_IGN); // of a worker that is gone
     const case_request &request = options.request;
     const qsizetype sources = request.only ? 1 : request.sources.size();
     const std::unique_ptr<run_observer> display =

@@ -8,7 +8,7 @@
 #include "host/cli/run_display.h"
 #include "host/run/case_run.h"
 
-/** What "extract" was told. */
+/** What "extract" is asked for. */
 struct extract_options
 {
     case_request request;
@@ -16,7 +16,7 @@ struct extract_options
 };
 
 /**
- * Extracts the sources into a case and tells what came of it. Nothing is touched before sources, case and plug-in are
+ * Extracts the sources into a case and prints what came of it. Nothing is touched before sources, case and plug-in are
  * known to be usable. Throws host_error when the run cannot begin.
  */
 exit_code run_extract(const extract_options &options, console &out);

@@ -6,12 +6,15 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr qsizetype widest_line = 100;
 constexpr qsizetype name_columns = 28;
+constexpr qsizetype examples_gap = 3;
 
 /** "-i, --input PATH", "    --table TABLE" or "CASE". */
 QString names_of(const CLI::Option &option)
@@ -77,9 +80,24 @@ QString usage_line(const CLI::App &command)
     return command.get_parent() ? line : line + u" COMMAND"_s;
 }
 
+QStringList footer_lines(const CLI::App &command)
+{
+    QStringList lines = QString::fromStdString(command.get_footer()).split(u'\n');
+    qsizetype column = 0;
+    for (const QString &line : std::as_const(lines))
+        column = std::max(column, line.indexOf(u'\t') + examples_gap);
+    for (QString &line : lines) {
+        const QString meaning = line.section(u'\t', 1);
+        line = line.section(u'\t', 0, 0);
+        if (!meaning.isEmpty())
+            line = line.leftJustified(column) + meaning;
+    }
+    return lines;
+}
+
 } // namespace
 
-help_text help_of(const CLI::App &command)
+terminal_texts help_of(const CLI::App &command)
 {
     const CLI::App *program = command.get_parent();
     const auto is_positional = [](const CLI::Option *option) { return option->get_positional(); };
@@ -94,10 +112,6 @@ help_text help_of(const CLI::App &command)
     lines += option_lines(u"Options:"_s, command.get_options(is_option));
     if (program)
         lines += option_lines(u"Options of every command:"_s, program->get_options(is_general));
-    lines << QString() << QString::fromStdString(command.get_footer()).split(u'\n');
-
-    help_text help;
-    for (const QString &line : std::as_const(lines))
-        help.lines.append(line);
-    return help;
+    lines << QString() << footer_lines(command);
+    return {lines.cbegin(), lines.cend()};
 }

@@ -8,16 +8,11 @@
 
 #include <CLI/CLI.hpp>
 
-/** What --help and --version print. */
-struct help_text
-{
-    terminal_texts lines;
-};
-
 /**
- * The help of the program, or of one of its commands: how it is called, its arguments, its options, and its footer,
- * which is taken as it is. No line but the footer's has more than 100 columns.
+ * The help of the program, or of one of its commands: how it is called, its arguments, its options, and its footer.
+ * What stands behind a tabulator in the footer begins at one column. No line but the footer's has more than 100
+ * columns.
  */
-help_text help_of(const CLI::App &command);
+terminal_texts help_of(const CLI::App &command);
 
 #endif

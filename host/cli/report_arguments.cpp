@@ -3,16 +3,13 @@
 
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/report_command.h"
 
 #include <memory>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr const char *examples = R"(Examples:
-  bluetooth-logs report case
-  bluetooth-logs report case -f csv -f jsonl -o tables)";
 
 report_format format_named(const argument &what, const QString &name)
 {
@@ -32,25 +29,30 @@ void add_report_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<report_options>();
     CLI::App &report = *app.add_subcommand("report", "Write reports of a case, for readers and for programs");
-    report.footer(examples);
-    add_path(report, {"CASE", "PATH", "The case's folder"}, options->case_directory)->required();
-    const argument format{"-f,--format", "FORMAT", "html (the default), csv, tsv or jsonl; may be given several times"};
+    add_path(report, {"CASE", "PATH", "The case's folder", {"bluetooth-logs report case"}}, options->case_directory)
+        ->required();
+    const argument format{"-f,--format",
+                          "FORMAT",
+                          "html (the default), csv, tsv or jsonl; may be given several times",
+                          {"bluetooth-logs report case -f csv -f jsonl -o tables"}};
     add_values(report, format, [options, format](const QStringList &names) {
         for (const QString &name : names)
             options->formats.append(format_named(format, name));
     });
     add_path(report, {"-o,--output", "PATH", "Folder for the files (default CASE/Report)"}, options->output);
-    report.add_flag("--raw-cells", options->cells.is_raw, "CSV, TSV: leave texts that look like formulas as they are");
-    report.add_flag("--csv-bom", options->cells.has_mark, "CSV, TSV: begin with a byte order mark");
+    add_flag(report, {"--raw-cells", "", "CSV, TSV: leave texts that look like formulas as they are"},
+             options->cells.is_raw);
+    add_flag(report, {"--csv-bom", "", "CSV, TSV: begin with a byte order mark"}, options->cells.has_mark);
     add_path(report, {"--vendors", "PATH", "List of address ranges and their vendors, like ieee-data's oui.txt"},
              options->vendors);
-    report.add_flag("--split", options->split, "HTML: a page for each source, as there is for more than 100,000 rows");
-    report.add_flag("--force", options->force, "Replace the files of an earlier report");
+    add_flag(report, {"--split", "", "HTML: a page for each source, as there is for more than 100,000 rows"},
+             options->split);
+    add_flag(report, {"--force", "", "Replace the files of an earlier report"}, options->force);
     report.final_callback([options, &line] {
         if (options->output.isEmpty())
             options->output = options->case_directory + u"/Report"_s;
         if (options->formats.isEmpty())
             options->formats.append(report_format::html);
-        line.command = *options;
+        line.command = [options](console &out) { return run_report(*options, out); };
     });
 }

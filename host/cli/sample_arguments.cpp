@@ -3,27 +3,26 @@
 
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/sample_command.h"
 
 #include <memory>
-
-namespace {
-
-constexpr const char *examples = R"(Examples:
-  bluetooth-logs sample sample
-  bluetooth-logs sample sample --force
-  bluetooth-logs sample hostile --hostile)";
-
-} // namespace
 
 void add_sample_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<sample_options>();
     CLI::App &sample = *app.add_subcommand("sample", "Write synthetic macOS, iOS and Windows sources to try things on");
-    sample.footer(examples);
-    add_path(sample, {"DIR", "PATH", "Folder for the sample; made if it is missing"}, options->directory)->required();
-    sample.add_flag("--force", options->force, "Replace the files of an earlier sample in DIR");
-    sample.add_flag_callback(
-        "--hostile", [options] { options->names = sample_names::hostile; },
-        "Add devices whose names many programs fail on: one of 1 MB, one with a NUL, one that is no UTF-8");
-    sample.final_callback([options, &line] { line.command = *options; });
+    add_path(sample, {"DIR", "PATH", "Folder for the sample; made if it is missing", {"bluetooth-logs sample sample"}},
+             options->directory)
+        ->required();
+    add_flag(sample,
+             {"--force", "", "Replace the files of an earlier sample in DIR", {"bluetooth-logs sample sample --force"}},
+             options->force);
+    add_flag(sample,
+             {"--hostile",
+              "",
+              "Add devices whose names many programs fail on: one of 1 MB, one with a NUL, one that is no UTF-8",
+              {"bluetooth-logs sample hostile --hostile"}},
+             options->is_hostile);
+    sample.final_callback(
+        [options, &line] { line.command = [options](console &out) { return run_sample(*options, out); }; });
 }

@@ -4,100 +4,11 @@
 #include "host/cli/sample_command.h"
 
 #include "host/cli/shell_text.h"
-#include "host/files/file_removal.h"
-#include "host/files/host_error.h"
-#include "host/files/paths.h"
-#include "host/sample/sample_parts.h"
-#include "host/source/macos_databases.h"
-
-#include <QFile>
-#include <QFileInfo>
+#include "host/sample/sample.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr const char *readme = R"(This folder holds synthetic samples written by "bluetooth-logs sample".
-
-No person, device, address or identifier in it is real: all values come from a random number generator with a
-fixed seed, so that every run writes the same bytes. Some names are hostile on purpose.
-
-macos/    the root of a macOS source: two LE device databases and the Bluetooth preferences
-ios/      the system log of an iOS source
-windows/  the root of a Windows source, with placeholders only
-)";
-
-constexpr QLatin1StringView readme_name("README.txt");
-constexpr QLatin1StringView macos_folder("macos/");
-constexpr QLatin1StringView windows_folder("windows/");
-constexpr QLatin1StringView ios_log("ios/system.log");
-
-/** Every name that a sample has, and those that a sample may have that was being written when the program ended. */
-QStringList sample_files()
-{
-    QStringList files{ios_log, macos_folder + macos_preferences_file};
-    for (const macos_database *database : macos_databases) {
-        for (const QLatin1StringView ending : {""_L1, "-journal"_L1, "-wal"_L1, "-shm"_L1})
-            files.append(macos_folder + macos_database_folder + database->file_name + ending);
-    }
-    for (const QLatin1StringView file : windows_sample_files)
-        files.append(windows_folder + file);
-    files.append(readme_name); // the last one to go: without it nothing is known to be a sample
-    return files;
-}
-
-bool is_our_sample(const QString &directory)
-{
-    QFile file(directory + u'/' + readme_name);
-    return file.open(QIODevice::ReadOnly) && file.read(qint64(qstrlen(readme)) + 1) == readme;
-}
-
-/** What stands at a place that the sample needs for something else: a file or a link where it has a folder. */
-QStringList obstacles(const QString &directory, const QStringList &files)
-{
-    QStringList paths;
-    for (const QString &folder : folders_of(files)) {
-        const QFileInfo place(directory + u'/' + folder);
-        if ((place.exists() && !place.isDir()) || place.isSymLink())
-            paths.append(place.filePath());
-    }
-    for (const QString &file : files) {
-        const QFileInfo place(directory + u'/' + file);
-        if (place.isDir() && !place.isSymLink())
-            paths.append(place.filePath());
-    }
-    return paths;
-}
-
-/** The parts of a sample that stand directly in its folder: "macos", "README.txt". */
-QStringList present_parts(const QString &directory, const QStringList &files)
-{
-    QStringList parts;
-    for (const QString &file : files) {
-        const QString part = directory + u'/' + file.section(u'/', 0, 0);
-        if (path_exists(part) && !parts.contains(part))
-            parts.append(part);
-    }
-    return parts;
-}
-
-/** Makes room for a sample. Gives what stays because this program did not write it. */
-QStringList make_room(const QString &directory, bool force)
-{
-    const QStringList files = sample_files();
-    const QStringList present = present_parts(directory, files);
-    if (present.isEmpty())
-        return {};
-    const bool is_ours = is_our_sample(directory);
-    const QStringList in_the_way = is_ours ? obstacles(directory, files) : present;
-    if (!in_the_way.isEmpty())
-        throw host_error(error_kind::refused,
-                         u"this stands in the way, and it is no sample of this program: "_s + in_the_way.join(u", "_s));
-    if (!force)
-        throw host_error(error_kind::refused,
-                         u"the folder holds a sample already, "_s + directory + u": --force writes it anew"_s);
-    return remove_listed_files(directory, files);
-}
 
 /** Lines to paste: each source into a case of its own, and what can be seen then. */
 terminal_texts next_commands(const QString &directory)
@@ -110,7 +21,7 @@ terminal_texts next_commands(const QString &directory)
     const auto show = [&](const QString &name) {
         return program + u" show "_s + shell_word(directory + u"/case-"_s + name);
     };
-    return {extract(u"macos"_s, u"macos"_s), extract(ios_log, u"ios"_s), extract(u"windows"_s, u"windows"_s),
+    return {extract(u"macos"_s, u"macos"_s), extract(ios_sample_log, u"ios"_s), extract(u"windows"_s, u"windows"_s),
             show(u"macos"_s), show(u"ios"_s)};
 }
 
@@ -118,20 +29,11 @@ terminal_texts next_commands(const QString &directory)
 
 exit_code run_sample(const sample_options &options, console &out)
 {
-    const QString &directory = options.directory;
-    for (const QString &path : make_room(directory, options.force))
+    const sample_names names = options.is_hostile ? sample_names::hostile : sample_names::usual;
+    for (const QString &path : write_sample(options.directory, names, options.force))
         out.note(u"this is not of the earlier sample and stays: "_s + path);
-
-    for (const QString &folder : folders_of(sample_files()))
-        make_folder(directory + u'/' + folder);
-    const QString macos = directory + u'/' + macos_folder;
-    write_sample_file(directory + u'/' + readme_name, readme); // first: what is half written can be written anew
-    write_ledevices_databases(macos + macos_database_folder, options.names);
-    write_preferences_plist(macos + macos_preferences_file);
-    write_ios_log(directory + u'/' + ios_log);
-    write_windows_files(directory + u'/' + windows_folder);
-
-    out.print_unless_quiet({u"A synthetic sample is in "_s + directory, {}, u"To extract it and to see its rows:"_s});
-    out.print_unless_quiet(next_commands(directory));
+    out.print_unless_quiet(
+        {u"A synthetic sample is in "_s + options.directory, {}, u"To extract it and to see its rows:"_s});
+    out.print_unless_quiet(next_commands(options.directory));
     return exit_code::done;
 }

@@ -6,7 +6,6 @@
 
 #include "host/cli/console.h"
 #include "host/cli/exit_code.h"
-#include "host/sample/sample_parts.h"
 
 #include <QString>
 
@@ -14,7 +13,7 @@ struct sample_options
 {
     QString directory; ///< absolute
     bool force = false;
-    sample_names names = sample_names::usual;
+    bool is_hostile = false; ///< with names that many programs fail on
 };
 
 /** Writes a synthetic source of each kind below a folder. Throws host_error, also when one is there already. */

@@ -4,18 +4,13 @@
 #include "host/case/result_tables.h"
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/show_command.h"
 
 #include <memory>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr const char *examples = R"(Examples:
-  bluetooth-logs show case
-  bluetooth-logs show case --source 2 --table paired_devices
-  bluetooth-logs show case --rows 20 --layout records
-  bluetooth-logs show case --table devices -f jsonl)";
 
 constexpr qint64 highest_source = 9999999;
 constexpr qint64 any_number_of_rows = qint64(1) << 53;
@@ -44,7 +39,7 @@ void refuse_contradictions(const show_options &options)
         return;
     const argument format{"--format", "", ""};
     if (options.table.isEmpty())
-        refuse(format, u"it goes with --table, which says the rows of which table a program gets"_s);
+        refuse(format, u"it needs --table"_s);
     if (options.most_rows || options.layout != row_layout::automatic)
         refuse(format, u"a program gets all rows: --rows and --layout are for readers"_s);
 }
@@ -55,16 +50,26 @@ void add_show_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<show_options>();
     CLI::App &show = *app.add_subcommand("show", "Show the extracted rows of a case, safe for the terminal");
-    show.footer(examples);
-    add_path(show, {"CASE", "PATH", "The case's folder, or a result database"}, options->place)->required();
-    add_number(show, {"--source", "N", "Show only the source of this number"}, 0, highest_source, options->source);
+    add_path(show, {"CASE", "PATH", "The case's folder, or a result database", {"bluetooth-logs show case"}},
+             options->place)
+        ->required();
+    add_number(show,
+               {"--source",
+                "N",
+                "Show only the source of this number",
+                {"bluetooth-logs show case --source 2 --table paired_devices"}},
+               0, highest_source, options->source);
     const argument table{"--table", "TABLE", "Show only this table: devices or paired_devices"};
     add_value(show, table, [options, table](const QString &name) {
         require_choice(table, name, result_tables());
         options->table = name;
     });
-    add_number(show, {"--rows", "N", "Show only the first N rows of each table"}, 0, any_number_of_rows,
-               options->most_rows);
+    add_number(show,
+               {"--rows",
+                "N",
+                "Show only the first N rows of each table",
+                {"bluetooth-logs show case --rows 20 --layout records"}},
+               0, any_number_of_rows, options->most_rows);
     const argument layout{"--layout", "LAYOUT",
                           "table: a line for each row; records: a block for each row, with a line for each value; auto "
                           "(the default): records where a terminal is too narrow for the table"};
@@ -72,11 +77,13 @@ void add_show_command(CLI::App &app, command_line &line)
         require_choice(layout, name, layout_names());
         options->layout = row_layout(layout_names().indexOf(name));
     });
-    const argument format{"-f,--format", "FORMAT",
-                          "csv, tsv or jsonl: the rows of --table for a program, as \"report\" writes them to a file"};
+    const argument format{"-f,--format",
+                          "FORMAT",
+                          "csv, tsv or jsonl: the rows of --table for a program, as \"report\" writes them to a file",
+                          {"bluetooth-logs show case --table devices -f jsonl"}};
     add_value(show, format, [options, format](const QString &name) { take_format(*options, format, name); });
     show.final_callback([options, &line] {
         refuse_contradictions(*options);
-        line.command = *options;
+        line.command = [options](console &out) { return run_show(*options, out); };
     });
 }

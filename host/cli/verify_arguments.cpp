@@ -3,6 +3,7 @@
 
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/verify_command.h"
 #include "host/files/paths.h"
 
 #include <QRegularExpression>
@@ -11,21 +12,12 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr const char *examples = R"(Examples:
-  bluetooth-logs verify case
-  bluetooth-logs verify case --evidence 2=/mnt/elsewhere
-  bluetooth-logs verify case --results-only)";
-
-} // namespace
-
 void add_verify_command(CLI::App &app, command_line &line)
 {
     const auto request = std::make_shared<check_request>();
     CLI::App &verify = *app.add_subcommand("verify", "Compare evidence, working copies and results with the manifest");
-    verify.footer(examples);
-    add_path(verify, {"CASE", "PATH", "The case's folder"}, request->directory)->required();
+    add_path(verify, {"CASE", "PATH", "The case's folder", {"bluetooth-logs verify case"}}, request->directory)
+        ->required();
     const argument hash{"--manifest-sha256", "HEX",
                         "The manifest's hash from the examiner's notes (default: the file beside it)"};
     add_value(verify, hash, [request, hash](const QString &text) {
@@ -34,8 +26,10 @@ void add_verify_command(CLI::App &app, command_line &line)
             refuse(hash, text + u" is no SHA-256 of 64 hexadecimal digits"_s);
         request->manifest_sha256 = text;
     });
-    const argument evidence{"--evidence", "N=PATH",
-                            "Where the evidence of source N lies now; may be given several times"};
+    const argument evidence{"--evidence",
+                            "N=PATH",
+                            "Where the evidence of source N lies now; may be given several times",
+                            {"bluetooth-logs verify case --evidence 2=/mnt/elsewhere"}};
     add_values(verify, evidence, [request, evidence](const QStringList &places) {
         static const QRegularExpression form(u"^([0-9]{1,7})=(.*)$"_s, QRegularExpression::DotMatchesEverythingOption);
         for (const QString &place : places) {
@@ -45,6 +39,8 @@ void add_verify_command(CLI::App &app, command_line &line)
             request->moved_to.insert(match.captured(1).toInt(), absolute_path(match.captured(2), evidence.name()));
         }
     });
-    verify.add_flag("--results-only", request->leaves_out_evidence, "Leave the evidence out");
-    verify.final_callback([request, &line] { line.command = *request; });
+    add_flag(verify, {"--results-only", "", "Leave the evidence out", {"bluetooth-logs verify case --results-only"}},
+             request->leaves_out_evidence);
+    verify.final_callback(
+        [request, &line] { line.command = [request](console &out) { return run_verify(*request, out); }; });
 }

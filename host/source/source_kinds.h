@@ -11,7 +11,7 @@
 struct source_kind
 {
     QLatin1StringView name;         ///< as --type and the records call it, and the plug-in if it knows it
-    QLatin1StringView short_name;   ///< what --type understands besides, in any letter case
+    QLatin1StringView short_name;   ///< what --type understands besides
     QLatin1StringView display_name; ///< as result rows show it
     const source_kind *driven_as = nullptr; ///< the kind that the plug-in takes it for; null: this one
 };
@@ -35,11 +35,12 @@ inline const source_kind &plugin_kind(const source_kind &kind)
     return kind.driven_as ? *kind.driven_as : kind;
 }
 
-/** The kind of this name, long or short; null if there is none. */
+/** The kind of this name, long or short, in any letter case; null if there is none. */
 inline const source_kind *source_kind_named(const QString &name)
 {
     for (const source_kind *kind : source_kinds) {
-        if (name == kind->name || name.compare(kind->short_name, Qt::CaseInsensitive) == 0)
+        if (name.compare(kind->name, Qt::CaseInsensitive) == 0
+            || name.compare(kind->short_name, Qt::CaseInsensitive) == 0)
             return kind;
     }
     return nullptr;

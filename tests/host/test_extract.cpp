@@ -158,7 +158,7 @@ void test_extract::option_for_ios_is_understood_for_every_kind()
     QFETCH(QString, source);
     const host_program host;
     host.write_sample();
-    QCOMPARE(host.run({u"extract"_s, u"-i"_s, source, u"-o"_s, u"case"_s, u"--widen-ios-tables"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"extract"_s, u"-i"_s, source, u"-o"_s, u"case"_s, u"--suite-tables"_s}).exit_code, 0);
 }
 
 void test_extract::force_makes_the_result_anew()

@@ -40,7 +40,7 @@ void test_console::help_data()
     QTest::newRow("program") << u"--help"_s         << QStringList{u"Usage: bluetooth-logs [OPTIONS] COMMAND\n"_s, u"\nCommands:\n"_s, u"\nExit codes:\n    0  done\n"_s, u"  130  interrupted\n"_s, u"\nExamples:\n"_s};
     QTest::newRow("short")   << u"-h"_s             << QStringList{u"Usage: bluetooth-logs [OPTIONS] COMMAND\n"_s};
     QTest::newRow("sample")  << u"sample --help"_s  << QStringList{u"Usage: bluetooth-logs sample [OPTIONS] DIR\n"_s, u"  DIR  "_s, u"\nExamples:\n"_s};
-    QTest::newRow("extract") << u"extract --help"_s << QStringList{u"Usage: bluetooth-logs extract --output PATH [OPTIONS]\n"_s, u"  -i, --input PATH "_s, u"  -t, --type TYPE "_s, u"      --timeout SECONDS "_s, u"      --widen-ios-tables "_s, u"\nOptions of every command:\n"_s, u"  -q, --quiet "_s, u"\nExamples:\n"_s};
+    QTest::newRow("extract") << u"extract --help"_s << QStringList{u"Usage: bluetooth-logs extract --output PATH [OPTIONS]\n"_s, u"  -i, --input PATH "_s, u"  -t, --type TYPE "_s, u"      --timeout SECONDS "_s, u"      --suite-tables "_s, u"\nOptions of every command:\n"_s, u"  -q, --quiet "_s, u"\nExamples:\n"_s};
     QTest::newRow("collect") << u"collect --help"_s << QStringList{u"Usage: bluetooth-logs collect [OPTIONS] CASE\n"_s, u"\nExamples:\n"_s};
     QTest::newRow("show")    << u"show --help"_s    << QStringList{u"Usage: bluetooth-logs show [OPTIONS] CASE\n"_s, u"      --layout LAYOUT "_s, u"\nExamples:\n"_s};
     // clang-format on

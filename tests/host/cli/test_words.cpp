@@ -1,11 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "host/cli/command_line.h"
+#include "host/source/source_kinds.h"
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
 
 #include <QDir>
 #include <QTest>
+
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -17,6 +21,11 @@ class test_words : public strict_test
 private Q_SLOTS:
     void refusal_data();
     void refusal();
+    void refusal_through_the_program();
+    void help_is_found_data();
+    void help_is_found();
+    void help_of_the_zone_says_what_it_changes();
+    void examples_stand_in_one_column();
     void path_that_is_no_text_data();
     void path_that_is_no_text();
     void relative_path_without_a_working_folder_data();
@@ -29,6 +38,22 @@ private:
     host_program host;
 };
 
+namespace {
+
+/** What the program makes of its arguments, without running anything. */
+command_line parsed(const QStringList &arguments)
+{
+    std::vector<QByteArray> bytes{"bluetooth-logs"};
+    for (const QString &argument : arguments)
+        bytes.push_back(argument.toUtf8());
+    std::vector<char *> words;
+    for (QByteArray &word : bytes)
+        words.push_back(word.data());
+    return parse_command_line(int(words.size()), words.data());
+}
+
+} // namespace
+
 void test_words::refusal_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -37,14 +62,20 @@ void test_words::refusal_data()
     const QString more = u" (bluetooth-logs --help tells more)"_s;
     const QString more_of_extract = u" (bluetooth-logs extract --help tells more)"_s;
     const QString more_of_show = u" (bluetooth-logs show --help tells more)"_s;
+    const auto no_command = [](const QString &word) {
+        return QString(u"there is no command "_s + word
+                       + u" beside sample, extract, collect, verify, report, show and help"_s);
+    };
     const auto extract = [](const QString &rest) { return QString(u"extract -i s -o c "_s + rest).split(u' '); };
 
     // clang-format off
-    QTest::newRow("nothing")           << QStringList()                         << u"one of the commands sample, extract, collect, verify, report and show is needed"_s + more;
-    QTest::newRow("command misspelt")  << QStringList{u"extrct"_s}              << u"there is no command extrct beside sample, extract, collect, verify, report and show: did you mean extract?"_s + more;
-    QTest::newRow("letters swapped")   << QStringList{u"shwo"_s, u"c"_s}        << u"there is no command shwo beside sample, extract, collect, verify, report and show: did you mean show?"_s + more;
-    QTest::newRow("capital letters")   << QStringList{u"SAMPLE"_s, u"d"_s}      << u"there is no command SAMPLE beside sample, extract, collect, verify, report and show: did you mean sample?"_s + more;
-    QTest::newRow("no such command")   << QStringList{u"frobnicate"_s}          << u"there is no command frobnicate beside sample, extract, collect, verify, report and show"_s + more;
+    QTest::newRow("before options")    << QStringList{u"extrct"_s, u"-i"_s, u"x"_s, u"-o"_s, u"y"_s} << no_command(u"extrct"_s) + u": did you mean extract?"_s + more;
+    QTest::newRow("help misspelt")     << QStringList{u"help"_s, u"shwo"_s}     << no_command(u"shwo"_s) + u": did you mean show?"_s;
+    QTest::newRow("option alone")      << QStringList{u"-x"_s, u"shwo"_s}       << u"there is no option -x"_s + more;
+    QTest::newRow("command misspelt")  << QStringList{u"extrct"_s}              << no_command(u"extrct"_s) + u": did you mean extract?"_s + more;
+    QTest::newRow("letters swapped")   << QStringList{u"shwo"_s, u"c"_s}        << no_command(u"shwo"_s) + u": did you mean show?"_s + more;
+    QTest::newRow("capital letters")   << QStringList{u"SAMPLE"_s, u"d"_s}      << no_command(u"SAMPLE"_s) + u": did you mean sample?"_s + more;
+    QTest::newRow("no such command")   << QStringList{u"frobnicate"_s}          << no_command(u"frobnicate"_s) + more;
     QTest::newRow("option misspelt")   << extract(u"--forse"_s)                 << u"there is no option --forse: did you mean --force?"_s + more_of_extract;
     QTest::newRow("option begun")      << extract(u"--mem 5000"_s)              << u"there is no option --mem: did you mean --memory-limit?"_s + more_of_extract;
     QTest::newRow("option with value") << QStringList{u"show"_s, u"c"_s, u"--tabel=devices"_s} << u"there is no option --tabel: did you mean --table?"_s + more_of_show;
@@ -58,8 +89,8 @@ void test_words::refusal_data()
     QTest::newRow("no case")           << QStringList{u"extract"_s, u"-i"_s, u"s"_s} << u"--output is required"_s + more_of_extract;
     QTest::newRow("no source")         << QStringList{u"extract"_s, u"-o"_s, u"c"_s} << u"no source is given: --input or --sources names them"_s;
     QTest::newRow("two cases")         << extract(u"-o d"_s)                    << u"--output: given 2 times, and one value is possible"_s;
-    QTest::newRow("kind misspelt")     << extract(u"-t makos"_s)                << u"--type: makos is none of auto, macOS, macos, iOS_UID, ios, winOS, windows: did you mean macOS?"_s;
-    QTest::newRow("no such kind")      << extract(u"-t amiga"_s)                << u"--type: amiga is none of auto, macOS, macos, iOS_UID, ios, winOS, windows"_s;
+    QTest::newRow("kind misspelt")     << extract(u"-t makos"_s)                << u"--type: makos is none of auto, macOS, iOS_UID, ios, iOS_files, ios-files, iOS_backup, ios-backup, winOS, windows: did you mean macOS?"_s;
+    QTest::newRow("no such kind")      << extract(u"-t amiga"_s)                << u"--type: amiga is none of auto, macOS, iOS_UID, ios, iOS_files, ios-files, iOS_backup, ios-backup, winOS, windows"_s;
     QTest::newRow("table misspelt")    << extract(u"--table device"_s)          << u"--table: device is none of devices, paired_devices: did you mean devices?"_s;
     QTest::newRow("second table")      << extract(u"--table devices --table x"_s) << u"--table: x is none of devices, paired_devices"_s;
     QTest::newRow("edition")           << extract(u"--engine 0"_s)              << u"--engine: 0 is none of KALDO_DESK, KALDO_FIELD, KALDO_BOOT"_s;
@@ -87,12 +118,66 @@ void test_words::refusal()
     QFETCH(QStringList, arguments);
     QFETCH(QString, message);
 
-    const host_result result = host.run(arguments);
-    QCOMPARE(result.errors, u"error: "_s + message + u'\n');
+    const command_line line = parsed(arguments);
+    QVERIFY(line.problem && !line.command);
+    QCOMPARE(line.problem->message(), message);
+    QCOMPARE(exit_code_of(line.problem->kind()), exit_code::usage);
+}
+
+void test_words::refusal_through_the_program()
+{
+    const host_result result = host.run({u"show"_s, u"c"_s, u"-x"_s});
+    QCOMPARE(result.errors, u"error: there is no option -x (bluetooth-logs show --help tells more)\n"_s);
     QCOMPARE(result.output, QString());
     QCOMPARE(result.exit_code, 2);
     QCOMPARE(QDir(host.path(QString())).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
+}
+
+void test_words::help_is_found_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("usage");
+    QTest::addColumn<int>("exit_code");
+
+    const QString program = u"Usage: bluetooth-logs [OPTIONS] COMMAND\n"_s;
+    const QString show = u"Usage: bluetooth-logs show [OPTIONS] CASE\n"_s;
+    // clang-format off
+    QTest::newRow("nothing")         << QStringList()                       << program << 2;
+    QTest::newRow("only an option")  << QStringList{u"-q"_s}                << program << 2;
+    QTest::newRow("help")            << QStringList{u"help"_s}              << program << 0;
+    QTest::newRow("--help")          << QStringList{u"--help"_s}            << program << 0;
+    QTest::newRow("help of a command") << QStringList{u"help"_s, u"show"_s} << show    << 0;
+    QTest::newRow("--help behind it") << QStringList{u"show"_s, u"--help"_s} << show   << 0;
+    // clang-format on
+}
+
+void test_words::help_is_found()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, usage);
+    QFETCH(int, exit_code);
+
+    const host_result result = host.run(arguments);
+    QVERIFY2(result.output.startsWith(usage), qPrintable(result.output));
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exit_code, exit_code);
+}
+
+void test_words::help_of_the_zone_says_what_it_changes()
+{
+    const host_result result = host.run({u"extract"_s, u"--help"_s});
+    QVERIFY2(result.output.simplified().contains(u"It changes nothing of the tables"_s), qPrintable(result.output));
+}
+
+void test_words::examples_stand_in_one_column()
+{
+    const QString help = host.run({u"help"_s, u"collect"_s}).output;
+    QVERIFY2(help.endsWith(u"Examples:\n"
+                           "  bluetooth-logs extract --sources list.json -o case --only 1   on one machine\n"
+                           "  bluetooth-logs extract --sources list.json -o case --only 2   on another one\n"
+                           "  bluetooth-logs collect case                                   once all have ended\n"_s),
+             qPrintable(help));
 }
 
 void test_words::path_that_is_no_text_data()
@@ -156,32 +241,27 @@ void test_words::relative_path_without_a_working_folder()
 void test_words::kind_is_understood_data()
 {
     QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("message"); // shows which kind it was taken for; $ stands for the working directory
+    QTest::addColumn<QString>("name");
 
-    const QString macos = u"a macOS source is a folder, and this is none: $/none.txt"_s;
-    const QString windows = u"a winOS source is a folder, and this is none: $/none.txt"_s;
     // clang-format off
-    QTest::newRow("macOS")   << u"macOS"_s   << macos;
-    QTest::newRow("macos")   << u"macos"_s   << macos;
-    QTest::newRow("MacOs")   << u"MacOs"_s   << macos;
-    QTest::newRow("winOS")   << u"winOS"_s   << windows;
-    QTest::newRow("windows") << u"windows"_s << windows;
-    QTest::newRow("WINDOWS") << u"WINDOWS"_s << windows;
+    QTest::newRow("macOS")   << u"macOS"_s   << u"macOS"_s;
+    QTest::newRow("MacOs")   << u"MacOs"_s   << u"macOS"_s;
+    QTest::newRow("ios")     << u"ios"_s     << u"iOS_UID"_s;
+    QTest::newRow("IOS")     << u"IOS"_s     << u"iOS_UID"_s;
+    QTest::newRow("ios_uid") << u"ios_uid"_s << u"iOS_UID"_s;
+    QTest::newRow("WINOS")   << u"WINOS"_s   << u"winOS"_s;
+    QTest::newRow("Windows") << u"Windows"_s << u"winOS"_s;
+    QTest::newRow("begun")   << u"mac"_s     << QString();
     // clang-format on
 }
 
 void test_words::kind_is_understood()
 {
     QFETCH(QString, kind);
-    QFETCH(QString, message);
+    QFETCH(QString, name);
 
-    const host_program other;
-    QFile text(other.path(u"none.txt"_s));
-    QVERIFY(text.open(QIODevice::WriteOnly) && text.write("text\n") == 5);
-    text.close();
-    const host_result result = other.run({u"extract"_s, u"-i"_s, u"none.txt"_s, u"-o"_s, u"c"_s, u"-t"_s, kind});
-    QCOMPARE(result.errors, u"error: "_s + message.replace(u'$', other.path(QString())) + u'\n');
-    QCOMPARE(result.exit_code, 3);
+    const source_kind *found = source_kind_named(kind);
+    QCOMPARE(found ? QString(found->name) : QString(), name);
 }
 
 void test_words::number_with_leading_zeros()

@@ -455,7 +455,7 @@ void test_report::show_for_programs_refuses_data()
     QTest::addColumn<QString>("error");
 
     // clang-format off
-    QTest::newRow("no table")    << QStringList{u"case"_s, u"-f"_s, u"csv"_s} << 2 << u"error: --format: it goes with --table, which says the rows of which table a program gets\n"_s;
+    QTest::newRow("no table")    << QStringList{u"case"_s, u"-f"_s, u"csv"_s} << 2 << u"error: --format: it needs --table\n"_s;
     QTest::newRow("first rows")  << QStringList{u"case"_s, u"--table"_s, u"devices"_s, u"-f"_s, u"csv"_s, u"--rows"_s, u"1"_s} << 2 << u"error: --format: a program gets all rows: --rows and --layout are for readers\n"_s;
     QTest::newRow("html")        << QStringList{u"case"_s, u"--table"_s, u"devices"_s, u"-f"_s, u"html"_s} << 2 << u"error: --format: html is none of csv, tsv, jsonl\n"_s;
     QTest::newRow("no source")   << QStringList{u"case"_s, u"--table"_s, u"devices"_s, u"-f"_s, u"csv"_s, u"--source"_s, u"9"_s} << 2 << u"error: the case has no source 9\n"_s;
