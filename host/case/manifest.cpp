@@ -74,7 +74,7 @@ source_record not_run(int number)
     source_record record;
     record.number = number;
     record.status = source_status::not_run;
-    record.messages = {u"this source of the case was not run"_s};
+    record.messages = {{run_message::weight::error, u"this source of the case was not run"_s}};
     return record;
 }
 
@@ -91,7 +91,8 @@ kept_record read_source_record(const case_layout &layout, int number)
     if (record.source.status == source_status::running && !file_lock::is_held(source.lock())) {
         record.source.status = source_status::interrupted;
         record.source.exit_code = int(outcome_code::interrupted);
-        record.source.messages.append(u"interrupted: the run ended without a word, the result is incomplete"_s);
+        record.source.messages.append(
+            {run_message::weight::error, u"interrupted: the run ended without a word, the result is incomplete"_s});
     }
     return record;
 }

@@ -3,6 +3,7 @@
 
 #include "host/case/source_record.h"
 
+#include "host/case/outcome_code.h"
 #include "host/text/json_member.h"
 
 #include <QJsonArray>
@@ -49,16 +50,42 @@ source_status status_named(const QString &name)
     return found == std::end(status_names) ? source_status::failed : source_status(found - std::begin(status_names));
 }
 
+QJsonObject rows_to_json(const QList<table_rows> &rows)
+{
+    QJsonObject json;
+    for (const table_rows &table : rows)
+        json.insert(table.table, QJsonObject{{u"found"_s, number_or_null(table.found)},
+                                             {u"announced"_s, number_or_null(table.announced)},
+                                             {u"stored"_s, number_or_null(table.stored)}});
+    return json;
+}
+
+QList<table_rows> rows_from_json(const QJsonObject &json)
+{
+    QList<table_rows> rows;
+    for (auto table = json.begin(); table != json.end(); ++table) {
+        const QJsonObject counts = table.value().toObject();
+        rows.append({table.key(), number_from(counts.value("found"_L1)), number_from(counts.value("announced"_L1)),
+                     number_from(counts.value("stored"_L1))});
+    }
+    return rows;
+}
+
+void source_record::add_error(const QString &text)
+{
+    messages.append({run_message::weight::error, text});
+    if (status != source_status::done)
+        return;
+    status = source_status::partial;
+    exit_code = int(outcome_code::partial);
+}
+
 QJsonObject source_record::to_json() const
 {
-    QJsonObject row_counts;
-    for (const table_rows &table : rows)
-        row_counts.insert(table.table, QJsonObject{{u"found"_s, number_or_null(table.found)},
-                                                   {u"announced"_s, number_or_null(table.announced)},
-                                                   {u"stored"_s, number_or_null(table.stored)}});
-    QJsonArray files;
-    for (const evidence_file &file : evidence.files)
-        files.append(file.to_json());
+    QJsonArray texts;
+    for (const run_message &message : messages)
+        texts.append(message.to_json());
+    const QJsonObject files = evidence.to_json();
     QJsonValue result;
     if (!result_path.isEmpty())
         result = QJsonObject{{u"path"_s, result_path}, {u"sha256"_s, text_or_null(result_sha256)}};
@@ -70,13 +97,12 @@ QJsonObject source_record::to_json() const
         {u"type"_s, type},
         {u"status"_s, QString(status_name(status))},
         {u"exit_code"_s, exit_code ? QJsonValue(*exit_code) : QJsonValue()},
-        {u"messages"_s, QJsonArray::fromStringList(messages)},
+        {u"messages"_s, texts},
         {u"started"_s, text_or_null(started)},
         {u"finished"_s, text_or_null(finished)},
-        {u"rows"_s, row_counts},
-        {u"evidence"_s, files},
-        {u"listing"_s, QJsonObject{{u"before"_s, QJsonArray::fromStringList(evidence.listing_before)},
-                                   {u"after"_s, QJsonArray::fromStringList(evidence.listing_after)}}},
+        {u"rows"_s, rows_to_json(rows)},
+        {u"evidence"_s, files.value("evidence"_L1)},
+        {u"listing"_s, files.value("listing"_L1)},
         {u"wal"_s, wal},
         {u"result"_s, result},
     };
@@ -92,20 +118,12 @@ source_record source_record::from_json(const QJsonObject &json)
     record.status = status_named(json.value("status"_L1).toString());
     if (json.value("exit_code"_L1).isDouble())
         record.exit_code = json.value("exit_code"_L1).toInt();
-    record.messages = texts_from(json.value("messages"_L1));
+    for (const auto message : json.value("messages"_L1).toArray())
+        record.messages.append(run_message::from_json(message));
     record.started = json.value("started"_L1).toString();
     record.finished = json.value("finished"_L1).toString();
-    const QJsonObject row_counts = json.value("rows"_L1).toObject();
-    for (auto table = row_counts.begin(); table != row_counts.end(); ++table) {
-        const QJsonObject counts = table.value().toObject();
-        record.rows.append({table.key(), number_from(counts.value("found"_L1)),
-                            number_from(counts.value("announced"_L1)), number_from(counts.value("stored"_L1))});
-    }
-    for (const auto file : json.value("evidence"_L1).toArray())
-        record.evidence.files.append(evidence_file::from_json(file.toObject()));
-    const QJsonObject listing = json.value("listing"_L1).toObject();
-    record.evidence.listing_before = texts_from(listing.value("before"_L1));
-    record.evidence.listing_after = texts_from(listing.value("after"_L1));
+    record.rows = rows_from_json(json.value("rows"_L1).toObject());
+    record.evidence = evidence_state::from_json(json);
     record.wal = json.value("wal"_L1);
     const QJsonObject result = json.value("result"_L1).toObject();
     record.result_path = result.value("path"_L1).toString();

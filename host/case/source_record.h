@@ -4,6 +4,7 @@
 #ifndef HOST_CASE_SOURCE_RECORD_H
 #define HOST_CASE_SOURCE_RECORD_H
 
+#include "host/case/run_message.h"
 #include "host/source/evidence_state.h"
 
 #include <QJsonObject>
@@ -22,6 +23,10 @@ struct table_rows
     std::optional<qint64> announced; ///< by the plug-in's signals
     std::optional<qint64> stored;    ///< in the result database, by a fresh connection
 };
+
+/** {"devices": {"found": 5, "announced": 5, "stored": 5}}: null for a number that is not known. */
+QJsonObject rows_to_json(const QList<table_rows> &rows);
+QList<table_rows> rows_from_json(const QJsonObject &json);
 
 /** How the run of a source ended. */
 enum class source_status {
@@ -53,7 +58,7 @@ struct source_record
     QString type;
     source_status status = source_status::not_run;
     std::optional<int> exit_code; ///< none before its run has ended
-    QStringList messages;
+    QList<run_message> messages;
     QString started; ///< UTC
     QString finished;
     QList<table_rows> rows;
@@ -61,6 +66,9 @@ struct source_record
     QJsonValue wal;      ///< rows that a write-ahead log adds, changes and deletes, by result table; null without one
     QString result_path; ///< relative to the case; empty: there is none
     QString result_sha256;
+
+    /** Adds an error to a run that was judged already: one that was done is partial then, with its exit code. */
+    void add_error(const QString &text);
 
     QJsonObject to_json() const;
     static source_record from_json(const QJsonObject &json);

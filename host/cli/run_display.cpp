@@ -3,12 +3,11 @@
 
 #include "host/cli/run_display.h"
 
+#include "host/text/count_text.h"
+
 #include <QElapsedTimer>
 #include <QJsonArray>
-#include <QLocale>
 #include <QMap>
-
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -16,32 +15,7 @@ namespace {
 
 constexpr qint64 milliseconds_between_lines = 100;
 
-QString number_text(qint64 number)
-{
-    return QLocale(QLocale::English).toString(number);
-}
-
-QString rows_text(const std::optional<qint64> &rows)
-{
-    if (!rows)
-        return u"unknown"_s;
-    return number_text(*rows) + (*rows == 1 ? u" row"_s : u" rows"_s);
-}
-
-QLatin1StringView weight_name(run_message::weight importance)
-{
-    switch (importance) {
-    case run_message::weight::note:
-        return "note"_L1;
-    case run_message::weight::warning:
-        return "warning"_L1;
-    case run_message::weight::error:
-        break;
-    }
-    return "error"_L1;
-}
-
-void tell(console &out, const run_message &message, const QString &prefix)
+void print(console &out, const run_message &message, const QString &prefix)
 {
     const QString text = prefix + message.text;
     switch (message.importance) {
@@ -60,23 +34,23 @@ QString kind_text(const source_request &request)
 }
 
 /** Where the result is and how many rows each table of this run got. */
-terminal_texts result_lines(const source_request &request, const source_outcome &outcome)
+terminal_texts result_lines(const source_request &request, const source_record &record)
 {
     terminal_texts lines{u"Source  "_s + kind_text(request) + u": "_s + request.source.path,
                          u"Result  "_s + request.layout().result_database()};
-    for (const table_rows &rows : outcome.record.rows)
+    for (const table_rows &rows : record.rows)
         lines.append(u"        "_s + rows.table.leftJustified(14) + u"  "_s
-                     + rows_text(rows.stored).rightJustified(14));
+                     + (rows.stored ? rows_text(*rows.stored) : u"unknown"_s).rightJustified(14));
     return lines;
 }
 
 /** "Source3  done  1,000 devices, 20 paired_devices  macOS: /evidence/laptop". */
-QString result_line(const source_request &request, const source_outcome &outcome)
+QString result_line(const source_request &request, const source_record &record)
 {
     QStringList counts;
-    for (const table_rows &rows : outcome.record.rows)
-        counts.append((rows.stored ? number_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
-    return source_name(request.number) + u"  "_s + status_name(outcome.record.status) + u"  "_s
+    for (const table_rows &rows : record.rows)
+        counts.append((rows.stored ? count_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
+    return source_name(request.number) + u"  "_s + status_name(record.status) + u"  "_s
            + (counts.isEmpty() ? QString() : QString(counts.join(u", "_s) + u"  "_s)) + kind_text(request) + u": "_s
            + request.source.path;
 }
@@ -107,7 +81,7 @@ public:
     {
         running[request.number] = kind_text(request) + u": hashing"_s;
         for (const run_message &message : messages)
-            tell(out, message, prefix(request));
+            print(out, message, prefix(request));
         show();
     }
 
@@ -121,7 +95,7 @@ public:
     {
         const qsizetype tables = request.options.tables.size();
         running[request.number] = u"table "_s + QString::number(qMin<qsizetype>(tables_done + 1, tables)) + u" of "_s
-                                  + QString::number(tables) + u", "_s + number_text(records) + u" rows"_s;
+                                  + QString::number(tables) + u", "_s + count_text(records) + u" rows"_s;
         show(tables_done == tables);
     }
 
@@ -136,19 +110,19 @@ public:
         out.note(u"finishing what is being written; again to stop at once"_s);
     }
 
-    void source_finished(const source_request &request, const source_outcome &outcome) override
+    void source_finished(const source_request &request, const source_record &record) override
     {
         running.remove(request.number);
         ++sources_done;
-        for (const table_rows &rows : outcome.record.rows)
+        for (const table_rows &rows : record.rows)
             rows_stored += rows.stored.value_or(0);
         out.progress().clear();
         if (options.source_count == 1)
-            out.print_unless_quiet(result_lines(request, outcome));
+            out.print_unless_quiet(result_lines(request, record));
         else
-            out.print_unless_quiet({result_line(request, outcome)});
-        for (const run_message &message : outcome.messages)
-            tell(out, message, prefix(request));
+            out.print_unless_quiet({result_line(request, record)});
+        for (const run_message &message : record.messages)
+            print(out, message, prefix(request));
         if (sources_done < options.source_count)
             show();
     }
@@ -164,8 +138,8 @@ private:
     {
         if (options.source_count == 1)
             return {u"Extracting: "_s + running.first()};
-        QString all = number_text(sources_done) + u" of "_s + number_text(options.source_count) + u" sources, "_s
-                      + number_text(rows_stored) + u" rows, "_s + number_text(hashed >> 20) + u" MiB hashed"_s;
+        QString all = count_text(sources_done) + u" of "_s + count_text(options.source_count) + u" sources, "_s
+                      + count_text(rows_stored) + u" rows, "_s + count_text(hashed >> 20) + u" MiB hashed"_s;
         if (sources_done > 0)
             all += u", "_s
                    + duration_text(clock.elapsed() * (options.source_count - sources_done) / sources_done / 1000)
@@ -241,16 +215,16 @@ public:
         out.event({{u"event"_s, u"cancelling"_s}});
     }
 
-    void source_finished(const source_request &request, const source_outcome &outcome) override
+    void source_finished(const source_request &request, const source_record &record) override
     {
-        const QJsonObject record = outcome.record.to_json();
-        for (const run_message &message : outcome.messages)
+        const QJsonObject json = record.to_json();
+        for (const run_message &message : record.messages)
             write_message(request, message);
         out.event({{u"event"_s, u"finished"_s},
                    {u"source"_s, request.number},
-                   {u"status"_s, record.value("status"_L1)},
-                   {u"exit_code"_s, record.value("exit_code"_L1)},
-                   {u"rows"_s, record.value("rows"_L1)},
+                   {u"status"_s, json.value("status"_L1)},
+                   {u"exit_code"_s, json.value("exit_code"_L1)},
+                   {u"rows"_s, json.value("rows"_L1)},
                    {u"sources_done"_s, ++sources_done},
                    {u"sources"_s, options.source_count}});
     }

@@ -6,19 +6,13 @@
 #include "host/case/stored_source.h"
 #include "host/files/host_error.h"
 #include "host/report/tables/report_table.h"
-
-#include <QLocale>
+#include "host/text/count_text.h"
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QString number_text(qint64 number)
-{
-    return QLocale(QLocale::English).toString(number);
-}
 
 terminal_text legend()
 {
@@ -64,9 +58,8 @@ public:
             const table_view view(result, table, options.most_rows);
             const qint64 rows = options.most_rows ? result.row_count(table) : view.row_count();
             counts.append(
-                (has_several ? source.name + u"  "_s : QString()) + table.leftJustified(14) + u"  "_s
-                + number_text(rows) + (rows == 1 ? u" row"_s : u" rows"_s)
-                + (rows > view.row_count() ? u", "_s + number_text(view.row_count()) + u" shown"_s : QString()));
+                (has_several ? source.name + u"  "_s : QString()) + table.leftJustified(14) + u"  "_s + rows_text(rows)
+                + (rows > view.row_count() ? u", "_s + count_text(view.row_count()) + u" shown"_s : QString()));
             if (view.row_count() == 0)
                 continue;
             view.print(out, options.layout);

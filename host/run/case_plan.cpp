@@ -3,9 +3,6 @@
 
 #include "host/run/case_plan.h"
 
-#include "host/case/completeness.h"
-#include "host/files/host_error.h"
-#include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
 #include "host/text/json_member.h"
@@ -15,6 +12,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <iterator>
 
 #include <sqlite3.h>
 
@@ -64,134 +62,94 @@ QJsonObject facts_of(const case_request &request, const QList<named_source> &all
     };
 }
 
-/** The sources that the case holds already. */
-QList<named_source> recorded(const case_layout &layout)
-{
-    QList<named_source> sources;
-    for (const int number : recorded_sources(layout)) {
-        const source_record record = read_source_record(layout, number).source;
-        named_source source;
-        source.number = record.number;
-        source.name = record.name;
-        source.path = record.path;
-        source.place = u"source "_s + QString::number(number) + u" of the case"_s;
-        sources.append(source);
-    }
-    return sources;
-}
-
 /** --add: the new ones get the highest number plus one, and so on. */
-void add_to_case(const case_request &request, case_plan &plan)
+source_choice added_sources(const case_request &request, const QList<earlier_source> &earlier)
 {
-    const case_layout layout(request.directory);
-    plan.all = recorded(layout);
-    if (plan.all.isEmpty())
-        refuse(u"there is no case to add to: "_s + request.directory);
+    source_choice choice;
     int highest = 0;
-    for (const named_source &source : std::as_const(plan.all))
+    for (const earlier_source &source : earlier) {
+        if (source.problem)
+            throw *source.problem;
+        if (!source.has_record)
+            continue;
+        named_source known;
+        known.number = source.number;
+        known.name = source.name;
+        known.path = source.path;
+        known.place = u"source "_s + QString::number(source.number) + u" of the case"_s;
+        choice.all.append(known);
         highest = qMax(highest, source.number);
+    }
+    if (choice.all.isEmpty())
+        refuse(u"there is no case to add to: "_s + request.directory);
     for (named_source source : request.sources) {
         if (source.number == -1)
             source.number = ++highest;
-        plan.to_run.append(source);
+        choice.to_run.append(source);
     }
-    plan.all += plan.to_run;
-    number_sources(plan.all);
-    refuse_overlaps(plan.all, path_comparison::places);
+    choice.all += choice.to_run;
+    number_sources(choice.all);
+    return choice;
 }
 
-/** --resume: everything that is neither done nor partial. */
-void continue_case(const case_request &request, case_plan &plan)
+QList<named_source> only_source(int number, const QList<named_source> &all)
 {
-    const case_layout layout(request.directory);
-    const QString list_hash = sources_identity(plan.all).value("sha256"_L1).toString();
+    for (const named_source &source : all) {
+        if (source.number == number)
+            return {source};
+    }
+    refuse(u"no source has the number "_s + QString::number(number) + u" of --only"_s);
+}
+
+/** A run is continued with the sources and the options that it began with. */
+void refuse_another_run(const earlier_source &source, const QString &list_hash, const QJsonObject &options)
+{
+    if (source.list_sha256 != list_hash)
+        refuse(u"the sources are not those of the first run, by the record of source "_s
+               + QString::number(source.number) + u": --resume takes the same ones"_s);
+    QStringList different;
+    for (auto option = options.begin(); option != options.end(); ++option) {
+        if (source.result_options.value(option.key()) != option.value())
+            different.append(option.key());
+    }
+    if (!different.isEmpty())
+        refuse(u"these options are not those of the first run: "_s + different.join(u", "_s)
+               + u": --resume takes the same ones, --force starts anew"_s);
+}
+
+/** --resume: everything that is not done. */
+QList<named_source> unfinished_sources(const case_request &request, const QList<named_source> &all,
+                                       const QList<earlier_source> &earlier)
+{
+    const QString list_hash = sources_identity(all).value("sha256"_L1).toString();
     const QJsonObject options = result_options(request);
-    for (const named_source &source : std::as_const(plan.all)) {
-        if (!path_exists(layout.source(source.number).record())) {
-            plan.to_run.append(source);
+    QSet<int> done;
+    for (const earlier_source &source : earlier) {
+        if (source.problem)
+            throw *source.problem;
+        if (!source.has_record)
             continue;
-        }
-        const kept_record record = read_source_record(layout, source.number);
-        if (record.members.value("case_sources"_L1).toObject().value("sha256"_L1) != list_hash)
-            refuse(u"the sources are not those of the first run, by the record of source "_s
-                   + QString::number(source.number) + u": --resume takes the same ones"_s);
-        const QJsonObject earlier = record.members.value("result_options"_L1).toObject();
-        QStringList different;
-        for (auto option = options.begin(); option != options.end(); ++option) {
-            if (earlier.value(option.key()) != option.value())
-                different.append(option.key());
-        }
-        if (!different.isEmpty())
-            refuse(u"these options are not those of the first run: "_s + different.join(u", "_s)
-                   + u": --resume takes the same ones, --force starts anew"_s);
-        const source_status status = record.source.status;
-        if (status != source_status::done && status != source_status::partial)
-            plan.to_run.append(source);
+        refuse_another_run(source, list_hash, options);
+        if (source.status == source_status::done)
+            done.insert(source.number);
     }
+    QList<named_source> rest;
+    std::copy_if(all.cbegin(), all.cend(), std::back_inserter(rest),
+                 [&done](const named_source &source) { return !done.contains(source.number); });
+    return rest;
 }
 
-void refuse_earlier_run(const case_request &request, const case_plan &plan)
+QList<earlier_source> earlier_sources(const case_request &request)
 {
     const case_layout layout(request.directory);
-    QList<int> numbers;
-    if (request.only) {
-        numbers.append(*request.only);
-    } else {
-        for (const named_source &source : plan.to_run)
-            numbers.append(source.number);
-        if (request.earlier == case_request::earlier_run::refused)
-            numbers += layout.source_numbers();
-    }
-    QSet<int> to_run;
-    for (const named_source &source : plan.to_run)
-        to_run.insert(source.number);
-    for (const int number : std::as_const(numbers)) {
-        // What a run that did not come to its end left may be made anew.
-        if (!layout.source(number).holds_a_run() || (to_run.contains(number) && was_left_incomplete(layout, number)))
-            continue;
-        if (request.earlier == case_request::earlier_run::added_to)
-            refuse(u"the case already holds a result, "_s + layout.source(number).folder());
-        refuse(u"the case already holds a result, "_s + layout.source(number).folder()
-               + u": --resume runs what is not done, --force removes it first"_s);
-    }
+    if (request.only) // one of a million sources must not look at all the others: so would each of them
+        return {read_earlier_source(layout, *request.only)};
+    if (request.earlier == case_request::earlier_run::removed)
+        return {};
+    return read_earlier_sources(layout);
 }
 
-/** All of them must be usable, or some of several must be readable. */
-void check_sources(const case_request &request, const case_plan &plan)
-{
-    qsizetype readable = 0;
-    std::optional<host_error> first;
-    for (const named_source &source : plan.to_run) {
-        try {
-            check_places(request_for(request, source));
-            ++readable;
-        } catch (const host_error &error) {
-            if (error.kind() != error_kind::not_found)
-                throw;
-            if (!first)
-                first = error;
-        }
-    }
-    const bool is_one_of_many = request.only || plan.all.size() > plan.to_run.size();
-    if (first && readable == 0 && !is_one_of_many)
-        throw *first;
-}
-
-} // namespace
-
-source_request request_for(const case_request &request, const named_source &named)
-{
-    source_request source;
-    source.source = find_source(named.path, named.kind, request.options.tables, request.options.follow_links);
-    source.number = named.number;
-    source.name = named.name;
-    source.case_directory = request.directory;
-    source.options = request.options;
-    if (source.source.kind == &ios_uid_kind && request.options.engine_type != 0)
-        refuse(u"iOS sources are extracted with the engine KALDO_DESK only"_s);
-    return source;
-}
-
+/** The places of the case and of a source of it must not meet. */
 void check_places(const source_request &request)
 {
     const QStringList forbidden = request.options.is_live ? evidence_folders(request.source)
@@ -208,33 +166,106 @@ void check_places(const source_request &request)
         refuse(u"the source lies inside the case's folder for it, which is made anew: "_s + request.source.path);
 }
 
-case_plan plan_case(const case_request &request)
+/** Finds the source. One that cannot be read is kept with the reason. */
+planned_source plan_source(const case_request &request, const named_source &named)
+{
+    planned_source planned;
+    source_request &source = planned.request;
+    source.source.path = named.path;
+    source.source.kind = named.kind;
+    source.number = named.number;
+    source.name = named.name;
+    source.case_directory = request.directory;
+    source.options = request.options;
+    try {
+        source.source = find_source(named.path, named.kind, request.options.tables, request.options.follow_links);
+    } catch (const host_error &error) {
+        if (error.kind() != error_kind::not_found)
+            throw;
+        planned.problem = error;
+        return planned;
+    }
+    if (source.source.kind == &ios_uid_kind && request.options.engine_type != 0)
+        refuse(u"iOS sources are extracted with the engine KALDO_DESK only"_s);
+    check_places(source);
+    return planned;
+}
+
+/** Unless the case has other sources, one of them at least must be readable. */
+void require_readable_source(const case_request &request, const case_plan &plan)
+{
+    const bool is_one_of_many = request.only || plan.all.size() > plan.to_run.size();
+    const auto is_unreadable = [](const planned_source &source) { return source.problem.has_value(); };
+    if (!is_one_of_many && !plan.to_run.isEmpty()
+        && std::all_of(plan.to_run.cbegin(), plan.to_run.cend(), is_unreadable))
+        throw *plan.to_run.first().problem;
+}
+
+} // namespace
+
+source_choice choose_sources(const case_request &request, const QList<earlier_source> &earlier)
 {
     using earlier_run = case_request::earlier_run;
-    case_plan plan;
+    source_choice choice;
     if (request.earlier == earlier_run::added_to) {
-        add_to_case(request, plan);
+        choice = added_sources(request, earlier);
     } else {
-        plan.all = request.sources;
-        number_sources(plan.all);
-        // One of a million sources must not look at all the others: so would each of them.
-        refuse_overlaps(plan.all, request.only ? path_comparison::texts : path_comparison::places);
-        if (request.only) {
-            for (const named_source &source : std::as_const(plan.all)) {
-                if (source.number == *request.only)
-                    plan.to_run.append(source);
-            }
-            if (plan.to_run.isEmpty())
-                refuse(u"no source has the number "_s + QString::number(*request.only) + u" of --only"_s);
-        } else if (request.earlier == earlier_run::continued) {
-            continue_case(request, plan);
-        } else {
-            plan.to_run = plan.all;
-        }
+        choice.all = request.sources;
+        number_sources(choice.all);
+        choice.to_run = choice.all;
+        if (request.only)
+            choice.to_run = only_source(*request.only, choice.all);
+        else if (request.earlier == earlier_run::continued)
+            choice.to_run = unfinished_sources(request, choice.all, earlier);
     }
-    check_sources(request, plan);
-    if (request.earlier == earlier_run::refused || request.earlier == earlier_run::added_to)
-        refuse_earlier_run(request, plan);
+    return choice;
+}
+
+void refuse_earlier_results(const case_request &request, const source_choice &choice,
+                            const QList<earlier_source> &earlier)
+{
+    using earlier_run = case_request::earlier_run;
+    if (request.earlier == earlier_run::removed || request.earlier == earlier_run::continued)
+        return;
+    const bool is_added = request.earlier == earlier_run::added_to;
+    QSet<int> to_run;
+    for (const named_source &source : choice.to_run)
+        to_run.insert(source.number);
+    for (const earlier_source &source : earlier) {
+        const bool is_to_run = to_run.contains(source.number);
+        // What a run that did not come to its end left may be made anew.
+        if (!source.holds_a_run || (is_added && !is_to_run) || (is_to_run && source.was_left_incomplete()))
+            continue;
+        const QString result = u"the case already holds a result, "_s
+                               + source_layout(request.directory, source.number).folder();
+        refuse(is_added ? result : result + u": --resume runs what is not done, --force removes it first"_s);
+    }
+}
+
+case_plan plan_case(const case_request &request)
+{
+    const QList<earlier_source> earlier = earlier_sources(request);
+    const source_choice choice = choose_sources(request, earlier);
+    refuse_overlaps(choice.all, request.only ? path_comparison::texts : path_comparison::places);
+    case_plan plan;
+    plan.all = choice.all;
+    for (const named_source &source : choice.to_run)
+        plan.to_run.append(plan_source(request, source));
+    require_readable_source(request, plan);
+    refuse_earlier_results(request, choice, earlier);
     plan.facts.members = facts_of(request, plan.all);
     return plan;
+}
+
+void check_plan(const case_request &request, const case_plan &plan)
+{
+    const QList<earlier_source> earlier = earlier_sources(request);
+    const source_choice choice = choose_sources(request, earlier);
+    refuse_earlier_results(request, choice, earlier);
+    const bool is_same = std::equal(choice.to_run.cbegin(), choice.to_run.cend(), plan.to_run.cbegin(),
+                                    plan.to_run.cend(), [](const named_source &now, const planned_source &then) {
+                                        return now.number == then.request.number;
+                                    });
+    if (!is_same || choice.all.size() != plan.all.size())
+        refuse(u"another run has worked on the case meanwhile: "_s + request.directory);
 }

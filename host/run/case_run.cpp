@@ -3,189 +3,35 @@
 
 #include "host/run/case_run.h"
 
-#include "host/case/completeness.h"
 #include "host/files/file_lock.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/utc_time.h"
 #include "host/run/case_plan.h"
+#include "host/run/case_preparation.h"
 #include "host/run/interruption.h"
-#include "host/run/source_run.h"
-
-#include <QDir>
-#include <QFile>
-#include <QSet>
+#include "host/run/shared_observer.h"
 
 #include <algorithm>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
-#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/** Temporary folders go with all that is in them when the run ends: what others put there must be moved away first. */
-void refuse_foreign_temporaries(const source_layout &layout)
-{
-    for (const QString &folder : {layout.temporary_folder(), layout.plugin_temporary_folder()}) {
-        if (path_exists(folder))
-            throw host_error(error_kind::refused,
-                             u"this is not of an earlier run and stands in the way, move it elsewhere first: "_s
-                                 + folder);
-    }
-}
-
-/** Locks the case and makes room in it, once, when the first plug-in is loaded. */
-class case_preparation
-{
-public:
-    case_preparation(const case_request &case_to_prepare, const case_plan &case_to_run, run_observer &run)
-        : request(case_to_prepare)
-        , plan(case_to_run)
-        , observer(run)
-    {
-    }
-
-    void prepare()
-    {
-        const std::lock_guard guard(mutex);
-        if (is_prepared)
-            return;
-        make_folder(request.directory);
-        const case_layout layout(request.directory);
-        if (!request.only)
-            lock = std::make_unique<file_lock>(layout.lock());
-        plan_case(request); // another run may have been here meanwhile
-        remove_earlier_runs(layout);
-        is_prepared = true;
-    }
-
-    bool is_done() const
-    {
-        const std::lock_guard guard(mutex);
-        return is_prepared;
-    }
-
-private:
-    void remove_earlier_runs(const case_layout &layout)
-    {
-        QList<int> numbers;
-        for (const named_source &source : plan.to_run)
-            numbers.append(source.number);
-        if (request.earlier == case_request::earlier_run::removed && !request.only)
-            numbers += layout.source_numbers();
-        std::sort(numbers.begin(), numbers.end());
-        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-        for (const int number : std::as_const(numbers)) {
-            if (path_exists(layout.source(number).lock()))
-                const file_lock nobody_works_here(layout.source(number).lock());
-        }
-        const bool is_removed = request.earlier == case_request::earlier_run::removed
-                                || request.earlier == case_request::earlier_run::continued;
-        QStringList kept;
-        for (const int number : std::as_const(numbers)) {
-            if (is_removed || was_left_incomplete(layout, number))
-                kept += layout.source(number).remove_run();
-        }
-        if (!kept.isEmpty())
-            observer.kept(kept);
-        for (const named_source &source : plan.to_run)
-            refuse_foreign_temporaries(layout.source(source.number));
-        if (request.earlier == case_request::earlier_run::removed && !request.only) {
-            QFile::remove(layout.manifest());
-            QFile::remove(layout.manifest_hash());
-            remove_other_folders(layout);
-        }
-    }
-
-    /** The folders of sources that the case has no longer, if nothing else is in them. */
-    void remove_other_folders(const case_layout &layout) const
-    {
-        QSet<int> ours;
-        for (const named_source &source : plan.all)
-            ours.insert(source.number);
-        for (const int number : layout.source_numbers()) {
-            if (ours.contains(number))
-                continue;
-            QFile::remove(layout.source(number).lock());
-            QDir().rmdir(layout.source(number).folder());
-        }
-    }
-
-    const case_request &request;
-    const case_plan &plan;
-    run_observer &observer;
-    mutable std::mutex mutex;
-    std::unique_ptr<file_lock> lock;
-    bool is_prepared = false;
-};
-
-/** Lets sources that run side by side tell one observer. */
-class shared_observer : public run_observer
-{
-public:
-    explicit shared_observer(run_observer &run)
-        : observer(run)
-    {
-    }
-
-    void kept(const QStringList &paths) override
-    {
-        const std::lock_guard guard(mutex);
-        observer.kept(paths);
-    }
-    void source_started(const source_request &request, const QList<run_message> &messages) override
-    {
-        const std::lock_guard guard(mutex);
-        observer.source_started(request, messages);
-    }
-    void bytes_hashed(const source_request &request, qint64 bytes) override
-    {
-        const std::lock_guard guard(mutex);
-        observer.bytes_hashed(request, bytes);
-    }
-    void records_announced(const source_request &request, qint64 records, int tables_done) override
-    {
-        const std::lock_guard guard(mutex);
-        observer.records_announced(request, records, tables_done);
-    }
-    void worker_said(const source_request &request, const QString &line) override
-    {
-        const std::lock_guard guard(mutex);
-        observer.worker_said(request, line);
-    }
-    void cancelling(const source_request &request) override
-    {
-        const std::lock_guard guard(mutex);
-        if (!std::exchange(is_cancelling, true))
-            observer.cancelling(request);
-    }
-    void source_finished(const source_request &request, const source_outcome &outcome) override
-    {
-        const std::lock_guard guard(mutex);
-        observer.source_finished(request, outcome);
-    }
-
-private:
-    run_observer &observer;
-    std::mutex mutex;
-    bool is_cancelling = false;
-};
-
 /** The sources that wait for their turn, and what became of the others. */
 class source_queue
 {
 public:
-    source_queue(const case_request &case_to_run, const case_plan &case_plan, run_observer &run)
+    source_queue(const case_request &case_to_run, const case_plan &plan_of_case, run_observer &run)
         : request(case_to_run)
-        , plan(case_plan)
+        , plan(plan_of_case)
         , observer(run)
-        , preparation(case_to_run, case_plan, observer)
+        , preparation(case_to_run, plan_of_case, observer)
     {
     }
 
@@ -204,7 +50,7 @@ public:
     }
 
 private:
-    const named_source *next()
+    const planned_source *next()
     {
         const std::lock_guard guard(mutex);
         if (failure || interruption::was_asked_for() || position == plan.to_run.size())
@@ -214,7 +60,7 @@ private:
 
     void work()
     {
-        while (const named_source *source = next()) {
+        while (const planned_source *source = next()) {
             try {
                 run_one(*source);
             } catch (...) {
@@ -225,66 +71,51 @@ private:
         }
     }
 
-    void run_one(const named_source &named)
+    void run_one(const planned_source &source)
     {
-        source_request source;
-        source_outcome outcome;
+        source_record record;
         try {
-            source = request_for(request, named);
-            outcome = run_source(source, plan.facts, observer, [this] { preparation.prepare(); });
-        } catch (const host_error &error) {
-            const bool is_unreadable = error.kind() == error_kind::not_found;
-            if (is_unreadable)
+            if (source.problem) {
                 preparation.prepare();
+                throw host_error(*source.problem);
+            }
+            record = run_source(source.request, plan.facts, observer, [this] { preparation.prepare(); });
+        } catch (const host_error &error) {
             if (!preparation.is_done() || plan.all.size() == 1)
                 throw;
-            source = unreadable_request(named);
-            outcome = failed_outcome(named, error);
+            record = failed_record(source.request, error);
             if (error.kind() != error_kind::refused) // somebody else works on it
-                write_failed_record(source, outcome);
+                write_failed_record(source.request, record);
         }
-        observer.source_finished(source, outcome);
+        observer.source_finished(source.request, record);
         const std::lock_guard guard(mutex);
-        tally.add(outcome.record);
+        tally.add(record);
     }
 
-    source_request unreadable_request(const named_source &named) const
+    static source_record failed_record(const source_request &source, const host_error &error)
     {
-        source_request source;
-        source.source.path = named.path;
-        source.source.kind = named.kind;
-        source.number = named.number;
-        source.name = named.name;
-        source.case_directory = request.directory;
-        source.options = request.options;
-        return source;
+        source_record record;
+        record.number = source.number;
+        record.name = source.name;
+        record.path = source.source.path;
+        record.type = source.source.kind ? QString(source.source.kind->name) : QString();
+        record.status = source_status::failed;
+        record.exit_code = int(error.kind() == error_kind::not_found ? outcome_code::no_evidence
+                                                                     : outcome_code::partial);
+        record.started = utc_now();
+        record.finished = record.started;
+        record.add_error(error.message());
+        return record;
     }
 
-    static source_outcome failed_outcome(const named_source &named, const host_error &error)
-    {
-        source_outcome outcome;
-        outcome.record.number = named.number;
-        outcome.record.name = named.name;
-        outcome.record.path = named.path;
-        outcome.record.type = named.kind ? QString(named.kind->name) : QString();
-        outcome.record.status = source_status::failed;
-        outcome.record.exit_code = int(error.kind() == error_kind::not_found ? outcome_code::no_evidence
-                                                                             : outcome_code::partial);
-        outcome.record.started = utc_now();
-        outcome.record.finished = outcome.record.started;
-        outcome.record.messages = {error.message()};
-        outcome.messages = {{run_message::weight::error, error.message()}};
-        return outcome;
-    }
-
-    void write_failed_record(const source_request &source, source_outcome &outcome) const
+    void write_failed_record(const source_request &source, source_record &record) const
     {
         try {
             make_folder(source.layout().folder());
             const file_lock lock(source.layout().lock());
-            write_source_record(source, plan.facts, outcome.record);
+            write_source_record(source, plan.facts, record);
         } catch (const host_error &error) {
-            outcome.messages.append({run_message::weight::error, error.message()});
+            record.add_error(error.message());
         }
     }
 

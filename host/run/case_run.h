@@ -4,43 +4,14 @@
 #ifndef HOST_RUN_CASE_RUN_H
 #define HOST_RUN_CASE_RUN_H
 
-#include "host/case/case_sources.h"
 #include "host/case/manifest.h"
+#include "host/run/case_request.h"
 #include "host/run/run_observer.h"
-#include "host/run/source_request.h"
-
-#include <QList>
-#include <QString>
-#include <QStringList>
-
-#include <optional>
-
-/** What the examiner asked of one case. */
-struct case_request
-{
-    /** What to do with the result of an earlier run. */
-    enum class earlier_run {
-        refused,
-        removed,   ///< --force
-        continued, ///< --resume
-        added_to,  ///< --add
-    };
-
-    QList<named_source> sources; ///< all of the case; of those that are added to one, the new ones
-    QString directory;           ///< absolute
-    extraction_options options;
-    earlier_run earlier = earlier_run::refused;
-    std::optional<int> only; ///< this source alone, without touching anything outside its folder
-    int jobs = 1;            ///< sources side by side
-    QStringList arguments;   ///< of the program, for the record
-    QString examiner;
-    QString case_number;
-};
 
 /**
- * Extracts the sources into the case and tells @p observer. Nothing is touched before sources, case and plug-in are
- * known to be usable; throws host_error when the run cannot begin. The case ends with its manifest, unless one source
- * alone was asked for.
+ * Extracts the sources into the case and reports to @p observer. Nothing is touched before sources, case and plug-in
+ * are known to be usable; throws host_error when the run cannot begin. The case ends with its manifest, unless one
+ * source alone was asked for.
  */
 case_tally run_case(const case_request &request, run_observer &observer);
 

@@ -109,9 +109,10 @@ public:
                 on_line(rest);
             return false;
         }
+        const qsizetype known = rest.size(); // holds no line end
         rest.append(bytes, count);
         qsizetype start = 0;
-        for (qsizetype end = rest.indexOf('\n'); end != -1; end = rest.indexOf('\n', start)) {
+        for (qsizetype end = rest.indexOf('\n', known); end != -1; end = rest.indexOf('\n', start)) {
             on_line(rest.sliced(start, end - start));
             start = end + 1;
         }
@@ -170,15 +171,13 @@ child_process::~child_process()
     }
 }
 
-void child_process::write_line(const QByteArray &line)
+void child_process::write(QByteArrayView lines)
 {
-    const QByteArray bytes = line + '\n';
-    qsizetype done = 0;
-    while (done < bytes.size()) {
-        const auto count = ::write(input.number(), bytes.constData() + done, size_t(bytes.size() - done));
+    while (!lines.isEmpty()) {
+        const auto count = ::write(input.number(), lines.data(), size_t(lines.size()));
         if (count < 0 && errno != EINTR)
             return;
-        done += qMax<qsizetype>(0, count);
+        lines = lines.sliced(qMax<qsizetype>(0, count));
     }
 }
 
@@ -189,7 +188,7 @@ child_end child_process::wait(const std::function<void(const QByteArray &line)> 
     child_end end;
     const QDeadlineTimer deadline(seconds == 0 ? QDeadlineTimer(QDeadlineTimer::Forever)
                                                : QDeadlineTimer(seconds * 1000));
-    int told = 0;
+    int sent = 0; // of the cancellations
     bool is_ended = false;
     int status = 0;
     line_reader output_lines;
@@ -211,9 +210,9 @@ child_end child_process::wait(const std::function<void(const QByteArray &line)> 
             }
             is_ended = true;
         }
-        if (const int cancelled = cancellations(); !is_ended && cancelled > told) {
+        if (const int cancelled = cancellations(); !is_ended && cancelled > sent) {
             ::kill(cancelled == 1 ? process : -process, cancelled == 1 ? SIGINT : SIGKILL);
-            told = cancelled;
+            sent = cancelled;
         }
         if (!is_ended && deadline.hasExpired() && !end.is_timed_out) {
             end.is_timed_out = true;

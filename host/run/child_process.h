@@ -12,7 +12,6 @@
 #include <QStringList>
 
 #include <functional>
-#include <optional>
 
 #include <sys/types.h>
 
@@ -28,9 +27,9 @@ struct child_end
 };
 
 /**
- * A child process with a line of text as unit of talk: it reads lines from its standard input, and this process gets
- * the lines of its standard output and standard error. Its standard input ends with this process, which is how the
- * child learns that it is alone. It does not get the terminal's Ctrl-C.
+ * A child process that talks in lines. Its input closes when this process ends; that makes it exit. It does not get the
+ * terminal's Ctrl-C. QProcess would reap the child by itself: its group could not be killed while the number is its
+ * own.
  */
 class child_process
 {
@@ -42,11 +41,11 @@ public:
     child_process(const child_process &) = delete;
     child_process &operator=(const child_process &) = delete;
 
-    /** A line for the child's standard input. A child that is gone gets none; wait() tells. */
-    void write_line(const QByteArray &line);
+    /** Whole lines for the child's standard input. A child that is gone gets none, which wait() reports. */
+    void write(QByteArrayView lines);
 
     /**
-     * Gives every line to one of the two until the child has ended; kills it after @p seconds (0: never). When
+     * Passes every line to one of the two until the child has ended; kills it after @p seconds (0: never). When
      * @p cancellations gives 1 the child gets SIGINT, from 2 on it is killed.
      */
     child_end wait(const std::function<void(const QByteArray &line)> &on_output,

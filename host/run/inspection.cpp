@@ -164,25 +164,11 @@ inspection inspect(const source_request &request, const evidence_state &evidence
     return result;
 }
 
-QJsonObject evidence_to_json(const evidence_state &evidence)
-{
-    source_record record;
-    record.evidence = evidence;
-    return record.to_json();
-}
-
-evidence_state evidence_from_json(const QJsonObject &json)
-{
-    return source_record::from_json(json).evidence;
-}
-
 QJsonObject inspection::to_json() const
 {
-    source_record record;
-    record.evidence = evidence;
-    record.rows = rows;
-    record.wal = wal;
-    return {{u"record"_s, record.to_json()},
+    return {{u"evidence"_s, evidence.to_json()},
+            {u"rows"_s, rows_to_json(rows)},
+            {u"wal"_s, wal},
             {u"changes"_s, QJsonArray::fromStringList(changes)},
             {u"problems"_s, QJsonArray::fromStringList(problems)},
             {u"warnings"_s, QJsonArray::fromStringList(warnings)},
@@ -194,10 +180,9 @@ QJsonObject inspection::to_json() const
 inspection inspection::from_json(const QJsonObject &json)
 {
     inspection result;
-    const source_record record = source_record::from_json(json.value("record"_L1).toObject());
-    result.evidence = record.evidence;
-    result.rows = record.rows;
-    result.wal = record.wal;
+    result.evidence = evidence_state::from_json(json.value("evidence"_L1).toObject());
+    result.rows = rows_from_json(json.value("rows"_L1).toObject());
+    result.wal = json.value("wal"_L1);
     result.changes = texts_from(json.value("changes"_L1));
     result.problems = texts_from(json.value("problems"_L1));
     result.warnings = texts_from(json.value("warnings"_L1));

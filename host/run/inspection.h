@@ -47,8 +47,4 @@ bool is_nothing_readable(const source_request &request, const evidence_state &ev
 /** Rolls back what a plug-in that was stopped left half written in the result, so that no journal stays beside it. */
 void settle_result(const source_request &request);
 
-/** JSON of an evidence_state, as the worker process sends it. */
-QJsonObject evidence_to_json(const evidence_state &evidence);
-evidence_state evidence_from_json(const QJsonObject &json);
-
 #endif

@@ -4,11 +4,12 @@
 #ifndef HOST_RUN_RUN_OBSERVER_H
 #define HOST_RUN_RUN_OBSERVER_H
 
-#include "host/run/source_outcome.h"
+#include "host/case/source_record.h"
+#include "host/run/source_request.h"
 
 #include <QString>
 
-/** Is told how a run goes. Sources that run side by side tell it one at a time. */
+/** Sees how a run goes. Sources that run side by side call it one at a time. */
 class run_observer
 {
 public:
@@ -22,9 +23,9 @@ public:
     virtual void records_announced(const source_request &request, qint64 records, int tables_done) = 0;
     /** A line that the process that runs the plug-in wrote to standard error. */
     virtual void worker_said(const source_request &request, const QString &line) = 0;
-    /** The examiner asked for an end; the plug-in is told and finishes what it writes. Comes once for a run. */
+    /** The examiner cancelled. Called once a run. */
     virtual void cancelling(const source_request &request) = 0;
-    virtual void source_finished(const source_request &request, const source_outcome &outcome) = 0;
+    virtual void source_finished(const source_request &request, const source_record &record) = 0;
 };
 
 #endif

@@ -10,13 +10,14 @@
 #include "host/files/system_error.h"
 #include "host/files/utc_time.h"
 #include "host/run/interruption.h"
+#include "host/run/notices_before_run.h"
+#include "host/run/source_outcome.h"
 #include "host/run/worker_environment.h"
 #include "host/source/evidence_files.h"
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonDocument>
 
 #include <cerrno>
 #include <memory>
@@ -29,13 +30,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype most_lines_of_a_failure = 10;
 constexpr int times_to_stop_at_once = 2;
-
-QByteArray to_line(const QJsonObject &json)
-{
-    return QJsonDocument(json).toJson(QJsonDocument::Compact);
-}
 
 /** Bytes of the macOS databases, which are copied twice: by the plug-in and by the host. */
 qint64 bytes_to_stage(const source_request &request)
@@ -100,9 +95,9 @@ public:
         record.type = request.source.kind->name;
     }
 
-    source_outcome run(const std::function<void()> &prepare)
+    source_record run(const std::function<void()> &prepare)
     {
-        const child_end end = run_worker(u"extract"_s, prepare);
+        const child_end end = run_worker(worker_order::task::extract, prepare);
         if (failure)
             std::rethrow_exception(failure);
         report.end = end;
@@ -116,9 +111,9 @@ public:
         }
         // What the worker could not look at any more, another one does that never loads the plug-in.
         if (!report.inspected && report.looked && interruption::times() < times_to_stop_at_once)
-            run_worker(u"inspect"_s, {});
+            run_worker(worker_order::task::inspect, {});
         if (!report.inspected)
-            run_worker(u"settle"_s, {});
+            run_worker(worker_order::task::settle, {});
         return finish();
     }
 
@@ -129,41 +124,33 @@ private:
     }
 
     /** What was done is looked at even if the examiner has had enough; only a second word stops that too. */
-    int cancellations(const QString &task)
+    int cancellations(worker_order::task task)
     {
         if (failure)
             return 1;
         const int times = interruption::times();
         if (times == 1 && is_prepared && !std::exchange(is_cancelling, true))
             observer.cancelling(request);
-        if (task == "settle"_L1)
+        if (task == worker_order::task::settle)
             return 0;
-        return task == "inspect"_L1 && times < times_to_stop_at_once ? 0 : times;
+        return task == worker_order::task::inspect && times < times_to_stop_at_once ? 0 : times;
     }
 
-    child_end run_worker(const QString &task, const std::function<void()> &prepare)
+    child_end run_worker(worker_order::task task, const std::function<void()> &prepare)
     {
         child_process worker(QCoreApplication::applicationFilePath(), {u"worker"_s}, worker_environment());
-        QJsonObject message = request.to_json();
-        message.insert(u"task"_s, task);
-        if (report.looked)
-            message.insert(u"evidence"_s, evidence_to_json(*report.looked));
-        worker.write_line(to_line(message));
+        worker.write(worker_order{task, request, report.looked.value_or(evidence_state())}.to_line());
         const auto on_event = [&](const QByteArray &line) {
-            const QString event = report.take(line);
-            if (event == worker_events::loaded)
+            const worker_event event = report.take(line);
+            if (event == worker_event::loaded)
                 start(worker, prepare);
             else
-                tell(event);
+                emit_progress(event);
         };
         const auto on_error = [this](const QByteArray &line) {
-            const QString text = QString::fromUtf8(line);
-            observer.worker_said(request, text);
-            last_lines.append(text);
-            if (last_lines.size() > most_lines_of_a_failure)
-                last_lines.removeFirst();
+            observer.worker_said(request, QString::fromUtf8(line));
         };
-        return worker.wait(on_event, on_error, request.options.timeout, [this, &task] { return cancellations(task); });
+        return worker.wait(on_event, on_error, request.options.timeout, [this, task] { return cancellations(task); });
     }
 
     /** The plug-in can be used: now the case is laid out, and the worker may go on. */
@@ -172,7 +159,7 @@ private:
         try {
             prepare();
             prepare_source();
-            worker.write_line(worker_events::start_word.toByteArray());
+            worker.write(start_word);
         } catch (const host_error &) {
             failure = std::current_exception();
         }
@@ -190,15 +177,15 @@ private:
         write_source_record(request, facts, record);
         make_folder(layout.temporary_folder());
         create_plugin_log(layout.plugin_log());
-        observer.source_started(request, messages_before_run(request));
+        observer.source_started(request, notices_before_run(request));
         is_prepared = true;
     }
 
-    void tell(const QString &event)
+    void emit_progress(worker_event event)
     {
-        if (event == worker_events::hashed)
+        if (event == worker_event::hashed)
             observer.bytes_hashed(request, report.last_count);
-        else if (event == worker_events::records || event == worker_events::table_done)
+        else if (event == worker_event::records || event == worker_event::table_done)
             observer.records_announced(request, report.last_count, int(report.announced.size()));
     }
 
@@ -214,18 +201,18 @@ private:
                                              + QString::number(report.end.exit_code));
     }
 
-    source_outcome finish()
+    source_record finish()
     {
-        source_outcome outcome = judge_source(request, record, report, is_interrupted());
-        outcome.record.finished = utc_now();
+        source_record judged = judge_source(request, record, report, is_interrupted());
+        judged.finished = utc_now();
         remove_temporary_files(request.layout());
         try {
-            write_source_record(request, facts, outcome.record);
+            write_source_record(request, facts, judged);
         } catch (const host_error &error) {
             // The record that is there says "running" for ever: the case counts as incomplete.
-            outcome.fail(u"the record of the run, which still says that it goes on, "_s + error.message());
+            judged.add_error(u"the record of the run, which still says that it goes on, "_s + error.message());
         }
-        return outcome;
+        return judged;
     }
 
     const source_request &request;
@@ -237,7 +224,6 @@ private:
     std::exception_ptr failure; ///< of the preparation
     bool is_prepared = false;
     bool is_cancelling = false;
-    QStringList last_lines; ///< of the worker's standard error
 };
 
 } // namespace
@@ -251,8 +237,8 @@ void write_source_record(const source_request &request, const case_facts &facts,
     write_json_file(request.layout().record(), json);
 }
 
-source_outcome run_source(const source_request &request, const case_facts &facts, run_observer &observer,
-                          const std::function<void()> &prepare)
+source_record run_source(const source_request &request, const case_facts &facts, run_observer &observer,
+                         const std::function<void()> &prepare)
 {
     return running_source(request, facts, observer).run(prepare);
 }

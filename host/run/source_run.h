@@ -5,7 +5,6 @@
 #define HOST_RUN_SOURCE_RUN_H
 
 #include "host/run/run_observer.h"
-#include "host/run/source_outcome.h"
 
 #include <functional>
 
@@ -21,8 +20,8 @@ struct case_facts
  * Once the plug-in is loaded, and before anything is written, @p prepare is called; what it throws ends the run. Throws
  * host_error (io) when the plug-in cannot be loaded or the worker cannot be started.
  */
-source_outcome run_source(const source_request &request, const case_facts &facts, run_observer &observer,
-                          const std::function<void()> &prepare);
+source_record run_source(const source_request &request, const case_facts &facts, run_observer &observer,
+                         const std::function<void()> &prepare);
 
 /** Writes the record of a source. Throws host_error (io). */
 void write_source_record(const source_request &request, const case_facts &facts, const source_record &record);

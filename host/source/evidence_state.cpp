@@ -122,3 +122,24 @@ QStringList evidence_state::changes() const
     }
     return texts;
 }
+
+QJsonObject evidence_state::to_json() const
+{
+    QJsonArray list;
+    for (const evidence_file &file : files)
+        list.append(file.to_json());
+    return {{u"evidence"_s, list},
+            {u"listing"_s, QJsonObject{{u"before"_s, QJsonArray::fromStringList(listing_before)},
+                                       {u"after"_s, QJsonArray::fromStringList(listing_after)}}}};
+}
+
+evidence_state evidence_state::from_json(const QJsonObject &json)
+{
+    evidence_state evidence;
+    for (const auto file : json.value("evidence"_L1).toArray())
+        evidence.files.append(evidence_file::from_json(file.toObject()));
+    const QJsonObject listing = json.value("listing"_L1).toObject();
+    evidence.listing_before = texts_from(listing.value("before"_L1));
+    evidence.listing_after = texts_from(listing.value("after"_L1));
+    return evidence;
+}

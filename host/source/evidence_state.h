@@ -56,6 +56,10 @@ struct evidence_state
 
     /** What is different after the run, in plain words, one text for each file. Empty when nothing is. */
     QStringList changes() const;
+
+    /** {"evidence": [file, …], "listing": {"before": [name, …], "after": [name, …]}}, as it stands in records. */
+    QJsonObject to_json() const;
+    static evidence_state from_json(const QJsonObject &json);
 };
 
 #endif

@@ -6,7 +6,6 @@
 #include "host/case/result_database.h"
 #include "host/files/sha256.h"
 #include "host/run/plugin_log.h"
-#include "host/run/worker_report.h"
 #include "host/worker/cancellation.h"
 #include "plugin/bluetooth_logs.h"
 
@@ -79,7 +78,7 @@ public:
     log_capture(const log_capture &) = delete;
     log_capture &operator=(const log_capture &) = delete;
 
-    extraction_end end()
+    plugin_log_end end()
     {
         return {hash.result(), is_last_log_line(last_line)};
     }
@@ -107,27 +106,26 @@ private:
 
 } // namespace
 
-extraction_observer::extraction_observer(const QStringList &table_names, event_sender event_function)
+extraction_observer::extraction_observer(const QStringList &table_names, line_sender line_function)
     : tables(table_names)
-    , send(event_function)
+    , send(line_function)
 {
 }
 
 void extraction_observer::take_records(qint64 count)
 {
     records = count;
-    send(worker_events::records, {{u"count"_s, count}});
+    send(records_line(count));
 }
 
 void extraction_observer::take_tables(int count)
 {
     // Behind the last record of the table.
-    send(worker_events::table_done,
-         {{u"table"_s, tables.value(count - 1)}, {u"count"_s, records - records_before_table}});
+    send(table_done_line(tables.value(count - 1), records - records_before_table));
     records_before_table = records;
 }
 
-extraction_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer)
+plugin_log_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer)
 {
     // By their texts: the class's own symbols stay in the plug-in file.
     QObject::connect(&plugin, SIGNAL(signal_extracted_records_of_plugin_overall(qint64)), &observer,

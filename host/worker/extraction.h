@@ -5,8 +5,8 @@
 #define HOST_WORKER_EXTRACTION_H
 
 #include "host/run/source_request.h"
+#include "host/run/worker_protocol.h"
 
-#include <QJsonObject>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -19,10 +19,10 @@ class extraction_observer : public QObject
     Q_OBJECT
 
 public:
-    using event_sender = void (*)(QLatin1StringView event, QJsonObject members);
+    using line_sender = void (*)(QByteArrayView line);
 
     /** @p tables are done in this order. */
-    extraction_observer(const QStringList &tables, event_sender send);
+    extraction_observer(const QStringList &tables, line_sender send);
 
 public Q_SLOTS:
     void take_records(qint64 records);
@@ -30,19 +30,12 @@ public Q_SLOTS:
 
 private:
     QStringList tables;
-    event_sender send;
+    line_sender send;
     qint64 records = 0;
     qint64 records_before_table = 0;
 };
 
-/** What the plug-in gave out as its log. */
-struct extraction_end
-{
-    QString log_sha256; ///< of the lines, each with its line end
-    bool log_has_its_end = false;
-};
-
 /** Drives the plug-in through one run, in the order that it relies on. SIGINT cancels it. Throws host_error. */
-extraction_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer);
+plugin_log_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer);
 
 #endif

@@ -6,14 +6,13 @@
 #include "host/files/host_error.h"
 #include "host/run/inspection.h"
 #include "host/run/worker_environment.h"
-#include "host/run/worker_report.h"
+#include "host/run/worker_protocol.h"
 #include "host/worker/cancellation.h"
 #include "host/worker/extraction.h"
 #include "host/worker/plugin_loader.h"
 #include "plugin/bluetooth_logs.h"
 
 #include <QApplication>
-#include <QJsonDocument>
 
 #include <csignal>
 #include <cstdio>
@@ -42,18 +41,16 @@ constexpr bool can_limit_memory = false;
 constexpr bool can_limit_memory = true;
 #endif
 
-constexpr char no_memory_line[] = "{\"event\":\"no memory\"}\n";
-
 int events = -1; // the descriptor that the watching process reads
 
 /** Nothing is allocated here: there may be no memory left. */
 [[noreturn]] void end_without_memory()
 {
-    static_cast<void>(::write(events, no_memory_line, sizeof no_memory_line - 1) > 0);
+    static_cast<void>(::write(events, no_memory_line.data(), size_t(no_memory_line.size())) > 0);
     ::_exit(int(worker_end::without_memory));
 }
 
-/** An exception that nobody caught; where nothing may be thrown, want of memory comes here too. */
+/** Handles uncaught exceptions, also bad_alloc out of noexcept code. */
 [[noreturn]] void on_terminate()
 {
     try {
@@ -66,16 +63,13 @@ int events = -1; // the descriptor that the watching process reads
     std::abort();
 }
 
-void send(QLatin1StringView event, QJsonObject members = {})
+void send(QByteArrayView line)
 {
-    members.insert(u"event"_s, QString(event));
-    const QByteArray line = QJsonDocument(members).toJson(QJsonDocument::Compact) + '\n';
-    qsizetype done = 0;
-    while (done < line.size()) {
-        const auto count = ::write(events, line.constData() + done, size_t(line.size() - done));
+    while (!line.isEmpty()) {
+        const auto count = ::write(events, line.data(), size_t(line.size()));
         if (count < 0 && errno != EINTR)
             ::_exit(int(worker_end::failed)); // nobody listens any more
-        done += qMax<qsizetype>(0, count);
+        line = line.sliced(qMax<qsizetype>(0, count));
     }
 }
 
@@ -94,10 +88,7 @@ std::string read_line()
     return line;
 }
 
-/**
- * From here on the process ends when the one that watches it does, whatever the plug-in does meanwhile. Gives what
- * waits for the word to start.
- */
+/** Ends this process when the parent closes our input. The future is ready at the start line. */
 std::future<void> end_with_the_watcher()
 {
     static std::promise<void> start;
@@ -137,14 +128,14 @@ public:
         unsent += bytes;
         if (unsent < bytes_between_events)
             return;
-        send(worker_events::hashed, {{u"bytes"_s, unsent}});
+        send(hashed_line(unsent));
         unsent = 0;
     }
 
     ~hash_reporter()
     {
         if (unsent > 0)
-            send(worker_events::hashed, {{u"bytes"_s, unsent}});
+            send(hashed_line(unsent));
     }
 
 private:
@@ -156,13 +147,13 @@ void send_inspection(const source_request &request, const evidence_state &eviden
     std::signal(SIGINT, SIG_IGN); // what was done is looked at even if the examiner has had enough
     hash_reporter hashed;
     const inspection found = inspect(request, evidence, [&hashed](qint64 bytes) { hashed(bytes); });
-    send(worker_events::inspected, {{u"inspection"_s, found.to_json()}});
+    send(inspected_line(found));
 }
 
 void extract(source_request request, std::future<void> &start)
 {
     std::unique_ptr<bluetooth_logs> plugin = load_plugin(request.options.plugin_file);
-    send(worker_events::loaded);
+    send(loaded_line());
     start.wait();
     use_temporary_folder(request.layout().temporary_folder());
 
@@ -173,15 +164,15 @@ void extract(source_request request, std::future<void> &start)
         evidence = look_before(request.source, {layout.evidence_folder(), layout.ios_lines()},
                                request.options.max_database << 20, [&hashed](qint64 bytes) { hashed(bytes); });
     }
-    send(worker_events::looked, {{u"evidence"_s, evidence_to_json(evidence)}});
+    send(looked_line(evidence));
 
     const QStringList all_tables = request.options.tables;
     for (const QString &table : unread_tables(request, evidence))
         request.options.tables.removeAll(table);
     extraction_observer observer(request.options.tables, send);
-    const extraction_end end = run_extraction(*plugin, request, observer);
+    const plugin_log_end log = run_extraction(*plugin, request, observer);
     plugin.reset();
-    send(worker_events::extracted, {{u"log_sha256"_s, end.log_sha256}, {u"log_has_its_end"_s, end.log_has_its_end}});
+    send(extracted_line(log));
 
     request.options.tables = all_tables;
     send_inspection(request, evidence);
@@ -189,22 +180,26 @@ void extract(source_request request, std::future<void> &start)
 
 int work()
 {
-    const QJsonObject message = QJsonDocument::fromJson(QByteArray::fromStdString(read_line())).object();
-    const source_request request = source_request::from_json(message);
+    const worker_order order = worker_order::from_line(QByteArray::fromStdString(read_line()));
+    const source_request &request = order.request;
     std::future<void> start = end_with_the_watcher();
     set_limits(request.options.memory_limit);
     try {
-        const QString task = message.value("task"_L1).toString();
-        if (task != "extract"_L1)
+        if (order.to_do != worker_order::task::extract)
             use_temporary_folder(request.layout().temporary_folder());
-        if (task == "inspect"_L1)
-            send_inspection(request, evidence_from_json(message.value("evidence"_L1).toObject()));
-        else if (task == "settle"_L1)
-            settle_result(request);
-        else
+        switch (order.to_do) {
+        case worker_order::task::extract:
             extract(request, start);
+            break;
+        case worker_order::task::inspect:
+            send_inspection(request, order.evidence);
+            break;
+        case worker_order::task::settle:
+            settle_result(request);
+            break;
+        }
     } catch (const host_error &error) {
-        send(worker_events::problem, {{u"text"_s, error.message()}});
+        send(problem_line(error.message()));
         return int(worker_end::failed);
     } catch (const std::bad_alloc &) {
         end_without_memory();
@@ -212,8 +207,7 @@ int work()
     return 0;
 }
 
-/** The toolkit complains of a desktop session and of folders for temporary files that are missing: nobody needs them.
- */
+/** Drops Qt's warnings about the missing desktop session. */
 void report_only_what_ends_us(QtMsgType type, const QMessageLogContext &, const QString &message)
 {
     if (type == QtFatalMsg)

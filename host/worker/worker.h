@@ -13,8 +13,8 @@ inline constexpr QLatin1StringView worker_argument("worker");
 enum class worker_end { done = 0, failed = 1, without_memory = 4, interrupted = 130 };
 
 /**
- * The process that runs the plug-in over one source: reads its request from standard input, tells on standard output
- * how it goes, and ends when standard input ends. Gives the process's exit code.
+ * The process that runs the plug-in over one source: reads its order from standard input, reports on standard output,
+ * and ends when standard input ends; host/run/worker_protocol.h has the lines. Gives the process's exit code.
  */
 int run_worker();
 

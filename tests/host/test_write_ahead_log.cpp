@@ -110,7 +110,7 @@ void test_write_ahead_log::other_companions_data()
     const QByteArray log = QByteArray::fromHex("377f0682") + QByteArray(28, '\0');
     // clang-format off
     QTest::newRow("log without database") << paired_name + u"-wal"_s << log << false
-        << no_database + u"warning: $ cannot be compared with its database: the database that it belongs to is not there\n"_s;
+        << u"warning: $ cannot be compared with its database: the database that it belongs to is not there\n"_s + no_database;
     QTest::newRow("empty log")            << paired_name + u"-wal"_s << QByteArray() << true << QString();
     QTest::newRow("rollback journal")     << paired_name + u"-journal"_s << QByteArray(512, 'j') << true
         << u"warning: the rollback journal $ belongs to a change that was not finished: the result has the rows of the database as it stands, half changed\n"_s;

@@ -68,8 +68,8 @@ QByteArray sources_table(const report_case &that_case)
             counts.append(html_text(table.table) + ": " + number_text(table.stored)
                           + (table.found ? " of " + number_text(table.found) : QByteArray()));
         QByteArrayList messages;
-        for (const QString &message : source.record.messages)
-            messages.append("<li>" + html_text(message) + "</li>");
+        for (const run_message &message : source.record.messages)
+            messages.append("<li>" + html_text(message.text) + "</li>");
         rows += row_of({QByteArray::number(source.record.number), "<bdi>" + html_text(source.name) + "</bdi>",
                         html_text(source.record.type), html_text(status_name(source.record.status)),
                         counts.join("<br>"), hash_text(source.record.result_sha256),

@@ -31,8 +31,8 @@ QString without_places(QString text, const case_layout &layout, const source_rec
 
 void add_source(report_case &result, source_record record)
 {
-    for (QString &message : record.messages)
-        message = without_places(message, result.layout, record);
+    for (run_message &message : record.messages)
+        message.text = without_places(message.text, result.layout, record);
     for (evidence_file &file : record.evidence.files)
         file.reason = without_places(file.reason, result.layout, record);
     const source_layout files = result.layout.source(record.number);

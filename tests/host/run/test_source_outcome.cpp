@@ -3,9 +3,11 @@
 
 #include "host/run/source_outcome.h"
 
+#include "host/case/outcome_code.h"
 #include "host/source/macos_databases.h"
 #include "tests/support/strict_test.h"
 
+#include <QJsonArray>
 #include <QTest>
 
 #include <csignal>
@@ -42,19 +44,30 @@ worker_report good_report()
 {
     worker_report report;
     report.is_loaded = true;
-    report.is_extracted = true;
-    report.log_has_its_end = true;
-    report.log_sha256 = u"log"_s;
+    report.extracted = plugin_log_end{u"log"_s, true};
     report.announced = {{u"devices"_s, 5}, {u"paired_devices"_s, 2}};
     inspection found;
     for (const macos_database *database : macos_databases)
-        found.evidence.files.append(whole_file(QString(macos_database_folder) + database->file_name));
+        found.evidence.files.append(whole_file(path_in_source(*database)));
     report.looked = found.evidence;
     found.rows = {{u"devices"_s, 5, {}, 5}, {u"paired_devices"_s, 2, {}, 2}};
     found.result_sha256 = u"cd"_s;
     found.log.sha256 = u"log"_s;
     report.inspected = found;
     return report;
+}
+
+QStringList texts_of(const source_record &record)
+{
+    QStringList texts;
+    for (const run_message &message : record.messages)
+        texts.append(message.text);
+    return texts;
+}
+
+outcome_code code_of(const source_record &record)
+{
+    return outcome_code(record.exit_code.value_or(-1));
 }
 
 } // namespace
@@ -72,6 +85,9 @@ private Q_SLOTS:
     void interruption_counts_before_everything_but_a_change();
     void record_holds_all_that_is_known();
     void later_failure();
+    void the_gravest_decides_and_stands_first();
+    void placeholders_in_evidence_stay();
+    void messages_of_older_records_are_notes();
 };
 
 void test_source_outcome::verdict_data()
@@ -118,7 +134,7 @@ void test_source_outcome::verdict_data()
         << deviation([](source_request &, worker_report &report) { report.inspected->log.sha256 = u"other"_s; })
         << outcome_code::partial << partial << QStringList{lost};
     QTest::newRow("log without its end")
-        << deviation([](source_request &, worker_report &report) { report.log_has_its_end = false; })
+        << deviation([](source_request &, worker_report &report) { report.extracted->is_last = false; })
         << outcome_code::partial << partial << QStringList{u"the plug-in's log has no line that ends it: the plug-in stopped early"_s};
     QTest::newRow("failures in the log")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.failures = {{u"a row could not be written: x"_s, 3, true}, {u"y"_s, 1, false}}; })
@@ -131,29 +147,29 @@ void test_source_outcome::verdict_data()
                                                                    report.inspected->rows[0] = {u"devices"_s, {}, {}, 0}; report.announced[u"devices"_s] = 0; })
         << outcome_code::partial << partial << QStringList{u"the rows of x cannot be counted: y"_s};
     QTest::newRow("crash")
-        << deviation([](source_request &, worker_report &report) { report.end.signal = SIGSEGV; report.is_extracted = false; report.announced.clear(); report.inspected->rows[0].stored = 0; report.inspected->rows[1].stored = 0; })
+        << deviation([](source_request &, worker_report &report) { report.end.signal = SIGSEGV; report.extracted.reset(); report.announced.clear(); report.inspected->rows[0].stored = 0; report.inspected->rows[1].stored = 0; })
         << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGSEGV"_s,
             rows(u"devices"_s, u"5"_s, u"an unknown number"_s, u"0"_s), rows(u"paired_devices"_s, u"2"_s, u"an unknown number"_s, u"0"_s)};
     QTest::newRow("crash after all was done")
         << deviation([](source_request &, worker_report &report) { report.end.signal = SIGABRT; })
         << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGABRT"_s};
     QTest::newRow("ends too early")
-        << deviation([](source_request &, worker_report &report) { report.end.exit_code = 7; report.is_extracted = false; })
+        << deviation([](source_request &, worker_report &report) { report.end.exit_code = 7; report.extracted.reset(); })
         << outcome_code::partial << failed << QStringList{u"the process that runs the plug-in ended before the extraction did, with exit code 7"_s};
     QTest::newRow("timed out")
-        << deviation([](source_request &request, worker_report &report) { request.options.timeout = 9; report.end = {0, SIGKILL, true}; report.is_extracted = false; })
+        << deviation([](source_request &request, worker_report &report) { request.options.timeout = 9; report.end = {0, SIGKILL, true}; report.extracted.reset(); })
         << outcome_code::partial << timed_out << QStringList{u"timed out: the run took longer than the 9 seconds of --timeout"_s};
     QTest::newRow("out of memory")
-        << deviation([](source_request &, worker_report &report) { report.is_out_of_memory = true; report.end.exit_code = 4; report.is_extracted = false; })
+        << deviation([](source_request &, worker_report &report) { report.is_out_of_memory = true; report.end.exit_code = 4; report.extracted.reset(); })
         << outcome_code::partial << out_of_memory << QStringList{u"out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
     QTest::newRow("out of memory, by the log")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.is_out_of_memory = true; })
         << outcome_code::partial << out_of_memory << QStringList{u"out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
     QTest::newRow("worker gives up")
-        << deviation([](source_request &, worker_report &report) { report.problems = {u"no room"_s}; report.is_extracted = false; })
+        << deviation([](source_request &, worker_report &report) { report.problems = {u"no room"_s}; report.extracted.reset(); })
         << outcome_code::partial << failed << QStringList{u"no room"_s};
     QTest::newRow("evidence was not looked at again")
-        << deviation([](source_request &, worker_report &report) { report.inspected.reset(); report.end.signal = SIGKILL; report.is_extracted = false; })
+        << deviation([](source_request &, worker_report &report) { report.inspected.reset(); report.end.signal = SIGKILL; report.extracted.reset(); })
         << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGKILL"_s, u"the evidence could not be looked at again after the run"_s};
     QTest::newRow("evidence changed")
         << deviation([](source_request &, worker_report &report) { report.inspected->changes = {u"x: it is gone"_s}; report.inspected->rows[0].stored = 4; })
@@ -169,6 +185,17 @@ void test_source_outcome::verdict_data()
         << deviation([](source_request &, worker_report &report) { for (auto &file : report.inspected->evidence.files) { file.state = evidence_file::presence::unreadable; file.reason = u"it is no SQLite database"_s; }
                                                                    report.inspected->rows = {{u"devices"_s, {}, {}, 0}, {u"paired_devices"_s, {}, {}, 0}}; report.announced.clear(); })
         << outcome_code::no_evidence << failed << QStringList{other + u" was not read: it is no SQLite database"_s, paired + u" was not read: it is no SQLite database"_s};
+    QTest::newRow("worker gives up after the extraction")
+        << deviation([](source_request &, worker_report &report) { report.problems = {u"no room"_s}; })
+        << outcome_code::partial << partial << QStringList{u"no room"_s};
+    QTest::newRow("result without a hash")
+        << deviation([](source_request &, worker_report &report) { report.inspected->result_sha256.clear(); })
+        << outcome_code::partial << partial << QStringList{u"the result database could not be hashed: nothing proves later that it is unchanged"_s};
+    QTest::newRow("evidence is gone")
+        << deviation([](source_request &, worker_report &report) { for (auto &file : report.inspected->evidence.files) { file.state = evidence_file::presence::absent; file.before.reset(); file.after.reset(); }
+                                                                   report.inspected->rows = {{u"devices"_s, 0, {}, 0}, {u"paired_devices"_s, 0, {}, 0}}; report.announced = {{u"devices"_s, 0}, {u"paired_devices"_s, 0}}; })
+        << outcome_code::no_evidence << failed << QStringList{u"the evidence is gone: it was there when the run was planned"_s,
+            u"the source holds no database for the table devices"_s, u"the source holds no database for the table paired_devices"_s};
     QTest::newRow("absent")
         << deviation([](source_request &, worker_report &report) { report.inspected->evidence.files[1] = {}; report.inspected->evidence.files[1].path = QString(macos_database_folder) + paired_devices_database.file_name;
                                                                    report.inspected->rows[1] = {u"paired_devices"_s, 0, {}, 0}; report.announced[u"paired_devices"_s] = 0; })
@@ -185,27 +212,26 @@ void test_source_outcome::verdict()
     source_request request = macos_request();
     worker_report report = good_report();
     deviate(request, report);
-    const source_outcome outcome = judge_source(request, {}, report, false);
-    QCOMPARE(outcome.record.messages, messages);
-    QCOMPARE(outcome.code(), code);
-    QCOMPARE(status_name(outcome.record.status), status_name(status));
-    QCOMPARE(outcome.messages.size(), messages.size());
+    const source_record record = judge_source(request, {}, report, false);
+    QCOMPARE(texts_of(record), messages);
+    QCOMPARE(code_of(record), code);
+    QCOMPARE(status_name(record.status), status_name(status));
 }
 
 void test_source_outcome::interruption_counts_before_everything_but_a_change()
 {
     worker_report report = good_report();
     report.end.signal = SIGINT;
-    report.is_extracted = false;
+    report.extracted.reset();
     report.inspected->rows[0].stored = 0;
-    const source_outcome interrupted = judge_source(macos_request(), {}, report, true);
-    QCOMPARE(interrupted.record.messages, QStringList{u"interrupted: the result is incomplete"_s});
-    QCOMPARE(interrupted.code(), outcome_code::interrupted);
-    QCOMPARE(interrupted.record.status, source_status::interrupted);
+    const source_record interrupted = judge_source(macos_request(), {}, report, true);
+    QCOMPARE(texts_of(interrupted), QStringList{u"interrupted: the result is incomplete"_s});
+    QCOMPARE(code_of(interrupted), outcome_code::interrupted);
+    QCOMPARE(interrupted.status, source_status::interrupted);
 
     report.inspected->changes = {u"x: it is gone"_s};
-    const source_outcome changed = judge_source(macos_request(), {}, report, true);
-    QCOMPARE(changed.code(), outcome_code::evidence_changed);
+    const source_record changed = judge_source(macos_request(), {}, report, true);
+    QCOMPARE(code_of(changed), outcome_code::evidence_changed);
 }
 
 void test_source_outcome::record_holds_all_that_is_known()
@@ -216,32 +242,70 @@ void test_source_outcome::record_holds_all_that_is_known()
     before.started = u"then"_s;
     source_request request = macos_request();
     request.number = 3;
-    const source_outcome outcome = judge_source(request, before, good_report(), false);
-    QCOMPARE(outcome.record.number, 3);
-    QCOMPARE(outcome.record.name, u"laptop"_s);
-    QCOMPARE(outcome.record.started, u"then"_s);
-    QCOMPARE(outcome.record.result_path, u"Source3/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s);
-    QCOMPARE(outcome.record.result_sha256, u"cd"_s);
-    QCOMPARE(outcome.record.evidence.files.size(), 2);
+    const source_record record = judge_source(request, before, good_report(), false);
+    QCOMPARE(record.number, 3);
+    QCOMPARE(record.name, u"laptop"_s);
+    QCOMPARE(record.started, u"then"_s);
+    QCOMPARE(record.result_path, u"Source3/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s);
+    QCOMPARE(record.result_sha256, u"cd"_s);
+    QCOMPARE(record.evidence.files.size(), 2);
     // As it was written, so it is read.
-    const source_record read = source_record::from_json(outcome.record.to_json());
-    QCOMPARE(read.to_json(), outcome.record.to_json());
+    const source_record read = source_record::from_json(record.to_json());
+    QCOMPARE(read.to_json(), record.to_json());
 }
 
 void test_source_outcome::later_failure()
 {
-    source_outcome outcome = judge_source(macos_request(), {}, good_report(), false);
-    outcome.fail(u"too late"_s);
-    QCOMPARE(outcome.code(), outcome_code::partial);
-    QCOMPARE(outcome.record.status, source_status::partial);
-    QCOMPARE(outcome.record.messages, QStringList{u"too late"_s});
+    source_record record = judge_source(macos_request(), {}, good_report(), false);
+    record.add_error(u"too late"_s);
+    QCOMPARE(code_of(record), outcome_code::partial);
+    QCOMPARE(record.status, source_status::partial);
+    QCOMPARE(texts_of(record), QStringList{u"too late"_s});
 
     worker_report changed = good_report();
     changed.inspected->changes = {u"x: it is gone"_s};
-    outcome = judge_source(macos_request(), {}, changed, false);
-    outcome.fail(u"too late"_s);
-    QCOMPARE(outcome.code(), outcome_code::evidence_changed);
-    QCOMPARE(outcome.record.status, source_status::evidence_changed);
+    record = judge_source(macos_request(), {}, changed, false);
+    record.add_error(u"too late"_s);
+    QCOMPARE(code_of(record), outcome_code::evidence_changed);
+    QCOMPARE(record.status, source_status::evidence_changed);
+}
+
+void test_source_outcome::the_gravest_decides_and_stands_first()
+{
+    worker_report report = good_report();
+    report.inspected->warnings = {u"a warning"_s};
+    report.inspected->log.failures = {{u"a failure"_s, 1, false}};
+    report.inspected->problems = {u"a problem"_s};
+    report.end.signal = SIGSEGV;
+    const source_record record = judge_source(macos_request(), {}, report, false);
+    QList<run_message::weight> weights;
+    for (const run_message &message : record.messages)
+        weights.append(message.importance);
+    using enum run_message::weight;
+    QCOMPARE(texts_of(record), QStringList({u"crashed: the process that runs the plug-in ended with SIGSEGV"_s,
+                                            u"a failure"_s, u"a problem"_s, u"a warning"_s}));
+    QCOMPARE(weights, QList({error, warning, error, warning}));
+    QCOMPARE(record.status, source_status::crashed);
+}
+
+void test_source_outcome::placeholders_in_evidence_stay()
+{
+    worker_report report = good_report();
+    report.inspected->evidence.files[0].reason = u"%1 %2 %%"_s;
+    report.inspected->evidence.files[0].path = u"%2"_s;
+    QCOMPARE(texts_of(judge_source(macos_request(), {}, report, false)), QStringList{u"%2: %1 %2 %%"_s});
+}
+
+void test_source_outcome::messages_of_older_records_are_notes()
+{
+    const source_record record = source_record::from_json(
+        {{u"status"_s, u"done"_s},
+         {u"messages"_s, QJsonArray{u"old"_s, QJsonObject{{u"weight"_s, u"warning"_s}, {u"text"_s, u"new"_s}}}}});
+    QCOMPARE(record.messages.size(), 2);
+    QCOMPARE(record.messages[0].text, u"old"_s);
+    QCOMPARE(record.messages[0].importance, run_message::weight::note);
+    QCOMPARE(record.messages[1].text, u"new"_s);
+    QCOMPARE(record.messages[1].importance, run_message::weight::warning);
 }
 
 QTEST_GUILESS_MAIN(test_source_outcome)

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_RUN_WORKER_PROTOCOL_H
+#define HOST_RUN_WORKER_PROTOCOL_H
+
+#include "host/run/child_process.h"
+#include "host/run/inspection.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/**
+ * The lines that go between the program and its worker process, both ways. The worker reads the order and, once the
+ * case is laid out, start_word; it writes events, JSON objects whose member "event" says which one it is.
+ */
+inline constexpr QByteArrayView start_word("start\n");
+
+/** What a worker is to do. */
+struct worker_order
+{
+    enum class task {
+        extract, ///< load the plug-in, wait for start_word, run it, inspect
+        inspect, ///< what a worker that ended early could not look at
+        settle,  ///< nothing but settle_result()
+    };
+
+    task to_do = task::extract;
+    source_request request;
+    evidence_state evidence; ///< as look_before() gave it; for an inspection
+
+    QByteArray to_line() const;
+    static worker_order from_line(const QByteArray &line);
+};
+
+enum class worker_event {
+    unknown, ///< none of these: what the plug-in or a library printed
+    loaded,  ///< the plug-in can be used
+    looked,  ///< look_before() is done
+    hashed,
+    records,    ///< the plug-in's running total
+    table_done, ///< with the rows announced for it
+    extracted,  ///< the plug-in is done
+    inspected,
+    problem,   ///< the worker gives up
+    no_memory, ///< the worker ends for want of memory
+};
+
+/** What the plug-in gave out as its log. */
+struct plugin_log_end
+{
+    QString sha256;       ///< of the lines, each with its line end; its log must equal it
+    bool is_last = false; ///< the last one is the line that ends its log
+};
+
+/** The worker's lines, with their line ends. */
+QByteArray loaded_line();
+QByteArray looked_line(const evidence_state &evidence);
+QByteArray hashed_line(qint64 more_bytes);
+QByteArray records_line(qint64 count);
+QByteArray table_done_line(const QString &table, qint64 rows);
+QByteArray extracted_line(const plugin_log_end &log);
+QByteArray inspected_line(const inspection &found);
+QByteArray problem_line(const QString &text);
+/** Stands ready: there may be no memory left to make it. */
+inline constexpr QByteArrayView no_memory_line("{\"event\":\"no memory\"}\n");
+
+/** All that a worker reported of one source. */
+struct worker_report
+{
+    bool is_loaded = false;
+    bool is_out_of_memory = false;
+    std::optional<evidence_state> looked;
+    QHash<QString, qint64> announced;
+    std::optional<plugin_log_end> extracted;
+    std::optional<inspection> inspected;
+    QStringList problems;
+    child_end end;
+    qint64 last_count = 0; ///< of the last hashed or records event
+
+    /** Takes in a line of the worker's. */
+    worker_event take(const QByteArray &line);
+};
+
+#endif
