@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 # SPDX-License-Identifier: MIT
 #
-# ./run.sh            builds, extracts freshly made synthetic sources and shows their first rows
+# ./run.sh            builds, extracts freshly made synthetic sources, shows their first rows and writes a report
 # ./run.sh ARGUMENTS  builds and runs bluetooth-logs with them: ./run.sh extract -i SOURCE -o CASE
 
 set -euo pipefail
@@ -12,7 +12,7 @@ source scripts/setup.sh
 
 set_up
 host=$PWD/build/release/bluetooth-logs
-echo "Building bluetooth-logs, which takes some minutes the first time ..." >&2
+is_built release bluetooth-logs || echo "Building bluetooth-logs, which takes some minutes the first time ..." >&2
 build release --target bluetooth-logs
 
 if [ $# -gt 0 ]; then
@@ -29,5 +29,7 @@ echo "Writing a synthetic sample and extracting it ..." >&2
 echo
 "$host" show "$folder/case" --rows "$rows"
 echo
+"$host" --quiet report "$folder/case" --force
 echo "These are the first $rows rows of each table. The case stays in $folder/case; all of its rows:"
 printf '  %q show %q\n' "$host" "$folder/case"
+echo "A report of it for your browser: $folder/case/Report/report.html"

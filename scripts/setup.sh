@@ -90,6 +90,11 @@ set_up() {
     fi
 }
 
+# is_built PRESET TARGET: whether nothing has to be done for the target.
+is_built() {
+    [ -f "build/$1/build.ninja" ] && cmake --build "build/$1" --target "$2" -- -n 2>/dev/null | grep -q 'no work to do'
+}
+
 # build PRESET [OPTION...]: configures, and builds with the options.
 build() {
     local preset=$1

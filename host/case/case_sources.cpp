@@ -169,22 +169,27 @@ QJsonObject sources_identity(const QList<named_source> &sources)
               [](const auto *one, const auto *other) { return one->number < other->number; });
 
     QJsonArray list;
-    QString ranges;
-    for (qsizetype i = 0; i < sorted.size(); ++i) {
-        list.append(QJsonArray{sorted.at(i)->number, sorted.at(i)->name, sorted.at(i)->path});
-        const int first = sorted.at(i)->number;
-        int last = first;
-        while (i + 1 < sorted.size() && sorted.at(i + 1)->number == last + 1) {
-            ++i;
-            ++last;
-            list.append(QJsonArray{sorted.at(i)->number, sorted.at(i)->name, sorted.at(i)->path});
-        }
-        ranges += (ranges.isEmpty() ? u""_s : u","_s) + QString::number(first)
-                  + (last == first ? QString() : QString(u'-' + QString::number(last)));
+    QList<int> numbers;
+    for (const named_source *source : std::as_const(sorted)) {
+        list.append(QJsonArray{source->number, source->name, source->path});
+        numbers.append(source->number);
     }
     return {{u"count"_s, sources.size()},
-            {u"numbers"_s, ranges},
+            {u"numbers"_s, ranges_of(numbers)},
             {u"sha256"_s, sha256::of(QJsonDocument(list).toJson(QJsonDocument::Compact))}};
+}
+
+QString ranges_of(const QList<int> &numbers)
+{
+    QStringList ranges;
+    for (qsizetype i = 0; i < numbers.size(); ++i) {
+        const int first = numbers.at(i);
+        int last = first;
+        while (i + 1 < numbers.size() && numbers.at(i + 1) == last + 1)
+            last = numbers.at(++i);
+        ranges.append(QString::number(first) + (last == first ? QString() : QString(u'-' + QString::number(last))));
+    }
+    return ranges.join(u',');
 }
 
 QList<int> numbers_in(const QString &ranges)

@@ -47,6 +47,9 @@ void refuse_overlaps(const QList<named_source> &sources, path_comparison compari
  */
 QJsonObject sources_identity(const QList<named_source> &sources);
 
+/** Numbers in ascending order as a text: "1-3,7". */
+QString ranges_of(const QList<int> &numbers);
+
 /** The numbers in a text such as "1-3,7", as sources_identity() writes it. */
 QList<int> numbers_in(const QString &ranges);
 

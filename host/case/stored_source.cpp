@@ -36,7 +36,8 @@ QString stored_source::title() const
     if (!record)
         return name;
     const source_kind *kind = source_kind_named(record->type);
-    return name + u"  "_s + (kind ? QString(kind->display_name) : record->type) + u": "_s + record->path;
+    return name + u"  "_s + (record->name.isEmpty() ? QString() : QString(record->name + u"  "_s))
+           + (kind ? QString(kind->display_name) : record->type) + u": "_s + record->path;
 }
 
 bool stored_source::is_complete() const

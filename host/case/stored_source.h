@@ -19,7 +19,7 @@ struct stored_source
     std::optional<source_record> record; ///< none: nothing is known of its run
     bool is_locked = false;              ///< a run works on it
 
-    /** "Source1  macOS: /mnt/image", as far as the record says. */
+    /** "Source1  the laptop  macOS: /mnt/image", as far as the record says. */
     QString title() const;
 
     /** Whether its run ended by itself and came to the end of the evidence, as far as it could be read. */

@@ -3,27 +3,31 @@
 
 #include "host/cli/collect_command.h"
 
+#include "host/case/case_sources.h"
 #include "host/files/file_lock.h"
 #include "host/files/host_error.h"
 #include "host/files/paths.h"
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype most_numbers_shown = 20;
+constexpr qsizetype most_ranges_shown = 20;
 
 QString sources_text(int count)
 {
     return QString::number(count) + (count == 1 ? u" source "_s : u" sources "_s);
 }
 
-QString numbers_text(const QList<int> &numbers)
+/** "1-3, 7", the first of many ranges. */
+QString numbers_text(QList<int> numbers)
 {
-    QStringList texts;
-    for (const int number : numbers.first(qMin(numbers.size(), most_numbers_shown)))
-        texts.append(QString::number(number));
-    return texts.join(u", "_s) + (numbers.size() > most_numbers_shown ? u", …"_s : QString());
+    std::sort(numbers.begin(), numbers.end());
+    const QStringList ranges = ranges_of(numbers).split(u',');
+    return QStringList(ranges.first(qMin(ranges.size(), most_ranges_shown))).join(u", "_s)
+           + (ranges.size() > most_ranges_shown ? u", …"_s : QString());
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "host/cli/console.h"
 
 #include "host/cli/terminal_size.h"
+#include "host/text/json_text.h"
 
 #include <QJsonDocument>
 
@@ -104,7 +105,9 @@ void console::note(const terminal_text &text)
 
 void console::event(const QJsonObject &event)
 {
-    write_line(stderr, QJsonDocument(event).toJson(QJsonDocument::Compact));
+    QByteArray line;
+    append_escaped_json(line, QJsonDocument(event).toJson(QJsonDocument::Compact));
+    write_line(stderr, line);
 }
 
 void console::log_line(const terminal_text &line)

@@ -122,7 +122,12 @@ void add_case(CLI::App &extract, extract_arguments &arguments)
               "Add the sources to a case that is there",
               {"bluetooth-logs extract -i /mnt/c -o case --add", "a third one later"}},
              arguments.add);
-    add_flag(extract, {"--resume", "", "Run what an earlier run of the case left undone"}, arguments.resume);
+    add_flag(extract,
+             {"--resume",
+              "",
+              "Run what an earlier run of the case left undone; the sources need not be named again",
+              {"bluetooth-logs extract -o case --resume", "what an earlier run left undone"}},
+             arguments.resume);
     add_flag(extract, {"--force", "", "Remove the case's earlier results first"}, arguments.force);
     add_number(extract, {"--only", "N", "Work on the source of this number alone; \"collect\" comes after"}, 1,
                highest_number, arguments.only);
@@ -206,7 +211,7 @@ QList<named_source> sources_of(const extract_arguments &arguments)
         source.place = u"-i "_s + input;
         sources.append(source);
     }
-    if (sources.isEmpty())
+    if (sources.isEmpty() && !arguments.resume)
         refuse(u"no source is given: --input or --sources names them"_s);
     if (arguments.number) {
         if (sources.size() > 1)

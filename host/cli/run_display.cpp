@@ -3,17 +3,29 @@
 
 #include "host/cli/run_display.h"
 
+#include "host/cli/time_left.h"
+#include "host/source/evidence_files.h"
 #include "host/text/count_text.h"
 
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QJsonArray>
+#include <QLocale>
 #include <QMap>
+#include <QSet>
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr qint64 milliseconds_between_lines = 100;
+
+QString size_text(qint64 bytes)
+{
+    return QLocale(QLocale::English).formattedDataSize(bytes, 1);
+}
 
 void print(console &out, const run_message &message, const QString &prefix)
 {
@@ -33,11 +45,17 @@ QString kind_text(const source_request &request)
     return request.source.kind ? QString(request.source.kind->display_name) : u"unknown kind"_s;
 }
 
+/** "macOS: /evidence/laptop", before it the name that the examiner gave. */
+QString source_text(const source_request &request)
+{
+    return (request.name.isEmpty() ? QString() : QString(request.name + u"  "_s)) + kind_text(request) + u": "_s
+           + request.source.path;
+}
+
 /** Where the result is and how many rows each table of this run got. */
 terminal_texts result_lines(const source_request &request, const source_record &record)
 {
-    terminal_texts lines{u"Source  "_s + kind_text(request) + u": "_s + request.source.path,
-                         u"Result  "_s + request.layout().result_database()};
+    terminal_texts lines{u"Source  "_s + source_text(request), u"Result  "_s + request.layout().result_database()};
     for (const table_rows &rows : record.rows)
         lines.append(u"        "_s + rows.table.leftJustified(14) + u"  "_s
                      + (rows.stored ? rows_text(*rows.stored) : u"unknown"_s).rightJustified(14));
@@ -51,14 +69,43 @@ QString result_line(const source_request &request, const source_record &record)
     for (const table_rows &rows : record.rows)
         counts.append((rows.stored ? count_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
     return source_name(request.number) + u"  "_s + status_name(record.status) + u"  "_s
-           + (counts.isEmpty() ? QString() : QString(counts.join(u", "_s) + u"  "_s)) + kind_text(request) + u": "_s
-           + request.source.path;
+           + (counts.isEmpty() ? QString() : QString(counts.join(u", "_s) + u"  "_s)) + source_text(request);
 }
 
 QString duration_text(qint64 seconds)
 {
     return seconds < 90 ? QString::number(seconds) + u" s"_s : QString::number((seconds + 30) / 60) + u" min"_s;
 }
+
+/** The bytes of the evidence as the plug-in's run begins; all of them are hashed before it and after it. */
+qint64 evidence_bytes(const evidence_source &source)
+{
+    qint64 bytes = 0;
+    for (const QString &path : evidence_paths(source))
+        bytes += QFileInfo(source.root + path).size();
+    return bytes;
+}
+
+/** How far a source that runs has come. */
+struct source_progress
+{
+    QString kind;
+    QString rows;      ///< "table 1 of 2, 1,000 rows"; empty before there are any
+    qint64 hashed = 0; ///< bytes
+    qint64 to_be_hashed = 0;
+
+    double done() const
+    {
+        return to_be_hashed > 0 ? qMin(1.0, double(hashed) / double(to_be_hashed)) : 0;
+    }
+
+    /** "macOS: 25 % of 2.0 GiB hashed"; the rows in place of the kind once there are some. */
+    QString text() const
+    {
+        const QString bytes = count_text(qint64(done() * 100)) + u" % of "_s + size_text(to_be_hashed) + u" hashed"_s;
+        return (rows.isEmpty() ? kind + u": "_s : rows + u", "_s) + bytes;
+    }
+};
 
 /** For examiners. */
 class text_display : public run_observer
@@ -79,23 +126,31 @@ public:
 
     void source_started(const source_request &request, const QList<run_message> &messages) override
     {
-        running[request.number] = kind_text(request) + u": hashing"_s;
-        for (const run_message &message : messages)
-            print(out, message, prefix(request));
+        running[request.number] = {.kind = kind_text(request),
+                                   .rows = {},
+                                   .hashed = 0,
+                                   .to_be_hashed = 2 * evidence_bytes(request.source)};
+        for (const run_message &message : messages) {
+            if (!said_before.contains(message.text)) // it is the same for other sources of the case
+                print(out, message, {});
+            said_before.insert(message.text);
+        }
         show();
     }
 
-    void bytes_hashed(const source_request &, qint64 bytes) override
+    void bytes_hashed(const source_request &request, qint64 bytes) override
     {
         hashed += bytes;
+        running[request.number].hashed += bytes;
         show();
     }
 
     void records_announced(const source_request &request, qint64 records, int tables_done) override
     {
         const qsizetype tables = request.options.tables.size();
-        running[request.number] = u"table "_s + QString::number(qMin<qsizetype>(tables_done + 1, tables)) + u" of "_s
-                                  + QString::number(tables) + u", "_s + count_text(records) + u" rows"_s;
+        running[request.number].rows = u"table "_s + QString::number(qMin<qsizetype>(tables_done + 1, tables))
+                                       + u" of "_s + QString::number(tables) + u", "_s + count_text(records)
+                                       + u" rows"_s;
         show(tables_done == tables);
     }
 
@@ -133,20 +188,25 @@ private:
         return options.source_count == 1 ? QString() : source_name(request.number) + u": "_s;
     }
 
+    QString left_text(double done)
+    {
+        const std::optional<qint64> seconds = left.seconds(clock.elapsed(), done);
+        return seconds ? QString(u", "_s + duration_text(*seconds) + u" left"_s) : QString();
+    }
+
     /** One source: what it does. Several: all of them in one line, then a line for each that runs. */
-    terminal_texts lines() const
+    terminal_texts lines()
     {
         if (options.source_count == 1)
-            return {u"Extracting: "_s + running.first()};
-        QString all = count_text(sources_done) + u" of "_s + count_text(options.source_count) + u" sources, "_s
-                      + count_text(rows_stored) + u" rows, "_s + count_text(hashed >> 20) + u" MiB hashed"_s;
-        if (sources_done > 0)
-            all += u", "_s
-                   + duration_text(clock.elapsed() * (options.source_count - sources_done) / sources_done / 1000)
-                   + u" left"_s;
-        terminal_texts result{all};
+            return {u"Extracting: "_s + running.first().text() + left_text(running.first().done())};
+        double done = double(sources_done);
+        for (const source_progress &source : std::as_const(running))
+            done += source.done();
+        terminal_texts result{count_text(sources_done) + u" of "_s + count_text(options.source_count) + u" sources, "_s
+                              + count_text(rows_stored) + u" rows, "_s + count_text(hashed >> 20) + u" MiB hashed"_s
+                              + left_text(done / double(options.source_count))};
         for (auto source = running.begin(); source != running.end(); ++source)
-            result.append(u"  Source"_s + QString::number(source.key()) + u"  "_s + source.value());
+            result.append(u"  Source"_s + QString::number(source.key()) + u"  "_s + source->text());
         return result;
     }
 
@@ -161,7 +221,9 @@ private:
 
     const display_options options;
     console &out;
-    QMap<int, QString> running; ///< what each source that runs does
+    QMap<int, source_progress> running; ///< by the source's number
+    QSet<QString> said_before;          ///< what holds for several sources
+    time_left left;
     qint64 hashed = 0;
     qint64 rows_stored = 0;
     qsizetype sources_done = 0;

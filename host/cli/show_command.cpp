@@ -3,10 +3,13 @@
 
 #include "host/cli/show_command.h"
 
+#include "host/case/case_reservations.h"
 #include "host/case/stored_source.h"
 #include "host/files/host_error.h"
 #include "host/report/tables/report_table.h"
 #include "host/text/count_text.h"
+
+#include <QFileInfo>
 
 #include <utility>
 
@@ -92,6 +95,13 @@ private:
     terminal_texts counts;
 };
 
+exit_code print_reservations(const case_reservations &reservations, console &out)
+{
+    for (const QString &text : reservations.incomplete + reservations.manifest)
+        out.warning(text);
+    return reservations.incomplete.isEmpty() ? exit_code::done : exit_code::partial;
+}
+
 /** For a program: nothing stands on standard output but the file. */
 exit_code show_file(const show_options &options, console &out)
 {
@@ -115,6 +125,8 @@ exit_code run_show(const show_options &options, console &out)
         return show_file(options, out);
     const QList<stored_source> sources = chosen_sources(options);
     exit_code code = exit_code::done;
+    if (QFileInfo(options.place).isDir())
+        code = print_reservations(reservations_of(case_layout(options.place)), out);
     source_printer printer(options, sources.size() > 1, out);
     for (const stored_source &source : sources) {
         if (!source.is_complete())

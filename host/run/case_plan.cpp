@@ -62,11 +62,10 @@ QJsonObject facts_of(const case_request &request, const QList<named_source> &all
     };
 }
 
-/** --add: the new ones get the highest number plus one, and so on. */
-source_choice added_sources(const case_request &request, const QList<earlier_source> &earlier)
+/** The sources that have a record. Throws what is wrong with one. */
+QList<named_source> recorded_sources_of(const QList<earlier_source> &earlier)
 {
-    source_choice choice;
-    int highest = 0;
+    QList<named_source> recorded;
     for (const earlier_source &source : earlier) {
         if (source.problem)
             throw *source.problem;
@@ -76,12 +75,23 @@ source_choice added_sources(const case_request &request, const QList<earlier_sou
         known.number = source.number;
         known.name = source.name;
         known.path = source.path;
+        known.kind = source_kind_named(source.type);
         known.place = u"source "_s + QString::number(source.number) + u" of the case"_s;
-        choice.all.append(known);
-        highest = qMax(highest, source.number);
+        recorded.append(known);
     }
+    return recorded;
+}
+
+/** --add: the new ones get the highest number plus one, and so on. */
+source_choice added_sources(const case_request &request, const QList<earlier_source> &earlier)
+{
+    source_choice choice;
+    choice.all = recorded_sources_of(earlier);
     if (choice.all.isEmpty())
         refuse(u"there is no case to add to: "_s + request.directory);
+    int highest = 0;
+    for (const named_source &source : std::as_const(choice.all))
+        highest = qMax(highest, source.number);
     for (named_source source : request.sources) {
         if (source.number == -1)
             source.number = ++highest;
@@ -90,6 +100,20 @@ source_choice added_sources(const case_request &request, const QList<earlier_sou
     choice.all += choice.to_run;
     number_sources(choice.all);
     return choice;
+}
+
+/** --resume without a source: all of the case, where each was begun; a source that was not stands in no record. */
+QList<named_source> sources_of_the_first_run(const case_request &request, const QList<earlier_source> &earlier)
+{
+    const QList<named_source> recorded = recorded_sources_of(earlier);
+    if (recorded.isEmpty())
+        refuse(u"there is no case to continue: "_s + request.directory);
+    const QString list_hash = sources_identity(recorded).value("sha256"_L1).toString();
+    for (const earlier_source &source : earlier) {
+        if (source.has_record && source.list_sha256 != list_hash)
+            refuse(u"no run of some sources began, and no record has their paths: name all sources again"_s);
+    }
+    return recorded;
 }
 
 QList<named_source> only_source(int number, const QList<named_source> &all)
@@ -210,7 +234,8 @@ source_choice choose_sources(const case_request &request, const QList<earlier_so
     if (request.earlier == earlier_run::added_to) {
         choice = added_sources(request, earlier);
     } else {
-        choice.all = request.sources;
+        const bool is_named = request.earlier != earlier_run::continued || !request.sources.isEmpty();
+        choice.all = is_named ? request.sources : sources_of_the_first_run(request, earlier);
         number_sources(choice.all);
         choice.to_run = choice.all;
         if (request.only)

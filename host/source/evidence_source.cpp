@@ -8,6 +8,7 @@
 #include "host/source/evidence_folder.h"
 #include "host/source/log_text.h"
 #include "host/source/macos_databases.h"
+#include "host/source/source_hint.h"
 
 #include <QFileInfo>
 
@@ -23,6 +24,11 @@ namespace {
     throw host_error(error_kind::not_found, message);
 }
 
+QString behind_a_colon(const QString &hint)
+{
+    return hint.isEmpty() ? hint : QString(u": "_s + hint);
+}
+
 /** The entry of a folder whose name is @p name in any letter case, empty if there is none. */
 QString find_entry(const QString &folder, QLatin1StringView name)
 {
@@ -31,13 +37,6 @@ QString find_entry(const QString &folder, QLatin1StringView name)
         return entry.compare(name, Qt::CaseInsensitive) == 0;
     });
     return found == names.cend() ? QString() : folder + u'/' + *found;
-}
-
-bool looks_like_macos(const QString &path)
-{
-    const QString folder = path + u'/' + macos_database_folder;
-    return std::any_of(std::begin(macos_databases), std::end(macos_databases),
-                       [&folder](const auto *database) { return QFileInfo::exists(folder + database->file_name); });
 }
 
 bool looks_like_windows(const QString &path)
@@ -50,12 +49,14 @@ const source_kind &recognized_kind(const QFileInfo &place)
 {
     if (place.isFile())
         return ios_uid_kind;
-    if (place.isDir() && looks_like_macos(place.filePath()))
+    if (place.isDir() && holds_macos_databases(place.filePath()))
         return macos_kind;
     if (place.isDir() && (!place.isReadable() || !place.isExecutable()))
         fail(u"the source cannot be read: "_s + place.filePath() + u": permission denied"_s);
     if (place.isDir() && looks_like_windows(place.filePath()))
         return winos_kind;
+    if (const QString hint = source_hint(place.filePath()); !hint.isEmpty())
+        fail(u"this is a part of a source: "_s + place.filePath() + u": "_s + hint);
     fail(u"this is no source that can be recognized: "_s + place.filePath()
          + u" (a macOS source holds one of the LE device databases in Library/Bluetooth, a Windows source the folder "
            "Windows/System32, an iOS source is a log text file; --type says which it is)"_s);
@@ -110,14 +111,16 @@ void require_macos_evidence(const evidence_source &source, const QStringList &ta
     }
     if (!problems.isEmpty())
         fail(u"the evidence cannot be read: "_s + problems.join(u"; "_s));
-    fail(u"the source holds no LE device database for "_s + missing.join(u" or "_s) + u" in "_s + folder);
+    fail(u"the source holds no LE device database for "_s + missing.join(u" or "_s) + u" in "_s + folder
+         + behind_a_colon(missing == tables ? source_hint(source.path) : QString()));
 }
 
 void require_folder(const evidence_source &source)
 {
     const QFileInfo folder(source.path);
     if (!folder.isDir())
-        fail(u"a "_s + source.kind->name + u" source is a folder, and this is none: "_s + source.path);
+        fail(u"a "_s + source.kind->name + u" source is a folder, and this is none: "_s + source.path
+             + behind_a_colon(source.kind == &macos_kind ? source_hint(source.path) : QString()));
     if (!folder.isReadable() || !folder.isExecutable())
         fail(u"the source cannot be read: "_s + source.path + u": permission denied"_s);
 }
@@ -154,7 +157,7 @@ evidence_source find_source(const QString &path, const source_kind *kind, const 
         if (const std::optional<QString> problem = unreadable_reason(place))
             fail(u"the log text cannot be read: "_s + path + u": "_s + *problem);
         if (const std::optional<QString> reason = why_no_device_log(path))
-            fail(u"this is no log text of a device: "_s + path + u": "_s + *reason);
+            fail(u"this is no log text of a device: "_s + path + u": "_s + *reason + behind_a_colon(source_hint(path)));
         source.log_file = path;
         source.root = place.path();
     } else {

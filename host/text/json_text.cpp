@@ -85,6 +85,18 @@ void append_real(QByteArray &json, double number)
         json.append(".0");
 }
 
+/** Appends the character outside of ASCII that @p utf8 begins with, and gives the bytes that it takes. */
+qsizetype append_other(QByteArray &json, QByteArrayView utf8)
+{
+    const QByteArrayView character = utf8.first(length_of(static_cast<unsigned char>(utf8.front())));
+    const unsigned code = decoded(character);
+    if (acts_on_its_reader(code))
+        append_escape(json, code);
+    else
+        json.append(character);
+    return character.size();
+}
+
 } // namespace
 
 void append_json_text(QByteArray &json, QByteArrayView utf8)
@@ -142,5 +154,21 @@ void append_json_value(QByteArray &json, const cell &value)
     case cell::type::blob:
         append_base64(json, value.bytes);
         break;
+    }
+}
+
+void append_escaped_json(QByteArray &json, QByteArrayView made_by_qt)
+{
+    for (qsizetype at = 0; at < made_by_qt.size();) {
+        const char byte = made_by_qt.at(at);
+        if (static_cast<unsigned char>(byte) >= 0x80) {
+            at += append_other(json, made_by_qt.sliced(at));
+            continue;
+        }
+        if (byte == 0x7f)
+            append_escape(json, 0x7f);
+        else
+            json.append(byte);
+        ++at;
     }
 }

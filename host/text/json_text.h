@@ -20,6 +20,9 @@ void append_json_text(QByteArray &json, QByteArrayView utf8);
 /** Appends a string, or {"base64": "…"} for bytes that are no UTF-8. */
 void append_json_bytes(QByteArray &json, QByteArrayView bytes);
 
+/** Appends a JSON text that Qt made, with the same characters written as \u escapes in its strings. */
+void append_escaped_json(QByteArray &json, QByteArrayView made_by_qt);
+
 /**
  * Appends a value of a row: null, an exact integer, a real (always with a point or an exponent; {"real": "inf"} for
  * what JSON has no number for), a text as append_json_bytes() does, a blob as {"base64": "…"}.

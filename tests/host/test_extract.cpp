@@ -24,6 +24,7 @@ private Q_SLOTS:
     void windows_source_gives_no_rows();
     void option_for_ios_is_understood_for_every_kind_data();
     void option_for_ios_is_understood_for_every_kind();
+    void an_older_report_is_named();
     void force_makes_the_result_anew();
     void force_follows_no_link();
     void part_that_cannot_be_read_is_told();
@@ -159,6 +160,21 @@ void test_extract::option_for_ios_is_understood_for_every_kind()
     const host_program host;
     host.write_sample();
     QCOMPARE(host.run({u"extract"_s, u"-i"_s, source, u"-o"_s, u"case"_s, u"--suite-tables"_s}).exit_code, 0);
+}
+
+void test_extract::an_older_report_is_named()
+{
+    const host_program host;
+    host.write_sample();
+    const QStringList windows{u"extract"_s, u"-i"_s, u"sample/windows"_s, u"-o"_s, u"case"_s};
+    const QString note = u"note: a report of the case as it was before is in "_s + host.path(u"case"_s)
+                         + u"/Report: \"report --force\" makes it anew\n"_s;
+    QVERIFY(!host.run(windows).errors.contains(note));
+    QVERIFY(!host.run(windows + QStringList{u"--force"_s}).errors.contains(note));
+    QCOMPARE(host.run({u"report"_s, u"case"_s}).exit_code, 0);
+    QVERIFY(host.run(windows + QStringList{u"--force"_s}).errors.contains(note));
+    QVERIFY(host.run({u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s, u"--add"_s}).errors.contains(note));
+    QVERIFY(!host.run({u"extract"_s, u"-o"_s, u"case"_s, u"--resume"_s}).errors.contains(note));
 }
 
 void test_extract::force_makes_the_result_anew()

@@ -52,7 +52,8 @@ void test_on_terminal::standard_error_data()
 
     // clang-format off
     QTest::newRow("progress")                  << u"-i sample/macos -o case"_s            << QByteArray()           << QByteArray("\r\033[KExtracting: table 2 of 2, 1,020 rows") << true;
-    QTest::newRow("progress is cleared")       << u"-i sample/macos -o case"_s            << QByteArray()           << QByteArray("1,020 rows\r\033[K")       << true;
+    QTest::newRow("progress is cleared")       << u"-i sample/macos -o case"_s            << QByteArray()           << QByteArray(" left\r\033[K")            << true;
+    QTest::newRow("bytes and percent")         << u"-i sample/macos -o case"_s            << QByteArray()           << QByteArray("1,020 rows, 50 % of 2")    << true;
     QTest::newRow("quiet")                     << u"-i sample/macos -o case -q"_s         << QByteArray()           << QByteArray("\033")                     << false;
     QTest::newRow("no progress in the log")    << u"-i sample/macos -o case -v"_s         << QByteArray()           << QByteArray("\033")                     << false;
     QTest::newRow("dumb terminal")             << u"-i sample/macos -o case"_s            << QByteArray("TERM")     << QByteArray("\033")                     << false;

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void full_disk_is_told();
     void database_is_shown_too();
     void every_source_of_a_case_is_shown();
+    void an_older_manifest_is_said_to_be_so();
     void one_source_on_request();
     void what_became_of_the_run_is_told_data();
     void what_became_of_the_run_is_told();
@@ -267,6 +268,36 @@ void test_show::every_source_of_a_case_is_shown()
                                   "Source2  paired_devices  2 rows\n"
                                   "Source10  devices         1 row\n"
                                   "Source10  paired_devices  0 rows\n"_s);
+}
+
+void test_show::an_older_manifest_is_said_to_be_so()
+{
+    const host_program host;
+    host.write_sample();
+    QFile list(host.path(u"list.json"_s));
+    QVERIFY(list.open(QIODevice::WriteOnly)
+            && list.write(R"({"sources": [{"path": "sample/macos", "name": "the laptop"},
+                                          {"path": "sample/ios/system.log"}]})")
+                   > 0);
+    list.close();
+    const QStringList extract{u"extract"_s, u"--sources"_s, u"list.json"_s, u"-o"_s, u"case"_s};
+    QCOMPARE(host.run(extract + QStringList{u"--only"_s, u"1"_s}).exit_code, 0);
+    const QStringList show{u"show"_s, u"case"_s, u"--rows"_s, u"1"_s};
+    const host_result begun = host.run(show);
+    QCOMPARE(begun.errors, u"warning: the case is incomplete: no run of source 2 began\n"_s);
+    QCOMPARE(begun.exit_code, 4);
+
+    QCOMPARE(host.run(extract + QStringList{u"--only"_s, u"2"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"collect"_s, u"case"_s}).exit_code, 0);
+    const host_result whole = host.run(show);
+    QCOMPARE(whole.errors, QString());
+    QCOMPARE(whole.exit_code, 0);
+    QVERIFY2(whole.output.startsWith(u"Source1  the laptop  macOS: "_s), qPrintable(whole.output));
+
+    QCOMPARE(host.run(extract + QStringList{u"--only"_s, u"2"_s, u"--force"_s}).exit_code, 0);
+    const host_result older = host.run(show);
+    QCOMPARE(older.errors, u"warning: the manifest is older than source 2: \"collect\" makes it anew\n"_s);
+    QCOMPARE(older.exit_code, 0);
 }
 
 void test_show::one_source_on_request()

@@ -123,6 +123,7 @@ void test_case_plan::choice_data()
     other_limits.options.plugin_file = u"/x"_s;
     other_limits.options.is_verbose = true;
     const case_request other_sources = request_for(earlier_run::continued, {source_at(u"/a"_s)});
+    const case_request unnamed = request_for(earlier_run::continued, {});
     const QString all = u"1 /a, 2 /b, 3 /c"_s;
     const QString holds = u"the case already holds a result, /case/Source%1"_s;
     const QString ways = u": --resume runs what is not done, --force removes it first"_s;
@@ -147,6 +148,9 @@ void test_case_plan::choice_data()
     QTest::newRow("continued, other options") << other_zone << QList{left(1, done)} << u"these options are not those of the first run: suite_tables, timezone_offset: --resume takes the same ones, --force starts anew"_s;
     QTest::newRow("continued, other limits")  << other_limits << QList{left(1, done)} << u"2 /b, 3 /c"_s;
     QTest::newRow("continued, other sources") << other_sources << QList{left(1, interrupted)} << u"the sources are not those of the first run, by the record of source 1: --resume takes the same ones"_s;
+    QTest::newRow("continued, none named")    << unnamed << QList{left(1, done), left(2, interrupted), left(3, failed)} << u"2 /b, 3 /c"_s;
+    QTest::newRow("none named, one unknown")  << unnamed << QList{left(1, done), left(2, interrupted)} << u"no run of some sources began, and no record has their paths: name all sources again"_s;
+    QTest::newRow("none named, no case")      << unnamed << QList<earlier_source>() << u"there is no case to continue: /case"_s;
     QTest::newRow("added to nothing")         << added << QList<earlier_source>() << u"there is no case to add to: /case"_s;
     QTest::newRow("added")                    << added << QList{left(1, done), left(3, failed)} << u"4 /d"_s;
     QTest::newRow("added where one stands")   << added << QList{left(1, done), left_without_record(2)} << holds.arg(2);
