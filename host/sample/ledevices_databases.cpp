@@ -6,58 +6,91 @@
 #include "host/sample/sample_parts.h"
 #include "host/sample/sample_random.h"
 #include "host/source/macos_databases.h"
+#include "host/sqlite/sqlite.h"
 
-#include <QFile>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
-#include <QVariant>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QLatin1StringView connection_name("sample database");
 constexpr qint64 other_device_count = 1000;
 constexpr qint64 paired_device_count = 20;
 constexpr qsizetype long_name_size = 1 << 20;
 
 // As the operating system lays them out: no key and nothing required.
-constexpr QLatin1StringView
-    device_columns("(Uuid TEXT, Name TEXT, NameOrigin INT, Address TEXT, ResolvedAddress TEXT, LastSeenTime INT, "
-                   "LastConnectionTime INT, GATTServiceChangeConfig INT, Tags TEXT, iCloudIdentifier TEXT)");
+constexpr const char *device_columns =
+    "(Uuid TEXT, Name TEXT, NameOrigin INT, Address TEXT, ResolvedAddress TEXT, LastSeenTime INT, "
+    "LastConnectionTime INT, GATTServiceChangeConfig INT, Tags TEXT, iCloudIdentifier TEXT)";
 
-constexpr QLatin1StringView common_statements[] = {
-    "CREATE TABLE CustomProperties(Uuid TEXT, JSON TEXT, UNIQUE(Uuid))"_L1,
-    "CREATE TABLE _SqliteDatabaseProperties(key TEXT, value TEXT, UNIQUE(key))"_L1,
-    "INSERT INTO _SqliteDatabaseProperties VALUES('_ClientVersion', 2)"_L1,
+constexpr const char *common_statements = "CREATE TABLE CustomProperties(Uuid TEXT, JSON TEXT, UNIQUE(Uuid));"
+                                          "CREATE TABLE _SqliteDatabaseProperties(key TEXT, value TEXT, UNIQUE(key));"
+                                          "INSERT INTO _SqliteDatabaseProperties VALUES('_ClientVersion', 2);";
+
+/** A row of a device table; what has no value is NULL. */
+struct sample_device
+{
+    QString uuid;
+    std::optional<QByteArray> name; ///< any bytes
+    qint64 name_origin = 0;
+    QString address;
+    std::optional<QString> resolved_address;
+    qint64 last_seen = 0; ///< the times are counters, not dates
+    qint64 last_connection = 0;
+    qint64 service_change = 0;
+    std::optional<QString> tags;
+    QString icloud_identifier;
 };
 
-void execute(QSqlQuery &query, const QString &statement)
+/** Adds rows to a device table. */
+class device_writer
 {
-    if (!query.exec(statement))
-        throw host_error(error_kind::io,
-                         u"the sample database cannot be written: "_s + statement + u": "_s + query.lastError().text());
-}
-
-void insert(const QSqlDatabase &database, const QString &table, const QVariantList &values)
-{
-    QSqlQuery query(database);
+public:
     // A name may be bytes, which stand in the database as a text then.
-    query.prepare(u"INSERT INTO "_s + table + u" VALUES(?, CAST(? AS TEXT), ?, ?, ?, ?, ?, ?, ?, ?)"_s);
-    for (const QVariant &value : values)
-        query.addBindValue(value);
-    if (!query.exec())
-        throw host_error(error_kind::io, u"the sample database cannot be written: "_s + query.lastError().text());
-}
+    device_writer(const sqlite_database &database, const QByteArray &table)
+        : statement(database, "INSERT INTO " + table + " VALUES(?, CAST(? AS TEXT), ?, ?, ?, ?, ?, ?, ?, ?)")
+    {
+    }
+
+    void add(const sample_device &device)
+    {
+        int parameter = 0;
+        statement.bind(parameter++, device.uuid);
+        if (device.name)
+            statement.bind_bytes(parameter++, *device.name);
+        else
+            statement.bind_null(parameter++);
+        statement.bind(parameter++, device.name_origin);
+        statement.bind(parameter++, device.address);
+        bind_text(parameter++, device.resolved_address);
+        statement.bind(parameter++, device.last_seen);
+        statement.bind(parameter++, device.last_connection);
+        statement.bind(parameter++, device.service_change);
+        bind_text(parameter++, device.tags);
+        statement.bind(parameter++, device.icloud_identifier);
+        statement.next();
+        statement.reset();
+    }
+
+private:
+    void bind_text(int parameter, const std::optional<QString> &text)
+    {
+        if (text)
+            statement.bind(parameter, *text);
+        else
+            statement.bind_null(parameter);
+    }
+
+    sqlite_statement statement;
+};
 
 /** Nearly all devices that were only seen have no name; the named ones are spread among them. */
-QVariant other_name(qint64 row)
+std::optional<QByteArray> other_name(qint64 row)
 {
     constexpr qint64 spread = other_device_count / qint64(std::size(other_device_names));
     if (row % spread != spread / 2 || row / spread >= qint64(std::size(other_device_names)))
         return {};
-    return other_device_names[row / spread].toString();
+    return other_device_names[row / spread].toUtf8();
 }
 
 /** Names that many tools fail on. */
@@ -67,79 +100,88 @@ QByteArrayList hostile_names()
             "lone surrogate \xED\xA0\x80 inside"};
 }
 
-void fill_other_devices(const QSqlDatabase &database, sample_names names)
+void fill_other_devices(device_writer &table, sample_names names)
 {
     sample_random random(1);
-    qint64 seen = 150; // the times are counters, not dates
+    qint64 seen = 150;
     for (qint64 row = 0; row < other_device_count; ++row) {
         seen += 1 + random.below(800);
-        const QVariant name = other_name(row);
-        const QString kind = random.below(5) == 0 ? u"Public "_s : u"Random "_s;
-        const QString address = kind + random.address(u':');
-        const qint64 connected = random.below(20) == 0 ? seen / 180 : 0; // 0: never
-        insert(database, other_devices_database.device_table,
-               {random.uuid(), name, name.isNull() ? 0 : 1 + random.below(3), address, QVariant(), seen, connected, 0,
-                QVariant(), u""_s});
+        sample_device device;
+        device.name = other_name(row);
+        device.address = random.below(5) == 0 ? u"Public "_s : u"Random "_s;
+        device.address += random.address(u':');
+        device.last_seen = seen;
+        device.last_connection = random.below(20) == 0 ? seen / 180 : 0; // 0: never
+        device.uuid = random.uuid();
+        device.name_origin = device.name ? 1 + random.below(3) : 0;
+        table.add(device);
     }
     if (names == sample_names::usual)
         return;
     for (const QByteArray &name : hostile_names()) {
-        const QString address = u"Random "_s + random.address(u':');
-        insert(database, other_devices_database.device_table,
-               {random.uuid(), name, 1, address, QVariant(), ++seen, 0, 0, QVariant(), u""_s});
+        sample_device device;
+        device.name = name;
+        device.name_origin = 1;
+        device.address = u"Random "_s + random.address(u':');
+        device.uuid = random.uuid();
+        device.last_seen = ++seen;
+        table.add(device);
     }
 }
 
-void fill_paired_devices(const QSqlDatabase &database)
+void fill_paired_devices(device_writer &table)
 {
     sample_random random(2);
     qint64 connected = 3;
     for (qint64 row = 0; row < paired_device_count; ++row) {
         connected += 1 + random.below(90);
-        const QVariant name = row < qint64(std::size(paired_device_names)) ? paired_device_names[row].toString()
-                                                                           : QVariant();
+        sample_device device;
+        if (row < qint64(std::size(paired_device_names)))
+            device.name = paired_device_names[row].toUtf8();
+        device.name_origin = 1;
         const QString address = u"Public "_s + random.address(u':');
         const QString random_address = u"Random "_s + random.address(u':');
         const bool is_resolved = row % 3 == 0;
-        insert(database, paired_devices_database.device_table,
-               {random.uuid(), name, 1, is_resolved ? random_address : address,
-                is_resolved ? QVariant(address) : QVariant(), connected * 180 + random.below(180), connected, row % 2,
-                row % 2 == 0 ? QVariant(u"Connected,HID"_s) : QVariant(), row % 5 == 0 ? random.uuid() : u""_s});
+        device.address = is_resolved ? random_address : address;
+        if (is_resolved)
+            device.resolved_address = address;
+        device.uuid = random.uuid();
+        device.last_seen = connected * 180 + random.below(180);
+        device.last_connection = connected;
+        device.service_change = row % 2;
+        if (row % 2 == 0)
+            device.tags = u"Connected,HID"_s;
+        device.icloud_identifier = row % 5 == 0 ? random.uuid() : u""_s;
+        table.add(device);
     }
 }
 
-/** One database in the write-ahead journal mode that the operating system uses; closing it moves all rows to the file.
+/**
+ * One database in the write-ahead journal mode that the operating system uses; closing it moves all rows to the file.
  */
 template<typename Fill>
 void write_database(const QString &folder, const macos_database &kind, Fill fill)
 {
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, connection_name);
-        database.setDatabaseName(folder + kind.file_name);
-        if (!database.open())
-            throw host_error(error_kind::io, u"the sample database cannot be made: "_s + database.lastError().text());
-        {
-            QSqlQuery query(database);
-            execute(query, u"PRAGMA page_size=4096"_s);
-            execute(query, u"PRAGMA journal_mode=WAL"_s);
-            query.finish();
-            database.transaction();
-            execute(query, u"CREATE TABLE "_s + kind.device_table + device_columns);
-            for (const QLatin1StringView statement : common_statements)
-                execute(query, statement);
-        }
-        fill(database);
-        database.commit();
-        database.close();
+    const QByteArray table(kind.device_table.data(), kind.device_table.size());
+    try {
+        sqlite_database database(folder + kind.file_name, sqlite_database::access::create);
+        for (const char *pragma : {"PRAGMA page_size=4096", "PRAGMA journal_mode=WAL"})
+            sqlite_statement(database, pragma).next();
+        database.execute("BEGIN");
+        database.execute(QByteArray("CREATE TABLE " + table + device_columns).constData());
+        database.execute(common_statements);
+        device_writer writer(database, table);
+        fill(writer);
+        database.execute("COMMIT");
+    } catch (const sqlite_error &error) {
+        throw host_error(error_kind::io, u"the sample database cannot be written: "_s + error.message());
     }
-    QSqlDatabase::removeDatabase(connection_name);
 }
 
 } // namespace
 
 void write_ledevices_databases(const QString &folder, sample_names names)
 {
-    write_database(folder, other_devices_database,
-                   [names](const QSqlDatabase &database) { fill_other_devices(database, names); });
+    write_database(folder, other_devices_database, [names](device_writer &table) { fill_other_devices(table, names); });
     write_database(folder, paired_devices_database, fill_paired_devices);
 }

@@ -178,6 +178,12 @@ void sqlite_statement::bind(int parameter, qint64 value)
     check(sqlite3_bind_int64(statement.get(), parameter + 1, value));
 }
 
+void sqlite_statement::bind_bytes(int parameter, QByteArrayView value)
+{
+    check(sqlite3_bind_blob64(statement.get(), parameter + 1, value.data(), sqlite3_uint64(value.size()),
+                              SQLITE_TRANSIENT));
+}
+
 void sqlite_statement::bind(int parameter, const QString &value)
 {
     const QByteArray text = value.toUtf8();

@@ -98,6 +98,7 @@ public:
     void bind_null(int parameter);
     void bind(int parameter, qint64 value);
     void bind(int parameter, const QString &value);
+    void bind_bytes(int parameter, QByteArrayView value);
 
     /** Goes to the next row. False when there is none. */
     bool next();
