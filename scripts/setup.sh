@@ -6,7 +6,7 @@
 
 # What a build needs on Debian 12 and Ubuntu 24.04, and what the tests need besides.
 debian_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
-    libcli11-dev libutf8proc-dev libplist-dev libsqlite3-dev libssl-dev libarchive-dev libtsk-dev)
+    libcli11-dev libutf8proc-dev libplist-dev libhivex-dev libsqlite3-dev libssl-dev libarchive-dev libtsk-dev)
 debian_test_packages=(locales strace parallel python3-jsonschema
     # what makes the containers of the tests
     e2fsprogs ntfs-3g mtools xorriso fdisk ewf-tools qemu-utils zip p7zip-full zstd xz-utils bzip2 cpio dosfstools exfatprogs

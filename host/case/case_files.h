@@ -43,6 +43,8 @@ inline constexpr case_file case_files[] = {
                                                                     true,  true,  companions::sqlite},
     {QLatin1StringView("Evidence/Library/Preferences/com.apple.Bluetooth.plist"),
                                                                     true,  true},
+    {QLatin1StringView("Evidence/Library/Bluetooth/Library/Preferences/com.apple.MobileBluetooth.devices.plist"),
+                                                                    true,  true},
     {QLatin1StringView("Artifacts_Result/"),                        false, true},
     {QLatin1StringView("Artifacts_Result/Bluetooth_Logs/"),         true,  true},
     {QLatin1StringView("Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"),

@@ -7,6 +7,7 @@
 #include "host/files/file_removal.h"
 #include "host/files/paths.h"
 #include "host/source/macos_databases.h"
+#include "host/source/windows_hive.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -43,6 +44,8 @@ QStringList files_of_a_run(const QString &source_folder)
     QStringList files = case_file_names(&case_file::is_removed);
     for (const QString &name : leftovers_in(source_folder + u'/' + copies))
         files.append(copies + name);
+    for (const QString &path : windows_hive_paths(source_folder + u"/Evidence"_s))
+        files.append(u"Evidence/"_s + path);
     return files;
 }
 
@@ -92,6 +95,21 @@ QString source_layout::wal_changes() const
 QString source_layout::earlier_wal_changes() const
 {
     return source_folder + u"/wal_changes.json"_s;
+}
+
+QString source_layout::unparsed_lines() const
+{
+    return source_folder + u"/unparsed_lines.jsonl"_s;
+}
+
+QString source_layout::salvage() const
+{
+    return source_folder + u"/salvage.jsonl"_s;
+}
+
+QString source_layout::host_devices() const
+{
+    return source_folder + u"/host_devices.jsonl"_s;
 }
 
 QString source_layout::ios_lines() const

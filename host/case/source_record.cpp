@@ -104,6 +104,9 @@ QJsonObject source_record::to_json() const
         {u"evidence"_s, files.value("evidence"_L1)},
         {u"listing"_s, files.value("listing"_L1)},
         {u"wal"_s, wal},
+        {u"host_devices"_s, host_devices},
+        {u"salvaged"_s, salvaged},
+        {u"unparsed_lines"_s, files.value("unparsed_lines"_L1)},
         {u"result"_s, result},
     };
 }
@@ -125,6 +128,8 @@ source_record source_record::from_json(const QJsonObject &json)
     record.rows = rows_from_json(json.value("rows"_L1).toObject());
     record.evidence = evidence_state::from_json(json);
     record.wal = json.value("wal"_L1);
+    record.host_devices = json.value("host_devices"_L1);
+    record.salvaged = json.value("salvaged"_L1);
     const QJsonObject result = json.value("result"_L1).toObject();
     record.result_path = result.value("path"_L1).toString();
     record.result_sha256 = result.value("sha256"_L1).toString();

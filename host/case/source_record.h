@@ -63,8 +63,10 @@ struct source_record
     QString finished;
     QList<table_rows> rows;
     evidence_state evidence;
-    QJsonValue wal;      ///< rows that a write-ahead log adds, changes and deletes, by result table; null without one
-    QString result_path; ///< relative to the case; empty: there is none
+    QJsonValue wal; ///< rows that a write-ahead log adds, changes and deletes, by result table; null without one
+    QJsonValue host_devices; ///< lines of host_devices.jsonl; null where the source has no list of devices
+    QJsonValue salvaged;     ///< rows that the host found on intact pages of a damaged database, by result table
+    QString result_path;     ///< relative to the case; empty: there is none
     QString result_sha256;
 
     /** Adds an error to a run that was judged already: one that was done is partial then, with its exit code. */

@@ -52,6 +52,18 @@ QString source_text(const source_request &request)
            + request.source.path;
 }
 
+/** "Source3  done  1,000 devices, 20 paired_devices, 12 host devices". */
+QString state_and_counts(const source_request &request, const source_record &record)
+{
+    QStringList counts;
+    for (const table_rows &rows : record.rows)
+        counts.append((rows.stored ? count_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
+    if (record.host_devices.isDouble())
+        counts.append(count_text(record.host_devices.toInteger()) + u" host devices"_s);
+    return source_name(request.number) + u"  "_s + status_name(record.status)
+           + (counts.isEmpty() ? QString() : u"  "_s + counts.join(u", "_s));
+}
+
 /** Where the result is and how many rows each table of this run got. */
 terminal_texts result_lines(const source_request &request, const source_record &record)
 {
@@ -59,17 +71,15 @@ terminal_texts result_lines(const source_request &request, const source_record &
     for (const table_rows &rows : record.rows)
         lines.append(u"        "_s + rows.table.leftJustified(14) + u"  "_s
                      + (rows.stored ? rows_text(*rows.stored) : u"unknown"_s).rightJustified(14));
+    if (record.host_devices.isDouble())
+        lines.append(state_and_counts(request, record));
     return lines;
 }
 
-/** "Source3  done  1,000 devices, 20 paired_devices  macOS: /evidence/laptop". */
+/** "Source3  done  1,000 devices, 20 paired_devices, 12 host devices  macOS: /evidence/laptop". */
 QString result_line(const source_request &request, const source_record &record)
 {
-    QStringList counts;
-    for (const table_rows &rows : record.rows)
-        counts.append((rows.stored ? count_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
-    return source_name(request.number) + u"  "_s + status_name(record.status) + u"  "_s
-           + (counts.isEmpty() ? QString() : QString(counts.join(u", "_s) + u"  "_s)) + source_text(request);
+    return state_and_counts(request, record) + u"  "_s + source_text(request);
 }
 
 QString duration_text(qint64 seconds)

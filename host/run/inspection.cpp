@@ -4,10 +4,12 @@
 #include "host/run/inspection.h"
 
 #include "host/case/result_database.h"
+#include "host/devices/host_devices_file.h"
 #include "host/files/file_hash.h"
 #include "host/files/host_error.h"
 #include "host/source/evidence_files.h"
 #include "host/source/macos_databases.h"
+#include "host/source/salvage.h"
 #include "host/source/wal_changes.h"
 #include "host/text/json_member.h"
 
@@ -16,6 +18,8 @@
 #include <QJsonArray>
 
 #include <algorithm>
+
+#include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
 
@@ -37,7 +41,8 @@ qint64 count_rows(const QString &copy, const macos_database &database)
     return statement.integer(0);
 }
 
-void count_found(inspection &result, table_rows &rows, const source_request &request)
+void count_found(inspection &result, table_rows &rows, const source_request &request,
+                 QList<const macos_database *> &damaged)
 {
     if (request.source.kind == &winos_kind)
         rows.found = 0; // none are looked for
@@ -59,6 +64,8 @@ void count_found(inspection &result, table_rows &rows, const source_request &req
     } catch (const sqlite_error &error) {
         result.is_out_of_memory = result.is_out_of_memory || error.is_out_of_memory();
         result.problems.append(u"the rows of "_s + file->path + u" cannot be counted: "_s + error.message());
+        if ((error.result_code() & 0xff) == SQLITE_CORRUPT)
+            damaged.append(*database);
     }
 }
 
@@ -72,6 +79,31 @@ void count_stored(inspection &result, const source_request &request)
     } catch (const host_error &error) {
         result.problems.append(error.message().replace(path, request.layout().relative_to_case(path)));
     }
+}
+
+using damaged_databases = QList<const macos_database *>;
+
+/** The rows on intact pages of databases that SQLite calls damaged. */
+void salvage_rows(inspection &result, const source_request &request, const damaged_databases &damaged)
+{
+    const QJsonObject counts = write_salvage(damaged, request.layout().evidence_folder(), request.layout().salvage());
+    for (auto count = counts.begin(); count != counts.end(); ++count) {
+        if (count->toInteger() == 0)
+            continue;
+        result.warnings.append(u"rows of the table "_s + count.key() + u" on intact pages of its damaged database: "_s
+                               + QString::number(count->toInteger())
+                               + u"; they are in salvage.jsonl and not in the result"_s);
+    }
+    result.salvaged = counts.isEmpty() ? QJsonValue() : QJsonValue(counts);
+}
+
+void read_host_devices(inspection &result, const source_request &request)
+{
+    const host_device_findings devices = write_host_devices(result.evidence, request.layout().evidence_folder(),
+                                                            request.number, request.layout().host_devices());
+    result.host_devices = devices.count ? QJsonValue(*devices.count) : QJsonValue();
+    result.problems += devices.problems;
+    result.notes += devices.notes;
 }
 
 /** The file that the rows of a table come from, relative to the source; empty for a kind that has none. */
@@ -147,10 +179,11 @@ inspection inspect(const source_request &request, const evidence_state &evidence
     QFile log(request.layout().plugin_log());
     if (log.open(QIODevice::ReadOnly))
         result.log = read_plugin_log(log, {request.source.path, request.case_directory});
+    damaged_databases damaged;
     for (const QString &table : request.options.tables) {
         table_rows rows;
         rows.table = table;
-        count_found(result, rows, request);
+        count_found(result, rows, request, damaged);
         result.rows.append(rows);
     }
     settle_result(request);
@@ -160,6 +193,8 @@ inspection inspect(const source_request &request, const evidence_state &evidence
     result.wal = wal.counts;
     result.warnings = wal.problems;
     result.is_out_of_memory = result.is_out_of_memory || wal.is_out_of_memory;
+    read_host_devices(result, request);
+    salvage_rows(result, request, damaged);
     result.result_sha256 = hash_of_file(request.layout().result_database()).value_or(QString());
     return result;
 }
@@ -169,9 +204,12 @@ QJsonObject inspection::to_json() const
     return {{u"evidence"_s, evidence.to_json()},
             {u"rows"_s, rows_to_json(rows)},
             {u"wal"_s, wal},
+            {u"host_devices"_s, host_devices},
+            {u"salvaged"_s, salvaged},
             {u"changes"_s, QJsonArray::fromStringList(changes)},
             {u"problems"_s, QJsonArray::fromStringList(problems)},
             {u"warnings"_s, QJsonArray::fromStringList(warnings)},
+            {u"notes"_s, QJsonArray::fromStringList(notes)},
             {u"result_sha256"_s, result_sha256},
             {u"log"_s, log.to_json()},
             {u"is_out_of_memory"_s, is_out_of_memory}};
@@ -183,9 +221,12 @@ inspection inspection::from_json(const QJsonObject &json)
     result.evidence = evidence_state::from_json(json.value("evidence"_L1).toObject());
     result.rows = rows_from_json(json.value("rows"_L1).toObject());
     result.wal = json.value("wal"_L1);
+    result.host_devices = json.value("host_devices"_L1);
+    result.salvaged = json.value("salvaged"_L1);
     result.changes = texts_from(json.value("changes"_L1));
     result.problems = texts_from(json.value("problems"_L1));
     result.warnings = texts_from(json.value("warnings"_L1));
+    result.notes = texts_from(json.value("notes"_L1));
     result.result_sha256 = json.value("result_sha256"_L1).toString();
     result.log = log_findings::from_json(json.value("log"_L1).toObject());
     result.is_out_of_memory = json.value("is_out_of_memory"_L1).toBool();

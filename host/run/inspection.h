@@ -24,7 +24,10 @@ struct inspection
     QStringList problems;   ///< why a count is missing, in plain words
     QStringList warnings;   ///< what the plug-in does not need, and could not be looked into
     QString result_sha256;
-    QJsonValue wal; ///< as in a source_record
+    QStringList notes; ///< what the examiner should know of a part that was read as a whole
+    QJsonValue wal;    ///< this and the next as in a source_record
+    QJsonValue host_devices;
+    QJsonValue salvaged;
     log_findings log;
     bool is_out_of_memory = false; ///< a count failed for want of memory
 

@@ -4,6 +4,7 @@
 #include "host/run/source_outcome.h"
 
 #include "host/case/outcome_code.h"
+#include "host/source/device_phrases.h"
 #include "host/source/macos_databases.h"
 #include "host/text/count_text.h"
 
@@ -40,12 +41,15 @@ enum class finding {
     odd_file,
     unread_log,
     open_journal,
+    lines_without_rows,
     worker_warning,
     live_change,
     no_database,
     leftover,
     no_device_lines,
+    worker_note,
     windows,
+    registry_read,
 };
 
 /** What a finding means for the run, and its text with its arguments %1, %2, …; an empty one is none. */
@@ -86,12 +90,15 @@ constexpr finding_kind finding_kinds[] = {
     {finding::odd_file,             weight::warning, status::done,             outcome_code::done,             "%1: %2"_L1},
     {finding::unread_log,           weight::warning, status::done,             outcome_code::done,             "this version does not read the write-ahead log %1: rows that are only in it are missing in the result, and rows that it changes or deletes stand there as they were before"_L1},
     {finding::open_journal,         weight::warning, status::done,             outcome_code::done,             "the rollback journal %1 belongs to a change that was not finished: the result has the rows of the database as it stands, half changed"_L1},
+    {finding::lines_without_rows,   weight::warning, status::done,             outcome_code::done,             "%1 with \"%2\" gave no row"_L1},
     {finding::worker_warning,       weight::warning, status::done,             outcome_code::done,             "%1"_L1},
     {finding::live_change,          weight::note,    status::done,             outcome_code::done,             "the live evidence changed during the run: %1"_L1},
     {finding::no_database,          weight::note,    status::done,             outcome_code::done,             "the source holds no database for the table %1"_L1},
     {finding::leftover,             weight::note,    status::done,             outcome_code::done,             "the leftover of a damaged database is not read: %1"_L1},
     {finding::no_device_lines,      weight::note,    status::done,             outcome_code::done,             "no line of the log tells of a Bluetooth device"_L1},
-    {finding::windows,              weight::note,    status::done,             outcome_code::done,             "this version extracts nothing from Windows sources"_L1},
+    {finding::worker_note,          weight::note,    status::done,             outcome_code::done,             "%1"_L1},
+    {finding::windows,              weight::note,    status::done,             outcome_code::done,             "nothing of this Windows source is read: it holds no registry hive Windows/System32/config/SYSTEM that can be read"_L1},
+    {finding::registry_read,        weight::note,    status::done,             outcome_code::done,             "the plug-in extracts nothing from Windows sources: the devices of its registry are in host_devices.jsonl"_L1},
 };
 // clang-format on
 
@@ -105,7 +112,7 @@ constexpr bool is_consistent()
             || (row.importance == weight::error && !is_against))
             return false;
     }
-    return std::size(finding_kinds) == std::size_t(finding::windows) + 1;
+    return std::size(finding_kinds) == std::size_t(finding::registry_read) + 1;
 }
 static_assert(is_consistent());
 
@@ -240,7 +247,8 @@ private:
     void find_empty_sources(const source_record &record)
     {
         if (request.source.kind == &winos_kind)
-            add(finding::windows);
+            add(record.host_devices.isDouble() ? finding::registry_read : finding::windows);
+        find_lines_without_rows(record.evidence);
         if (request.source.kind == &macos_kind) {
             for (const macos_database *database : macos_databases) {
                 const evidence_file *file = record.evidence.file_named(path_in_source(*database));
@@ -256,10 +264,26 @@ private:
             add(finding::no_device_lines);
     }
 
+    /** Lines that speak of a device in a form that the plug-in does not read. */
+    void find_lines_without_rows(const evidence_state &evidence)
+    {
+        const std::pair<QLatin1StringView, QLatin1StringView> phrases[] = {
+            {other_devices_database.result_table, found_device_phrase},
+            {paired_devices_database.result_table, active_device_phrase},
+        };
+        for (const auto &[table, phrase] : phrases) {
+            const qint64 count = evidence.unparsed_lines.toObject().value(table).toInteger();
+            if (count > 0)
+                add(finding::lines_without_rows, {count_text(count) + (count == 1 ? u" line"_s : u" lines"_s), phrase});
+        }
+    }
+
     void find_in_inspection(const source_record &record)
     {
         for (const QString &warning : report.inspected->warnings)
             add(finding::worker_warning, {warning});
+        for (const QString &note : report.inspected->notes)
+            add(finding::worker_note, {note});
         for (const QString &problem : report.inspected->problems)
             add(finding::uncounted, {problem});
         find_failures();
@@ -341,6 +365,8 @@ source_record completed(const source_request &request, const source_record &befo
     record.evidence = report.inspected->evidence;
     record.rows = report.inspected->rows;
     record.wal = report.inspected->wal;
+    record.host_devices = report.inspected->host_devices;
+    record.salvaged = report.inspected->salvaged;
     record.result_sha256 = report.inspected->result_sha256;
     for (table_rows &rows : record.rows) {
         const auto announced = report.announced.constFind(rows.table);

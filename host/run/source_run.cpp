@@ -32,11 +32,11 @@ namespace {
 
 constexpr int times_to_stop_at_once = 2;
 
-/** Bytes of the macOS databases, which are copied twice: by the plug-in and by the host. */
+/** Bytes of what is copied; the databases are copied twice: by the plug-in and by the host. */
 qint64 bytes_to_stage(const source_request &request)
 {
     qint64 bytes = 0;
-    if (request.source.kind != &macos_kind)
+    if (request.source.kind == &ios_uid_kind) // nothing of a log is copied
         return bytes;
     const qint64 largest = request.options.max_database << 20;
     for (const QString &path : evidence_paths(request.source)) {

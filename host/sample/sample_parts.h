@@ -36,7 +36,6 @@ void write_ios_log(const QString &path);
 inline constexpr QLatin1StringView windows_sample_files[] = {
     QLatin1StringView("Users/anna/NTUSER.DAT"),
     QLatin1StringView("Windows/System32/config/SOFTWARE"),
-    QLatin1StringView("Windows/System32/config/SYSTEM"),
 };
 
 /** Writes them below @p folder, which ends with "/". */

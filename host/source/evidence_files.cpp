@@ -5,6 +5,7 @@
 
 #include "host/source/evidence_folder.h"
 #include "host/source/macos_databases.h"
+#include "host/source/windows_hive.h"
 
 #include <QFileInfo>
 
@@ -23,8 +24,8 @@ QStringList evidence_paths(const evidence_source &source)
 {
     if (source.kind == &ios_uid_kind)
         return {QFileInfo(source.log_file).fileName()};
-    if (source.kind != &macos_kind)
-        return {};
+    if (source.kind == &winos_kind)
+        return windows_hive_paths(source.root);
     QStringList paths;
     for (const macos_database *database : macos_databases) {
         const QString path = path_in_source(*database);
@@ -38,6 +39,7 @@ QStringList evidence_paths(const evidence_source &source)
             paths.append(QString(macos_database_folder) + name);
     }
     paths.append(macos_preferences_file);
+    paths.append(macos_mobile_devices_file);
     return paths;
 }
 

@@ -5,11 +5,13 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 
 using namespace Qt::StringLiterals;
@@ -64,6 +66,31 @@ QStringList entry_names(const QString &folder)
     }
     names.sort();
     return names;
+}
+
+std::optional<QString> closed_folder(const QString &path, const QString &listed)
+{
+    for (qsizetype end = path.indexOf(u'/', 1);; end = path.indexOf(u'/', end + 1)) {
+        const QString folder = end < 0 ? path : path.first(end);
+        struct stat status = {};
+        const QByteArray name = QFile::encodeName(folder);
+        if (::stat(name.constData(), &status) != 0 || !S_ISDIR(status.st_mode))
+            return {};
+        const bool is_listed = !listed.isEmpty() && folder.startsWith(listed);
+        if (::faccessat(AT_FDCWD, name.constData(), is_listed ? R_OK | X_OK : X_OK, AT_EACCESS) != 0 && errno == EACCES)
+            return folder;
+        if (end < 0)
+            return {};
+    }
+}
+
+QString find_entry(const QString &folder, const QString &name)
+{
+    const QStringList names = entry_names(folder);
+    const auto found = std::find_if(names.cbegin(), names.cend(), [&name](const QString &entry) {
+        return entry.compare(name, Qt::CaseInsensitive) == 0;
+    });
+    return found == names.cend() ? QString() : *found;
 }
 
 bool reading_changes_access_time(const QString &path)

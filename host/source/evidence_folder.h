@@ -10,6 +10,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 /** The name of a file as text: stray bytes, which are no UTF-8, become "\xff". */
 QString evidence_name_text(QByteArrayView name);
 
@@ -24,6 +26,16 @@ descriptor open_evidence(const QString &path, int more_flags = 0);
  * where there is no folder or it may not be listed. Keeps the folder's access time where it may.
  */
 QStringList entry_names(const QString &folder);
+
+/**
+ * The first folder on the way to @p path, itself included, that this process may not search, or may not list where it
+ * is
+ * @p listed or below that. What is behind it must not be reported as absent.
+ */
+std::optional<QString> closed_folder(const QString &path, const QString &listed = {});
+
+/** The name in a folder that is @p name in any letter case; empty if there is none. */
+QString find_entry(const QString &folder, const QString &name);
 
 /**
  * Whether reading @p path, which exists, changes its access time: the system keeps it for the owner and for root, and

@@ -11,7 +11,7 @@
 #include "host/files/utc_time.h"
 #include "host/source/evidence_files.h"
 #include "host/source/evidence_folder.h"
-#include "host/source/ios_lines.h"
+#include "host/source/ios_log_files.h"
 #include "host/source/working_copy.h"
 
 #include <QFile>
@@ -148,10 +148,19 @@ void look_at(evidence_file &file, const QString &full_path, const file_targets &
         file.copy_sha256 = copy->hash();
 }
 
+/** A file that was read before and is not now is not known to have changed. */
+void say_unread_again(evidence_file &file, const QString &reason)
+{
+    file.state = evidence_file::presence::unreadable;
+    file.reason = u"it cannot be read again: "_s + reason;
+}
+
 void look_again(evidence_file &file, const QString &full_path, const hash_observer &hashed)
 {
     evidence_file now;
     const descriptor opened = open_and_describe(now, full_path, file.after);
+    if (now.state == evidence_file::presence::unreadable && file.before && !file.before->sha256.isEmpty() && file.after)
+        return say_unread_again(file, now.reason);
     // What was not read before is not read now: its state alone is compared.
     if (!opened.is_open() || (file.before && file.before->sha256.isEmpty()))
         return;
@@ -161,6 +170,8 @@ void look_again(evidence_file &file, const QString &full_path, const hash_observ
             hashed(block.size());
         }))
         file.after->sha256 = hash.result();
+    else
+        say_unread_again(file, system_error_text(errno));
 }
 
 QStringList listing_of(const evidence_source &source)
@@ -177,12 +188,9 @@ evidence_state look_before(const evidence_source &source, const evidence_places 
 {
     evidence_state evidence;
     evidence.listing_before = listing_of(source);
-    std::optional<ios_line_writer> writer;
-    std::optional<ios_line_finder> finder;
-    if (source.kind == &ios_uid_kind) {
-        writer.emplace(places.ios_lines);
-        finder.emplace([&writer](const ios_line &line) { writer->add(line); });
-    }
+    std::optional<ios_log_files> log;
+    if (source.kind == &ios_uid_kind)
+        log.emplace(places.ios_lines, places.unparsed_lines);
     const QStringList paths = evidence_paths(source);
     for (const QString &path : paths) {
         evidence_file file;
@@ -194,8 +202,8 @@ evidence_state look_before(const evidence_source &source, const evidence_places 
             continue;
         }
         file_targets targets;
-        if (finder)
-            targets.take_block = [&finder](QByteArrayView block) { finder->add(block); };
+        if (log)
+            targets.take_block = [&log](QByteArrayView block) { log->add(block); };
         else
             targets.copy = places.copy_folder + u'/' + path;
         look_at(file, source.root + path, targets, most_database_bytes, hashed);
@@ -204,9 +212,12 @@ evidence_state look_before(const evidence_source &source, const evidence_places 
             file.reason = u"it is reached by a link that leads out of the source, to "_s + *target;
         evidence.files.append(file);
     }
-    if (finder) {
-        finder->finish();
-        writer->commit();
+    if (log) {
+        log->finish();
+        evidence.unparsed_lines = log->unparsed_counts();
+        evidence_file &file = evidence.files.first();
+        if (file.reason.isEmpty())
+            file.reason = log->oddity();
     }
     return evidence;
 }
@@ -214,6 +225,7 @@ evidence_state look_before(const evidence_source &source, const evidence_places 
 void look_after(evidence_state &evidence, const evidence_source &source, const hash_observer &hashed)
 {
     for (evidence_file &file : evidence.files) {
+        file.after.reset(); // of an earlier look
         if (!refused_link(source, source.root + file.path))
             look_again(file, source.root + file.path, hashed);
     }

@@ -17,8 +17,9 @@ using hash_observer = std::function<void(qint64 bytes)>;
 /** Where the host keeps what it takes from the evidence. */
 struct evidence_places
 {
-    QString copy_folder; ///< macOS: working copies, at the paths that the files have in the source
-    QString ios_lines;   ///< iOS: the file for the lines of the log that rows are made of
+    QString copy_folder;    ///< macOS: working copies, at the paths that the files have in the source
+    QString ios_lines;      ///< iOS: the file for the lines of the log that rows are made of
+    QString unparsed_lines; ///< iOS: the file for those that have words of a device and give no row
 };
 
 /**

@@ -29,20 +29,12 @@ QString behind_a_colon(const QString &hint)
     return hint.isEmpty() ? hint : QString(u": "_s + hint);
 }
 
-/** The entry of a folder whose name is @p name in any letter case, empty if there is none. */
-QString find_entry(const QString &folder, QLatin1StringView name)
-{
-    const QStringList names = entry_names(folder);
-    const auto found = std::find_if(names.cbegin(), names.cend(), [name](const QString &entry) {
-        return entry.compare(name, Qt::CaseInsensitive) == 0;
-    });
-    return found == names.cend() ? QString() : folder + u'/' + *found;
-}
-
 bool looks_like_windows(const QString &path)
 {
-    const QString windows = find_entry(path, "Windows"_L1);
-    return !windows.isEmpty() && QFileInfo(find_entry(windows, "System32"_L1)).isDir();
+    const QString windows = find_entry(path, u"Windows"_s);
+    const QString folder = path + u'/' + windows;
+    const QString system = windows.isEmpty() ? QString() : find_entry(folder, u"System32"_s);
+    return !system.isEmpty() && QFileInfo(folder + u'/' + system).isDir();
 }
 
 const source_kind &recognized_kind(const QFileInfo &place)
@@ -55,6 +47,10 @@ const source_kind &recognized_kind(const QFileInfo &place)
         fail(u"the source cannot be read: "_s + place.filePath() + u": permission denied"_s);
     if (place.isDir() && looks_like_windows(place.filePath()))
         return winos_kind;
+    for (const QLatin1StringView folder : {"/Library/Bluetooth"_L1, "/Windows/System32"_L1}) {
+        if (const std::optional<QString> closed = closed_folder(place.filePath() + folder, place.filePath()))
+            fail(u"the source cannot be read: "_s + *closed + u": permission denied"_s);
+    }
     if (const QString hint = source_hint(place.filePath()); !hint.isEmpty())
         fail(u"this is a part of a source: "_s + place.filePath() + u": "_s + hint);
     fail(u"this is no source that can be recognized: "_s + place.filePath()
@@ -74,24 +70,12 @@ std::optional<QString> unreadable_reason(const QFileInfo &file)
     return {};
 }
 
-/** An unreadable folder; do not report its content as absent. */
-std::optional<QString> closed_folder(const evidence_source &source)
-{
-    for (const QString &folder :
-         QStringList{source.root, source.root + u"Library"_s, source.root + u"Library/Bluetooth"_s}) {
-        const QFileInfo place(folder);
-        if (place.isDir() && (!place.isReadable() || !place.isExecutable()))
-            return folder + u": permission denied"_s;
-    }
-    return {};
-}
-
 /** The databases of the tables that are asked for: one of them at least must be there and readable. */
 void require_macos_evidence(const evidence_source &source, const QStringList &tables)
 {
     const QString folder = source.root + macos_database_folder;
-    if (const std::optional<QString> problem = closed_folder(source))
-        fail(u"the evidence cannot be read: "_s + *problem);
+    if (const std::optional<QString> closed = closed_folder(source.root + u"Library/Bluetooth"_s, source.path))
+        fail(u"the evidence cannot be read: "_s + *closed + u": permission denied"_s);
     QStringList problems;
     QStringList missing;
     for (const macos_database *database : macos_databases) {
@@ -129,7 +113,7 @@ void require_folder(const evidence_source &source)
 
 std::optional<QString> link_out_of_source(const evidence_source &source, const QString &path)
 {
-    if (source.kind != &macos_kind || is_inside(path, source.root))
+    if (source.kind == &ios_uid_kind || is_inside(path, source.root))
         return {};
     return QFileInfo(path).canonicalFilePath();
 }
@@ -146,8 +130,11 @@ std::optional<QString> refused_link(const evidence_source &source, const QString
 evidence_source find_source(const QString &path, const source_kind *kind, const QStringList &tables, bool follow_links)
 {
     const QFileInfo place(path);
-    if (!place.exists())
+    if (!place.exists()) {
+        if (const std::optional<QString> closed = closed_folder(path))
+            fail(u"the source cannot be read: "_s + *closed + u": permission denied"_s);
         fail(u"there is no source at "_s + path);
+    }
 
     evidence_source source;
     source.path = path;

@@ -7,6 +7,8 @@
 #include "host/text/json_member.h"
 
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QSet>
 
 #include <algorithm>
 
@@ -28,7 +30,8 @@ std::optional<QString> difference(const std::optional<file_state> &before, const
         return u"it is another file than before"_s;
     if (before->size != now->size)
         return u"its size was "_s + QString::number(before->size) + u" bytes and is "_s + QString::number(now->size);
-    if (before->sha256 != now->sha256)
+    const bool is_unread = !before->sha256.isEmpty() && now->sha256.isEmpty(); // the file says why
+    if (before->sha256 != now->sha256 && !is_unread)
         return u"its content was changed: its SHA-256 was "_s + before->sha256 + u" and is "_s + now->sha256;
     if (before->modified != now->modified)
         return u"it was modified"_s;
@@ -106,18 +109,20 @@ const evidence_file *evidence_state::file_named(const QString &path) const
 QStringList evidence_state::changes() const
 {
     QStringList texts;
-    QStringList known;
+    QSet<QString> known;
     for (const evidence_file &file : files) {
-        known.append(QFileInfo(file.path).fileName());
+        known.insert(QFileInfo(file.path).fileName());
         if (const std::optional<QString> change = difference(file.before, file.after))
             texts.append(file.path + u": "_s + *change);
     }
+    const QSet<QString> names_before(listing_before.cbegin(), listing_before.cend());
+    const QSet<QString> names_after(listing_after.cbegin(), listing_after.cend());
     for (const QString &name : listing_after) {
-        if (!listing_before.contains(name) && !known.contains(name))
+        if (!names_before.contains(name) && !known.contains(name))
             texts.append(QString(macos_database_folder) + name + u": it was not there before"_s);
     }
     for (const QString &name : listing_before) {
-        if (!listing_after.contains(name) && !known.contains(name))
+        if (!names_after.contains(name) && !known.contains(name))
             texts.append(QString(macos_database_folder) + name + u": it is gone"_s);
     }
     return texts;
@@ -130,7 +135,8 @@ QJsonObject evidence_state::to_json() const
         list.append(file.to_json());
     return {{u"evidence"_s, list},
             {u"listing"_s, QJsonObject{{u"before"_s, QJsonArray::fromStringList(listing_before)},
-                                       {u"after"_s, QJsonArray::fromStringList(listing_after)}}}};
+                                       {u"after"_s, QJsonArray::fromStringList(listing_after)}}},
+            {u"unparsed_lines"_s, unparsed_lines}};
 }
 
 evidence_state evidence_state::from_json(const QJsonObject &json)
@@ -141,5 +147,6 @@ evidence_state evidence_state::from_json(const QJsonObject &json)
     const QJsonObject listing = json.value("listing"_L1).toObject();
     evidence.listing_before = texts_from(listing.value("before"_L1));
     evidence.listing_after = texts_from(listing.value("after"_L1));
+    evidence.unparsed_lines = json.value("unparsed_lines"_L1);
     return evidence;
 }

@@ -5,6 +5,7 @@
 #define HOST_SOURCE_EVIDENCE_STATE_H
 
 #include <QJsonObject>
+#include <QJsonValue>
 #include <QLatin1StringView>
 #include <QList>
 #include <QString>
@@ -50,6 +51,7 @@ struct evidence_state
     QList<evidence_file> files;
     QStringList listing_before;
     QStringList listing_after;
+    QJsonValue unparsed_lines; ///< of a log: how many lines with words of a device give no row, by result table
 
     /** The file of this path, present or not; null where it was not looked for. */
     const evidence_file *file_named(const QString &path) const;

@@ -4,6 +4,7 @@
 #include "host/source/ios_lines.h"
 
 #include "host/source/device_phrases.h"
+#include "host/source/log_date.h"
 #include "host/source/macos_databases.h"
 #include "host/text/json_text.h"
 
@@ -18,7 +19,7 @@ namespace {
 /** What a line holds; the places are those of has_marker. */
 constexpr QLatin1StringView markers[] = {found_device_phrase, active_device_phrase, notice_phrase};
 
-/** A kind of line: the markers that it holds, the rarest first. */
+/** A kind of line: the marker that it holds, and the one that it needs besides to become a row. */
 struct line_kind
 {
     QLatin1StringView table;
@@ -146,8 +147,8 @@ void ios_line_finder::emit_line(qint64 line_offset, QByteArrayView start, qint64
                                 const std::array<bool, marker_count> &has_marker)
 {
     for (const line_kind &kind : line_kinds) {
-        if (has_marker[kind.rare_marker] && has_marker[kind.other_marker])
-            take({number, line_offset, kind.table, start, size});
+        if (has_marker[kind.rare_marker])
+            take({number, line_offset, kind.table, start, size, has_marker[kind.other_marker]});
     }
 }
 
@@ -164,6 +165,8 @@ void ios_line_writer::add(const ios_line &line)
     append_json_bytes(json, line.start);
     if (line.size > line.start.size())
         json += ",\"size\":" + QByteArray::number(line.size);
+    if (const QByteArray date = date_with_zone(line.start); !date.isEmpty())
+        json += ",\"host_date\":\"" + date + '"';
     json += "}\n";
     file.add(json);
 }

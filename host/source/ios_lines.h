@@ -12,7 +12,7 @@
 #include <array>
 #include <functional>
 
-/** A line of an iOS log that a row of a result table is made of. */
+/** A line of an iOS log with words of a device. */
 struct ios_line
 {
     qint64 number = 0; ///< from 1
@@ -20,13 +20,15 @@ struct ios_line
     QLatin1StringView table;
     QByteArrayView start; ///< its bytes without the "\n", at most most_bytes; valid during the call
     qint64 size = 0;      ///< of all of them
+    bool has_row = true;  ///< whether the plug-in makes a row of it
 
     static constexpr qint64 most_bytes = qint64(16) << 20;
 };
 
 /**
  * Finds in a log that is given block by block the lines that hold the words of a device message (docs/formats.md), in
- * their order; a line with the words of both kinds comes twice. No other line is held, however long it is.
+ * their order; a line with the words of both kinds comes twice. One that lacks "<Notice>:" gives no row. No other line
+ * is held, however long it is.
  */
 class ios_line_finder
 {
@@ -58,7 +60,7 @@ private:
     std::array<bool, marker_count> open_markers = {};
 };
 
-/** Writes lines as JSON Lines, docs/report-formats.md. */
+/** Writes lines as JSON Lines, docs/report-formats.md. The file has its name only after commit(). */
 class ios_line_writer
 {
 public:

@@ -76,8 +76,6 @@ std::optional<QString> why_no_log_text(QByteArrayView start)
     }
     if (looks_like_utf_16(start))
         return utf_16_without_mark;
-    if (start.contains('\0'))
-        return u"it holds zero bytes, which no text has"_s;
     if (start.contains('\r') && !start.contains('\n'))
         return u"its lines end with CR alone: convert it first (dos2unix -c mac)"_s;
     return {};

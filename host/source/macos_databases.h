@@ -24,6 +24,8 @@ struct macos_database
 /** The folder of the databases, relative to the root of the source. */
 inline constexpr QLatin1StringView macos_database_folder("Library/Bluetooth/");
 inline constexpr QLatin1StringView macos_preferences_file("Library/Preferences/com.apple.Bluetooth.plist");
+inline constexpr QLatin1StringView
+    macos_mobile_devices_file("Library/Bluetooth/Library/Preferences/com.apple.MobileBluetooth.devices.plist");
 
 inline constexpr macos_database other_devices_database = {
     QLatin1StringView("com.apple.MobileBluetooth.ledevices.other.db"),

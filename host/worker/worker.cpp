@@ -161,7 +161,7 @@ void extract(source_request request, std::future<void> &start)
     {
         hash_reporter hashed;
         const source_layout layout = request.layout();
-        evidence = look_before(request.source, {layout.evidence_folder(), layout.ios_lines()},
+        evidence = look_before(request.source, {layout.evidence_folder(), layout.ios_lines(), layout.unparsed_lines()},
                                request.options.max_database << 20, [&hashed](qint64 bytes) { hashed(bytes); });
     }
     send(looked_line(evidence));

@@ -52,7 +52,8 @@ void test_environment::extracts(const host_program &host, const QStringList &com
     QCOMPARE(host_program::without_manifest(result.output),
              u"Source  macOS: "_s + host.path(u"sample/macos"_s) + u"\nResult  "_s
                  + host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)
-                 + u"\n        devices             1,000 rows\n        paired_devices         20 rows\n"_s);
+                 + u"\n        devices             1,000 rows\n        paired_devices         20 rows\n"
+                   "Source1  done  1,000 devices, 20 paired_devices, 12 host devices\n"_s);
 }
 
 void test_environment::variable_changes_nothing_data()

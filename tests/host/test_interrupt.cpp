@@ -39,7 +39,7 @@ void test_interrupt::first_one_ends_the_extraction()
     const host_result result = host_program::finish(process);
     QCOMPARE(result.exit_code, 130);
     QCOMPARE(result.errors, finishing + u"error: interrupted: the result is incomplete\n"_s);
-    QVERIFY(host_program::without_manifest(result.output).endsWith(u"        paired_devices          0 rows\n"_s));
+    QVERIFY(host_program::without_manifest(result.output).contains(u"        paired_devices          0 rows\n"_s));
     QVERIFY(!QDir(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/tmp"_s)).exists());
 }
 
@@ -94,7 +94,7 @@ void test_interrupt::table_that_is_being_written_is_finished()
                                .at(0)
                                .toLongLong();
     QVERIFY2(written == rows || written == 0, qPrintable(QString::number(written))); // 0: it came before the writer
-    QVERIFY(host_program::without_manifest(result.output).endsWith(u"        paired_devices          0 rows\n"_s));
+    QVERIFY(host_program::without_manifest(result.output).contains(u"        paired_devices          0 rows\n"_s));
 }
 
 QTEST_GUILESS_MAIN(test_interrupt)

@@ -51,7 +51,6 @@ void test_no_log_text::file_is_refused_data()
     QTest::newRow("UTF-16, mark")   << "\xff\xfe" + utf_16(1)                          << u"it is a text in UTF-16: convert it first (iconv -f UTF-16 -t UTF-8)"_s;
     QTest::newRow("UTF-16 BE, mark") << "\xfe\xff" + utf_16(0)                         << u"it is a text in UTF-16: convert it first (iconv -f UTF-16 -t UTF-8)"_s;
     QTest::newRow("UTF-16")         << utf_16(1)                                       << u"it looks like a text in UTF-16: convert it first (iconv -f UTF-16LE -t UTF-8)"_s;
-    QTest::newRow("zero bytes")     << line + QByteArray(1, '\0') + line               << u"it holds zero bytes, which no text has"_s;
     QTest::newRow("CR")             << QByteArray(line).replace('\n', '\r').repeated(3) << u"its lines end with CR alone: convert it first (dos2unix -c mac)"_s;
     QTest::newRow("another text")   << QByteArray("Dear diary,\nnothing of this day.\n") << u"no line of it looks like one of a device's log"_s;
     QTest::newRow("one long line")  << QByteArray(3 << 20, 'x')                        << u"no line of it looks like one of a device's log"_s;

@@ -65,6 +65,10 @@ class manifests(fitting_case):
         self.run_program("extract", "-i", "sample/macos", "-i", "sample/ios/system.log", "-i", "sample/windows", "-o",
                          "case", "--examiner", "A. Example", "--case-number", "47/11")
         self.assertEqual(self.statuses_that_fit(), ["done", "done", "done"])
+        lines = (self.folder / "case/Source1/host_devices.jsonl").read_text().splitlines()
+        self.assertEqual(len(lines), 12)
+        for line in lines:
+            validator("host_devices.schema.json").validate(json.loads(line))
 
     def test_failed_partial_and_not_run(self):
         shutil.copytree(self.folder / "sample/macos", self.folder / "half")

@@ -3,7 +3,7 @@
 
 #include "host/report/join/device_join.h"
 
-#include "host/report/reading/device_address.h"
+#include "host/devices/device_address.h"
 
 #include <algorithm>
 

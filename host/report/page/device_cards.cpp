@@ -3,7 +3,7 @@
 
 #include "host/report/page/device_cards.h"
 
-#include "host/report/reading/device_address.h"
+#include "host/devices/device_address.h"
 
 #include <algorithm>
 #include <functional>

@@ -3,7 +3,7 @@
 
 #include "host/report/reading/database_reading.h"
 
-#include "host/report/reading/device_address.h"
+#include "host/devices/device_address.h"
 
 #include <span>
 

@@ -4,7 +4,7 @@
 #include "host/report/reading/preferences_names.h"
 
 #include "common/property_list/property_list_file.h"
-#include "host/report/reading/device_address.h"
+#include "host/devices/device_address.h"
 
 using namespace Qt::StringLiterals;
 

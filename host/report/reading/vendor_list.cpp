@@ -6,7 +6,7 @@
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/sha256.h"
-#include "host/report/reading/device_address.h"
+#include "host/devices/device_address.h"
 
 #include <QDateTime>
 #include <QFileInfo>

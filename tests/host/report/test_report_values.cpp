@@ -3,7 +3,7 @@
 
 #include "host/report/page/html_text.h"
 #include "host/report/page/rank.h"
-#include "host/report/reading/device_address.h"
+#include "host/devices/device_address.h"
 #include "host/report/reading/log_line.h"
 #include "host/report/reading/preferences_names.h"
 #include "host/report/tables/separated_cell.h"

@@ -4,6 +4,7 @@
 #include "host/source/evidence_state.h"
 #include "tests/support/strict_test.h"
 
+#include <QElapsedTimer>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -37,6 +38,7 @@ class test_evidence_state : public strict_test
 private Q_SLOTS:
     void changes_data();
     void changes();
+    void many_names();
 };
 
 void test_evidence_state::changes_data()
@@ -53,6 +55,7 @@ void test_evidence_state::changes_data()
     QTest::newRow("unknown before")  << change([](evidence_state &evidence) { evidence.files[0].before->identity.clear(); }) << QStringList();
     QTest::newRow("size")            << change([](evidence_state &evidence) { evidence.files[0].after->size = 11; }) << QStringList{file + u"its size was 10 bytes and is 11"_s};
     QTest::newRow("content")         << change([](evidence_state &evidence) { evidence.files[0].after->sha256 = u"bb"_s; }) << QStringList{file + u"its content was changed: its SHA-256 was aa and is bb"_s};
+    QTest::newRow("unread again")    << change([](evidence_state &evidence) { evidence.files[0].after->sha256.clear(); }) << QStringList();
     QTest::newRow("modified")        << change([](evidence_state &evidence) { evidence.files[0].after->modified = u"n"_s; }) << QStringList{file + u"it was modified"_s};
     QTest::newRow("entry")           << change([](evidence_state &evidence) { evidence.files[0].after->changed = u"d"_s; }) << QStringList{file + u"its entry was changed: permissions, owner, links or times"_s};
     QTest::newRow("one text a file") << change([](evidence_state &evidence) { *evidence.files[0].after = {u"1:3"_s, 11, u"n"_s, u"d"_s, u"bb"_s}; }) << QStringList{file + u"it is another file than before"_s};
@@ -69,6 +72,20 @@ void test_evidence_state::changes()
     evidence_state evidence = unchanged();
     make(evidence);
     QCOMPARE(evidence.changes(), words);
+}
+
+void test_evidence_state::many_names()
+{
+    evidence_state evidence;
+    for (int i = 0; i < 200'000; ++i)
+        evidence.listing_before.append(QString::number(i));
+    evidence.listing_after = evidence.listing_before;
+    evidence.listing_after.last() = u"new"_s;
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(evidence.changes(), (QStringList{u"Library/Bluetooth/new: it was not there before"_s,
+                                              u"Library/Bluetooth/199999: it is gone"_s}));
+    QVERIFY2(timer.elapsed() < 5000, "each name is compared with each"); // a minute and more then
 }
 
 QTEST_GUILESS_MAIN(test_evidence_state)

@@ -23,7 +23,7 @@ QByteArrayList found_lines(const QByteArray &log, qsizetype block_bytes)
     QByteArrayList lines;
     ios_line_finder finder([&lines](const ios_line &line) {
         lines.append(QByteArray::number(line.number) + '@' + QByteArray::number(line.offset) + ' ' + line.table.data()
-                     + ' ' + line.start.toByteArray());
+                     + (line.has_row ? " " : " without row ") + line.start.toByteArray());
     });
     for (qsizetype begin = 0; begin < log.size(); begin += block_bytes)
         finder.add(QByteArrayView(log).sliced(begin, qMin(block_bytes, log.size() - begin)));
@@ -93,7 +93,7 @@ void test_ios_lines::finds_lines_data()
     QTest::newRow("carriage return")   << QByteArray("BLE device found:\r\n") << QByteArrayList{"1@0 devices BLE device found:\r"};
     QTest::newRow("active device")     << QByteArray("<Notice>: active device: y\n") << QByteArrayList{"1@0 paired_devices <Notice>: active device: y"};
     QTest::newRow("words turned")      << QByteArray("active device: <Notice>:\n") << QByteArrayList{"1@0 paired_devices active device: <Notice>:"};
-    QTest::newRow("no notice")         << QByteArray("<Error>: active device: y\n<Notice>: z") << QByteArrayList();
+    QTest::newRow("no notice")         << QByteArray("<Error>: active device: y\n<Notice>: z") << QByteArrayList{"1@0 paired_devices without row <Error>: active device: y"};
     QTest::newRow("both")              << QByteArray("<Notice>: active device: BLE device found:\n")
                                        << QByteArrayList{"1@0 devices <Notice>: active device: BLE device found:",
                                                          "1@0 paired_devices <Notice>: active device: BLE device found:"};
@@ -124,7 +124,8 @@ void test_ios_lines::finds_what_the_plugin_finds()
             QByteArrayList paired;
             qint64 last = 0;
             ios_line_finder finder([&](const ios_line &line) {
-                (line.table == "devices"_L1 ? devices : paired).append(line.start.toByteArray());
+                if (line.has_row)
+                    (line.table == "devices"_L1 ? devices : paired).append(line.start.toByteArray());
                 QCOMPARE(log.sliced(line.offset, line.size), line.start);
                 QCOMPARE(log.first(line.offset).count('\n') + 1, line.number);
                 QVERIFY(line.number >= last);
@@ -168,11 +169,14 @@ void test_ios_lines::written_lines()
     writer.add({7, 9000000000, "devices"_L1, "a\t\"\xE2\x80\xAE", 6});
     writer.add({8, 9000000009, "paired_devices"_L1, "\xFF", 1});
     writer.add({9, 9000000011, "devices"_L1, "ab", 20});
+    writer.add({10, 9000000012, "devices"_L1, "2024-05-17 12:11:05.123456+0200 x", 33});
     writer.commit();
     QCOMPARE(content_of(path),
              "{\"line\":7,\"offset\":9000000000,\"table\":\"devices\",\"text\":\"a\\t\\\"\\u202e\"}\n"
              "{\"line\":8,\"offset\":9000000009,\"table\":\"paired_devices\",\"text\":{\"base64\":\"/w==\"}}\n"
-             "{\"line\":9,\"offset\":9000000011,\"table\":\"devices\",\"text\":\"ab\",\"size\":20}\n");
+             "{\"line\":9,\"offset\":9000000011,\"table\":\"devices\",\"text\":\"ab\",\"size\":20}\n"
+             "{\"line\":10,\"offset\":9000000012,\"table\":\"devices\","
+             "\"text\":\"2024-05-17 12:11:05.123456+0200 x\",\"host_date\":\"2024-05-17T12:11:05.123456+02:00\"}\n");
 }
 
 QTEST_GUILESS_MAIN(test_ios_lines)

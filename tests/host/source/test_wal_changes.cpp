@@ -37,7 +37,7 @@ public:
     {
         const evidence_source found = find_source(source.root().chopped(1), &macos_kind,
                                                   {u"devices"_s, u"paired_devices"_s});
-        const evidence_state evidence = look_before(found, {copies(), {}}, qint64(1) << 30, [](qint64) {});
+        const evidence_state evidence = look_before(found, {copies(), {}, {}}, qint64(1) << 30, [](qint64) {});
         const QByteArray before = content(copies());
         const wal_findings findings = write_wal_changes(evidence, copies(), source.root() + u"tmp"_s, output());
         if (content(copies()) != before)

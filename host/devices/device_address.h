@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef HOST_REPORT_READING_DEVICE_ADDRESS_H
-#define HOST_REPORT_READING_DEVICE_ADDRESS_H
+#ifndef HOST_DEVICES_DEVICE_ADDRESS_H
+#define HOST_DEVICES_DEVICE_ADDRESS_H
 
 #include <QByteArray>
 #include <QLatin1StringView>

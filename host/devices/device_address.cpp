@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/report/reading/device_address.h"
+#include "host/devices/device_address.h"
 
 #include <array>
 
