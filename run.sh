@@ -12,8 +12,9 @@ source scripts/setup.sh
 
 set_up
 host=$PWD/build/release/bluetooth-logs
-is_built release bluetooth-logs || echo "Building bluetooth-logs, which takes some minutes the first time ..." >&2
+is_built release || echo "Building bluetooth-logs, which takes some minutes the first time ..." >&2
 build release --target bluetooth-logs
+touch build/release/built
 
 if [ $# -gt 0 ]; then
     cd "$called_from"

@@ -90,9 +90,11 @@ set_up() {
     fi
 }
 
-# is_built PRESET TARGET: whether nothing has to be done for the target.
+# is_built PRESET: whether the program was built by run.sh and nothing that it is made of has changed since.
 is_built() {
-    [ -f "build/$1/build.ninja" ] && cmake --build "build/$1" --target "$2" -- -n 2>/dev/null | grep -q 'no work to do'
+    [ -x "build/$1/bluetooth-logs" ] && [ -f "build/$1/built" ] &&
+        [ -z "$(find CMakeLists.txt CMakePresets.json cmake common extractors plugin host -newer "build/$1/built" \
+            -print -quit)" ]
 }
 
 # build PRESET [OPTION...]: configures, and builds with the options.
