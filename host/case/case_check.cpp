@@ -3,20 +3,35 @@
 
 #include "host/case/case_check.h"
 
+#include "host/case/kept_file.h"
 #include "host/case/manifest.h"
-#include "host/files/file_hash.h"
+#include "host/case/report_record.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/source/evidence_look.h"
 #include "host/source/macos_databases.h"
 
+#include <QDir>
 #include <QFileInfo>
+#include <QHash>
 #include <QJsonArray>
+#include <QRegularExpression>
+#include <QSet>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+using place = compared_file::place;
+using finding = compared_file::finding;
+
+constexpr qint64 most_hash_file_bytes = 1000;
+
+QSet<QString> set_of(const QStringList &texts)
+{
+    return {texts.cbegin(), texts.cend()};
+}
 
 /** Compares one case; each function adds to the outcome. */
 class case_check
@@ -37,7 +52,8 @@ public:
             return outcome;
         }
         const manifest_file file = read_manifest_file(layout);
-        check_manifest_hash(file.sha256);
+        outcome.manifest_sha256 = file.sha256;
+        check_manifest_hash();
         QJsonObject manifest;
         try {
             manifest = manifest_members(file);
@@ -45,70 +61,301 @@ public:
             outcome.differences.append(error.message());
             return outcome;
         }
-        check_records(manifest);
-        for (const auto value : manifest.value("sources"_L1).toArray())
-            check_source(source_record::from_json(value.toObject()));
+        check_request_fits(manifest);
+        check_sources(manifest);
+        check_other_folders(manifest);
+        check_reports();
+        check_notes(manifest);
+        check_entries();
         return outcome;
     }
 
 private:
-    void check_manifest_hash(const QString &found)
+    /** The hash in manifest.json.sha256; empty when it holds none. */
+    QString hash_beside() const
     {
-        QString expected = request.manifest_sha256.toLower();
-        if (expected.isEmpty() && path_exists(layout.manifest_hash()))
-            expected = QString::fromLatin1(read_whole_file(layout.manifest_hash(), 1000)).section(u' ', 0, 0);
-        else if (expected.isEmpty())
-            outcome.differences.append(u"manifest.json.sha256 is gone: whether the manifest was edited cannot be told "
-                                       "without --manifest-sha256"_s);
-        if (!expected.isEmpty() && expected != found)
-            outcome.differences.append(u"manifest.json was edited: its SHA-256 was "_s + expected + u" and is "_s
-                                       + found);
-        ++outcome.files_compared;
-    }
-
-    /** A source that was done anew and not collected, or a record that was edited. */
-    void check_records(const QJsonObject &manifest)
-    {
-        const QString finished = manifest.value("finished"_L1).toString();
-        for (const int number : sources_unlike_manifest(layout, manifest)) {
-            const QString record = source_name(number) + u"/source.json"_s;
-            if (!path_exists(layout.source(number).record())) {
-                outcome.differences.append(record + u" is gone"_s);
-                continue;
-            }
-            const kept_record kept = read_source_record(layout, number);
-            const bool is_newer = kept.source.finished > finished || kept.source.status == source_status::running;
-            outcome.differences.append(record
-                                       + (is_newer ? u" is newer than the manifest: \"collect\" makes it anew"_s
-                                                   : u" is not what the manifest says"_s));
+        static const QRegularExpression form(u"^([0-9a-f]{64})  manifest[.]json\\n$"_s);
+        try {
+            const QByteArray content = read_whole_file(layout.manifest_hash(), most_hash_file_bytes);
+            return form.match(QString::fromLatin1(content)).captured(1);
+        } catch (const host_error &) {
+            return {};
         }
     }
 
-    void check_source(const source_record &source)
+    void check_manifest_hash()
+    {
+        const QString &found = outcome.manifest_sha256;
+        const QString noted = request.manifest_sha256.toLower();
+        const bool is_beside = path_exists(layout.manifest_hash());
+        const QString beside = is_beside ? hash_beside() : QString();
+        const bool is_changed = noted.isEmpty() ? is_beside && beside != found : noted != found;
+        add({place::manifest, u"manifest.json"_s, is_changed ? finding::changed : finding::unchanged,
+             noted.isEmpty() ? beside : noted, found});
+        if (!noted.isEmpty() && noted != found)
+            outcome.differences.append(u"manifest.json is not the one that was noted: its SHA-256 is "_s + found
+                                       + u", and "_s + noted + u" was noted"_s);
+        if (!is_beside)
+            outcome.incomplete.append(u"unfinished: manifest.json.sha256 is not there; a \"collect\" that was stopped "
+                                      "leaves a case so, and \"collect\" makes both anew"_s);
+        else if (beside.isEmpty())
+            outcome.differences.append(u"manifest.json.sha256 holds no hash of manifest.json"_s);
+        else if (beside != found)
+            outcome.differences.append(u"manifest.json and manifest.json.sha256 disagree: the SHA-256 of the one is "_s
+                                       + found + u", the other says "_s + beside + who_changed(found, beside, noted));
+        if (noted.isEmpty() && is_beside)
+            outcome.notes.append(u"no hash was given by --manifest-sha256: manifest.json was compared with "
+                                 "manifest.json.sha256 beside it alone, and an edit of both would pass"_s);
+    }
+
+    static QString who_changed(const QString &found, const QString &beside, const QString &noted)
+    {
+        if (noted == found)
+            return u"; manifest.json is the one that was noted, manifest.json.sha256 was changed"_s;
+        if (noted == beside)
+            return u"; manifest.json.sha256 says what was noted, manifest.json was changed"_s;
+        return u"; one of the two was changed"_s;
+    }
+
+    void check_request_fits(const QJsonObject &manifest) const
+    {
+        QSet<int> numbers;
+        for (const auto source : manifest.value("sources"_L1).toArray())
+            numbers.insert(source.toObject().value("number"_L1).toInt());
+        for (const int number : request.moved_to.keys()) {
+            if (!numbers.contains(number))
+                throw host_error(error_kind::refused,
+                                 u"--evidence names a source that the manifest has not, "_s + QString::number(number));
+        }
+    }
+
+    void check_sources(const QJsonObject &manifest)
+    {
+        if (manifest.value("version"_L1) == 1)
+            outcome.notes.append(u"the case is of version 1 of its format, which lists results and working copies "
+                                 "alone: its other files were not compared"_s);
+        for (const auto value : manifest.value("sources"_L1).toArray()) {
+            const QJsonObject entry = value.toObject();
+            const source_record source = source_record::from_json(entry);
+            const record_state state = compare_record(layout, manifest, entry);
+            check_record(source, state);
+            check_status(source);
+            if (state == record_state::newer)
+                continue; // another run made what is there
+            if (source.files)
+                check_listed_files(source, state);
+            else
+                check_known_files(source);
+            if (!request.leaves_out_evidence && !source.evidence.files.isEmpty())
+                check_evidence(source);
+        }
+    }
+
+    void check_record(const source_record &source, record_state state)
+    {
+        const QString record = source_name(source.number) + u"/source.json"_s;
+        switch (state) {
+        case record_state::alike:
+            break;
+        case record_state::gone:
+            outcome.differences.append(record + u" is gone"_s);
+            break;
+        case record_state::newer:
+            outcome.differences.append(record + u" is newer than the manifest: \"collect\" makes it anew"_s);
+            break;
+        case record_state::different:
+            outcome.differences.append(record + u" is not what the manifest says"_s);
+            break;
+        case record_state::forged:
+            outcome.differences.append(record + u" cannot be read as a record of this program"_s);
+            break;
+        }
+    }
+
+    void check_status(const source_record &source)
     {
         const QString name = source_name(source.number);
-        if (source.status == source_status::not_run || source.status == source_status::interrupted)
+        if (source.status != source_status::done)
             outcome.incomplete.append(name + u": "_s + status_name(source.status));
-        if (!source.result_path.isEmpty())
-            check_file(source.result_path, layout.directory() + u'/' + source.result_path, source.result_sha256);
-        for (const evidence_file &file : source.evidence.files) {
-            const QString copy = layout.source(source.number).evidence_folder() + u'/' + file.path;
-            if (!file.copy_sha256.isEmpty())
-                check_file(name + u"/Evidence/"_s + file.path, copy, file.copy_sha256);
-        }
-        if (!request.leaves_out_evidence && !source.evidence.files.isEmpty())
-            check_evidence(source);
+        else if (source_kind_named(source.type) == &winos_kind && source.evidence.files.isEmpty())
+            outcome.notes.append(name
+                                 + u": nothing of a Windows source is read by this version, and none of it was "
+                                   "compared"_s);
     }
 
-    /** A file of the case. */
-    void check_file(const QString &name, const QString &path, const QString &expected)
+    /** Every file that the manifest lists for a source, and every one that is there besides. */
+    void check_listed_files(const source_record &source, record_state state)
     {
-        ++outcome.files_compared;
-        const std::optional<QString> found = hash_of_file(path);
-        if (!found)
-            outcome.differences.append(name + (path_exists(path) ? u" cannot be read"_s : u" is gone"_s));
-        else if (*found != expected)
-            outcome.differences.append(name + u" was changed: its SHA-256 was "_s + expected + u" and is "_s + *found);
+        const source_layout files = layout.source(source.number);
+        const QString record = files.relative_to_case(files.record());
+        QSet<QString> listed;
+        for (const kept_file &file : *source.files) {
+            listed.insert(file.path);
+            if (file.path != record || state == record_state::alike)
+                check_file(layout.directory(), file, place::result);
+        }
+        check_agreement(source);
+        // A run that was killed listed nothing: what it left is not whole, which its status says.
+        if (!source.finished.isEmpty())
+            check_added(layout.directory(), paths_or_fault(files.folder()),
+                        listed + set_of({record, files.relative_to_case(files.lock())}), place::result);
+    }
+
+    /** What the manifest says twice, it must say alike. */
+    void check_agreement(const source_record &source)
+    {
+        if (source.finished.isEmpty())
+            return;
+        QHash<QString, QString> hashes;
+        for (const kept_file &file : *source.files)
+            hashes.insert(file.path, file.sha256);
+        for (const kept_file &known : known_files(source)) {
+            if (hashes.value(known.path) != known.sha256)
+                outcome.differences.append(u"manifest.json names two hashes of "_s + known.path);
+        }
+    }
+
+    /** The result and the working copies, which a record names by themselves. */
+    QList<kept_file> known_files(const source_record &source) const
+    {
+        QList<kept_file> files;
+        if (!source.result_path.isEmpty())
+            files.append({source.result_path, -1, source.result_sha256});
+        for (const evidence_file &file : source.evidence.files) {
+            if (!file.copy_sha256.isEmpty())
+                files.append({source_name(source.number) + u"/Evidence/"_s + file.path, -1, file.copy_sha256});
+        }
+        return files;
+    }
+
+    void check_known_files(const source_record &source)
+    {
+        for (const kept_file &file : known_files(source))
+            check_file(layout.directory(), file, place::result);
+        for (const QLatin1StringView ending : {"-wal"_L1, "-journal"_L1, "-shm"_L1}) {
+            const QString path = source.result_path + ending;
+            if (!source.result_path.isEmpty() && path_exists(layout.directory() + u'/' + path))
+                tell_added(path, place::result);
+        }
+    }
+
+    /** A file whose size and hash are known; one of another size is not read. A size of -1 is not known. */
+    void check_file(const QString &root, const kept_file &expected, place kind)
+    {
+        const QString path = root + u'/' + expected.path;
+        compared_file file{kind, shown(root, expected.path), finding::unchanged, expected.sha256, {}};
+        const qint64 size = QFileInfo(path).size();
+        if (!path_exists(path)) {
+            file.outcome = finding::missing;
+            outcome.differences.append(file.path + u" is gone"_s);
+        } else if (QFileInfo(path).isFile() && expected.size >= 0 && size != expected.size) {
+            file.outcome = finding::changed;
+            outcome.differences.append(file.path + u" was changed: it had "_s + QString::number(expected.size)
+                                       + u" bytes and has "_s + QString::number(size));
+        } else if (const std::optional<kept_file> now = look_at_file(root, expected.path); !now) {
+            file.outcome = finding::unreadable;
+            outcome.differences.append(file.path + u" cannot be read"_s);
+        } else if (file.found = now->sha256; now->sha256 != expected.sha256) {
+            file.outcome = finding::changed;
+            outcome.differences.append(file.path + u" was changed: its SHA-256 was "_s + expected.sha256 + u" and is "_s
+                                       + now->sha256);
+        }
+        add(file);
+    }
+
+    QString shown(const QString &root, const QString &path) const
+    {
+        return source_layout(layout.directory(), 0).relative_to_case(root + u'/' + path);
+    }
+
+    QStringList paths_or_fault(const QString &folder, const QString &root = {})
+    {
+        try {
+            return paths_below(root.isEmpty() ? layout.directory() : root, folder);
+        } catch (const host_error &error) {
+            outcome.incomplete.append(error.message());
+            return {};
+        }
+    }
+
+    void check_added(const QString &root, const QStringList &paths, const QSet<QString> &known, place kind)
+    {
+        for (const QString &path : paths) {
+            if (!known.contains(path))
+                tell_added(shown(root, path), kind);
+        }
+    }
+
+    void tell_added(const QString &path, place kind)
+    {
+        add({kind, path, finding::added, {}, {}});
+        outcome.differences.append(path + u" is new: nothing lists it"_s);
+    }
+
+    /** Folders of sources that the manifest does not have. */
+    void check_other_folders(const QJsonObject &manifest)
+    {
+        QSet<int> numbers;
+        for (const auto source : manifest.value("sources"_L1).toArray())
+            numbers.insert(source.toObject().value("number"_L1).toInt());
+        for (const int number : layout.source_numbers()) {
+            if (!numbers.contains(number))
+                outcome.differences.append(source_name(number) + u" is not in the manifest"_s);
+        }
+    }
+
+    /** Notes may be made at any time. */
+    void check_notes(const QJsonObject &manifest)
+    {
+        const QJsonValue recorded = manifest.value("notes"_L1);
+        const std::optional<kept_file> now = look_at_file(layout.directory(), u"notes.jsonl"_s);
+        const QJsonValue found = now ? kept_files_to_json({*now}).first() : QJsonValue();
+        if (!recorded.isUndefined() && recorded != found)
+            outcome.notes.append(u"notes.jsonl was changed after the manifest was made"_s);
+    }
+
+    /** What else lies beside the manifest is nobody's fault, and nothing that it vouches for. */
+    void check_entries()
+    {
+        QStringList known{u"manifest.json"_s, u"manifest.json.sha256"_s, u"notes.jsonl"_s, u".lock"_s};
+        known += report_folders_of(layout);
+        for (const int number : layout.source_numbers())
+            known.append(source_name(number));
+        const QSet<QString> names = set_of(known);
+        const QStringList entries =
+            QDir(layout.directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        for (const QString &entry : entries) {
+            if (!names.contains(entry))
+                outcome.notes.append(entry + u" is listed nowhere, and was not compared"_s);
+        }
+    }
+
+    void check_reports()
+    {
+        for (const QString &name : report_folders_of(layout))
+            check_report(layout.directory() + u'/' + name);
+        for (const QString &folder : request.report_folders)
+            check_report(folder);
+    }
+
+    void check_report(const QString &folder)
+    {
+        try {
+            const report_record report = read_report_record(folder);
+            const QString name = source_layout(layout.directory(), 0).relative_to_case(folder);
+            if (report.manifest_sha256 != outcome.manifest_sha256)
+                outcome.notes.append(u"the report in "_s + name
+                                     + u" is older than the manifest, or of another case: "
+                                       "\"report\" makes it anew"_s);
+            QSet<QString> listed{QString(report_record_name)};
+            for (const kept_file &file : report.files) {
+                listed.insert(file.path);
+                check_file(folder, file, place::report);
+            }
+            check_added(folder, paths_or_fault(folder, folder), listed, place::report);
+        } catch (const host_error &error) {
+            outcome.differences.append(error.message());
+        }
     }
 
     void check_evidence(const source_record &recorded)
@@ -119,6 +366,7 @@ private:
             outcome.missing.append(name + u": the evidence is not there: "_s + path);
             return;
         }
+        outcome.evidence_places.append(path);
         evidence_source source;
         source.kind = source_kind_named(recorded.type);
         source.path = path;
@@ -137,33 +385,45 @@ private:
 
     void compare(const QString &name, const evidence_file &recorded, const evidence_file &found)
     {
-        ++outcome.files_compared;
         const std::optional<file_state> &was = recorded.after ? recorded.after : recorded.before;
         const std::optional<file_state> &is = found.after;
         const QString file = name + u": "_s + recorded.path;
         if (!was && !is)
             return;
-        if (!was || !is)
+        compared_file compared{place::evidence, file, finding::unchanged, was ? was->sha256 : QString(),
+                               is ? is->sha256 : QString()};
+        if (!was || !is) {
+            compared.outcome = is ? finding::added : finding::missing;
             outcome.differences.append(file + (is ? u" was not there before"_s : u" is gone"_s));
-        else if (was->size != is->size || was->sha256 != is->sha256)
+        } else if (was->size != is->size || was->sha256 != is->sha256) {
+            compared.outcome = finding::changed;
             outcome.differences.append(file + u" was changed: it had "_s + QString::number(was->size)
                                        + u" bytes and the SHA-256 "_s + was->sha256 + u", and has "_s
                                        + QString::number(is->size) + u" bytes and "_s + is->sha256);
-        else if (was->modified != is->modified || was->changed != is->changed)
+        } else if (was->modified != is->modified || was->changed != is->changed) {
             outcome.notes.append(file + u" has other times, and the same content"_s);
+        }
+        add(compared);
     }
 
     void compare_listings(const QString &name, const evidence_state &recorded, const evidence_state &now)
     {
         const QStringList &before = recorded.listing_after.isEmpty() ? recorded.listing_before : recorded.listing_after;
-        for (const QString &entry : now.listing_after) {
-            if (!before.contains(entry))
-                outcome.differences.append(name + u": "_s + macos_database_folder + entry + u" was not there before"_s);
+        tell_entries(name, now.listing_after, set_of(before), u" was not there before"_s);
+        tell_entries(name, before, set_of(now.listing_after), u" is gone"_s);
+    }
+
+    void tell_entries(const QString &name, const QStringList &entries, const QSet<QString> &others, const QString &what)
+    {
+        for (const QString &entry : entries) {
+            if (!others.contains(entry))
+                outcome.differences.append(name + u": "_s + macos_database_folder + entry + what);
         }
-        for (const QString &entry : before) {
-            if (!now.listing_after.contains(entry))
-                outcome.differences.append(name + u": "_s + macos_database_folder + entry + u" is gone"_s);
-        }
+    }
+
+    void add(const compared_file &file)
+    {
+        outcome.files.append(file);
     }
 
     const check_request &request;
@@ -172,15 +432,6 @@ private:
 };
 
 } // namespace
-
-outcome_code check_outcome::code() const
-{
-    if (!differences.isEmpty())
-        return outcome_code::evidence_changed;
-    if (!incomplete.isEmpty())
-        return outcome_code::partial;
-    return missing.isEmpty() ? outcome_code::done : outcome_code::no_evidence;
-}
 
 check_outcome check_case(const check_request &request)
 {

@@ -188,6 +188,11 @@ QString case_layout::manifest_hash() const
     return case_directory + u"/manifest.json.sha256"_s;
 }
 
+QString case_layout::notes() const
+{
+    return case_directory + u"/notes.jsonl"_s;
+}
+
 source_layout case_layout::source(int number) const
 {
     return source_layout(case_directory, number);

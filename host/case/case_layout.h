@@ -61,6 +61,7 @@ public:
     QString lock() const;
     QString manifest() const;
     QString manifest_hash() const;
+    QString notes() const; ///< what examiners add
     source_layout source(int number) const;
 
     /** The numbers of the source folders that are there, in order. */

@@ -14,6 +14,7 @@
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -24,6 +25,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int largest_number = 1000000;
+constexpr qsizetype shown_digits = 60;
 constexpr QLatin1StringView list_members[] = {"path"_L1, "type"_L1, "name"_L1, "number"_L1};
 
 [[noreturn]] void refuse(const QString &message)
@@ -194,12 +196,17 @@ QString ranges_of(const QList<int> &numbers)
 
 QList<int> numbers_in(const QString &ranges)
 {
+    static const QRegularExpression form(u"^([0-9]{1,7})(?:-([0-9]{1,7}))?$"_s);
     QList<int> numbers;
-    const QStringList parts = ranges.split(u',', Qt::SkipEmptyParts);
+    const QStringList parts = ranges.isEmpty() ? QStringList() : ranges.split(u',');
     for (const QString &part : parts) {
-        const int first = part.section(u'-', 0, 0).toInt();
-        const int last = part.section(u'-', -1).toInt();
-        for (int number = first; number <= last && number - first <= largest_number; ++number)
+        const QRegularExpressionMatch match = form.match(part);
+        const int first = match.captured(1).toInt();
+        const int last = match.hasCaptured(2) ? match.captured(2).toInt() : first;
+        if (!match.hasMatch() || last < first || last > largest_number
+            || (!numbers.isEmpty() && first <= numbers.last()))
+            throw host_error(error_kind::not_found, u"these are no numbers of sources: "_s + ranges.left(shown_digits));
+        for (int number = first; number <= last; ++number)
             numbers.append(number);
     }
     return numbers;

@@ -50,7 +50,10 @@ QJsonObject sources_identity(const QList<named_source> &sources);
 /** Numbers in ascending order as a text: "1-3,7". */
 QString ranges_of(const QList<int> &numbers);
 
-/** The numbers in a text such as "1-3,7", as sources_identity() writes it. */
+/**
+ * The numbers in a text such as "1-3,7", as sources_identity() writes it: ascending, none above a million. Throws
+ * host_error (not_found) for any other text.
+ */
 QList<int> numbers_in(const QString &ranges);
 
 #endif

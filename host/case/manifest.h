@@ -14,16 +14,24 @@
 #include <QMap>
 #include <QString>
 
+/** The version of records and manifests that are written now. Those of version 1 are read; they list no files. */
+inline constexpr int case_version = 2;
+
 /** The record of a source as it stands in its folder. */
 struct kept_record
 {
     QJsonObject members; ///< all of source.json
     source_record source;
+
+    int version() const
+    {
+        return members.value(QLatin1StringView("version")).toInt();
+    }
 };
 
 /**
  * Reads the record of a source. One that says "running" though nobody holds its lock is interrupted. Throws host_error
- * (not_found) when it is missing or no record of this program.
+ * (not_found) when it is missing, no record of this program, or forged.
  */
 kept_record read_source_record(const case_layout &layout, int number);
 
@@ -66,7 +74,19 @@ manifest_file read_manifest_file(const case_layout &layout);
  * read. */
 QJsonObject manifest_members(const manifest_file &file);
 
-/** The sources whose records are not what the manifest says of them. Throws host_error (not_found). */
+/** How the record of a source stands to what the manifest says of the source. */
+enum class record_state {
+    alike,
+    gone,
+    newer,     ///< a run worked on the source after the manifest was made, or does now
+    different, ///< somebody edited it, or the manifest
+    forged,    ///< it cannot be read as a record
+};
+
+/** @p entry is one of the manifest's sources. */
+record_state compare_record(const case_layout &layout, const QJsonObject &manifest, const QJsonObject &entry);
+
+/** The sources whose records are not what the manifest says of them. */
 QList<int> sources_unlike_manifest(const case_layout &layout, const QJsonObject &manifest);
 
 #endif

@@ -44,10 +44,12 @@ QLatin1StringView status_name(source_status status)
     return status_names[int(status)];
 }
 
-source_status status_named(const QString &name)
+std::optional<source_status> status_named(const QString &name)
 {
     const auto found = std::find(std::begin(status_names), std::end(status_names), name);
-    return found == std::end(status_names) ? source_status::failed : source_status(found - std::begin(status_names));
+    if (found == std::end(status_names))
+        return {};
+    return source_status(found - std::begin(status_names));
 }
 
 QJsonObject rows_to_json(const QList<table_rows> &rows)
@@ -85,12 +87,12 @@ QJsonObject source_record::to_json() const
     QJsonArray texts;
     for (const run_message &message : messages)
         texts.append(message.to_json());
-    const QJsonObject files = evidence.to_json();
+    const QJsonObject of_evidence = evidence.to_json();
     QJsonValue result;
     if (!result_path.isEmpty())
         result = QJsonObject{{u"path"_s, result_path}, {u"sha256"_s, text_or_null(result_sha256)}};
 
-    return {
+    QJsonObject json{
         {u"number"_s, number},
         {u"name"_s, name},
         {u"path"_s, path},
@@ -101,14 +103,17 @@ QJsonObject source_record::to_json() const
         {u"started"_s, text_or_null(started)},
         {u"finished"_s, text_or_null(finished)},
         {u"rows"_s, rows_to_json(rows)},
-        {u"evidence"_s, files.value("evidence"_L1)},
-        {u"listing"_s, files.value("listing"_L1)},
+        {u"evidence"_s, of_evidence.value("evidence"_L1)},
+        {u"listing"_s, of_evidence.value("listing"_L1)},
         {u"wal"_s, wal},
         {u"host_devices"_s, host_devices},
         {u"salvaged"_s, salvaged},
-        {u"unparsed_lines"_s, files.value("unparsed_lines"_L1)},
+        {u"unparsed_lines"_s, of_evidence.value("unparsed_lines"_L1)},
         {u"result"_s, result},
     };
+    if (files)
+        json.insert("files"_L1, kept_files_to_json(*files));
+    return json;
 }
 
 source_record source_record::from_json(const QJsonObject &json)
@@ -118,7 +123,7 @@ source_record source_record::from_json(const QJsonObject &json)
     record.name = json.value("name"_L1).toString();
     record.path = json.value("path"_L1).toString();
     record.type = json.value("type"_L1).toString();
-    record.status = status_named(json.value("status"_L1).toString());
+    record.status = status_named(json.value("status"_L1).toString()).value_or(source_status::failed);
     if (json.value("exit_code"_L1).isDouble())
         record.exit_code = json.value("exit_code"_L1).toInt();
     for (const auto message : json.value("messages"_L1).toArray())
@@ -133,5 +138,7 @@ source_record source_record::from_json(const QJsonObject &json)
     const QJsonObject result = json.value("result"_L1).toObject();
     record.result_path = result.value("path"_L1).toString();
     record.result_sha256 = result.value("sha256"_L1).toString();
+    if (json.value("files"_L1).isArray())
+        record.files = kept_files_from_json(json.value("files"_L1).toArray());
     return record;
 }

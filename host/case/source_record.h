@@ -4,6 +4,7 @@
 #ifndef HOST_CASE_SOURCE_RECORD_H
 #define HOST_CASE_SOURCE_RECORD_H
 
+#include "host/case/kept_file.h"
 #include "host/case/run_message.h"
 #include "host/source/evidence_state.h"
 
@@ -46,8 +47,8 @@ enum class source_status {
 bool is_complete(source_status status);
 
 QLatin1StringView status_name(source_status status);
-/** failed for a name that no status has. */
-source_status status_named(const QString &name);
+/** Nothing for a name that no status has. */
+std::optional<source_status> status_named(const QString &name);
 
 /** All that is known of one source of a case; source.json holds it, and the manifest takes it from there. */
 struct source_record
@@ -68,6 +69,8 @@ struct source_record
     QJsonValue salvaged;     ///< rows that the host found on intact pages of a damaged database, by result table
     QString result_path;     ///< relative to the case; empty: there is none
     QString result_sha256;
+    /** Every file of the source but its record, when its run had ended; none in the records of version 1. */
+    std::optional<QList<kept_file>> files;
 
     /** Adds an error to a run that was judged already: one that was done is partial then, with its exit code. */
     void add_error(const QString &text);

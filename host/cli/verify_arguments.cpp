@@ -14,7 +14,8 @@ using namespace Qt::StringLiterals;
 
 void add_verify_command(CLI::App &app, command_line &line)
 {
-    const auto request = std::make_shared<check_request>();
+    const auto options = std::make_shared<verify_options>();
+    check_request *const request = &options->request;
     CLI::App &verify = *app.add_subcommand("verify", "Compare evidence, working copies and results with the manifest");
     add_path(verify, {"CASE", "PATH", "The case's folder", {"bluetooth-logs verify case"}}, request->directory)
         ->required();
@@ -41,6 +42,18 @@ void add_verify_command(CLI::App &app, command_line &line)
     });
     add_flag(verify, {"--results-only", "", "Leave the evidence out", {"bluetooth-logs verify case --results-only"}},
              request->leaves_out_evidence);
+    const argument report{"--report", "DIR", "The folder of a report that lies elsewhere; may be given several times"};
+    add_values(verify, report, [request, report](const QStringList &folders) {
+        for (const QString &folder : folders)
+            request->report_folders.append(absolute_path(folder, report.name()));
+    });
+    add_flag(verify, {"--json", "", "Print what was compared and found as JSON"}, options->json);
+    add_path(verify,
+             {"--record",
+              "FILE",
+              "Write the same into a file that is not there yet",
+              {"bluetooth-logs verify case --record verified.json"}},
+             options->record_file);
     verify.final_callback(
-        [request, &line] { line.command = [request](console &out) { return run_verify(*request, out); }; });
+        [options, &line] { line.command = [options](console &out) { return run_verify(*options, out); }; });
 }

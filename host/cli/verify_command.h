@@ -8,7 +8,14 @@
 #include "host/cli/console.h"
 #include "host/cli/exit_code.h"
 
+struct verify_options
+{
+    check_request request;
+    QString record_file; ///< absolute; empty: none is written
+    bool json = false;   ///< the outcome as JSON on standard output, in place of words
+};
+
 /** Compares a case with its manifest and tells what is different. Throws host_error. */
-exit_code run_verify(const check_request &request, console &out);
+exit_code run_verify(const verify_options &options, console &out);
 
 #endif

@@ -19,7 +19,7 @@ constexpr qsizetype block_bytes = 1 << 20;
 
 } // namespace
 
-std::optional<QString> hash_of_file(const QString &path)
+std::optional<file_content> content_of_file(const QString &path)
 {
     const descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
@@ -27,14 +27,26 @@ std::optional<QString> hash_of_file(const QString &path)
         return {};
     QByteArray buffer(block_bytes, Qt::Uninitialized);
     sha256 hash;
+    file_content content;
     for (;;) {
         const auto count = ::read(file.number(), buffer.data(), size_t(buffer.size()));
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
             return {};
-        if (count == 0)
-            return hash.result();
+        if (count == 0) {
+            content.sha256 = hash.result();
+            return content;
+        }
+        content.size += count;
         hash.add(QByteArrayView(buffer.constData(), count));
     }
+}
+
+std::optional<QString> hash_of_file(const QString &path)
+{
+    const std::optional<file_content> content = content_of_file(path);
+    if (!content)
+        return {};
+    return content->sha256;
 }

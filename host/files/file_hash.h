@@ -8,7 +8,17 @@
 
 #include <optional>
 
-/** SHA-256 of a regular file of a case, which is no link. Nothing when it cannot be read to its end. */
+/** What was read of a file. */
+struct file_content
+{
+    qint64 size = 0; ///< bytes read
+    QString sha256;
+};
+
+/** Reads a regular file of a case, which is no link, to its end. Nothing when that cannot be done. */
+std::optional<file_content> content_of_file(const QString &path);
+
+/** The SHA-256 of the same. */
 std::optional<QString> hash_of_file(const QString &path);
 
 #endif

@@ -4,17 +4,14 @@
 #include "host/run/case_plan.h"
 
 #include "host/files/paths.h"
-#include "host/files/sha256.h"
+#include "host/run/provenance.h"
 #include "host/text/json_member.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QSet>
 
 #include <algorithm>
 #include <iterator>
-
-#include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
 
@@ -35,25 +32,14 @@ QJsonObject result_options(const case_request &request)
     return options;
 }
 
-QString plugin_hash(const QString &file)
-{
-    QFile plugin(file);
-    if (!plugin.open(QIODevice::ReadOnly))
-        return {};
-    return sha256::of(plugin.readAll());
-}
-
 QJsonObject facts_of(const case_request &request, const QList<named_source> &all)
 {
-    const QString plugin = request.options.plugin_file;
     return {
         {u"format"_s, u"bluetooth-logs source"_s},
-        {u"version"_s, 1},
-        {u"tool"_s, QJsonObject{{u"version"_s, QStringLiteral(BLUETOOTH_LOGS_VERSION)},
-                                {u"qt"_s, QString::fromLatin1(qVersion())},
-                                {u"sqlite"_s, QString::fromLatin1(sqlite3_libversion())},
-                                {u"plugin"_s,
-                                 QJsonObject{{u"path"_s, plugin}, {u"sha256"_s, text_or_null(plugin_hash(plugin))}}}}},
+        {u"version"_s, case_version},
+        {u"tool"_s, tool_facts(request.options.plugin_file)},
+        {u"system"_s, system_facts()},
+        {u"working_folder"_s, working_folder()},
         {u"options"_s, QJsonArray::fromStringList(request.arguments)},
         {u"result_options"_s, result_options(request)},
         {u"examiner"_s, text_or_null(request.examiner)},
@@ -62,8 +48,17 @@ QJsonObject facts_of(const case_request &request, const QList<named_source> &all
     };
 }
 
+/** Records of two versions make no manifest. */
+void refuse_older_record(const earlier_source &source, const QString &option)
+{
+    if (source.version != case_version)
+        refuse(u"the record of source "_s + QString::number(source.number) + u" is of version "_s
+               + QString::number(source.version) + u" of its format, and this program writes version "_s
+               + QString::number(case_version) + u": "_s + option + u" cannot go on with it, --force starts anew"_s);
+}
+
 /** The sources that have a record. Throws what is wrong with one. */
-QList<named_source> recorded_sources_of(const QList<earlier_source> &earlier)
+QList<named_source> recorded_sources_of(const QList<earlier_source> &earlier, const QString &option)
 {
     QList<named_source> recorded;
     for (const earlier_source &source : earlier) {
@@ -71,6 +66,7 @@ QList<named_source> recorded_sources_of(const QList<earlier_source> &earlier)
             throw *source.problem;
         if (!source.has_record)
             continue;
+        refuse_older_record(source, option);
         named_source known;
         known.number = source.number;
         known.name = source.name;
@@ -86,7 +82,7 @@ QList<named_source> recorded_sources_of(const QList<earlier_source> &earlier)
 source_choice added_sources(const case_request &request, const QList<earlier_source> &earlier)
 {
     source_choice choice;
-    choice.all = recorded_sources_of(earlier);
+    choice.all = recorded_sources_of(earlier, u"--add"_s);
     if (choice.all.isEmpty())
         refuse(u"there is no case to add to: "_s + request.directory);
     int highest = 0;
@@ -105,7 +101,7 @@ source_choice added_sources(const case_request &request, const QList<earlier_sou
 /** --resume without a source: all of the case, where each was begun; a source that was not stands in no record. */
 QList<named_source> sources_of_the_first_run(const case_request &request, const QList<earlier_source> &earlier)
 {
-    const QList<named_source> recorded = recorded_sources_of(earlier);
+    const QList<named_source> recorded = recorded_sources_of(earlier, u"--resume"_s);
     if (recorded.isEmpty())
         refuse(u"there is no case to continue: "_s + request.directory);
     const QString list_hash = sources_identity(recorded).value("sha256"_L1).toString();
@@ -153,6 +149,7 @@ QList<named_source> unfinished_sources(const case_request &request, const QList<
             throw *source.problem;
         if (!source.has_record)
             continue;
+        refuse_older_record(source, u"--resume"_s);
         refuse_another_run(source, list_hash, options);
         if (source.status == source_status::done)
             done.insert(source.number);

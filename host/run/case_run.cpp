@@ -113,6 +113,7 @@ private:
         try {
             make_folder(source.layout().folder());
             const file_lock lock(source.layout().lock());
+            record.files = list_files_of_source(case_layout(source.case_directory), source.number);
             write_source_record(source, plan.facts, record);
         } catch (const host_error &error) {
             record.add_error(error.message());

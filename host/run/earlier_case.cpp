@@ -23,6 +23,7 @@ earlier_source read_earlier_source(const case_layout &layout, int number)
         source.path = record.source.path;
         source.type = record.source.type;
         source.status = record.source.status;
+        source.version = record.version();
         source.list_sha256 = record.members["case_sources"_L1]["sha256"_L1].toString();
         source.result_options = record.members["result_options"_L1].toObject();
     } catch (const host_error &error) {

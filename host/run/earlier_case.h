@@ -5,6 +5,7 @@
 #define HOST_RUN_EARLIER_CASE_H
 
 #include "host/case/case_layout.h"
+#include "host/case/manifest.h"
 #include "host/case/source_record.h"
 #include "host/files/host_error.h"
 
@@ -25,6 +26,7 @@ struct earlier_source
     QString path;
     QString type;
     source_status status = source_status::not_run;
+    int version = case_version; ///< of its record
     QString list_sha256;        ///< of the case's list of sources
     QJsonObject result_options; ///< those that decide what stands in the result
 

@@ -173,6 +173,7 @@ private:
         require_room(request);
         // The record comes first: whatever stops the program from here on, it says that the run did not end.
         record.status = source_status::running;
+        record.files.emplace();
         record.started = utc_now();
         write_source_record(request, facts, record);
         make_folder(layout.temporary_folder());
@@ -206,6 +207,11 @@ private:
         source_record judged = judge_source(request, record, report, is_interrupted());
         judged.finished = utc_now();
         remove_temporary_files(request.layout());
+        try {
+            judged.files = list_files_of_source(case_layout(request.case_directory), request.number);
+        } catch (const host_error &error) {
+            judged.add_error(error.message());
+        }
         try {
             write_source_record(request, facts, judged);
         } catch (const host_error &error) {

@@ -10,6 +10,7 @@ import json
 import pathlib
 import sys
 
+names_with_times = ("/plugin.log", "/source.json")
 compared_names = ("Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite", "ios_lines.jsonl", "wal_changes.jsonl")
 
 
@@ -30,6 +31,10 @@ def timeless_manifest(case):
     del manifest["options"]
     for part in (manifest, *manifest["sources"]):
         del part["started"], part["finished"]
+    for source in manifest["sources"]:
+        for file in source["files"]:
+            if file["path"].endswith(names_with_times):
+                del file["size"], file["sha256"]
     return manifest
 
 

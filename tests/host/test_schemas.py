@@ -138,7 +138,12 @@ class manifests(fitting_case):
         self.assertTrue(fits(manifest))
         changes = {
             "another format": lambda m: m.update(format="manifest"),
-            "another version": lambda m: m.update(version=2),
+            "another version": lambda m: m.update(version=3),
+            "no list of files": lambda m: m["sources"][0].pop("files"),
+            "a file elsewhere": lambda m: m["sources"][0]["files"][0].update(path="/etc/passwd"),
+            "a commit that is none": lambda m: m["tool"].update(commit="main"),
+            "no kernel": lambda m: m["system"].pop("kernel"),
+            "a relative working folder": lambda m: m.update(working_folder="here"),
             "an unknown member": lambda m: m.update(more=1),
             "no source": lambda m: m.update(sources=[]),
             "a local time": lambda m: m.update(started="2026-01-31T12:00:00+01:00"),

@@ -1,0 +1,202 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/case/case_sources.h"
+#include "host/files/host_error.h"
+#include "tests/support/strict_test.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+named_source source_at(const QString &path, int number = -1)
+{
+    named_source source;
+    source.number = number;
+    source.path = path;
+    source.place = u"-i"_s;
+    return source;
+}
+
+/** What is refused, in the words of the refusal; empty when nothing is. */
+QString refusal(const std::function<void()> &work)
+{
+    try {
+        work();
+    } catch (const host_error &error) {
+        return error.message();
+    }
+    return {};
+}
+
+QList<int> numbers_of(const QList<named_source> &sources)
+{
+    QList<int> numbers;
+    for (const named_source &source : sources)
+        numbers.append(source.number);
+    return numbers;
+}
+
+} // namespace
+
+class test_case_sources : public strict_test
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void free_numbers_are_given();
+    void numbers_given_twice_are_refused();
+    void overlaps_data();
+    void overlaps();
+    void links_are_followed_where_places_are_compared();
+    void list_of_sources();
+    void faults_of_a_list_data();
+    void faults_of_a_list();
+    void identity_and_its_numbers();
+    void numbers_in_a_text_data();
+    void numbers_in_a_text();
+};
+
+void test_case_sources::free_numbers_are_given()
+{
+    QList<named_source> sources{source_at(u"/a"_s), source_at(u"/b"_s, 2), source_at(u"/c"_s), source_at(u"/d"_s, 1)};
+    number_sources(sources);
+    QCOMPARE(numbers_of(sources), QList<int>({3, 2, 4, 1}));
+}
+
+void test_case_sources::numbers_given_twice_are_refused()
+{
+    QList<named_source> sources{source_at(u"/a"_s, 2), source_at(u"/b"_s, 2)};
+    QCOMPARE(refusal([&] { number_sources(sources); }), u"the number 2 is given twice: /a (-i) and /b (-i)"_s);
+}
+
+void test_case_sources::overlaps_data()
+{
+    QTest::addColumn<QStringList>("paths");
+    QTest::addColumn<QString>("message");
+
+    // clang-format off
+    QTest::newRow("apart")         << QStringList{u"/a"_s, u"/b"_s, u"/ab"_s}    << QString();
+    QTest::newRow("twice")         << QStringList{u"/a"_s, u"/b"_s, u"/a"_s}     << u"a source is given twice: /a (-i) and /a (-i)"_s;
+    QTest::newRow("inside")        << QStringList{u"/a"_s, u"/a/b"_s}            << u"a source lies inside another: /a/b (-i) inside /a (-i)"_s;
+    QTest::newRow("deep inside")   << QStringList{u"/a/b/c/d"_s, u"/a"_s}        << u"a source lies inside another: /a/b/c/d (-i) inside /a (-i)"_s;
+    QTest::newRow("the root")      << QStringList{u"/"_s, u"/a"_s}               << u"a source lies inside another: /a (-i) inside / (-i)"_s;
+    // clang-format on
+}
+
+void test_case_sources::overlaps()
+{
+    QFETCH(QStringList, paths);
+    QFETCH(QString, message);
+    QList<named_source> sources;
+    for (const QString &path : paths)
+        sources.append(source_at(path));
+    QCOMPARE(refusal([&] { refuse_overlaps(sources, path_comparison::texts); }), message);
+}
+
+void test_case_sources::links_are_followed_where_places_are_compared()
+{
+    const QTemporaryDir folder;
+    QVERIFY(QDir().mkpath(folder.filePath(u"a/b"_s)) && QFile::link(folder.filePath(u"a"_s), folder.filePath(u"l"_s)));
+    const QList<named_source> same{source_at(folder.filePath(u"a"_s)), source_at(folder.filePath(u"l"_s))};
+    const QList<named_source> inner{source_at(folder.filePath(u"a"_s)), source_at(folder.filePath(u"l/b"_s))};
+    QVERIFY(
+        refusal([&] { refuse_overlaps(same, path_comparison::places); }).startsWith(u"a source is given twice: "_s));
+    QVERIFY(refusal([&] { refuse_overlaps(inner, path_comparison::places); }).startsWith(u"a source lies inside "_s));
+    QCOMPARE(refusal([&] { refuse_overlaps(same, path_comparison::texts); }), QString());
+}
+
+void test_case_sources::list_of_sources()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"list.json"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(R"({"sources": [{"path": "mac", "name": "Laptop", "number": 7}, {"path": "/log", "type": "iOS_UID"}]})");
+    file.close();
+    const QList<named_source> sources = read_source_list(file.fileName());
+    QCOMPARE(numbers_of(sources), QList<int>({7, -1}));
+    QCOMPARE(sources.at(0).path, folder.filePath(u"mac"_s));
+    QCOMPARE(sources.at(0).name, u"Laptop"_s);
+    QVERIFY(!sources.at(0).kind);
+    QCOMPARE(sources.at(0).place, u"list.json: sources[0]"_s);
+    QCOMPARE(sources.at(1).path, u"/log"_s);
+}
+
+void test_case_sources::faults_of_a_list_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("message");
+
+    // clang-format off
+    QTest::newRow("no list")        << QByteArray(R"({"sources": 1})")                            << u"list.json: sources is no list of at least one source"_s;
+    QTest::newRow("unknown member") << QByteArray(R"({"sources": [{"path": "a"}], "x": 1})")      << u"list.json has an unknown member, x"_s;
+    QTest::newRow("no object")      << QByteArray(R"({"sources": ["a"]})")                        << u"list.json: sources[0] is no object"_s;
+    QTest::newRow("no path")        << QByteArray(R"({"sources": [{"path": "a"}, {}]})")          << u"list.json: sources[1].path is missing or empty"_s;
+    QTest::newRow("a number, half") << QByteArray(R"({"sources": [{"path": "a", "number": 1.5}]})") << u"list.json: sources[0].number is no whole number from 1 to 1000000"_s;
+    QTest::newRow("unknown type")   << QByteArray(R"({"sources": [{"path": "a", "type": "x"}]})") << u"list.json: sources[0].type is x, and only macOS, iOS_UID, winOS and auto are known"_s;
+    // clang-format on
+}
+
+void test_case_sources::faults_of_a_list()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, message);
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"list.json"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    file.close();
+    QCOMPARE(refusal([&] { read_source_list(file.fileName()); }), message);
+}
+
+void test_case_sources::identity_and_its_numbers()
+{
+    const QList<named_source> sources{source_at(u"/a"_s, 3), source_at(u"/b"_s, 1), source_at(u"/c"_s, 2),
+                                      source_at(u"/d"_s, 7)};
+    const QJsonObject identity = sources_identity(sources);
+    QCOMPARE(identity.value("count"_L1).toInt(), 4);
+    QCOMPARE(identity.value("numbers"_L1).toString(), u"1-3,7"_s);
+    QList<named_source> renamed = sources;
+    renamed[0].name = u"x"_s;
+    QVERIFY(sources_identity(renamed).value("sha256"_L1) != identity.value("sha256"_L1));
+}
+
+void test_case_sources::numbers_in_a_text_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QList<int>>("numbers");
+
+    // clang-format off
+    QTest::newRow("one")          << u"7"_s           << QList<int>{7};
+    QTest::newRow("zero")         << u"0"_s           << QList<int>{0};
+    QTest::newRow("ranges")       << u"1-3,7,9-10"_s  << QList<int>{1, 2, 3, 7, 9, 10};
+    QTest::newRow("the last")     << u"1000000"_s     << QList<int>{1000000};
+    QTest::newRow("too large")    << u"1000001"_s     << QList<int>();
+    QTest::newRow("absurd")       << u"2147483647-2147483647"_s << QList<int>();
+    QTest::newRow("much")         << u"1-9999999"_s   << QList<int>();
+    QTest::newRow("again")        << u"1-3,3"_s       << QList<int>();
+    QTest::newRow("backwards")    << u"3-1"_s         << QList<int>();
+    QTest::newRow("no number")    << u"1,x"_s         << QList<int>();
+    QTest::newRow("a blank")      << u"1, 2"_s        << QList<int>();
+    // clang-format on
+}
+
+void test_case_sources::numbers_in_a_text()
+{
+    QFETCH(QString, text);
+    QFETCH(QList<int>, numbers);
+    QList<int> found;
+    const QString message = refusal([&] { found = numbers_in(text); });
+    QCOMPARE(found, numbers);
+    QCOMPARE(message, numbers.isEmpty() ? QString(u"these are no numbers of sources: "_s + text) : QString());
+}
+
+QTEST_GUILESS_MAIN(test_case_sources)
+
+#include "test_case_sources.moc"
