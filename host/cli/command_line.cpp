@@ -165,6 +165,7 @@ command_line parse_command_line(int argc, char **argv)
     add_extract_command(app, line);
     add_collect_command(app, line);
     add_verify_command(app, line);
+    add_note_command(app, line);
     add_report_command(app, line);
     add_show_command(app, line);
     add_help_command(app, line);

@@ -64,7 +64,7 @@ void test_words::refusal_data()
     const QString more_of_show = u" (bluetooth-logs show --help tells more)"_s;
     const auto no_command = [](const QString &word) {
         return QString(u"there is no command "_s + word
-                       + u" beside sample, extract, collect, verify, report, show and help"_s);
+                       + u" beside sample, extract, collect, verify, note, report, show and help"_s);
     };
     const auto extract = [](const QString &rest) { return QString(u"extract -i s -o c "_s + rest).split(u' '); };
 
