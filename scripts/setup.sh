@@ -6,7 +6,7 @@
 
 # What a build needs on Debian 12 and Ubuntu 24.04, and what the tests need besides.
 debian_packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libqt6sql6-sqlite
-    libcli11-dev libutf8proc-dev libplist-dev libhivex-dev libsqlite3-dev libssl-dev libarchive-dev libtsk-dev)
+    libcli11-dev libutf8proc-dev libplist-dev libhivex-dev libsqlite3-dev libssl-dev libarchive-dev libtsk-dev libxlsxwriter-dev)
 debian_test_packages=(locales strace parallel python3-jsonschema
     # what makes the containers of the tests
     e2fsprogs ntfs-3g mtools xorriso fdisk ewf-tools qemu-utils zip p7zip-full zstd xz-utils bzip2 cpio dosfstools exfatprogs
@@ -14,7 +14,7 @@ debian_test_packages=(locales strace parallel python3-jsonschema
 # What .ci/run needs besides: the preset gnustep for the files of Apple platforms on Linux, and the tools that check.
 debian_ci_packages=(gobjc++ libgnustep-base-dev clang clang-format clang-tidy python3)
 # The same in Homebrew; macOS has no strace, and the tests that use it, parallel, jsonschema or a browser are skipped there.
-brew_packages=(cmake ninja pkg-config qt cli11 utf8proc libplist sqlite openssl@3 libarchive sleuthkit)
+brew_packages=(cmake ninja pkg-config qt cli11 utf8proc libplist sqlite openssl@3 libarchive sleuthkit libxlsxwriter)
 
 # Runs a command and shows its output only if it fails.
 quietly() {

@@ -25,9 +25,9 @@ public:
     QString wal_changes() const;
     QString earlier_wal_changes() const; ///< what earlier versions of the program called it, in another form
     QString ios_lines() const;
-    QString unparsed_lines() const;
-    QString host_devices() const;
-    QString salvage() const;
+    QString unparsed_lines() const;          ///< lines of a log with words of devices that gave no row
+    QString salvage() const;                 ///< rows on the intact pages of a damaged database
+    QString host_devices() const;            ///< devices of the lists that are no database
     QString temporary_folder() const;        ///< of the process that runs the plug-in
     QString plugin_temporary_folder() const; ///< of the plug-in, which removes it in the end
     QString result_folder() const;

@@ -12,6 +12,8 @@ exit_code run_report(const report_options &options, console &out)
     for (const QString &name : outcome.files)
         lines.append(u"Report    "_s + options.output + u'/' + name);
     out.print_unless_quiet(lines);
+    for (const QString &text : outcome.notes)
+        out.note(text);
     for (const QString &text : outcome.shortcomings)
         out.warning(text);
     return outcome.shortcomings.isEmpty() ? exit_code::done : exit_code::partial;

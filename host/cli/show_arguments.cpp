@@ -4,6 +4,7 @@
 #include "host/case/result_tables.h"
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/host_device_view.h"
 #include "host/cli/show_command.h"
 
 #include <memory>
@@ -59,9 +60,9 @@ void add_show_command(CLI::App &app, command_line &line)
                 "Show only the source of this number",
                 {"bluetooth-logs show case --source 2 --table paired_devices"}},
                0, highest_source, options->source);
-    const argument table{"--table", "TABLE", "Show only this table: devices or paired_devices"};
+    const argument table{"--table", "TABLE", "Show only this table: devices, paired_devices or host_devices"};
     add_value(show, table, [options, table](const QString &name) {
-        require_choice(table, name, result_tables());
+        require_choice(table, name, result_tables() + QStringList{host_devices_name});
         options->table = name;
     });
     add_number(show,

@@ -5,6 +5,7 @@
 
 #include "host/case/case_reservations.h"
 #include "host/case/stored_source.h"
+#include "host/cli/host_device_view.h"
 #include "host/files/host_error.h"
 #include "host/report/tables/report_table.h"
 #include "host/text/count_text.h"
@@ -123,6 +124,8 @@ exit_code run_show(const show_options &options, console &out)
 {
     if (options.format)
         return show_file(options, out);
+    if (options.table == host_devices_name)
+        return show_host_devices(options, out);
     const QList<stored_source> sources = chosen_sources(options);
     exit_code code = exit_code::done;
     if (QFileInfo(options.place).isDir())

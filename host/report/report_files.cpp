@@ -8,14 +8,15 @@
 #include "host/files/json_file.h"
 #include "host/files/new_file.h"
 #include "host/files/paths.h"
+#include "host/report/join/other_appearances.h"
+#include "host/report/list_files.h"
 #include "host/report/page/device_cards.h"
 #include "host/report/page/html_page.h"
 #include "host/report/page/html_summary.h"
-#include "host/report/reading/wal_change.h"
 #include "host/report/report_readme.h"
-#include "host/report/tables/evidence_list.h"
-#include "host/report/tables/json_lines.h"
-#include "host/report/tables/shared_devices.h"
+#include "host/report/report_record.h"
+#include "host/report/tables/report_database.h"
+#include "host/report/tables/workbook.h"
 
 #include <QDir>
 #include <QFile>
@@ -31,9 +32,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QLatin1StringView readme_name("README.txt");
-constexpr QLatin1StringView shared_name("shared");
-constexpr QLatin1StringView evidence_name("evidence_files");
-constexpr QLatin1StringView wal_changes_name("wal_changes.jsonl");
+constexpr QLatin1StringView database_name("report.sqlite");
+constexpr QLatin1StringView workbook_name("report.xlsx");
 constexpr QLatin1StringView page_name("report.html");
 constexpr qint64 most_rows_of_a_page = 100000;
 
@@ -69,19 +69,18 @@ public:
         html_page page(that_case);
         for (const QString &table : result_tables())
             write_table(table, page);
+        learn_other_appearances();
         const QList<joined_device> devices = read_devices();
-        for (const program_format &format : program_formats) {
-            if (has(format.format))
-                write_lists(format, devices);
-        }
-        if (has(report_format::jsonl))
-            write_wal_changes();
+        add_shortcomings(write_list_files(options, that_case, devices, changes));
+        write_case_files(devices);
         if (has_any_program_format())
-            write_whole_file(path_of(readme_name), readme(that_case, options, changes));
+            write_whole_file(path_of(readme_name), readme(that_case, options, changes, outcome.notes));
         if (has(report_format::html)) {
             remove_earlier_pages();
             write_pages(page, devices);
         }
+        write_report_record(options.output, that_case.manifest_sha256, outcome.files);
+        outcome.files.append(report_record_name);
         return outcome;
     }
 
@@ -93,8 +92,9 @@ private:
 
     bool has_any_program_format() const
     {
-        return std::any_of(std::begin(program_formats), std::end(program_formats),
-                           [this](const program_format &format) { return has(format.format); });
+        return has(report_format::timeline)
+               || std::any_of(std::begin(program_formats), std::end(program_formats),
+                              [this](const program_format &format) { return has(format.format); });
     }
 
     bool is_one_page() const
@@ -109,15 +109,13 @@ private:
 
     void plan_files()
     {
-        for (const program_format &format : program_formats) {
-            if (!has(format.format))
-                continue;
-            for (const QString &table : result_tables())
-                outcome.files.append(table + format.suffix);
-            outcome.files << shared_name + format.suffix << evidence_name + format.suffix;
-        }
-        if (has(report_format::jsonl))
-            outcome.files.append(wal_changes_name);
+        outcome.files = program_file_names(options, that_case);
+        if (has(report_format::timeline))
+            outcome.files << u"timeline.csv"_s << u"timeline.jsonl"_s;
+        if (has(report_format::sqlite))
+            outcome.files.append(database_name);
+        if (has(report_format::xlsx))
+            outcome.files.append(workbook_name);
         if (has_any_program_format())
             outcome.files.append(readme_name);
         if (has(report_format::html))
@@ -154,20 +152,30 @@ private:
     /** Said once, whichever pass found it. */
     void add_shortcoming(const report_source &source, const QString &problem)
     {
-        const QString text = source.problem_text(problem);
-        if (!problem.isEmpty() && !outcome.shortcomings.contains(text))
-            outcome.shortcomings.append(text);
+        if (!problem.isEmpty())
+            add_shortcomings({source.problem_text(problem)});
+    }
+
+    void add_shortcomings(const QStringList &texts)
+    {
+        for (const QString &text : texts) {
+            if (!outcome.shortcomings.contains(text))
+                outcome.shortcomings.append(text);
+        }
     }
 
     void write_table(const QString &table, html_page &page)
     {
         std::vector<std::shared_ptr<new_file>> files;
         std::vector<row_writer> writers;
+        const column_names columns = result_columns(that_case, table);
+        add_shortcomings(columns.problems);
         for (const program_format &format : program_formats) {
             if (!has(format.format))
                 continue;
             files.push_back(open_file(path_of(table + format.suffix)));
-            writers.push_back(make_row_writer(format, options.cells, that_case, table, sink_of(files.back()), changes));
+            writers.push_back(
+                make_row_writer(format, options.cells, columns.names, table, sink_of(files.back()), changes));
         }
         for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
             const report_source &source = that_case.sources.at(i);
@@ -185,6 +193,20 @@ private:
             file->commit();
     }
 
+    /** Rows come first: what else a source knows of a device is told behind them. */
+    void learn_other_appearances()
+    {
+        if (!needs_join())
+            return;
+        for (int i = 0; i < int(that_case.sources.size()); ++i) {
+            const QString problem = for_each_other_appearance(that_case, i,
+                                                              [this](const device_appearance &appearance) {
+                                                                  join.learn(appearance);
+                                                              });
+            add_shortcoming(that_case.sources.at(i), problem);
+        }
+    }
+
     /** One source has nothing to share. */
     bool needs_join() const
     {
@@ -195,59 +217,58 @@ private:
      * The devices that several sources know, and the others where all of them are shown. The rows are read again:
      * no report for programs needs more of them in memory.
      */
-    QList<joined_device> read_devices() const
+    QList<joined_device> read_devices()
     {
-        device_list devices(join);
+        joined_device_list devices(join);
         if (!is_one_page() && !join.is_any_shared())
             return {};
         for (const QString &table : result_tables()) {
-            for (qsizetype i = 0; i < that_case.sources.size(); ++i)
-                read_rows(that_case, that_case.sources.at(i), table, [&](const report_row &row) {
+            for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
+                const report_source &source = that_case.sources.at(i);
+                const table_reading reading = read_rows(that_case, source, table, [&](const report_row &row) {
                     const device_appearance appearance = appearance_of(row, int(i));
                     if (is_one_page() || join.is_shared(appearance))
                         devices.add(appearance);
                 });
+                add_shortcoming(source, reading.problem);
+            }
+        }
+        for (int i = 0; i < int(that_case.sources.size()); ++i) {
+            for_each_other_appearance(that_case, i, [&](const device_appearance &appearance) {
+                if (is_one_page() || join.is_shared(appearance))
+                    devices.add(appearance);
+            });
         }
         QList<joined_device> result = devices.devices();
         number_shared(result);
         return result;
     }
 
-    /** The lists that are no rows of a table: shared devices, and files of the evidence. */
-    void write_lists(const program_format &format, const QList<joined_device> &devices)
+    /** The formats that hold times, or whole cases. */
+    void write_case_files(const QList<joined_device> &devices)
     {
-        const QString shared = shared_name + format.suffix;
-        const QString evidence = evidence_name + format.suffix;
-        const auto shared_file = open_file(path_of(shared));
-        const auto evidence_file = open_file(path_of(evidence));
-        const byte_sink shared_sink = sink_of(shared_file);
-        const byte_sink evidence_sink = sink_of(evidence_file);
-        if (format.separator == 0) {
-            for_each_shared_device(that_case, devices, shared_sink);
-            const json_objects objects(columns_of(evidence_columns()));
-            for_each_evidence_file(that_case, [&](const line_cells &cells) { evidence_sink(objects.line_of(cells)); });
-        } else {
-            const separated_form form = form_of(format, options.cells);
-            separated_file shared_cells(shared_sink, shared, form, columns_of(shared_columns()), changes);
-            for_each_shared_appearance(that_case, devices, [&](const line_cells &cells) { shared_cells.add(cells); });
-            separated_file evidence_cells(evidence_sink, evidence, form, columns_of(evidence_columns()), changes);
-            for_each_evidence_file(that_case, [&](const line_cells &cells) { evidence_cells.add(cells); });
-        }
-        shared_file->commit();
-        evidence_file->commit();
+        if (!has(report_format::timeline) && !has(report_format::sqlite) && !has(report_format::xlsx))
+            return;
+        const timeline events = read_timeline(that_case, options.times);
+        add_shortcomings(events.problems);
+        outcome.notes += events.left_out_texts();
+        if (has(report_format::timeline))
+            write_timeline_files(options, events, changes);
+        if (has(report_format::sqlite))
+            write_store(std::make_unique<report_database>(path_of(database_name)), devices, events);
+        workbook_notes notes;
+        if (has(report_format::xlsx))
+            write_store(make_workbook(path_of(workbook_name), notes), devices, events);
+        if (notes.cut > 0)
+            outcome.notes.append(u"report.xlsx: "_s + QString::number(notes.cut)
+                                 + u" texts are cut: no cell takes more than 32,767 characters"_s);
     }
 
-    void write_wal_changes()
+    void write_store(const std::unique_ptr<table_store> &store, const QList<joined_device> &devices,
+                     const timeline &events)
     {
-        new_file file(path_of(wal_changes_name));
-        const json_objects objects(columns_of(wal_columns()));
-        for (const report_source &source : that_case.sources) {
-            const QString problem = for_each_wal_change(that_case, source, [&](const wal_change &change) {
-                file.add(objects.line_of(cells_of(wal_columns(), change)));
-            });
-            add_shortcoming(source, problem);
-        }
-        file.commit();
+        add_shortcomings(fill_store(*store, that_case, devices, events));
+        store->commit();
     }
 
     /** Pages of sources that this report has not: beside its own they would pass for them. */
@@ -279,13 +300,13 @@ private:
     }
 
     /** The page of one source, whose rows are read again: no more than one source is held. */
-    void write_source_page(int place, const QString &path, const QHash<QByteArray, qint64> &shared_numbers) const
+    void write_source_page(int place, const QString &path, const QHash<QByteArray, qint64> &shared_numbers)
     {
         report_case part = that_case;
         part.sources = {that_case.sources.at(place)};
         part.shortcomings.clear();
         html_page page(part);
-        device_list list(join);
+        joined_device_list list(join);
         for (const QString &table : result_tables()) {
             const table_reading reading = read_rows(part, part.sources.first(), table, [&](const report_row &row) {
                 page.add(row);
@@ -293,6 +314,7 @@ private:
             });
             if (!reading.problem.isEmpty())
                 part.shortcomings.append(reading.problem);
+            add_shortcoming(part.sources.first(), reading.problem);
         }
         QList<joined_device> devices = list.devices();
         for (joined_device &device : devices)

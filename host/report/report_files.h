@@ -5,6 +5,7 @@
 #define HOST_REPORT_REPORT_FILES_H
 
 #include "host/report/tables/row_formats.h"
+#include "host/report/tables/timeline.h"
 
 #include <QList>
 #include <QString>
@@ -19,12 +20,14 @@ struct report_options
     bool split = false; ///< HTML: a page for each source, as there is for more than 100,000 rows
     cell_options cells;
     QString vendors; ///< absolute; a list of vendors like oui.txt; empty: none
+    timeline_options times;
 };
 
 struct report_outcome
 {
     QStringList files;        ///< names in the output folder
     QStringList shortcomings; ///< what the case or the report lacks, in plain words
+    QStringList notes;        ///< what else the examiner should know
 };
 
 /**

@@ -31,7 +31,8 @@ QByteArray about_cells(const cell_options &cells, const changed_cells &changes)
 
 } // namespace
 
-QByteArray readme(const report_case &that_case, const report_options &options, const changed_cells &changes)
+QByteArray readme(const report_case &that_case, const report_options &options, const changed_cells &changes,
+                  const QStringList &notes)
 {
     QByteArray text = "These files hold texts that strangers chose.\n\n";
     if (!that_case.manifest_sha256.isEmpty())
@@ -40,6 +41,9 @@ QByteArray readme(const report_case &that_case, const report_options &options, c
         text += "Vendors of public addresses by the list " + that_case.vendors.description().toUtf8() + "\n\n";
     for (const QString &shortcoming : that_case.shortcomings)
         text += "This case is not complete: " + shortcoming.toUtf8() + "\n\n";
-    const bool has_cells = options.formats.contains(report_format::csv) || options.formats.contains(report_format::tsv);
+    for (const QString &note : notes)
+        text += note.toUtf8() + "\n\n";
+    const bool has_cells = options.formats.contains(report_format::csv) || options.formats.contains(report_format::tsv)
+                           || options.formats.contains(report_format::timeline);
     return has_cells ? text + about_cells(options.cells, changes) : text;
 }

@@ -191,6 +191,27 @@ void sqlite_statement::bind(int parameter, const QString &value)
                               SQLITE_TRANSIENT, SQLITE_UTF8));
 }
 
+void sqlite_statement::bind(int parameter, const cell &value)
+{
+    const int place = parameter + 1;
+    const char *bytes = value.bytes.isEmpty() ? "" : value.bytes.data(); // a null pointer would be NULL
+    const auto size = sqlite3_uint64(value.bytes.size());
+    switch (value.kind) {
+    case cell::type::null:
+        return check(sqlite3_bind_null(statement.get(), place));
+    case cell::type::integer:
+        return check(sqlite3_bind_int64(statement.get(), place, value.integer));
+    case cell::type::real:
+        return check(sqlite3_bind_double(statement.get(), place, value.real));
+    case cell::type::text:
+        if (value.bytes.isValidUtf8())
+            return check(sqlite3_bind_text64(statement.get(), place, bytes, size, SQLITE_STATIC, SQLITE_UTF8));
+        [[fallthrough]];
+    case cell::type::blob:
+        return check(sqlite3_bind_blob64(statement.get(), place, bytes, size, SQLITE_STATIC));
+    }
+}
+
 bool sqlite_statement::next()
 {
     const counted_step step(time_limit);

@@ -99,6 +99,8 @@ public:
     void bind(int parameter, qint64 value);
     void bind(int parameter, const QString &value);
     void bind_bytes(int parameter, QByteArrayView value);
+    /** A text that is no UTF-8 becomes a blob. The bytes are needed until the statement has run. */
+    void bind(int parameter, const cell &value);
 
     /** Goes to the next row. False when there is none. */
     bool next();

@@ -6,6 +6,9 @@
 #include <QLocale>
 
 #include <cmath>
+#include <utility>
+
+#include <utf8proc.h>
 
 namespace {
 
@@ -25,19 +28,13 @@ bool acts_on_its_reader(unsigned character)
            || character == 0xfeff;
 }
 
-/** How many bytes the character takes that starts with @p first, at least 0x80. */
-qsizetype length_of(unsigned char first)
+/** The first character of the bytes and how many of them it takes; a byte that is no UTF-8 stands for itself. */
+std::pair<unsigned, qsizetype> first_character(QByteArrayView utf8)
 {
-    return first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-}
-
-/** The character of 2 or 3 bytes; those of 4 need no escape. */
-unsigned decoded(QByteArrayView bytes)
-{
-    const auto part = [&bytes](qsizetype index) { return unsigned(bytes.at(index)) & 0x3f; };
-    if (bytes.size() == 2)
-        return (unsigned(bytes.at(0)) & 0x1f) << 6 | part(1);
-    return bytes.size() == 3 ? (unsigned(bytes.at(0)) & 0xf) << 12 | part(1) << 6 | part(2) : 0;
+    utf8proc_int32_t character = 0;
+    const utf8proc_ssize_t length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t *>(utf8.data()),
+                                                     utf8.size(), &character);
+    return length > 0 ? std::pair(unsigned(character), qsizetype(length)) : std::pair(0u, qsizetype(1));
 }
 
 /** Appends the character below 0x80 that stands for itself in no string. */
@@ -112,8 +109,7 @@ void append_json_text(QByteArray &json, QByteArrayView utf8)
             continue;
         }
         const bool is_ascii = static_cast<unsigned char>(byte) < 0x80;
-        const qsizetype length = is_ascii ? 1 : length_of(static_cast<unsigned char>(byte));
-        const unsigned character = is_ascii ? 0 : decoded(utf8.sliced(at, length));
+        const auto [character, length] = first_character(utf8.sliced(at));
         if (is_ascii || acts_on_its_reader(character)) {
             append_plain();
             if (is_ascii)

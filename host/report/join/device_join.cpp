@@ -74,16 +74,20 @@ device_appearance appearance_of(const report_row &row, int source)
     result.icloud_identifier = row.host.icloud_identifier.bytes.toByteArray();
     if (result.icloud_identifier.isEmpty())
         result.icloud_identifier = text_in(row.plugin, {"icloud_identifier"_L1});
+    add_keys(result);
+    return result;
+}
 
-    for (const QByteArray &text : {result.address, result.resolved_address}) {
+void add_keys(device_appearance &appearance)
+{
+    for (const QByteArray &text : {appearance.address, appearance.resolved_address}) {
         const std::optional<device_address> address = parse_device_address(text);
         if (address && address->joins_sources())
-            result.keys.append({join_key::kind::public_address, address->bytes});
+            appearance.keys.append({join_key::kind::public_address, address->bytes});
     }
-    const QByteArray identifier = normalised_identifier(result.icloud_identifier);
+    const QByteArray identifier = normalised_identifier(appearance.icloud_identifier);
     if (!identifier.isEmpty())
-        result.keys.append({join_key::kind::icloud_identifier, identifier});
-    return result;
+        appearance.keys.append({join_key::kind::icloud_identifier, identifier});
 }
 
 void number_shared(QList<joined_device> &devices)
@@ -169,7 +173,7 @@ bool device_join::is_in_several_sources(const join_key &key) const
     return place >= 0 && nodes[size_t(place)].is_in_several;
 }
 
-void device_list::add(const device_appearance &row)
+void joined_device_list::add(const device_appearance &row)
 {
     const QByteArray device = join.device_of(row);
     const qsizetype place = device.isEmpty() ? list.size() : places.value(device, list.size());

@@ -33,10 +33,11 @@ struct join_key
 
 QLatin1StringView join_key_name(join_key::kind kind);
 
-/** One appearance of a device: a row of a result table. */
+/** One appearance of a device: a row of a result table, or what else of a source names it. */
 struct device_appearance
 {
-    int source = 0; ///< place in report_case::sources
+    QLatin1StringView found_in = QLatin1StringView("row"); ///< what it is: one of other_appearances.h, else a row
+    int source = 0;                                        ///< place in report_case::sources
     QString table;
     row_place place;
     QByteArray uuid;
@@ -50,6 +51,9 @@ struct device_appearance
     QByteArray address_kind;
     QList<join_key> keys;
 };
+
+/** Gives it the keys that its addresses and its iCloud identifier are. */
+void add_keys(device_appearance &appearance);
 
 /** @p source is the row's place in report_case::sources. */
 device_appearance appearance_of(const report_row &row, int source);
@@ -116,11 +120,11 @@ private:
 };
 
 /** Puts appearances together to devices, in the order of their first appearances. */
-class device_list
+class joined_device_list
 {
 public:
     /** @p all_rows has learnt every row. */
-    explicit device_list(const device_join &all_rows)
+    explicit joined_device_list(const device_join &all_rows)
         : join(all_rows)
     {
     }

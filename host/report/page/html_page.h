@@ -5,7 +5,7 @@
 #define HOST_REPORT_PAGE_HTML_PAGE_H
 
 #include "host/report/page/html_table.h"
-#include "host/report/page/rank.h"
+#include "host/report/reading/counter.h"
 #include "host/report/reading/report_row.h"
 
 #include <QByteArray>

@@ -54,7 +54,10 @@ database_reading::database_reading(const database_copy &copy, const sqlite_state
     : vendors(vendor_names)
     , names(known_names)
     , may_pass_over(copy.lost)
+    , has_wal(copy.has_wal)
+    , wal_changes(copy.wal_changes)
 {
+    problem_text = copy.problem;
     known_place.file = copy.path.toUtf8();
     known_place.table = QByteArray(copy.database.device_table.data());
     try {
@@ -82,6 +85,8 @@ void database_reading::open(const database_copy &copy, const sqlite_statement &r
     }
     address_column = rows->column_named("Address"_L1);
     const bool copies_all = &database != &other_devices_database;
+    if (copies_all)
+        left_out_columns = {"last_seen_time", "last_connection_time"};
     for (const auto &[result, evidence] : std::span(copied_columns).first(copies_all ? 7 : 5))
         pairs.push_back({QByteArray(result.data()), row.column_named(result), rows->column_named(evidence)});
     uuid = pairs.front();
@@ -140,20 +145,41 @@ void database_reading::describe(const sqlite_statement &row)
     current.place.rowid = rows->integer(0);
     for (const auto &[value, column] : columns)
         current.*value = rows->value_of(column);
-    differs.clear();
-    for (const column_pair &pair : pairs) {
-        const cell in_result = pair.result < 0 ? cell() : row.value_of(pair.result);
-        const cell in_evidence = pair.evidence < 0 ? cell() : rows->value_of(pair.evidence);
-        if (!is_same(in_result, in_evidence))
-            differs += (differs.isEmpty() ? "" : ", ") + pair.result_name;
-    }
-    current.differs = cell::of_text_or_null(differs);
+    describe_differences(row);
+    describe_wal();
     if (address_column >= 0)
         describe_address();
     if (uuid.evidence >= 0 && !custom_properties.isEmpty()) {
         properties = custom_properties.value(rows->value_of(uuid.evidence).bytes.toByteArray());
         current.custom_properties = cell::of_text_if_any(properties);
     }
+}
+
+void database_reading::describe_differences(const sqlite_statement &row)
+{
+    differs.clear();
+    left_out.clear();
+    for (const column_pair &pair : pairs) {
+        const cell in_result = pair.result < 0 ? cell() : row.value_of(pair.result);
+        const cell in_evidence = pair.evidence < 0 ? cell() : rows->value_of(pair.evidence);
+        if (is_same(in_result, in_evidence))
+            continue;
+        const bool is_left_out = text_of(in_result).isEmpty() && in_evidence.kind == cell::type::integer
+                                 && left_out_columns.contains(pair.result_name);
+        QByteArray &list = is_left_out ? left_out : differs;
+        list += (list.isEmpty() ? "" : ", ") + pair.result_name;
+    }
+    current.differs = cell::of_text_or_null(differs);
+    current.left_out = cell::of_text_or_null(left_out);
+}
+
+void database_reading::describe_wal()
+{
+    static const QByteArray unchanged("unchanged");
+    if (!has_wal)
+        return;
+    const auto change = wal_changes.constFind(current.place.rowid.value_or(-1));
+    current.wal = cell::of_text(change == wal_changes.cend() ? unchanged : *change);
 }
 
 void database_reading::describe_address()

@@ -9,6 +9,7 @@
 #include "host/source/macos_databases.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <utility>
 #include <vector>
@@ -19,6 +20,9 @@ struct database_copy
     QString file;
     QString path; ///< what locators call it
     const macos_database &database;
+    bool has_wal = false;                       ///< and it was compared with the database
+    QHash<qint64, QByteArray> wal_changes = {}; ///< of rows in the main file, by their rowids
+    QString problem = {};                       ///< why not all of them are known
     qint64 lost = 0; ///< how many rows the result lacks: so many may be passed over to find the one with the next UUID
 };
 
@@ -44,13 +48,18 @@ private:
     void read_custom_properties();
     bool advance();
     void describe(const sqlite_statement &row);
+    void describe_differences(const sqlite_statement &row);
     void describe_address();
+    void describe_wal();
 
     std::unique_ptr<sqlite_database> opened;
     std::unique_ptr<sqlite_statement> rows; ///< none: nothing can be read, or not any more
     const vendor_list &vendors;
     preferences_names names;
     qint64 may_pass_over;
+    bool has_wal;
+    QHash<qint64, QByteArray> wal_changes;
+    QSet<QByteArray> left_out_columns; ///< of the result: those that the plug-in leaves empty for integers
     column_pair uuid;
     std::vector<column_pair> pairs;
     std::vector<std::pair<cell host_values::*, int>> columns; ///< of the evidence, where it has them
@@ -59,6 +68,7 @@ private:
     // Of the current row:
     QByteArray properties; ///< null: none
     QByteArray differs;
+    QByteArray left_out;
     QByteArray vendor;
     QByteArray preferences_name; ///< null: none
     row_place known_place;

@@ -6,6 +6,7 @@
 #include "host/files/paths.h"
 #include "host/report/reading/database_reading.h"
 #include "host/report/reading/log_reading.h"
+#include "host/report/reading/wal_change.h"
 #include "host/source/macos_databases.h"
 #include "host/source/source_kinds.h"
 
@@ -31,6 +32,22 @@ const table_rows *counts_of(const source_record &record, const QString &table)
     return found == record.rows.cend() ? nullptr : &*found;
 }
 
+/** With what the records of the source say of it. */
+database_copy copy_with_wal(const report_case &that_case, const report_source &source, database_copy copy)
+{
+    const QString table = copy.database.result_table;
+    if (const table_rows *counts = counts_of(source.record, table))
+        copy.lost = counts->found.value_or(0) - counts->stored.value_or(0);
+    copy.has_wal = source.record.wal.toObject().value(table).isObject();
+    if (!copy.has_wal)
+        return copy;
+    copy.problem = for_each_wal_change(that_case, source, [&](const wal_change &change) {
+        if (change.table == table.toUtf8() && change.change != "added" && change.place().rowid)
+            copy.wal_changes.insert(*change.place().rowid, change.change);
+    });
+    return copy;
+}
+
 } // namespace
 
 std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, const report_source &source,
@@ -46,10 +63,8 @@ std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, co
         const QString copy = layout.evidence_folder() + u'/' + path;
         if (source.record.type != macos_kind.name || table != database->result_table || !path_exists(copy))
             continue;
-        const table_rows *counts = counts_of(source.record, table);
-        const qint64 lost = counts ? counts->found.value_or(0) - counts->stored.value_or(0) : 0;
-        return std::make_unique<database_reading>(database_copy{copy, path, *database, lost}, row, that_case.vendors,
-                                                  source.preferences);
+        return std::make_unique<database_reading>(copy_with_wal(that_case, source, {copy, path, *database}), row,
+                                                  that_case.vendors, source.preferences);
     }
     return std::make_unique<no_reading>();
 }

@@ -37,6 +37,9 @@ struct host_values
     cell preferences_name;
     cell vendor;
     cell differs;
+    cell left_out;
+    cell wal;
+    cell date;
 };
 
 /** Follows the rows of one result table in the evidence that they come from, one after the other. */

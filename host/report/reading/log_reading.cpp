@@ -3,6 +3,9 @@
 
 #include "host/report/reading/log_reading.h"
 
+#include "host/report/reading/kept_lines.h"
+#include "host/report/reading/log_date.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -42,9 +45,14 @@ log_reading::log_reading(const QString &lines, const QString &log, const QString
 
 bool log_reading::advance()
 {
-    while (file.isOpen() && !file.atEnd()) {
+    while (file.isOpen()) {
+        const QByteArray kept = file.readLine();
+        if (file.error() != QFileDevice::NoError)
+            problem_text = u"ios_lines.jsonl cannot be read to its end: "_s + file.errorString();
+        if (kept.isEmpty())
+            return false;
         QJsonParseError error;
-        const QJsonObject json = QJsonDocument::fromJson(file.readLine(), &error).object();
+        const QJsonObject json = QJsonDocument::fromJson(kept, &error).object();
         if (error.error != QJsonParseError::NoError) {
             problem_text = u"ios_lines.jsonl is damaged: "_s + error.errorString();
             return false;
@@ -52,9 +60,7 @@ bool log_reading::advance()
         if (json.value("table"_L1).toString() != table)
             continue;
         next_place = {log_name, {}, {}, json.value("line"_L1).toInteger(), json.value("offset"_L1).toInteger()};
-        const QJsonValue text = json.value("text"_L1);
-        line = text.isString() ? text.toString().toUtf8()
-                               : QByteArray::fromBase64(text.toObject().value("base64"_L1).toString().toLatin1());
+        line = bytes_of_json(json.value("text"_L1));
         return true;
     }
     return false;
@@ -82,6 +88,8 @@ void log_reading::describe(const sqlite_statement &row)
     current.rssi = number_or_text(fields.rssi);
     current.aid = text_or_null(fields.aid);
     current.line_text = cell::of_text(line);
+    date = zoned_date(line);
+    current.date = cell::of_text_or_null(date);
     current.vendor = cell::of_text_or_null(vendor);
     current.differs = cell::of_text_or_null(differs);
 }

@@ -35,6 +35,7 @@ private:
     device_line fields;
     QByteArray differs;
     QByteArray vendor;
+    QByteArray date;
 };
 
 #endif

@@ -6,6 +6,8 @@
 #include "common/property_list/property_list_file.h"
 #include "host/devices/device_address.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 preferences_names::preferences_names(const QString &file)
@@ -23,6 +25,13 @@ preferences_names::preferences_names(const QString &file)
             && !names.contains(address->bytes))
             names.insert(address->bytes, name.toString().toUtf8());
     }
+}
+
+QByteArrayList preferences_names::addresses() const
+{
+    QByteArrayList sorted = names.keys();
+    std::sort(sorted.begin(), sorted.end());
+    return sorted;
 }
 
 QByteArray preferences_names::name_of(std::initializer_list<QByteArrayView> texts) const

@@ -5,6 +5,7 @@
 #define HOST_REPORT_READING_PREFERENCES_NAMES_H
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QHash>
 #include <QString>
 
@@ -23,6 +24,9 @@ public:
 
     /** The name of the first of the texts that is a public address with a name; null: there is none. */
     QByteArray name_of(std::initializer_list<QByteArrayView> texts) const;
+
+    /** Those that have a name, sorted: "b4:c2:6a:7f:d3:7a". */
+    QByteArrayList addresses() const;
 
     /** Empty unless the list cannot be read. */
     QString problem() const

@@ -7,12 +7,16 @@
 #include "host/case/case_layout.h"
 #include "host/case/source_record.h"
 #include "host/report/reading/preferences_names.h"
+#include "host/report/reading/row_ranks.h"
 #include "host/report/reading/vendor_list.h"
 
+#include <QHash>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <memory>
 
 /** A source as reports name it. */
 struct report_source
@@ -22,6 +26,7 @@ struct report_source
     preferences_names preferences; ///< of its Bluetooth preferences; empty where there are none
     bool is_locked = false;        ///< a run works on it: a reader could keep that from writing
     QByteArray utf8_name = name.toUtf8();
+    std::shared_ptr<QHash<QString, table_ranks>> ranks = std::make_shared<QHash<QString, table_ranks>>(); ///< by table
 
     /** "source 1: …" */
     QString problem_text(const QString &problem) const

@@ -6,6 +6,7 @@
 #include "host/case/result_database.h"
 #include "host/files/host_error.h"
 #include "host/files/paths.h"
+#include "host/report/reading/row_ranks.h"
 
 #include <algorithm>
 #include <iterator>
@@ -24,33 +25,94 @@ QString result_file(const report_case &that_case, const report_source &source)
     return that_case.layout.source(source.record.number).result_database();
 }
 
-} // namespace
+QString problem_text(const report_case &that_case, const report_source &source, const host_error &error)
+{
+    const QString file = result_file(that_case, source);
+    return error.message().replace(file, that_case.layout.source(source.record.number).relative_to_case(file));
+}
 
-QStringList result_columns(const report_case &that_case, const report_source &source, const QString &table)
+QStringList columns_of_source(const report_case &that_case, const report_source &source, const QString &table)
 {
     QStringList names;
-    if (source.is_locked)
+    const QString file = result_file(that_case, source);
+    if (source.is_locked || !path_exists(file)) // which is told with the rows
         return names;
-    try {
-        const result_database result(result_file(that_case, source));
-        if (!has_table(result, table))
-            return names;
-        const sqlite_statement statement = result.rows(table);
-        for (int column = 0; column < statement.column_count(); ++column)
-            names.append(statement.column_name(column));
-    } catch (const host_error &) {
-        // told with the rows
-    }
+    const result_database result(file);
+    if (!has_table(result, table))
+        return names;
+    const sqlite_statement statement = result.rows(table);
+    for (int column = 0; column < statement.column_count(); ++column)
+        names.append(statement.column_name(column));
     return names;
 }
 
-QStringList result_columns(const report_case &that_case, const QString &table)
+/** Ranks are known when all rows have been seen: the first reading of a table goes over it twice. */
+const table_ranks &ranks_of_table(const report_case &that_case, const report_source &source, const QString &table,
+                                  const result_database &result)
 {
-    QStringList columns;
+    const auto known = source.ranks->constFind(table);
+    if (known != source.ranks->cend())
+        return *known;
+    table_ranks ranks;
+    sqlite_statement row = result.rows(table);
+    if (row.column_named("last_seen_time"_L1) >= 0) {
+        const std::unique_ptr<host_reading> host = open_host_reading(that_case, source, table, row);
+        while (row.next()) {
+            host->next(row);
+            const counter_pair counters = counters_of(row, host->values());
+            ranks.seen.add(counters.seen);
+            ranks.connected.add(counters.connected);
+        }
+    }
+    ranks.seen.sort();
+    ranks.connected.sort();
+    return *source.ranks->insert(table, ranks);
+}
+
+/** How many rows the case's records say that the table has. */
+std::optional<qint64> rows_expected(const report_source &source, const QString &table)
+{
+    for (const table_rows &rows : source.record.rows) {
+        if (rows.table == table)
+            return rows.stored;
+    }
+    return {};
+}
+
+/** Throws host_error and sqlite_error. */
+void read_result(const report_case &that_case, const report_source &source, const QString &table,
+                 const std::function<void(const report_row &row)> &tell, table_reading &reading)
+{
+    const result_database result(result_file(that_case, source));
+    if (!has_table(result, table))
+        return;
+    const table_ranks &ranks = ranks_of_table(that_case, source, table, result);
+    sqlite_statement row = result.rows(table);
+    const std::unique_ptr<host_reading> host = open_host_reading(that_case, source, table, row);
+    const QByteArray utf8_table = table.toUtf8();
+    while (row.next()) {
+        host->next(row);
+        const counter_pair counters = counters_of(row, host->values());
+        tell({source, table, row, host->values(), utf8_table, ranks.seen.rank_of(counters.seen),
+              ranks.connected.rank_of(counters.connected), counter_readings(counters.seen)});
+        ++reading.rows;
+    }
+    reading.problem = host->problem();
+}
+
+} // namespace
+
+column_names result_columns(const report_case &that_case, const QString &table)
+{
+    column_names columns;
     for (const report_source &source : that_case.sources) {
-        const QStringList own = result_columns(that_case, source, table);
-        std::copy_if(own.cbegin(), own.cend(), std::back_inserter(columns),
-                     [&columns](const QString &name) { return !columns.contains(name); });
+        try {
+            const QStringList own = columns_of_source(that_case, source, table);
+            std::copy_if(own.cbegin(), own.cend(), std::back_inserter(columns.names),
+                         [&columns](const QString &name) { return !columns.names.contains(name); });
+        } catch (const host_error &error) {
+            columns.problems.append(source.problem_text(problem_text(that_case, source, error)));
+        }
     }
     return columns;
 }
@@ -59,33 +121,24 @@ table_reading read_rows(const report_case &that_case, const report_source &sourc
                         const std::function<void(const report_row &row)> &tell)
 {
     table_reading reading;
-    const QString file = result_file(that_case, source);
     if (source.is_locked)
         return reading;
-    if (!path_exists(file)) {
+    if (!path_exists(result_file(that_case, source))) {
         if (!source.record.result_path.isEmpty()) // else the source's status says why
             reading.problem = u"its result database is missing: "_s + source.record.result_path;
         return reading;
     }
     try {
-        const result_database result(file);
-        if (!has_table(result, table))
-            return reading;
-        sqlite_statement row = result.rows(table);
-        const std::unique_ptr<host_reading> host = open_host_reading(that_case, source, table, row);
-        const QByteArray utf8_table = table.toUtf8();
-        while (row.next()) {
-            host->next(row);
-            tell({source, table, row, host->values(), utf8_table});
-            ++reading.rows;
-        }
-        reading.problem = host->problem();
+        read_result(that_case, source, table, tell, reading);
     } catch (const host_error &error) {
-        const source_layout layout = that_case.layout.source(source.record.number);
-        reading.problem = error.message().replace(file, layout.relative_to_case(file));
+        reading.problem = problem_text(that_case, source, error);
     } catch (const sqlite_error &error) {
         reading.problem = u"the result table "_s + table + u" cannot be read to its end: "_s + error.message();
     }
+    const std::optional<qint64> expected = rows_expected(source, table);
+    if (reading.problem.isEmpty() && expected && *expected != reading.rows)
+        reading.problem = QString::number(reading.rows) + u" rows of "_s + table
+                          + u" could be read, the case's record says "_s + QString::number(*expected);
     return reading;
 }
 

@@ -19,6 +19,9 @@ struct report_row
     const sqlite_statement &plugin; ///< at the row
     const host_values &host;        ///< of its evidence
     QByteArrayView utf8_table;
+    std::optional<qint64> rank_last_seen = {};
+    std::optional<qint64> rank_last_connection = {};
+    QByteArray last_seen_readings = {}; ///< counter_readings()
 
     const row_place &place() const
     {
@@ -33,17 +36,27 @@ struct table_reading
     QString problem; ///< why not all of it could be read; empty if all could
 };
 
-/** The names of the columns of a result table, in its order; none where the source has no such table. */
-QStringList result_columns(const report_case &that_case, const report_source &source, const QString &table);
+/** The names of the columns of result tables. */
+struct column_names
+{
+    QStringList names;
+    QStringList problems; ///< why not all are known: "source 1: …"
+};
 
-/** Those of all sources: of the first one in their order, what others have more behind them. */
-QStringList result_columns(const report_case &that_case, const QString &table);
+/**
+ * The columns that a result table has in any of the sources: of the first one in their order, what others have more
+ * behind them.
+ */
+column_names result_columns(const report_case &that_case, const QString &table);
 
-/** Tells the rows of a result table in their order. */
+/**
+ * Tells the rows of a result table in their order. When there are not as many as the case's records say, that is the
+ * problem of the reading.
+ */
 table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,
                         const std::function<void(const report_row &row)> &tell);
 
-/** How many rows all result tables of the case hold, as far as they can be counted. */
+/** How many rows all result tables of the case hold, as far as they can be counted; reading them says what cannot. */
 qint64 row_count(const report_case &that_case);
 
 #endif

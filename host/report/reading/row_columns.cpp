@@ -30,7 +30,7 @@ const line_columns<report_row> &first_columns()
 /** What stands behind the plug-in's columns. */
 const line_columns<report_row> &last_columns()
 {
-    static const line_columns<report_row> columns = place_columns<report_row>() + host_columns();
+    static const line_columns<report_row> columns = place_columns<report_row>() + host_columns() + rank_columns();
     return columns;
 }
 
@@ -74,6 +74,32 @@ const line_columns<report_row> &host_columns()
           "who bought the range of the public address, its own or the resolved one, by the list given"_L1}, host_value<&values::vendor>},
         {{"differs"_ba, host, {}, {}, "Differs from the plug-in"_L1,
           "the columns of the result in which the evidence says something else"_L1}, host_value<&values::differs>},
+        {{"left_out"_ba, host, {}, {}, "Left out by the plug-in"_L1,
+          "the columns of the result that the plug-in leaves empty by design though the evidence holds a value"_L1}, host_value<&values::left_out>},
+        {{"wal"_ba, host, {}, {}, "In the write-ahead log"_L1,
+          "what the write-ahead log makes of the row: unchanged, changed or deleted; NULL where there is none, or it cannot be compared"_L1}, host_value<&values::wal>},
+        {{"date"_ba, host, {}, {}, "Date of the line"_L1,
+          "the date of a line whose form has year and zone, in ISO 8601"_L1}, host_value<&values::date>},
+    };
+    // clang-format on
+    return columns;
+}
+
+const line_columns<report_row> &rank_columns()
+{
+    using group = column_group;
+    using use = column_use;
+    // clang-format off
+    static const line_columns<report_row> columns{
+        {{"rank_last_seen"_ba, group::line, {}, {}, "Rank, last seen"_L1,
+          "the place of the counter among those of the table of the source: 1 is the largest, equal ones share theirs"_L1},
+         [](const report_row &row) { return cell::of_integer(row.rank_last_seen); }},
+        {{"rank_last_connection"_ba, group::line, {}, {}, "Rank, last connection"_L1,
+          "the place of the counter among those of the table of the source: 1 is the largest, equal ones share theirs"_L1},
+         [](const report_row &row) { return cell::of_integer(row.rank_last_connection); }},
+        {{"last_seen_readings"_ba, group::line, use::everywhere, true, "Last seen, if it were a time"_L1,
+          "the times that the counter would be, from 2000 to 2035; it is not known to be one"_L1},
+         [](const report_row &row) { return cell::of_text(row.last_seen_readings); }},
     };
     // clang-format on
     return columns;

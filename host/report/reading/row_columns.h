@@ -13,6 +13,9 @@
 /** What the host reads of a row's device. */
 const line_columns<report_row> &host_columns();
 
+/** What the counters of a row say beside those of the other rows, and what they would be as times. */
+const line_columns<report_row> &rank_columns();
+
 /** Puts rows of a result table, of one source or of several, into one list of columns. */
 class row_cells
 {

@@ -5,28 +5,15 @@
 
 #include "host/files/paths.h"
 #include "host/report/reading/common_columns.h"
+#include "host/report/reading/kept_lines.h"
 #include "host/text/raw_json.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QByteArray text_in(const QJsonObject &json, QLatin1StringView member)
-{
-    return json.value(member).toString().toUtf8();
-}
-
-/** The row as the text that it is in the file; empty for null. */
-QByteArray row_in(const QHash<QByteArrayView, QByteArrayView> &members, QByteArrayView name)
-{
-    const QByteArrayView row = members.value(name);
-    return row == "null" ? QByteArray() : row.toByteArray();
-}
 
 /** Reads wal_changes.jsonl, and wal_changes.json as earlier versions wrote it. */
 class wal_change_reader
@@ -38,41 +25,37 @@ public:
     {
     }
 
-    /** False for a line that is none of such a file. */
-    bool read(QByteArrayView line)
+    void read(const kept_line &line)
     {
-        const auto members = raw_json_members(line);
-        if (members && members->contains("change")) {
-            const QJsonObject json = QJsonDocument::fromJson(line.toByteArray()).object();
-            take({source, text_in(table_of(json), "result_table"_L1), place_of(json), text_in(json, "change"_L1),
-                  row_in(*members, "before"), row_in(*members, "after")});
-        }
-        return members.has_value();
+        if (!line.raw.contains("change"))
+            return;
+        const QJsonObject &named = line.raw.contains("result_table") ? line.json : table;
+        const auto text = [&named](QLatin1StringView member) { return bytes_of_json(named.value(member)); };
+        take({source,
+              text("result_table"_L1),
+              {text("file"_L1), text("table"_L1), line.number("rowid"_L1), {}, {}},
+              line.bytes("change"_L1),
+              line.raw_value("before"),
+              line.raw_value("after")});
     }
 
     /** The earlier form: one document, of which each change is a line, and so is the start of each table. */
     bool read_earlier(QByteArrayView line)
     {
-        const bool begins_table = line.startsWith("{\"result_table\":");
-        const bool is_frame = line.startsWith(']') || line.startsWith("{\"format\":");
-        if (begins_table)
+        if (line.startsWith(']') || line.startsWith("{\"format\":"))
+            return true;
+        if (line.startsWith("{\"result_table\":")) {
             table = QJsonDocument::fromJson(line.toByteArray() + "]}").object();
-        return is_frame || (begins_table ? !table.isEmpty() : read(line.endsWith(',') ? line.chopped(1) : line));
+            return !table.isEmpty();
+        }
+        const QByteArrayView change = line.endsWith(',') ? line.chopped(1) : line;
+        const auto members = raw_json_members(change);
+        if (members)
+            read({change, *members, QJsonDocument::fromJson(change.toByteArray()).object()});
+        return members.has_value();
     }
 
 private:
-    /** What says which table a change is of: the change itself, or the line before it. */
-    const QJsonObject &table_of(const QJsonObject &change) const
-    {
-        return change.contains("result_table"_L1) ? change : table;
-    }
-
-    row_place place_of(const QJsonObject &change) const
-    {
-        const QJsonObject &named = table_of(change);
-        return {text_in(named, "file"_L1), text_in(named, "table"_L1), change.value("rowid"_L1).toInteger(), {}, {}};
-    }
-
     const report_source &source;
     const std::function<void(const wal_change &change)> &take;
     QJsonObject table; ///< of the changes that follow, in the earlier form
@@ -105,19 +88,9 @@ QString for_each_wal_change(const report_case &that_case, const report_source &s
                             const std::function<void(const wal_change &change)> &take)
 {
     const source_layout layout = that_case.layout.source(source.record.number);
-    const bool is_earlier = !path_exists(layout.wal_changes());
-    QFile file(is_earlier ? layout.earlier_wal_changes() : layout.wal_changes());
-    if (!path_exists(file.fileName()))
-        return {};
-    const QString name = QFileInfo(file).fileName();
-    if (!file.open(QIODevice::ReadOnly))
-        return name + u" cannot be read: "_s + file.errorString();
     wal_change_reader reader(source, take);
-    QString problem;
-    while (!file.atEnd()) { // no more than a row is held
-        const QByteArray line = file.readLine().trimmed();
-        if (!(is_earlier ? reader.read_earlier(line) : reader.read(line)))
-            problem = name + u" is damaged"_s;
-    }
-    return problem;
+    if (path_exists(layout.wal_changes()))
+        return for_each_kept_line(layout.wal_changes(), [&](const kept_line &line) { reader.read(line); });
+    return for_each_text_line(layout.earlier_wal_changes(),
+                              [&](QByteArrayView line) { return reader.read_earlier(line); });
 }

@@ -4,6 +4,8 @@
 #include "host/report/tables/report_table.h"
 
 #include "host/files/host_error.h"
+#include "host/report/tables/case_lists.h"
+#include "host/report/tables/json_lines.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,6 +18,17 @@ void keep_source(report_case &that_case, qint64 number)
         throw host_error(error_kind::refused, u"the case has no source "_s + QString::number(number));
 }
 
+QStringList tell_list(const case_list &list, const program_format &format, const byte_sink &sink)
+{
+    changed_cells changes;
+    if (format.separator == 0) {
+        const json_objects objects(list.columns);
+        return list.read([&](const line_cells &cells) { sink(objects.line_of(cells)); });
+    }
+    separated_file file(sink, list.name + format.suffix, form_of(format, {}), list.columns, changes);
+    return list.read([&file](const line_cells &cells) { file.add(cells); });
+}
+
 } // namespace
 
 QStringList tell_table(const table_request &request, const byte_sink &sink)
@@ -25,7 +38,13 @@ QStringList tell_table(const table_request &request, const byte_sink &sink)
         keep_source(that_case, *request.source);
     QStringList shortcomings = that_case.shortcomings;
     changed_cells changes;
-    const row_writer write = make_row_writer(request.format, {}, that_case, request.table, sink, changes);
+    for (const case_list &list : case_lists(that_case)) {
+        if (list.name == request.table)
+            return shortcomings + tell_list(list, request.format, sink);
+    }
+    const column_names columns = result_columns(that_case, request.table);
+    shortcomings += columns.problems;
+    const row_writer write = make_row_writer(request.format, {}, columns.names, request.table, sink, changes);
     for (const report_source &source : std::as_const(that_case.sources)) {
         const table_reading reading = read_rows(that_case, source, request.table, write);
         if (!reading.problem.isEmpty())

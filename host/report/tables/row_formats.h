@@ -11,7 +11,7 @@
 
 #include <functional>
 
-enum class report_format { html, csv, tsv, jsonl };
+enum class report_format { html, csv, tsv, jsonl, timeline, sqlite, xlsx };
 
 /** A format that programs read. */
 struct program_format
@@ -25,6 +25,20 @@ inline constexpr program_format program_formats[] = {
     {report_format::csv, QLatin1StringView(".csv"), ','},
     {report_format::tsv, QLatin1StringView(".tsv"), '\t'},
     {report_format::jsonl, QLatin1StringView(".jsonl"), 0},
+};
+
+/** A format that is one file, or few, for the whole case. */
+struct case_format
+{
+    report_format format;
+    QLatin1StringView name; ///< on the command line
+};
+
+inline constexpr case_format case_formats[] = {
+    {report_format::html, QLatin1StringView("html")},
+    {report_format::timeline, QLatin1StringView("timeline")},
+    {report_format::sqlite, QLatin1StringView("sqlite")},
+    {report_format::xlsx, QLatin1StringView("xlsx")},
 };
 
 /** "csv": how the format is called on the command line. */
@@ -46,9 +60,9 @@ using row_writer = std::function<void(const report_row &row)>;
 
 /**
  * Writes the rows of a result table, of all sources of the case one after the other: what it is called with goes to
- * @p sink. The header, if there is one, goes there at once.
+ * @p sink. The header, if there is one, goes there at once. @p columns are those of the result.
  */
-row_writer make_row_writer(const program_format &format, const cell_options &options, const report_case &that_case,
+row_writer make_row_writer(const program_format &format, const cell_options &options, const QStringList &columns,
                            const QString &table, const byte_sink &sink, changed_cells &changes);
 
 #endif

@@ -77,7 +77,9 @@ const line_columns<shared_line> &shared_columns()
         + source_columns<shared_line>()
         + line_columns<shared_line>{
             {{"table"_ba, group::source, {}, {}, "Table"_L1, "the table of the result"_L1},
-             [](const shared_line &line) { return cell::of_text(line.table); }},
+             [](const shared_line &line) { return cell::of_text_or_null(line.table); }},
+            {{"found_in"_ba, group::line, {}, {}, "Found in"_L1, "row: of the result; else a write-ahead log or a list of the host's own reading"_L1},
+             [](const shared_line &line) { return cell::of_text(line.appearance.found_in); }},
             {{"uuid"_ba, group::line, {}, {}, "UUID"_L1, "of the row; it means nothing in another source"_L1}, text<&one::uuid>},
             {{"device_name"_ba, group::line, {}, {}, "Name"_L1, "of the result"_L1}, text<&one::name>},
             {{"address"_ba, group::line, {}, {}, "Address"_L1, "of the result"_L1}, text<&one::address>},

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/report/page/html_text.h"
-#include "host/report/page/rank.h"
 #include "host/devices/device_address.h"
+#include "host/report/page/html_text.h"
+#include "host/report/reading/counter.h"
 #include "host/report/reading/log_line.h"
 #include "host/report/reading/preferences_names.h"
 #include "host/report/tables/separated_cell.h"

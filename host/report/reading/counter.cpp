@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/report/page/rank.h"
+#include "host/report/reading/counter.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef HOST_REPORT_PAGE_RANK_H
-#define HOST_REPORT_PAGE_RANK_H
+#ifndef HOST_REPORT_READING_COUNTER_H
+#define HOST_REPORT_READING_COUNTER_H
 
-#include "host/sqlite/sqlite.h"
+#include "host/text/cell.h"
 
 #include <QList>
 #include <QString>

@@ -1,0 +1,109 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/join/other_appearances.h"
+
+#include "host/devices/device_address.h"
+#include "host/files/paths.h"
+#include "host/report/reading/host_device_line.h"
+#include "host/report/reading/wal_change.h"
+#include "host/source/macos_databases.h"
+
+#include <QJsonDocument>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using appearance_taker = std::function<void(const device_appearance &appearance)>;
+
+/** What found_in says of a device of a list; a list of another name is none of this program's. */
+constexpr QLatin1StringView lists[] = {"preferences"_L1, "mobile_devices"_L1, "registry"_L1};
+
+/** The columns of a database and what they are of an appearance. */
+constexpr std::pair<QLatin1StringView, QByteArray device_appearance::*> row_members[] = {
+    {"Name"_L1, &device_appearance::name},
+    {"Address"_L1, &device_appearance::address},
+    {"ResolvedAddress"_L1, &device_appearance::resolved_address},
+    {"iCloudIdentifier"_L1, &device_appearance::icloud_identifier},
+    {"Uuid"_L1, &device_appearance::uuid},
+};
+
+device_appearance in_log(const wal_change &change, int source, QLatin1StringView found_in, const QByteArray &row)
+{
+    device_appearance one;
+    one.found_in = found_in;
+    one.source = source;
+    one.table = QString::fromUtf8(change.table);
+    one.place = change.place();
+    const QJsonObject json = QJsonDocument::fromJson(row).object();
+    for (const auto &[column, member] : row_members)
+        one.*member = bytes_of_json(json.value(column));
+    one.uuid = one.uuid.trimmed().toUpper();
+    add_keys(one);
+    return one;
+}
+
+QString read_changes(const report_case &that_case, int source, const appearance_taker &take)
+{
+    return for_each_wal_change(that_case, that_case.sources.at(source), [&](const wal_change &change) {
+        if (change.change == "added")
+            take(in_log(change, source, "wal_added"_L1, change.after));
+        if (change.change != "changed")
+            return;
+        take(in_log(change, source, "wal_changed_before"_L1, change.before));
+        take(in_log(change, source, "wal_changed_after"_L1, change.after));
+    });
+}
+
+device_appearance in_list(const host_device_line &device, int source, const vendor_list &vendors)
+{
+    device_appearance one;
+    const auto *const list = std::find(std::begin(lists), std::end(lists), QLatin1StringView(device.list));
+    one.found_in = list == std::end(lists) ? "list"_L1 : *list;
+    one.source = source;
+    one.place = device.place();
+    one.name = device.names;
+    one.address = device.address;
+    const bool may_be_random = device.kind == "le" && !device.address.trimmed().toLower().startsWith("public");
+    if (may_be_random)
+        return one;
+    one.vendor = vendors.vendor_of_first_public({one.address});
+    add_keys(one);
+    return one;
+}
+
+/** Of a case without lists of devices the names of the preferences are what there is. */
+void read_preferences(const report_case &that_case, int source, const appearance_taker &take)
+{
+    const preferences_names &names = that_case.sources.at(source).preferences;
+    for (const QByteArray &address : names.addresses()) {
+        device_appearance one;
+        one.found_in = lists[0];
+        one.source = source;
+        one.place.file = macos_preferences_file.data();
+        one.address = address;
+        one.preferences_name = names.name_of({address});
+        one.vendor = that_case.vendors.vendor_of_first_public({address});
+        add_keys(one);
+        take(one);
+    }
+}
+
+} // namespace
+
+QString for_each_other_appearance(const report_case &that_case, int source, const appearance_taker &take)
+{
+    const report_source &of_source = that_case.sources.at(source);
+    if (of_source.is_locked)
+        return {};
+    const QString problem = read_changes(that_case, source, take);
+    if (!path_exists(that_case.layout.source(of_source.record.number).host_devices()))
+        read_preferences(that_case, source, take);
+    const QString list_problem = for_each_host_device(that_case, of_source, [&](const host_device_line &device) {
+        take(in_list(device, source, that_case.vendors));
+    });
+    return problem.isEmpty() ? list_problem : problem;
+}

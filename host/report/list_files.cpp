@@ -1,0 +1,166 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/list_files.h"
+
+#include "host/case/result_tables.h"
+#include "host/files/new_file.h"
+#include "host/report/reading/row_columns.h"
+#include "host/report/tables/case_lists.h"
+#include "host/report/tables/json_lines.h"
+#include "host/report/tables/shared_devices.h"
+#include "host/report/tables/source_list.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1StringView shared_name("shared");
+constexpr QLatin1StringView timeline_name("timeline");
+
+bool has_file(const case_list &list, const program_format &format)
+{
+    return list.is_separated || format.separator == 0;
+}
+
+/** A list of a report, in one format, in its file. */
+class list_file
+{
+public:
+    list_file(const report_options &options, const program_format &format, QLatin1StringView list,
+              const QList<report_column> &columns, changed_cells &changes)
+        : file(options.output + u'/' + list + format.suffix)
+        , objects(columns)
+    {
+        if (format.separator != 0)
+            cells = std::make_unique<separated_file>([this](QByteArrayView bytes) { file.add(bytes); },
+                                                     list + format.suffix, form_of(format, options.cells), columns,
+                                                     changes);
+    }
+
+    void add(const line_cells &line)
+    {
+        if (cells)
+            cells->add(line);
+        else
+            file.add(objects.line_of(line));
+    }
+
+    void commit()
+    {
+        file.commit();
+    }
+
+private:
+    new_file file;
+    json_objects objects;
+    std::unique_ptr<separated_file> cells; ///< none: JSON Lines
+};
+
+void write_shared(const report_options &options, const program_format &format, const report_case &that_case,
+                  const QList<joined_device> &devices, changed_cells &changes)
+{
+    if (format.separator == 0) {
+        new_file file(options.output + u'/' + shared_name + format.suffix);
+        for_each_shared_device(that_case, devices, [&file](QByteArrayView line) { file.add(line); });
+        file.commit();
+        return;
+    }
+    list_file file(options, format, shared_name, columns_of(shared_columns()), changes);
+    for_each_shared_appearance(that_case, devices, [&file](const line_cells &line) { file.add(line); });
+    file.commit();
+}
+
+QStringList write_lists(const report_options &options, const program_format &format, const report_case &that_case,
+                        changed_cells &changes)
+{
+    QStringList problems;
+    for (const case_list &list : case_lists(that_case)) {
+        if (!has_file(list, format))
+            continue;
+        list_file file(options, format, list.name, list.columns, changes);
+        problems += list.read([&file](const line_cells &line) { file.add(line); });
+        file.commit();
+    }
+    return problems;
+}
+
+QStringList add_rows(table_store &store, const report_case &that_case, const QString &table)
+{
+    const column_names columns = result_columns(that_case, table);
+    QStringList problems = columns.problems;
+    row_cells cells(columns.names);
+    store.begin_table(table, cells.columns());
+    for (const report_source &source : that_case.sources) {
+        const table_reading reading = read_rows(that_case, source, table,
+                                                [&](const report_row &row) { store.add(cells.of(row)); });
+        if (!reading.problem.isEmpty())
+            problems.append(source.problem_text(reading.problem));
+    }
+    return problems;
+}
+
+} // namespace
+
+QStringList program_file_names(const report_options &options, const report_case &that_case)
+{
+    QStringList names;
+    for (const program_format &format : program_formats) {
+        if (!options.formats.contains(format.format))
+            continue;
+        for (const QString &table : result_tables())
+            names.append(table + format.suffix);
+        names.append(shared_name + format.suffix);
+        for (const case_list &list : case_lists(that_case)) {
+            if (has_file(list, format))
+                names.append(list.name + format.suffix);
+        }
+    }
+    return names;
+}
+
+QStringList write_list_files(const report_options &options, const report_case &that_case,
+                             const QList<joined_device> &devices, changed_cells &changes)
+{
+    QStringList problems;
+    for (const program_format &format : program_formats) {
+        if (!options.formats.contains(format.format))
+            continue;
+        write_shared(options, format, that_case, devices, changes);
+        problems += write_lists(options, format, that_case, changes);
+    }
+    return problems;
+}
+
+void write_timeline_files(const report_options &options, const timeline &events, changed_cells &changes)
+{
+    for (const program_format &format : program_formats) {
+        if (format.format == report_format::tsv)
+            continue;
+        list_file file(options, format, timeline_name, columns_of(timeline_columns()), changes);
+        for (const timeline_event &event : events.events)
+            file.add(cells_of(timeline_columns(), event));
+        file.commit();
+    }
+}
+
+QStringList fill_store(table_store &store, const report_case &that_case, const QList<joined_device> &devices,
+                       const timeline &events)
+{
+    QStringList problems;
+    const line_taker add = [&store](const line_cells &line) { store.add(line); };
+    store.begin_table(u"sources"_s, columns_of(source_list_columns()));
+    for_each_source(that_case, add);
+    for (const QString &table : result_tables())
+        problems += add_rows(store, that_case, table);
+    store.begin_table(shared_name, columns_of(shared_columns()));
+    for_each_shared_appearance(that_case, devices, add);
+    for (const case_list &list : case_lists(that_case)) {
+        store.begin_table(list.name, list.columns);
+        problems += list.read(add);
+    }
+    store.begin_table(timeline_name, columns_of(timeline_columns()));
+    for (const timeline_event &event : events.events)
+        store.add(cells_of(timeline_columns(), event));
+    return problems;
+}

@@ -1,0 +1,73 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/reading/row_ranks.h"
+
+#include "host/report/reading/counter.h"
+#include "host/report/reading/host_reading.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct epoch
+{
+    const char *name;
+    qint64 since_1970; ///< in seconds
+};
+
+constexpr epoch epochs[] = {{"seconds since 1970", 0}, {"seconds since 2001", 978307200}};
+constexpr qint64 start_of_2000 = 946684800;
+constexpr qint64 end_of_2035 = 2082758399;
+
+std::optional<qint64> counter_in(const cell &in_evidence, const sqlite_statement &row, QLatin1StringView column)
+{
+    if (!in_evidence.is_null())
+        return counter_of(in_evidence);
+    const int place = row.column_named(column);
+    return place < 0 ? std::nullopt : counter_of(row.value_of(place));
+}
+
+} // namespace
+
+counter_pair counters_of(const sqlite_statement &row, const host_values &host)
+{
+    return {counter_in(host.last_seen_time, row, "last_seen_time"_L1),
+            counter_in(host.last_connection_time, row, "last_connection_time"_L1)};
+}
+
+void counter_ranks::add(const std::optional<qint64> &counter)
+{
+    if (counter)
+        counters.push_back(*counter);
+}
+
+void counter_ranks::sort()
+{
+    std::sort(counters.begin(), counters.end(), std::greater<>());
+}
+
+std::optional<qint64> counter_ranks::rank_of(const std::optional<qint64> &counter) const
+{
+    if (!counter)
+        return {};
+    return std::lower_bound(counters.cbegin(), counters.cend(), *counter, std::greater<>()) - counters.cbegin() + 1;
+}
+
+QByteArray counter_readings(const std::optional<qint64> &counter)
+{
+    QByteArray json = "[";
+    for (const epoch &one : epochs) {
+        if (!counter || *counter < start_of_2000 - one.since_1970 || *counter > end_of_2035 - one.since_1970)
+            continue;
+        const QDateTime time = QDateTime::fromSecsSinceEpoch(*counter + one.since_1970, Qt::UTC);
+        json += json.size() > 1 ? "," : "";
+        json += QByteArray("{\"as\":\"") + one.name + "\",\"utc\":\"" + time.toString(Qt::ISODate).toLatin1() + "\"}";
+    }
+    return json + ']';
+}

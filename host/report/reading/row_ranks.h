@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_REPORT_READING_ROW_RANKS_H
+#define HOST_REPORT_READING_ROW_RANKS_H
+
+#include "host/sqlite/sqlite.h"
+#include "host/text/cell.h"
+
+#include <QByteArray>
+#include <QLatin1StringView>
+
+#include <optional>
+#include <vector>
+
+struct host_values;
+
+/** The two counters of a row, from the evidence where the host has read it, else from the result. */
+struct counter_pair
+{
+    std::optional<qint64> seen;
+    std::optional<qint64> connected;
+};
+
+counter_pair counters_of(const sqlite_statement &row, const host_values &host);
+
+/** Counters, to tell the place of each among all of them: the largest is 1, equal ones share theirs. */
+class counter_ranks
+{
+public:
+    void add(const std::optional<qint64> &counter);
+    void sort();
+
+    /** Of a counter that was added; nothing for none. */
+    std::optional<qint64> rank_of(const std::optional<qint64> &counter) const;
+
+private:
+    std::vector<qint64> counters; ///< the largest first
+};
+
+/** The ranks of the rows of one table of one source. */
+struct table_ranks
+{
+    counter_ranks seen;
+    counter_ranks connected;
+};
+
+/**
+ * The times that a counter of unknown origin would be, each of those that lie in the years 2000 to 2035:
+ * [{"as":"seconds since 1970","utc":"2023-11-14T22:13:20Z"}]. It is not known to be one.
+ */
+QByteArray counter_readings(const std::optional<qint64> &counter);
+
+#endif

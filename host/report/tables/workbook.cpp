@@ -1,0 +1,191 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/tables/workbook.h"
+
+#include "host/files/finished_file.h"
+#include "host/files/host_error.h"
+#include "host/report/tables/separated_cell.h"
+
+#include <QFile>
+
+#include <ctime>
+
+#include <xlsxwriter.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr lxw_row_t most_rows = 1048576; // the heading among them
+constexpr qsizetype most_characters = 32767;
+constexpr qint64 largest_exact_number = qint64(1) << 53;
+constexpr double column_width = 20;
+
+/** What no cell takes is cut, and ends with a sign of it. */
+QByteArray cut_text(const QByteArray &utf8, workbook_notes &notes)
+{
+    if (utf8.size() <= most_characters)
+        return utf8;
+    const QString text = QString::fromUtf8(utf8);
+    if (text.toUcs4().size() <= most_characters)
+        return utf8;
+    ++notes.cut;
+    QString start = text.first(most_characters - 1);
+    if (start.back().isHighSurrogate())
+        start.chop(1);
+    return QString(start + u'…').toUtf8();
+}
+
+class workbook : public table_store
+{
+public:
+    workbook(const QString &file, workbook_notes &book_notes)
+        : path(file)
+        , temporary(file + u".new"_s)
+        , notes(book_notes)
+    {
+        lxw_workbook_options options = {};
+        options.constant_memory = LXW_TRUE; // rows go to the disk one after the other
+        book = workbook_new_opt(QFile::encodeName(temporary).constData(), &options);
+        if (!book)
+            fail(u"libxlsxwriter cannot begin it"_s);
+        lxw_doc_properties properties = {};
+        properties.created = 1; // 1970: the same case gives the same bytes
+        workbook_set_properties(book, &properties);
+        heading = workbook_add_format(book);
+        format_set_bold(heading);
+    }
+
+    ~workbook() override
+    {
+        if (book)
+            workbook_close(book);
+        if (!temporary.isEmpty())
+            QFile::remove(temporary);
+    }
+    Q_DISABLE_COPY_MOVE(workbook)
+
+    void begin_table(const QString &name, const QList<report_column> &table_columns) override
+    {
+        end_sheet();
+        table = name;
+        columns = table_columns;
+        sheets_of_table = 0;
+        begin_sheet();
+    }
+
+    void add(const line_cells &cells) override
+    {
+        if (row == most_rows) {
+            end_sheet();
+            begin_sheet();
+        }
+        lxw_col_t column = 0;
+        for (qsizetype i = 0; i < columns.size(); ++i) {
+            if (columns.at(i).is_cell())
+                write(column++, cells[std::size_t(i)]);
+        }
+        ++row;
+    }
+
+    void commit() override
+    {
+        end_sheet();
+        lxw_workbook *finished = std::exchange(book, nullptr);
+        check(workbook_close(finished));
+        put_in_place(temporary, path);
+        temporary.clear();
+    }
+
+private:
+    [[noreturn]] void fail(const QString &reason) const
+    {
+        throw host_error(error_kind::io, path + u" cannot be written: "_s + reason);
+    }
+
+    void check(lxw_error error) const
+    {
+        if (error != LXW_NO_ERROR)
+            fail(QString::fromUtf8(lxw_strerror(error)));
+    }
+
+    void begin_sheet()
+    {
+        ++sheets_of_table;
+        const QString name = sheets_of_table == 1 ? table : table + u" ("_s + QString::number(sheets_of_table) + u')';
+        sheet = workbook_add_worksheet(book, name.toUtf8().constData());
+        if (!sheet)
+            fail(u"libxlsxwriter takes no sheet "_s + name);
+        row = 0;
+        lxw_col_t column = 0;
+        for (const report_column &one : std::as_const(columns)) {
+            if (one.is_cell())
+                check(
+                    worksheet_write_string(sheet, row, column++, text_for_sheet(one.cell_name()).constData(), heading));
+        }
+        last_column = lxw_col_t(column - 1);
+        check(worksheet_set_column(sheet, 0, last_column, column_width, nullptr));
+        worksheet_freeze_panes(sheet, 1, 0);
+        ++row;
+    }
+
+    void end_sheet()
+    {
+        if (sheet)
+            check(worksheet_autofilter(sheet, 0, 0, row - 1, last_column));
+        sheet = nullptr;
+    }
+
+    QByteArray text_for_sheet(const QByteArray &utf8)
+    {
+        return cut_text(make_text_cell(utf8, true).text, notes);
+    }
+
+    void write(lxw_col_t column, const cell &value)
+    {
+        if (value.is_null())
+            return;
+        const bool is_exact = value.kind == cell::type::integer && value.integer <= largest_exact_number
+                              && value.integer >= -largest_exact_number;
+        if (is_exact)
+            check(worksheet_write_number(sheet, row, column, double(value.integer), nullptr));
+        else if (value.kind == cell::type::real && qIsFinite(value.real))
+            check(worksheet_write_number(sheet, row, column, value.real, nullptr));
+        else
+            write_text(column, cut_text(make_cell(value, true).text, notes));
+    }
+
+    /** A text ends at a NUL for the library: there it would be cut unseen. */
+    void write_text(lxw_col_t column, QByteArray text)
+    {
+        if (text.isEmpty())
+            return;
+        text.replace('\0', "\\u{0}");
+        check(worksheet_write_string(sheet, row, column, text.constData(), nullptr));
+    }
+
+    QString path;
+    QString temporary;
+    workbook_notes &notes;
+    lxw_workbook *book = nullptr;
+    lxw_format *heading = nullptr;
+    lxw_worksheet *sheet = nullptr;
+    QString table;
+    QList<report_column> columns;
+    int sheets_of_table = 0;
+    lxw_row_t row = 0;
+    lxw_col_t last_column = 0;
+};
+
+} // namespace
+
+bool has_workbooks()
+{
+    return true;
+}
+
+std::unique_ptr<table_store> make_workbook(const QString &path, workbook_notes &notes)
+{
+    return std::make_unique<workbook>(path, notes);
+}

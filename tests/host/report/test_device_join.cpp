@@ -1,0 +1,113 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/join/device_join.h"
+#include "tests/support/strict_test.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using appearances = QList<device_appearance>;
+
+/** One of source @p source; what joins is found as for a row. */
+device_appearance seen(int source, const char *name, const char *uuid, const char *address, const char *icloud = "")
+{
+    device_appearance one;
+    one.source = source;
+    one.table = u"devices"_s;
+    one.name = name;
+    one.uuid = uuid;
+    one.address = address;
+    one.icloud_identifier = icloud;
+    add_keys(one);
+    return one;
+}
+
+/** "a+b by public_address b4:…; c": the devices that several sources know first say what joined them. */
+QString joined_text(const appearances &rows)
+{
+    device_join join;
+    for (const device_appearance &row : rows)
+        join.learn(row);
+    joined_device_list devices(join);
+    for (const device_appearance &row : rows)
+        devices.add(row);
+    QStringList texts;
+    for (const joined_device &device : devices.devices()) {
+        QStringList names;
+        for (const device_appearance &appearance : device.appearances)
+            names.append(QString::fromUtf8(appearance.name));
+        QString text = names.join(u'+');
+        for (const join_key &key : device.keys)
+            text += u" by "_s + join_key_name(key.what) + u' ' + QString::fromUtf8(key.value);
+        texts.append(text);
+    }
+    return texts.join(u"; "_s);
+}
+
+constexpr const char *address = "Public B4:C2:6A:7F:D3:7A";
+
+} // namespace
+
+/** Which appearances are one device. */
+class test_device_join : public strict_test
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void devices_data();
+    void devices();
+    void shared_ones_are_numbered();
+};
+
+void test_device_join::devices_data()
+{
+    QTest::addColumn<appearances>("rows");
+    QTest::addColumn<QString>("joined");
+
+    // clang-format off
+    QTest::newRow("nothing")               << appearances{} << u""_s;
+    QTest::newRow("one row")               << appearances{seen(0, "a", "U-1", address)} << u"a"_s;
+    QTest::newRow("address, other form")   << appearances{seen(0, "a", "U-1", address), seen(1, "b", "U-2", "b4-c2-6a-7f-d3-7a")}
+                                           << u"a+b by public_address b4:c2:6a:7f:d3:7a"_s;
+    QTest::newRow("address in one source") << appearances{seen(0, "a", "U-1", address), seen(0, "b", "U-2", address)} << u"a+b"_s;
+    QTest::newRow("identifier, any case")  << appearances{seen(0, "a", "U-1", "", "abcd-12"), seen(1, "b", "U-2", "", "ABCD-12")}
+                                           << u"a+b by icloud_identifier ABCD-12"_s;
+    QTest::newRow("identifier of zeros")   << appearances{seen(0, "a", "U-1", "", "0000-00"), seen(1, "b", "U-2", "", "0000-00")} << u"a; b"_s;
+    QTest::newRow("random address")        << appearances{seen(0, "a", "U-1", "Random C0:00:00:00:00:01"), seen(1, "b", "U-2", "Random C0:00:00:00:00:01")} << u"a; b"_s;
+    QTest::newRow("address of zeros")      << appearances{seen(0, "a", "", "Public 00:00:00:00:00:00"), seen(1, "b", "", "Public 00:00:00:00:00:00")} << u"a; b"_s;
+    QTest::newRow("no address")            << appearances{seen(0, "a", "", ""), seen(1, "b", "", "")} << u"a; b"_s;
+    QTest::newRow("UUID in one source")    << appearances{seen(0, "a", "U-1", ""), seen(0, "b", "U-1", "")} << u"a+b"_s;
+    QTest::newRow("UUID in two sources")   << appearances{seen(0, "a", "U-1", ""), seen(1, "b", "U-1", "")} << u"a; b"_s;
+    QTest::newRow("chain")                 << appearances{seen(0, "a", "U-1", address), seen(1, "b", "U-2", address), seen(1, "c", "U-2", "", "ic-1"), seen(2, "d", "U-3", "", "IC-1")}
+                                           << u"a+b+c+d by public_address b4:c2:6a:7f:d3:7a by icloud_identifier IC-1"_s;
+    QTest::newRow("joined by a later row") << appearances{seen(0, "a", "U-1", address), seen(1, "b", "", "", "ic-1"), seen(2, "c", "", address, "ic-1")}
+                                           << u"a+b+c by public_address b4:c2:6a:7f:d3:7a by icloud_identifier IC-1"_s;
+    // clang-format on
+}
+
+void test_device_join::devices()
+{
+    QFETCH(appearances, rows);
+    QFETCH(QString, joined);
+    QCOMPARE(joined_text(rows), joined);
+}
+
+void test_device_join::shared_ones_are_numbered()
+{
+    QList<joined_device> devices(3);
+    devices[0].sources = {1};
+    devices[1].sources = {0, 1};
+    devices[2].sources = {1, 2};
+    number_shared(devices);
+    QCOMPARE(devices.at(0).shared_number, 0);
+    QCOMPARE(devices.at(1).shared_number, 1);
+    QCOMPARE(devices.at(2).shared_number, 2);
+}
+
+QTEST_GUILESS_MAIN(test_device_join)
+
+#include "test_device_join.moc"
