@@ -15,6 +15,14 @@ cell text(const source_line &line)
     return cell::of_text_or_null(line.*Text);
 }
 
+QByteArray joined_messages(const source_record &record)
+{
+    QByteArrayList texts;
+    for (const run_message &message : record.messages)
+        texts.append(message.text.toUtf8());
+    return texts.join(" | ");
+}
+
 } // namespace
 
 source_line::source_line(const report_source &of_source)
@@ -24,7 +32,7 @@ source_line::source_line(const report_source &of_source)
     , started(of_source.record.started.toUtf8())
     , finished(of_source.record.finished.toUtf8())
     , result_sha256(of_source.record.result_sha256.toUtf8())
-    , messages(QStringList(of_source.record.messages).join(u" | "_s).toUtf8())
+    , messages(joined_messages(of_source.record))
 {
 }
 

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "host/sqlite/sqlite.h"
 #include "tests/host/host_program.h"
 #include "tests/host/pseudo_terminal.h"
 #include "tests/support/file_content.h"
@@ -109,13 +110,11 @@ class test_report : public strict_test
 private Q_SLOTS:
     void rows_for_programs();
     void shared_devices();
-    void chains_join();
     void what_joins_nothing();
     void card_for_each_device();
     void names_of_the_preferences();
     void leftovers_are_named();
     void columns_of_several_kinds_of_sources();
-    void show_gives_the_files_data();
     void show_gives_the_files();
     void show_for_programs_refuses_data();
     void show_for_programs_refuses();
@@ -140,6 +139,9 @@ private Q_SLOTS:
     void case_with_a_partial_source();
     void source_that_is_not_there();
     void result_that_is_gone();
+    void rows_that_are_gone();
+    void what_a_write_ahead_log_makes_of_rows();
+    void record_of_the_report();
     void source_at_work();
     void no_case();
     void case_that_was_not_collected();
@@ -221,42 +223,6 @@ void test_report::shared_devices()
     const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
     QVERIFY(page.contains("<section id=\"more-than-one-source\""));
     QVERIFY(page.contains("Devices that more than one source knows: 1."));
-}
-
-/** A with B by address, B with C by iCloud identifier; B's two rows by their UUID. */
-void test_report::chains_join()
-{
-    const host_program host;
-    const macos_source a;
-    const macos_source b;
-    const macos_source c;
-    // clang-format off
-    macos_source::add_device(a.make_other(), u"OtherDevices"_s,
-                             {u"U-A"_s, u"a"_s, 1, u"Random C0:00:00:00:00:01"_s, u"Public B4:C2:6A:7F:D3:7A"_s, 1, 1, 0, QVariant(), u""_s});
-    macos_source::add_device(b.make_other(), u"OtherDevices"_s,
-                             {u"U-B"_s, u"b by address"_s, 1, u"b4-c2-6a-7f-d3-7a"_s, QVariant(), 1, 1, 0, QVariant(), u""_s});
-    macos_source::add_device(b.make_paired(), u"PairedDevices"_s,
-                             {u"U-B"_s, u"b by identifier"_s, 1, u"Random C0:00:00:00:00:02"_s, QVariant(), 1, 1, 0, QVariant(), u"ABCD-12"_s});
-    macos_source::add_device(c.make_other(), u"OtherDevices"_s,
-                             {u"U-C"_s, u"c"_s, 1, u"Random C0:00:00:00:00:03"_s, QVariant(), 1, 1, 0, QVariant(), u"abcd-12"_s});
-    // clang-format on
-    extract_all(host, {a.root(), b.root(), c.root()});
-    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-f"_s, u"csv"_s}).exit_code, 0);
-
-    const QList<QJsonObject> shared = json_lines_of(host.path(u"case/Report/shared.jsonl"_s));
-    QCOMPARE(shared.size(), 1);
-    QCOMPARE(shared.first().value("sources"_L1).toArray(), (QJsonArray{1, 2, 3}));
-    QCOMPARE(shared.first().value("joined_by"_L1).toArray(),
-             (QJsonArray{QJsonObject{{u"kind"_s, u"public_address"_s}, {u"value"_s, u"b4:c2:6a:7f:d3:7a"_s}},
-                         QJsonObject{{u"kind"_s, u"icloud_identifier"_s}, {u"value"_s, u"ABCD-12"_s}}}));
-    QStringList names;
-    for (const QJsonValue &appearance : shared.first().value("appearances"_L1).toArray())
-        names.append(appearance.toObject().value("device_name"_L1).toString());
-    QCOMPARE(names, (QStringList{u"a"_s, u"b by address"_s, u"c"_s, u"b by identifier"_s}));
-    QCOMPARE(content_of(host.path(u"case/Report/shared.csv"_s))
-                 .count("\r\n1,public_address b4:c2:6a:7f:d3:7a; "
-                        "icloud_identifier ABCD-12,"),
-             4);
 }
 
 void test_report::what_joins_nothing()
@@ -439,32 +405,28 @@ void test_report::columns_of_several_kinds_of_sources()
     QCOMPARE(cell(2, "host_line"), "1");
 }
 
-void test_report::show_gives_the_files_data()
-{
-    QTest::addColumn<QString>("table");
-    QTest::addColumn<QString>("format");
-
-    for (const QString &table : {u"devices"_s, u"paired_devices"_s}) {
-        for (const QString &format : {u"csv"_s, u"tsv"_s, u"jsonl"_s})
-            QTest::newRow(qPrintable(table + u'.' + format)) << table << format;
-    }
-}
-
 void test_report::show_gives_the_files()
 {
-    QFETCH(QString, table);
-    QFETCH(QString, format);
     const host_program host;
     const two_sources sources;
     sources.extract(host);
-    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, format}).exit_code, 0);
-    const QByteArray file = content_of(host.path(u"case/Report/"_s + table + u'.' + format));
-    const host_result shown = host.run({u"show"_s, u"case"_s, u"--table"_s, table, u"-f"_s, format});
-    QCOMPARE(shown.exit_code, 0);
-    QCOMPARE(shown.errors, QString());
-    QCOMPARE(shown.output, QString::fromUtf8(file));
+    write_file(host.path(u"case/Source1/host_devices.jsonl"_s), headset_line);
+    const QStringList formats{u"csv"_s, u"tsv"_s, u"jsonl"_s};
+    QStringList arguments{u"report"_s, u"case"_s};
+    for (const QString &format : formats)
+        arguments << u"-f"_s << format;
+    QCOMPARE(host.run(arguments).exit_code, 0);
+    for (const QString &table : {u"devices"_s, u"paired_devices"_s, u"host_devices"_s}) {
+        for (const QString &format : formats) {
+            const QByteArray file = content_of(host.path(u"case/Report/"_s + table + u'.' + format));
+            const host_result shown = host.run({u"show"_s, u"case"_s, u"--table"_s, table, u"-f"_s, format});
+            QCOMPARE(shown.exit_code, 0);
+            QCOMPARE(shown.errors, QString());
+            QCOMPARE(shown.output, QString::fromUtf8(file));
+        }
+    }
     const host_result second = host.run(
-        {u"show"_s, u"case"_s, u"--source"_s, u"2"_s, u"--table"_s, table, u"-f"_s, format});
+        {u"show"_s, u"case"_s, u"--source"_s, u"2"_s, u"--table"_s, u"devices"_s, u"-f"_s, u"csv"_s});
     QVERIFY(second.output.contains(u"U-2"_s) && !second.output.contains(u"U-1"_s));
 }
 
@@ -945,6 +907,78 @@ void test_report::result_that_is_gone()
     QCOMPARE(result.exit_code, 4);
     QCOMPARE(result.errors, u"warning: source 1: its result database is missing: "
                             "Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite\n"_s);
+}
+
+/** The manifest says how many there were. */
+void test_report::rows_that_are_gone()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    sqlite_file(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s))
+        .execute(u"DELETE FROM devices"_s);
+    const host_result result = host.run({u"report"_s, u"case"_s, u"-f"_s, u"csv"_s});
+    QCOMPARE(result.exit_code, 4);
+    QCOMPARE(result.errors, u"warning: source 1: 0 rows of devices could be read, the case's record says 1\n"_s);
+}
+
+/** A row that only the log has joins the device of another source, and is named as what it is. */
+void test_report::what_a_write_ahead_log_makes_of_rows()
+{
+    const host_program host;
+    const macos_source one;
+    const macos_source two;
+    const QString open_file = host.path(u"open.db"_s);
+    {
+        sqlite_database database(open_file, sqlite_database::access::create);
+        database.execute("CREATE TABLE OtherDevices(Uuid TEXT, Name TEXT, Address TEXT, LastSeenTime INT);"
+                         "INSERT INTO OtherDevices VALUES('U-1', 'a', '', 1), ('U-2', 'b', '', 2), ('U-3', 'c', '', 3);"
+                         "PRAGMA journal_mode=wal; PRAGMA wal_autocheckpoint=0; PRAGMA wal_checkpoint(TRUNCATE);"
+                         "UPDATE OtherDevices SET LastSeenTime = 9 WHERE Uuid = 'U-1';"
+                         "DELETE FROM OtherDevices WHERE Uuid = 'U-2';"
+                         "INSERT INTO OtherDevices VALUES('U-4', 'd', 'Public B4:C2:6A:7F:D3:7A', 4)");
+        write_file(one.other_db(), content_of(open_file));
+        write_file(one.other_db() + u"-wal"_s, content_of(open_file + u"-wal"_s));
+    }
+    macos_source::add_device(two.make_other(), u"OtherDevices"_s, {u"U-5"_s, u"e"_s, 1, u"Public B4:C2:6A:7F:D3:7A"_s});
+    extract_all(host, {one.root(), two.root()});
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s}).exit_code, 0);
+    QStringList found;
+    for (const QJsonObject &row : json_lines_of(host.path(u"case/Report/devices.jsonl"_s)))
+        found.append(row.value("host"_L1).toObject().value("wal"_L1).toString(u"none"_s));
+    QCOMPARE(found, (QStringList{u"changed"_s, u"deleted"_s, u"unchanged"_s, u"none"_s}));
+    QStringList appearances;
+    for (const QJsonValue &one_of :
+         json_lines_of(host.path(u"case/Report/shared.jsonl"_s)).value(0).value("appearances"_L1).toArray())
+        appearances.append(one_of.toObject().value("source_name"_L1).toString() + u' '
+                           + one_of.toObject().value("found_in"_L1).toString());
+    appearances.sort();
+    QCOMPARE(appearances, (QStringList{u"Source1 wal_added"_s, u"Source2 row"_s}));
+}
+
+void test_report::record_of_the_report()
+{
+    const host_program host;
+    const two_sources sources;
+    sources.extract(host);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"csv"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"report"_s, u"case"_s}).exit_code, 0); // of the same manifest: both stand in the record
+    const QJsonObject record = QJsonDocument::fromJson(content_of(host.path(u"case/Report/report.json"_s))).object();
+    QCOMPARE(record.value("format"_L1).toString(), u"bluetooth-logs report"_s);
+    QCOMPARE(record.value("version"_L1).toInt(), 1);
+    QCOMPARE(record.value("manifest_sha256"_L1).toString().toLatin1(),
+             content_of(host.path(u"case/manifest.json.sha256"_s)).first(64));
+    QStringList named{u"report.json"_s};
+    for (const QJsonValue &value : record.value("files"_L1).toArray()) {
+        const QJsonObject file = value.toObject();
+        named.append(file.value("path"_L1).toString());
+        const QByteArray content = content_of(host.path(u"case/Report/"_s + named.last()));
+        QCOMPARE(file.value("size"_L1).toInteger(), content.size());
+        QCOMPARE(file.value("sha256"_L1).toString().toLatin1(),
+                 QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex());
+    }
+    named.sort();
+    QCOMPARE(named, QDir(host.path(u"case/Report"_s)).entryList(QDir::Files, QDir::Name));
 }
 
 /** A reader could keep the plug-in from writing: the rows are left out, and the report says so. */
