@@ -98,7 +98,7 @@ const line_columns<report_row> &rank_columns()
           "the place of the counter among those of the table of the source: 1 is the largest, equal ones share theirs"_L1},
          [](const report_row &row) { return cell::of_integer(row.rank_last_connection); }},
         {{"last_seen_readings"_ba, group::line, use::everywhere, true, "Last seen, if it were a time"_L1,
-          "the times that the counter would be, from 2000 to 2035; it is not known to be one"_L1},
+          "the times that the counter would be, as far as they are plausible; it is not known to be one"_L1},
          [](const report_row &row) { return cell::of_text(row.last_seen_readings); }},
     };
     // clang-format on

@@ -19,10 +19,13 @@ struct epoch
 {
     const char *name;
     qint64 since_1970; ///< in seconds
+    qint64 least; ///< smaller counters are plausible as nothing: any small number would be a time of the first years
 };
 
-constexpr epoch epochs[] = {{"seconds since 1970", 0}, {"seconds since 2001", 978307200}};
-constexpr qint64 start_of_2000 = 946684800;
+constexpr epoch epochs[] = {
+    {"seconds since 1970", 0, 1000000000},        // 2001-09-09
+    {"seconds since 2001", 978307200, 300000000}, // 2010-07-05
+};
 constexpr qint64 end_of_2035 = 2082758399;
 
 std::optional<qint64> counter_in(const cell &in_evidence, const sqlite_statement &row, QLatin1StringView column)
@@ -63,7 +66,7 @@ QByteArray counter_readings(const std::optional<qint64> &counter)
 {
     QByteArray json = "[";
     for (const epoch &one : epochs) {
-        if (!counter || *counter < start_of_2000 - one.since_1970 || *counter > end_of_2035 - one.since_1970)
+        if (!counter || *counter < one.least || *counter > end_of_2035 - one.since_1970)
             continue;
         const QDateTime time = QDateTime::fromSecsSinceEpoch(*counter + one.since_1970, Qt::UTC);
         json += json.size() > 1 ? "," : "";

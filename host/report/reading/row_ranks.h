@@ -46,7 +46,8 @@ struct table_ranks
 };
 
 /**
- * The times that a counter of unknown origin would be, each of those that lie in the years 2000 to 2035:
+ * The times that a counter of unknown origin would be, as seconds since 1970 from 2001-09-09 to 2035, since 2001 from
+ * 2010-07-05 to 2035:
  * [{"as":"seconds since 1970","utc":"2023-11-14T22:13:20Z"}]. It is not known to be one.
  */
 QByteArray counter_readings(const std::optional<qint64> &counter);

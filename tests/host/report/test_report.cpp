@@ -82,7 +82,7 @@ QList<QJsonObject> cards_of(const QString &page)
 /** A line of a source's host_devices.jsonl. */
 constexpr const char *headset_line =
     R"({"source":1,"list":"preferences","address":"b4-c2-6a-7f-d3-7a","address_normal":"b4:c2:6a:7f:d3:7a",)"
-    R"("names":["=Headset","Anna's"],"kind":"classic","is_paired":true,"class_of_device":{"value":2360340},)"
+    R"("names":["=Headset","Anna"],"kind":"classic","is_paired":true,"class_of_device":{"value":2360340},)"
     R"("vendor":{"id":76,"source":"SIG"},"product":8194,"bluetooth_version":"5.0",)"
     R"("times":[{"name":"LastNameUpdate","raw":"2024-05-17T10:11:05Z","utc":"2024-05-17T10:11:05Z","clock":"utc",)"
     R"("meaning":"LastNameUpdate of the preferences"},{"name":"LastSeenTime","raw":1715940665,"utc":null,)"
