@@ -85,13 +85,12 @@ void append_real(QByteArray &json, double number)
 /** Appends the character outside of ASCII that @p utf8 begins with, and gives the bytes that it takes. */
 qsizetype append_other(QByteArray &json, QByteArrayView utf8)
 {
-    const QByteArrayView character = utf8.first(length_of(static_cast<unsigned char>(utf8.front())));
-    const unsigned code = decoded(character);
-    if (acts_on_its_reader(code))
-        append_escape(json, code);
+    const auto [character, length] = first_character(utf8);
+    if (acts_on_its_reader(character))
+        append_escape(json, character);
     else
-        json.append(character);
-    return character.size();
+        json.append(utf8.first(length));
+    return length;
 }
 
 } // namespace
