@@ -42,7 +42,7 @@ QString objection_to_code(const QJsonObject &record, int)
 {
     const QJsonValue code = record.value("exit_code"_L1);
     const auto is_it = [&code](outcome_code known) { return code == int(known); };
-    if (code.isNull() || std::any_of(std::begin(known_codes), std::end(known_codes), is_it))
+    if (code.isNull() || code.isUndefined() || std::any_of(std::begin(known_codes), std::end(known_codes), is_it))
         return {};
     return u"no run ends with the exit code "_s + code.toVariant().toString();
 }
@@ -57,7 +57,7 @@ QString objection_to_result(const QJsonObject &record, int number)
     const QJsonValue result = record.value("result"_L1);
     const QString path = result.toObject().value("path"_L1).toString();
     const source_layout layout(QString(), number);
-    if (result.isNull() || path == layout.relative_to_case(layout.result_database()))
+    if (result.isNull() || result.isUndefined() || path == layout.relative_to_case(layout.result_database()))
         return {};
     return outside(path);
 }
