@@ -41,8 +41,7 @@ for (let round = 0; round < rounds; ++round) {
                 input.value = words;
                 input.dispatchEvent(new Event("input"));
             }));
-        const buttons = [...document.querySelectorAll("#devices th button")];
-        const column = buttons.find(button => button.textContent === "plugin_address");
+        const column = document.querySelector("#devices th button[data-column=plugin_address]");
         return {
             opened: performance.getEntriesByType("navigation")[0].loadEventEnd,
             focus,

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 //
 // node scripts/report_pictures.mjs PROGRAM FOLDER [MODULES]
-// Takes pictures of a report of the sample into FOLDER: light, dark and narrow ones, print.pdf, and report.png, which is
-// docs/report.png for README.md. MODULES is build/browser unless it is given; ./test.sh installs what is needed there.
+// Takes pictures of a report of the sample into FOLDER: light, dark and narrow ones, print.pdf, and report.png,
+// report-device.png and report-print.png, which are those of docs/. MODULES is build/browser unless it is given; ./test.sh installs what is needed there.
 
 import {execFileSync} from "node:child_process";
 import {mkdirSync, mkdtempSync, rmSync} from "node:fs";
@@ -40,17 +40,13 @@ const toFilter = async page => {
     await page.type("#devices-filter", "o");
     await page.$eval("#devices", section => section.scrollIntoView());
 };
-const toNames = async page => {
-    for (const unused of ["ascending", "descending"])
-        await page.click("#cards th:nth-child(2) button");
-    await page.evaluate(() => document.activeElement.blur());
-    await page.$eval("#cards", section => section.scrollIntoView());
-    await page.$eval("#cards .window", view => { // past scripts that the set-up installs no fonts for
-        view.scrollTop = 9 * view.querySelector("tbody tr").getBoundingClientRect().height;
-    });
+const toFirstPaired = async page => {
+    await page.click("#paired tbody a");
+    await page.waitForSelector("section.device");
 };
 
-await take("report.png", {width: 1200, height: 560, prepare: toNames});
+await take("report.png", {width: 1200, height: 760});
+await take("report-device.png", {width: 1200, height: 760, prepare: toFirstPaired});
 for (const scheme of ["light", "dark"]) {
     await take(`${scheme}.png`, {width: 1280, height: 1600, scheme});
     await take(`${scheme}-filter.png`, {width: 1280, height: 1000, scheme, prepare: toFilter});
@@ -59,6 +55,11 @@ await take("narrow.png", {width: 320, height: 1600, scale: 2});
 await take("narrow-filter.png", {width: 320, height: 900, scale: 2, prepare: toFilter});
 const page = await browser.newPage();
 await page.goto(address);
-await page.pdf({path: join(folder, "print.pdf"), preferCSSPageSize: true, timeout: 0});
+await page.pdf({path: join(folder, "print.pdf"), format: "A4", timeout: 0});
 await browser.close();
+try {
+    execFileSync("pdftoppm", ["-png", "-r", "70", "-f", "1", "-l", "1", "-singlefile", join(folder, "print.pdf"), join(folder, "report-print")]);
+} catch {
+    console.log("no report-print.png: pdftoppm (poppler-utils) is missing");
+}
 rmSync(place, {recursive: true});

@@ -78,8 +78,10 @@ void add_report_command(CLI::App &app, command_line &line)
     add_path(report, {"--vendors", "PATH", "List of address ranges and their vendors, like ieee-data's oui.txt"},
              options->vendors);
     add_time_options(report, options);
-    add_flag(report, {"--split", "", "HTML: a page for each source, as there is for more than 100,000 rows"},
+    add_flag(report, {"--split", "", "HTML: a page for each source, as there is for more than 200,000 rows"},
              options->split);
+    add_flag(report, {"--brief", "", "Write brief.html too: the case in short, at most ten sheets of paper"},
+             options->brief);
     add_flag(report, {"--force", "", "Replace the files of an earlier report"}, options->force);
     report.final_callback([options, &line] {
         if (options->output.isEmpty())

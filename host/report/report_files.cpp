@@ -8,11 +8,10 @@
 #include "host/files/json_file.h"
 #include "host/files/new_file.h"
 #include "host/files/paths.h"
+#include "host/files/sha256.h"
 #include "host/report/join/other_appearances.h"
 #include "host/report/list_files.h"
-#include "host/report/page/device_cards.h"
 #include "host/report/page/html_page.h"
-#include "host/report/page/html_summary.h"
 #include "host/report/report_readme.h"
 #include "host/report/report_record.h"
 #include "host/report/tables/report_database.h"
@@ -35,7 +34,9 @@ constexpr QLatin1StringView readme_name("README.txt");
 constexpr QLatin1StringView database_name("report.sqlite");
 constexpr QLatin1StringView workbook_name("report.xlsx");
 constexpr QLatin1StringView page_name("report.html");
-constexpr qint64 most_rows_of_a_page = 100000;
+constexpr QLatin1StringView brief_name("brief.html");
+constexpr qint64 most_rows_of_a_page = 200000;
+constexpr qint64 most_page_bytes = qint64(1) << 32;
 
 /** A file of the report that is written piece by piece. */
 std::shared_ptr<new_file> open_file(const QString &path)
@@ -79,6 +80,8 @@ public:
             remove_earlier_pages();
             write_pages(page, devices);
         }
+        if (options.brief)
+            write_brief(page, devices);
         write_report_record(options.output, that_case.manifest_sha256, outcome.files);
         outcome.files.append(report_record_name);
         return outcome;
@@ -97,9 +100,15 @@ private:
                               [this](const program_format &format) { return has(format.format); });
     }
 
+    /** Whether all devices are to be numbered: pages and the brief report name them. */
+    bool has_pages() const
+    {
+        return has(report_format::html) || options.brief;
+    }
+
     bool is_one_page() const
     {
-        return has(report_format::html) && !is_split;
+        return has_pages() && !is_split;
     }
 
     QString path_of(const QString &name) const
@@ -120,6 +129,8 @@ private:
             outcome.files.append(readme_name);
         if (has(report_format::html))
             outcome.files.append(page_name);
+        if (options.brief)
+            outcome.files.append(brief_name);
         if (has(report_format::html) && is_split)
             outcome.files += source_pages();
     }
@@ -210,33 +221,42 @@ private:
     /** One source has nothing to share. */
     bool needs_join() const
     {
-        return that_case.sources.size() > 1 || has(report_format::html);
+        return that_case.sources.size() > 1 || has_pages();
+    }
+
+    /** Whether the brief report may name its device, where the page of the whole case does not. */
+    bool is_of_note(const device_appearance &appearance) const
+    {
+        return options.brief && appearance.table == result_tables().last();
     }
 
     /**
-     * The devices that several sources know, and the others where all of them are shown. The rows are read again:
-     * no report for programs needs more of them in memory.
+     * The devices that several sources know, and the others where all of them are shown. The rows are read again,
+     * source by source: no report for programs needs more of them in memory.
      */
     QList<joined_device> read_devices()
     {
         joined_device_list devices(join);
-        if (!is_one_page() && !join.is_any_shared())
+        if (!has_pages() && !join.is_any_shared())
             return {};
-        for (const QString &table : result_tables()) {
-            for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
-                const report_source &source = that_case.sources.at(i);
+        device_numbers numbers(join);
+        for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
+            const report_source &source = that_case.sources.at(i);
+            for (const QString &table : result_tables()) {
                 const table_reading reading = read_rows(that_case, source, table, [&](const report_row &row) {
                     const device_appearance appearance = appearance_of(row, int(i));
-                    if (is_one_page() || join.is_shared(appearance))
-                        devices.add(appearance);
+                    const qint64 number = numbers.next(appearance);
+                    if (has_pages())
+                        device_of_row[i][table].push_back(number);
+                    if (is_one_page() || join.is_shared(appearance) || is_of_note(appearance))
+                        devices.add(appearance, number);
                 });
                 add_shortcoming(source, reading.problem);
             }
-        }
-        for (int i = 0; i < int(that_case.sources.size()); ++i) {
-            for_each_other_appearance(that_case, i, [&](const device_appearance &appearance) {
+            for_each_other_appearance(that_case, int(i), [&](const device_appearance &appearance) {
+                const qint64 number = numbers.next(appearance);
                 if (is_one_page() || join.is_shared(appearance))
-                    devices.add(appearance);
+                    devices.add(appearance, number);
             });
         }
         QList<joined_device> result = devices.devices();
@@ -283,34 +303,53 @@ private:
         }
     }
 
-    void write_pages(const html_page &page, const QList<joined_device> &devices)
+    void write_pages(html_page &page, const QList<joined_device> &devices)
     {
-        const QByteArray shared = shared_section(that_case, devices);
         if (!is_split) {
-            page.write(path_of(page_name), device_cards(that_case, devices), shared, outcome.shortcomings);
+            page.write(path_of(page_name), {devices, devices_of_rows(), outcome.shortcomings});
             return;
         }
-        QHash<QByteArray, qint64> shared_numbers;
+        QHash<qint64, qint64> shared_numbers;
         for (const joined_device &device : devices)
-            shared_numbers.insert(join.device_of(device.appearances.first()), device.shared_number);
+            shared_numbers.insert(device.number, device.shared_number);
         const QStringList names = source_pages();
         for (int i = 0; i < names.size(); ++i)
             write_source_page(i, path_of(names.at(i)), shared_numbers);
-        page.write_index(path_of(page_name), shared, outcome.shortcomings, names);
+        page.write_index(path_of(page_name), {devices, {}, outcome.shortcomings}, names);
+    }
+
+    void write_brief(html_page &page, const QList<joined_device> &devices) const
+    {
+        const bool has_annex = has(report_format::html);
+        page.write_brief(path_of(brief_name), {devices, devices_of_rows(), outcome.shortcomings},
+                         has_annex ? sha256::of(read_whole_file(path_of(page_name), most_page_bytes)) : QString());
+    }
+
+    row_devices devices_of_rows() const
+    {
+        row_devices numbers;
+        for (const row_devices &of_source : device_of_row) {
+            for (auto table = of_source.constBegin(); table != of_source.constEnd(); ++table)
+                numbers[table.key()].insert(numbers[table.key()].end(), table->cbegin(), table->cend());
+        }
+        return numbers;
     }
 
     /** The page of one source, whose rows are read again: no more than one source is held. */
-    void write_source_page(int place, const QString &path, const QHash<QByteArray, qint64> &shared_numbers)
+    void write_source_page(int place, const QString &path, const QHash<qint64, qint64> &shared_numbers)
     {
         report_case part = that_case;
         part.sources = {that_case.sources.at(place)};
         part.shortcomings.clear();
+        const row_devices numbers = device_of_row.value(place);
         html_page page(part);
         joined_device_list list(join);
         for (const QString &table : result_tables()) {
+            std::size_t next = 0;
+            const std::vector<qint64> of_table = numbers.value(table);
             const table_reading reading = read_rows(part, part.sources.first(), table, [&](const report_row &row) {
                 page.add(row);
-                list.add(appearance_of(row, place));
+                list.add(appearance_of(row, 0), next < of_table.size() ? of_table[next++] : 0);
             });
             if (!reading.problem.isEmpty())
                 part.shortcomings.append(reading.problem);
@@ -318,8 +357,8 @@ private:
         }
         QList<joined_device> devices = list.devices();
         for (joined_device &device : devices)
-            device.shared_number = shared_numbers.value(join.device_of(device.appearances.first()));
-        page.write_source(path, device_cards(that_case, devices), page_name);
+            device.shared_number = shared_numbers.value(device.number);
+        page.write_source(path, {devices, numbers, part.shortcomings}, page_name);
     }
 
     const report_options &options;
@@ -328,6 +367,7 @@ private:
     report_outcome outcome;
     changed_cells changes;
     device_join join;
+    QMap<qsizetype, row_devices> device_of_row; ///< by place of the source; for pages
 };
 
 } // namespace

@@ -17,7 +17,8 @@ struct report_options
     QString output;         ///< absolute
     QList<report_format> formats;
     bool force = false; ///< files of an earlier report may be replaced
-    bool split = false; ///< HTML: a page for each source, as there is for more than 100,000 rows
+    bool split = false; ///< HTML: a page for each source, as there is for more than 200,000 rows
+    bool brief = false; ///< the case in short besides, as brief.html
     cell_options cells;
     QString vendors; ///< absolute; a list of vendors like oui.txt; empty: none
     timeline_options times;

@@ -173,14 +173,25 @@ bool device_join::is_in_several_sources(const join_key &key) const
     return place >= 0 && nodes[size_t(place)].is_in_several;
 }
 
-void joined_device_list::add(const device_appearance &row)
+qint64 device_numbers::next(const device_appearance &row)
 {
     const QByteArray device = join.device_of(row);
-    const qsizetype place = device.isEmpty() ? list.size() : places.value(device, list.size());
-    if (place == list.size())
+    if (device.isEmpty())
+        return ++last;
+    qint64 &number = known[device];
+    if (number == 0)
+        number = ++last;
+    return number;
+}
+
+void joined_device_list::add(const device_appearance &row, qint64 number)
+{
+    const qsizetype place = places.value(number, list.size());
+    if (place == list.size()) {
         list.append(joined_device());
-    if (!device.isEmpty())
-        places.insert(device, place);
+        list.last().number = number;
+        places.insert(number, place);
+    }
     joined_device &joined = list[place];
     joined.appearances.append(row);
     insert_once(joined.sources, row.source);

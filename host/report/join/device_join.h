@@ -61,6 +61,7 @@ device_appearance appearance_of(const report_row &row, int source);
 /** What the sources of a case know of one device. */
 struct joined_device
 {
+    qint64 number = 0; ///< from 1, by first appearance; device_numbers gives it
     QList<device_appearance> appearances;
     QList<join_key> keys;     ///< that appear in more than one source; sorted
     QList<int> sources;       ///< places in report_case::sources, ascending
@@ -119,6 +120,28 @@ private:
     bool is_one_shared = false;
 };
 
+/**
+ * Numbers the devices of a case from 1 by their first appearances: by source, table and row. Sources that come later,
+ * and what else is learnt of a device, change no number.
+ */
+class device_numbers
+{
+public:
+    /** @p all_rows has learnt every row. */
+    explicit device_numbers(const device_join &all_rows)
+        : join(all_rows)
+    {
+    }
+
+    /** The number of the next row's device. Rows come once each, in the order of the numbers. */
+    qint64 next(const device_appearance &row);
+
+private:
+    const device_join &join;
+    qint64 last = 0;
+    QHash<QByteArray, qint64> known; ///< by device_join::device_of()
+};
+
 /** Puts appearances together to devices, in the order of their first appearances. */
 class joined_device_list
 {
@@ -129,7 +152,8 @@ public:
     {
     }
 
-    void add(const device_appearance &row);
+    /** @p number is that of the row's device. */
+    void add(const device_appearance &row, qint64 number);
 
     const QList<joined_device> &devices() const
     {
@@ -139,7 +163,7 @@ public:
 private:
     const device_join &join;
     QList<joined_device> list;
-    QHash<QByteArray, qsizetype> places; ///< by device_join::device_of()
+    QHash<qint64, qsizetype> places; ///< by number
 };
 
 #endif

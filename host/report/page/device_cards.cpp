@@ -3,132 +3,79 @@
 
 #include "host/report/page/device_cards.h"
 
-#include "host/devices/device_address.h"
+#include "host/report/page/column_words.h"
 
 #include <algorithm>
-#include <functional>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype most_texts = 20; // of one kind; a device of a log may have a million rows
-
-/** Different texts in the order of their coming, no more than a reader takes in. */
-class text_set
+struct card
 {
-public:
-    void add(const QByteArray &text)
-    {
-        if (text.isEmpty() || texts.contains(text))
-            return;
-        if (texts.size() < most_texts)
-            texts.append(text);
-        else
-            is_cut = true;
-    }
-
-    QByteArray text() const
-    {
-        return texts.join(" | ") + (is_cut ? " | …" : "");
-    }
-
-private:
-    QByteArrayList texts;
-    bool is_cut = false;
+    const report_case &that_case;
+    const device_facts &facts;
+    const joined_device &device = *facts.device;
 };
 
-QByteArray texts_of(const joined_device &device, const std::function<QByteArray(const device_appearance &)> &text_of)
+/** A column of the cards and its text; empty where it has none. */
+struct card_column
 {
-    text_set texts;
-    for (const device_appearance &appearance : device.appearances)
-        texts.add(text_of(appearance));
-    return texts.text();
+    const char *name;
+    QByteArray (*text)(const card &card);
+};
+
+template<QByteArray device_appearance::*Text>
+QByteArray texts(const card &card)
+{
+    return texts_of(card.device, Text);
 }
 
-QByteArray texts_of(const joined_device &device, QByteArray device_appearance::*text)
-{
-    return texts_of(device, [text](const device_appearance &appearance) { return appearance.*text; });
-}
-
-QByteArray place_text(const report_case &that_case, const device_appearance &appearance)
-{
-    const row_place &place = appearance.place;
-    QByteArray text = "source " + QByteArray::number(that_case.sources.at(appearance.source).record.number) + ' '
-                      + appearance.table.toUtf8();
-    if (place.line)
-        text += ", " + place.file + " line " + QByteArray::number(*place.line);
-    else if (place.rowid)
-        text += ", " + place.file + ' ' + place.table + " rowid " + QByteArray::number(*place.rowid);
-    return text;
-}
-
-QByteArray keys_text(const joined_device &device)
-{
-    text_set texts;
-    for (const join_key &key : device.keys)
-        texts.add((key.what == join_key::kind::public_address ? "public address " : "iCloud identifier ") + key.value);
-    return texts.text();
-}
-
-QByteArray why_address_joins_nothing(const QByteArray &text)
-{
-    const std::optional<device_address> address = parse_device_address(text);
-    if (text.isEmpty())
-        return "it has no address";
-    if (!address)
-        return "its address is not of a form that is known";
-    return address->is_random ? "its address is random" : "its address is all zeros";
-}
-
-/** Empty for a device that more than one source knows. */
-QByteArray why_no_other_source(const joined_device &device)
-{
-    if (device.shared_number > 0)
-        return {};
-    const bool has_key = std::any_of(device.appearances.cbegin(), device.appearances.cend(),
-                                     [](const device_appearance &appearance) { return !appearance.keys.isEmpty(); });
-    if (has_key)
-        return "no other source has its public address or its iCloud identifier";
-    return texts_of(device, [](const device_appearance &appearance) -> QByteArray {
-        return why_address_joins_nothing(appearance.address)
-               + (appearance.icloud_identifier.isEmpty() ? ", and it has no iCloud identifier"
-                                                         : ", and its iCloud identifier is all zeros");
-    });
-}
+constexpr card_column text_columns[] = {
+    {"device_name", texts<&device_appearance::name>},
+    {"host_name", texts<&device_appearance::host_name>},
+    {"host_preferences_name", texts<&device_appearance::preferences_name>},
+    {"address", texts<&device_appearance::address>},
+    {"host_address_kind", texts<&device_appearance::address_kind>},
+    {"host_resolved_address", texts<&device_appearance::resolved_address>},
+    {"host_vendor", texts<&device_appearance::vendor>},
+    {"known_as", [](const card &card) { return known_as(card.facts); }},
+    {"link", [](const card &card) { return link_strength(card.facts); }},
+    {"sources", [](const card &card) { return source_numbers(card.that_case, card.device.sources); }},
+    {"icloud_identifier", texts<&device_appearance::icloud_identifier>},
+    {"uuid", texts<&device_appearance::uuid>},
+    {"joined_across_sources_by", [](const card &card) { return keys_text(card.device); }},
+    {"not_joined_because",
+     [](const card &card) { return why_not_joined(card.device, card.that_case.shortcomings.isEmpty()); }},
+};
 
 } // namespace
 
-html_table device_cards(const report_case &that_case, const QList<joined_device> &devices)
+html_table device_cards(const report_case &that_case, const QList<device_facts> &devices)
 {
     html_table
-        table(u"cards"_s, u"Devices of the case"_s,
-              u"A card for each device, which the number in front of it opens: what the sources know of it, joined "
-              "within a source by UUID, across sources by public address or iCloud identifier. Several texts are "
-              "separated by |."_s);
-    for (const joined_device &device : devices) {
-        QByteArrayList sources;
-        for (const int source : device.sources)
-            sources.append(QByteArray::number(that_case.sources.at(source).record.number));
-        table.begin_row();
-        table.add(u"device_name"_s, texts_of(device, &device_appearance::name));
-        table.add(u"host_name"_s, texts_of(device, &device_appearance::host_name));
-        table.add(u"host_preferences_name"_s, texts_of(device, &device_appearance::preferences_name));
-        table.add(u"address"_s, texts_of(device, &device_appearance::address));
-        table.add(u"host_address_kind"_s, texts_of(device, &device_appearance::address_kind));
-        table.add(u"host_resolved_address"_s, texts_of(device, &device_appearance::resolved_address));
-        table.add(u"host_vendor"_s, texts_of(device, &device_appearance::vendor));
-        table.add(u"icloud_identifier"_s, texts_of(device, &device_appearance::icloud_identifier));
-        table.add(u"uuid"_s, texts_of(device, &device_appearance::uuid));
-        table.add(u"sources"_s, sources.join(", "));
-        table.add(u"rows"_s, std::optional<qint64>(device.appearances.size()));
-        table.add(u"shared_device"_s,
-                  device.shared_number > 0 ? std::optional(device.shared_number) : std::optional<qint64>());
-        table.add(u"joined_across_sources_by"_s, keys_text(device));
-        table.add(u"not_joined_because"_s, why_no_other_source(device));
-        table.add(u"appears_as"_s, texts_of(device, [&that_case](const device_appearance &appearance) {
-                      return place_text(that_case, appearance);
-                  }));
+        table("cards", "All devices",
+              "What the sources know of each device; the number in front opens a page of its own. Devices with a "
+              "name, paired ones and those in more than one source come first. Several texts are separated by |.");
+    table.set_opens("device");
+    page_column &number = table.add_column(about_own_column("device"));
+    std::vector<page_column *> texts;
+    for (const card_column &column : text_columns)
+        texts.push_back(&table.add_column(about_own_column(column.name)));
+    page_column &rows = table.add_column(about_own_column("rows"));
+    page_column &shared = table.add_column(about_own_column("shared_device"));
+    for (const bool is_of_note : {true, false}) {
+        for (const device_facts &facts : devices) {
+            if (facts.is_of_note() != is_of_note)
+                continue;
+            const card card{that_case, facts};
+            number.add(cell::of_integer(facts.number));
+            for (std::size_t i = 0; i < texts.size(); ++i) {
+                const QByteArray text = text_columns[i].text(card);
+                texts[i]->add(cell::of_text_or_null(text));
+            }
+            rows.add(cell::of_integer(facts.device->appearances.size()));
+            const qint64 shared_number = facts.device->shared_number;
+            shared.add(shared_number > 0 ? cell::of_integer(shared_number) : cell());
+        }
     }
     return table;
 }

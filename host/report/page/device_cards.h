@@ -4,10 +4,10 @@
 #ifndef HOST_REPORT_PAGE_DEVICE_CARDS_H
 #define HOST_REPORT_PAGE_DEVICE_CARDS_H
 
-#include "host/report/join/device_join.h"
+#include "host/report/page/device_facts.h"
 #include "host/report/page/html_table.h"
 
-/** A card for each device: what the sources of the case know of it, and why other sources add nothing. */
-html_table device_cards(const report_case &that_case, const QList<joined_device> &devices);
+/** A card for each device: what the sources of the case know of it. Those with a name, paired or shared come first. */
+html_table device_cards(const report_case &that_case, const QList<device_facts> &devices);
 
 #endif

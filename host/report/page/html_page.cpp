@@ -5,191 +5,230 @@
 
 #include "host/case/result_tables.h"
 #include "host/files/new_file.h"
-#include "host/report/page/html_summary.h"
+#include "host/report/page/column_words.h"
+#include "host/report/page/device_cards.h"
+#include "host/report/page/evidence_section.h"
+#include "host/report/page/html_parts.h"
 #include "host/report/page/html_text.h"
+#include "host/report/page/page_head.h"
 #include "host/report/page/page_parts.h"
-#include "host/report/reading/common_columns.h"
-#include "host/report/reading/row_columns.h"
-#include "host/report/reading/wal_change.h"
-
-#include <QCryptographicHash>
+#include "host/report/page/provenance.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr const char *ranks_of_seen = "rank_last_seen";
-constexpr const char *ranks_of_connected = "rank_last_connection";
+constexpr const char *title = "Bluetooth evidence";
 
-QByteArray policy_hash(const char *part)
+/** A part of the page, in its order: a section of its own words, or a table of rows. Both may be nothing. */
+struct page_section
 {
-    return "'sha256-" + QCryptographicHash::hash(QByteArrayView(part), QCryptographicHash::Sha256).toBase64() + '\'';
-}
+    section_link link;
+    QByteArray html = {};
+    const html_table *table = nullptr;
+};
 
-QByteArray page_head()
+void add_data(new_file &file, const QList<page_section> &sections)
 {
-    return "<!DOCTYPE html>\n<html lang=\"en\" dir=\"ltr\">\n<head>\n<meta charset=\"utf-8\">\n"
-           "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
-           + policy_hash(page_style) + "; script-src " + policy_hash(page_script)
-           + "; base-uri 'none'; form-action 'none'\">\n"
-             "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-             "<meta name=\"referrer\" content=\"no-referrer\">\n<title>Bluetooth devices of a case</title>\n<style>"
-           + QByteArray(page_style) + "</style>\n</head>\n<body>\n";
-}
-
-/** All counters of a row, from the evidence where the host has read it, else from the result. */
-std::optional<qint64> counter_in(const report_row &row, const cell &in_evidence, QLatin1StringView column)
-{
-    if (!in_evidence.is_null())
-        return counter_of(in_evidence);
-    const int place = row.plugin.column_named(column);
-    return place < 0 ? std::nullopt : counter_of(row.plugin.value_of(place));
-}
-
-html_table wal_table(const report_case &that_case)
-{
-    html_table table(u"wal-changes"_s, u"Rows that write-ahead logs change"_s,
-                     u"Host reading. The plug-in reads the main file of a database alone; these rows are different in "
-                     "the main file with its -wal."_s);
-    for (const report_source &source : that_case.sources) {
-        for_each_wal_change(that_case, source, [&table, &source](const wal_change &change) {
-            table.begin_row();
-            table.add(u"source"_s, std::optional<qint64>(source.record.number));
-            table.add(u"table"_s, change.table);
-            table.add(u"change"_s, change.change);
-            table.add(u"file"_s, change.place().file);
-            table.add(u"rowid"_s, change.place().rowid);
-            table.add(u"before"_s, change.before);
-            table.add(u"after"_s, change.after);
-        });
-    }
-    return table;
-}
-
-void write_page(const QString &path, const QByteArray &summary, const QList<html_table> &windows,
-                const QByteArray &pictures)
-{
-    new_file file(path);
-    file.add(page_head());
-    file.add(summary);
-    for (const html_table &table : windows)
-        file.add(table.section());
-    file.add(pictures);
-    file.add(limitations_section());
-    file.add("</main>\n<dialog id=\"row\" aria-labelledby=\"row-heading\"><h2 id=\"row-heading\">Row</h2><dl></dl>"
-             "<p><button type=\"button\" class=\"copy\">Copy this row</button> <button type=\"button\" "
-             "class=\"close\">Close</button> <span role=\"status\"></span></p></dialog>\n"
-             "<script type=\"application/json\" id=\"data\">{\"tables\":[");
+    file.add("<script type=\"application/json\" id=\"data\">{\"tables\":[");
     bool is_first = true;
-    for (const html_table &table : windows) {
+    for (const page_section &section : sections) {
+        if (!section.table)
+            continue;
         file.add(is_first ? "\n" : ",\n");
-        file.add(table.data());
+        file.add(section.table->data());
         is_first = false;
     }
     file.add("\n]}</script>\n<script>");
     file.add(page_script);
-    file.add("</script>\n</body>\n</html>\n");
+    file.add("</script>\n");
+}
+
+void write_page(const QString &path, const report_case &that_case, const QStringList &shortcomings,
+                const QList<page_section> &sections)
+{
+    QList<section_link> links;
+    for (const page_section &section : sections) {
+        if (!section.link.title.isEmpty() && (section.table || !section.html.isEmpty()))
+            links.append(section.link);
+    }
+    new_file file(path);
+    file.add(document_start(that_case, title, true));
+    file.add("<a class=\"skip\" href=\"#content\">To the content</a>\n<header>");
+    file.add(case_heading(that_case, title, shortcomings));
+    file.add("</header>\n");
+    file.add(page_tools());
+    file.add(navigation(links));
+    file.add("<main id=\"content\">\n");
+    for (const page_section &section : sections)
+        file.add(section.table ? section.table->section() : section.html);
+    file.add("<div id=\"meaning\" role=\"tooltip\" hidden></div>\n</main>\n"
+             "<dialog id=\"row\" aria-labelledby=\"row-heading\"><h2 id=\"row-heading\">Row</h2><dl></dl>"
+             "<p><button type=\"button\" class=\"copy\">Copy this row</button> <button type=\"button\" "
+             "class=\"close\">Close</button> <span role=\"status\"></span></p></dialog>\n");
+    add_data(file, sections);
+    file.add("</body>\n</html>\n");
     file.commit();
 }
 
-const section_link shared_link{u"more-than-one-source"_s, u"In more than one source"_s};
-const section_link ranks_link{u"ranks"_s, u"Ranks"_s};
-
-QList<section_link> links_to(const QList<html_table> &windows)
+/** What is always there, behind what the page tells of its rows. */
+QList<page_section> last_sections(const report_case &that_case)
 {
-    QList<section_link> links;
-    for (const html_table &table : windows)
-        links.append({table.id(), table.title()});
-    return links;
+    return {
+        {{"evidence", "Evidence"}, evidence_section(that_case)},
+        {{"provenance", "Provenance"}, provenance_section(that_case)},
+        {{"terms", "Terms"}, terms_section()},
+        {{"limitations", "Limitations"},
+         html_section("limitations", "Known limitations", QByteArray(page_prose_limitations))},
+    };
 }
+
+QByteArray pages_section(const report_case &that_case, const QStringList &pages)
+{
+    QByteArray links;
+    for (qsizetype i = 0; i < pages.size(); ++i)
+        links += "<li><a href=\"" + html_text(pages.at(i)) + "\">Source "
+                 + QByteArray::number(that_case.sources.at(i).record.number) + ": <bdi>"
+                 + html_text(that_case.sources.at(i).name) + "</bdi></a></li>";
+    return html_section("pages", "Rows of the sources",
+                        "<p>Each source has a page of its own.</p><ul>" + links + "</ul>\n");
+}
+
+QByteArray findings_section(const QByteArray &content)
+{
+    return html_section("findings", "Findings", content + page_prose_signs);
+}
+
+/** Printed instead of the windows; script/print.js fills it. */
+constexpr const char *printed_devices = "<div id=\"printed-devices\"></div>\n";
 
 } // namespace
 
 html_page::html_page(const report_case &that_case)
-    : facts(that_case)
+    : facts_of_case(that_case)
 {
-    tables.insert(u"devices"_s, html_table(u"devices"_s, u"Devices seen (devices)"_s,
-                                           u"Each row of the result table \"devices\" as the plug-in wrote it; columns "
-                                           "that begin with host_ are the host's own reading of the evidence."_s));
-    tables.insert(u"paired_devices"_s,
-                  html_table(u"paired-devices"_s, u"Devices paired or in use (paired_devices)"_s,
-                             u"Each row of the result table \"paired_devices\" as the plug-in wrote it; columns that "
-                             "begin with host_ are the host's own reading of the evidence."_s));
+    for (const QString &table : result_tables())
+        tables.insert(table, std::make_shared<row_table>(that_case, table));
 }
 
 void html_page::add(const report_row &row)
 {
-    html_table &table = tables.find(row.table).value();
-    table.begin_row();
-    table.add(u"source"_s, std::optional<qint64>(row.source.record.number));
-    table.add(u"source_name"_s, row.source.name.toUtf8());
-    row_counters &known = counters[row.table][row.source.record.number];
-    known.seen.append(counter_in(row, row.host.last_seen_time, "last_seen_time"_L1));
-    known.connected.append(counter_in(row, row.host.last_connection_time, "last_connection_time"_L1));
-    table.add(QString::fromLatin1(ranks_of_seen), std::optional<qint64>());
-    table.add(QString::fromLatin1(ranks_of_connected), std::optional<qint64>());
-    for (int column = 0; column < row.plugin.column_count(); ++column)
-        table.add(u"plugin_"_s + row.plugin.column_name(column), row.plugin.value_of(column));
-    table.add(u"last_seen_as_time"_s, plausible_time(known.seen.last()).toUtf8());
-    table.add(u"last_connection_as_time"_s, plausible_time(known.connected.last()).toUtf8());
-    if (!row.host.differs.is_null())
-        ++differing[row.table];
-    static const line_columns<report_row> columns = place_columns<report_row>() + host_columns();
-    for (const line_column<report_row> &column : columns)
-        table.add(QString::fromUtf8(column.about.cell_name()), column.value(row));
+    (*tables.find(row.table))->add(row);
 }
 
-/** The tables of rows with their ranks, and the pictures of these. */
-QList<html_table> html_page::row_tables(QByteArray &pictures) const
+QList<const html_table *> html_page::finished_tables(const page_content &content)
 {
-    QList<html_table> ranked;
+    QList<const html_table *> list;
     for (const QString &name : result_tables()) {
-        html_table table = *tables.constFind(name);
-        qsizetype row = 0;
-        for (const report_source &source : facts.sources) {
-            const row_counters known = counters.value(name).value(source.record.number);
-            const QList<std::optional<qint64>> seen = ranks_of(known.seen);
-            const QList<std::optional<qint64>> connected = ranks_of(known.connected);
-            for (qsizetype i = 0; i < seen.size(); ++i, ++row) {
-                table.set(row, QString::fromLatin1(ranks_of_seen), seen.at(i));
-                table.set(row, QString::fromLatin1(ranks_of_connected), connected.at(i));
-            }
-            pictures += rank_picture(source, name, seen, connected);
-        }
-        table.add_to_caption(u"Rows in which the two disagree: "_s + QString::number(differing.value(name))
-                             + u"; host_differs names the columns."_s);
-        ranked.append(table);
+        row_table &rows = **tables.find(name);
+        rows.finish(content.device_of_row.value(name));
+        counts.differing += rows.differing;
+        rows.table.add_to_caption("Rows in which the two differ: " + grouped_digits(rows.differing)
+                                  + "; host_differs names the columns.");
+        list.append(&rows.table);
     }
-    return ranked << wal_table(facts);
+    const row_table &seen = **tables.find(result_tables().first());
+    counts.sightings = seen.sightings;
+    counts.sighted_devices = seen.sighted.size();
+    changes_of_logs = std::make_unique<html_table>(wal_table(facts_of_case, counts));
+    return list << changes_of_logs.get();
 }
 
-void html_page::write(const QString &path, const html_table &cards, const QByteArray &shared,
-                      const QStringList &shortcomings) const
+QByteArray html_page::timeline_section(const page_content &content, const QList<device_facts> &facts,
+                                       const timeline_form &form) const
 {
-    QByteArray pictures;
-    const QList<html_table> windows = QList<html_table>{cards} + row_tables(pictures);
-    const QByteArray summary = summary_sections(facts, shortcomings,
-                                                QList<section_link>{shared_link} + links_to(windows)
-                                                    + QList<section_link>{ranks_link})
-                               + shared;
-    write_page(path, summary, windows, picture_section(pictures));
+    QByteArray html;
+    for (const QString &name : result_tables()) {
+        const bool is_notice = name != result_tables().first();
+        timeline_form of_table = form;
+        of_table.what = is_notice ? "Notices" : "Sightings";
+        const QByteArray part = (*tables.find(name))->times.html(facts, content.device_of_row.value(name), of_table);
+        if (!part.isEmpty())
+            html += (is_notice ? "<h3>\"Active device\" notices</h3>\n" : "") + part;
+    }
+    if (html.isEmpty())
+        return {};
+    return html_section(
+        "timeline", "Timeline",
+        "<p>Logs alone have times. Their dates have no year and no zone: both stand here as the log wrote "
+        "them, on an axis for each log, and a February is given 29 days. Dates that begin anew are taken "
+        "for the next year.</p>\n"
+            + html);
 }
 
-void html_page::write_index(const QString &path, const QByteArray &shared, const QStringList &shortcomings,
-                            const QStringList &pages) const
+void html_page::write(const QString &path, const page_content &content)
 {
-    const QByteArray summary = summary_sections(facts, shortcomings,
-                                                {shared_link, {u"pages"_s, u"Rows of the sources"_s}})
-                               + pages_section(facts, pages) + shared;
-    write_page(path, summary, {}, {});
+    const QList<device_facts> facts = facts_of(content.devices);
+    const QList<const html_table *> rows = finished_tables(content);
+    const html_table cards = device_cards(facts_of_case, facts);
+    const findings_form form;
+    QList<page_section> sections{
+        {{"findings", "Findings"}, findings_section(figures(facts_of_case, facts, counts, form))},
+        {{"more-than-one-source", "In more than one source"}, shared_devices_section(facts_of_case, facts, form)},
+        {{"paired", "Paired or in use"}, paired_section(facts_of_case, facts, form)},
+        {{"named", "Named devices"}, named_section(facts_of_case, facts, form)},
+        {{"timeline", "Timeline"}, timeline_section(content, facts)},
+        {{"cards", "All devices"}, {}, &cards},
+        {{}, printed_devices},
+    };
+    for (const html_table *table : rows)
+        sections.append({{table->id(), table->title()}, {}, table});
+    write_page(path, facts_of_case, content.shortcomings, sections + last_sections(facts_of_case));
 }
 
-void html_page::write_source(const QString &path, const html_table &cards, const QString &index) const
+void html_page::write_brief(const QString &path, const page_content &content, const QString &report_sha256)
 {
-    QByteArray pictures;
-    const QList<html_table> windows = QList<html_table>{cards} + row_tables(pictures);
-    write_page(path,
-               summary_sections(facts, facts.shortcomings, links_to(windows) + QList<section_link>{ranks_link})
-                   + way_back_section(index),
-               windows, picture_section(pictures));
+    const QList<device_facts> facts = facts_of(content.devices);
+    if (!changes_of_logs)
+        finished_tables(content);
+    const findings_form form{50, false, 60};
+    const QByteArray annex = report_sha256.isEmpty() ? QByteArray("<p>No full report was written with it.</p>\n")
+                                                     : "<p>Its annex is the full report, report.html, SHA-256 "
+                                                           + html_hash(report_sha256) + ".</p>\n";
+    constexpr qsizetype most_sources = 30;
+    new_file file(path);
+    file.add(document_start(facts_of_case, "Bluetooth evidence in brief", false));
+    file.add("<header class=\"brief\">");
+    file.add(case_heading(facts_of_case, "Bluetooth evidence in brief", content.shortcomings, 20));
+    file.add("</header>\n<main id=\"content\">\n");
+    file.add(html_section("findings", "Findings", annex + figures(facts_of_case, facts, counts, form)));
+    file.add(shared_devices_section(facts_of_case, facts, form));
+    file.add(paired_section(facts_of_case, facts, form));
+    file.add(timeline_section(content, facts, {2, 8, {}, false}));
+    file.add(html_section("evidence", "Integrity",
+                          sources_table(facts_of_case, most_sources) + manifest_facts(facts_of_case)));
+    file.add(html_section("terms", "Glossary", page_prose_glossary));
+    file.add(html_section("limitations", "Known limitations", page_prose_limitations));
+    file.add(html_section("signatures", "Signatures", page_prose_signatures));
+    file.add("</main>\n</body>\n</html>\n");
+    file.commit();
+}
+
+void html_page::write_index(const QString &path, const page_content &content, const QStringList &pages) const
+{
+    const QList<device_facts> facts = facts_of(content.devices);
+    const findings_form form{20, false};
+    const QList<page_section> sections{
+        {{"more-than-one-source", "In more than one source"}, shared_devices_section(facts_of_case, facts, form)},
+        {{"pages", "Rows of the sources"}, pages_section(facts_of_case, pages)},
+    };
+    write_page(path, facts_of_case, content.shortcomings, sections + last_sections(facts_of_case));
+}
+
+void html_page::write_source(const QString &path, const page_content &content, const QString &index)
+{
+    const QList<device_facts> facts = facts_of(content.devices);
+    const QList<const html_table *> rows = finished_tables(content);
+    const html_table cards = device_cards(facts_of_case, facts);
+    QList<page_section> sections{
+        {{"pages", "The whole case"},
+         html_section("pages", "The whole case",
+                      "<p><a href=\"" + html_text(index)
+                          + "\">To the whole case</a>: what appears in more than one source stands there.</p>\n")},
+        {{"timeline", "Timeline"}, timeline_section(content, facts)},
+        {{"cards", "All devices"}, {}, &cards},
+    };
+    for (const html_table *table : rows)
+        sections.append({{table->id(), table->title()}, {}, table});
+    write_page(path, facts_of_case, content.shortcomings, sections + last_sections(facts_of_case));
 }

@@ -4,18 +4,21 @@
 #ifndef HOST_REPORT_PAGE_HTML_PAGE_H
 #define HOST_REPORT_PAGE_HTML_PAGE_H
 
-#include "host/report/page/html_table.h"
-#include "host/report/reading/counter.h"
-#include "host/report/reading/report_row.h"
+#include "host/report/page/row_tables.h"
 
 #include <QByteArray>
 #include <QMap>
+#include <QStringList>
 
-/** The counters of the rows of one table of one source, for their ranks. */
-struct row_counters
+/** The numbers of the devices of a case's rows, by result table and in the order in which a page gets its rows. */
+using row_devices = QMap<QString, std::vector<qint64>>;
+
+/** What pages tell of a case besides its rows. */
+struct page_content
 {
-    QList<std::optional<qint64>> seen;
-    QList<std::optional<qint64>> connected;
+    const QList<joined_device> &devices; ///< in the order of their numbers
+    const row_devices &device_of_row;
+    QStringList shortcomings; ///< why the case, or the report, is not whole
 };
 
 /** Makes report.html: one file that needs nothing else and asks nobody for anything. */
@@ -27,24 +30,30 @@ public:
     /** Rows come table by table, and source by source in each. */
     void add(const report_row &row);
 
-    /** The page of a whole case. @p cards are its devices, @p shared is the section of those in several sources. */
-    void write(const QString &path, const html_table &cards, const QByteArray &shared,
-               const QStringList &shortcomings) const;
+    /** The page of a whole case. */
+    void write(const QString &path, const page_content &content);
+
+    /**
+     * The case in short: at most ten sheets of paper, whatever its size. @p report_sha256 is that of the full report,
+     * its annex; empty: none was written with it. After write(), if that is called.
+     */
+    void write_brief(const QString &path, const page_content &content, const QString &report_sha256);
 
     /** The page that leads to those of the sources; no row was added to it. @p pages are their file names, in order. */
-    void write_index(const QString &path, const QByteArray &shared, const QStringList &shortcomings,
-                     const QStringList &pages) const;
+    void write_index(const QString &path, const page_content &content, const QStringList &pages) const;
 
     /** The page of the only source of the case that it was made for. @p index is the file name of the page above. */
-    void write_source(const QString &path, const html_table &cards, const QString &index) const;
+    void write_source(const QString &path, const page_content &content, const QString &index);
 
 private:
-    QList<html_table> row_tables(QByteArray &pictures) const;
+    QList<const html_table *> finished_tables(const page_content &content);
+    QByteArray timeline_section(const page_content &content, const QList<device_facts> &facts,
+                                const timeline_form &form = {}) const;
 
-    const report_case &facts;
-    QMap<QString, html_table> tables;
-    QMap<QString, QMap<int, row_counters>> counters; ///< by table and number of the source
-    QMap<QString, qint64> differing;                 ///< rows of each table in which host and plug-in disagree
+    const report_case &facts_of_case;
+    QMap<QString, std::shared_ptr<row_table>> tables;
+    std::unique_ptr<html_table> changes_of_logs;
+    row_figures counts; ///< of the finished tables
 };
 
 #endif

@@ -5,152 +5,149 @@
 
 #include "host/report/page/html_text.h"
 
-#include <optional>
-
-using namespace Qt::StringLiterals;
+#include <algorithm>
 
 namespace {
 
-constexpr qsizetype most_columns_on_paper = 8; // more are printed row by row, each value with its column's name
-constexpr QByteArrayView cell_start("<td");
-constexpr QByteArrayView same_as_above("[]"); // in the data: the row above has the same value in this column
-constexpr const char *null_cell = "<td><span class=\"null\">\u2205</span></td>";
-
-/** A source may come to its columns in another order than the sources before it. */
-void put(QByteArrayList &row, qsizetype place, const QByteArray &value, const QByteArray &filling)
+QByteArray text_of_page(const QByteArray &own_words)
 {
-    while (row.size() <= place)
-        row.append(filling);
-    row[place] = value;
+    return html_text(QString::fromUtf8(own_words));
+}
+
+QByteArray json_member(const char *name, const QByteArray &value)
+{
+    return value.isEmpty() ? QByteArray() : ",\"" + QByteArray(name) + "\":" + page_json(value);
+}
+
+QByteArray html_cell(const QByteArray &shown, bool is_number, const QByteArray &link)
+{
+    if (shown.isNull())
+        return "<td><span class=\"null\">\u2205</span></td>";
+    if (!link.isEmpty())
+        return "<td class=\"number\"><a href=\"#" + link + '-' + shown + "\">" + shown + "</a></td>";
+    return (is_number ? "<td class=\"number\">" : "<td>") + html_shown(shown) + "</td>";
 }
 
 } // namespace
 
-html_table::html_table(const QString &id, const QString &heading, const QString &caption)
+html_table::html_table(const QByteArray &id, const QByteArray &heading, const QByteArray &caption)
     : section_id(id)
     , heading_text(heading)
-    , caption_text(caption)
+    , caption_html(caption)
 {
 }
 
-void html_table::begin_row()
+page_column &html_table::add_column(const column_about &about)
 {
-    rows.append(QByteArrayList());
-    if (rows.size() <= rows_without_script)
-        html_rows.append(QByteArrayList());
+    columns.push_back({about, {}});
+    return columns.back().values;
 }
 
-qsizetype html_table::place_of(const QString &column)
+qsizetype html_table::row_count() const
 {
-    const qsizetype place = columns.indexOf(column);
-    if (place >= 0)
-        return place;
-    columns.append(column);
-    is_filled.append(false);
-    return columns.size() - 1;
+    return columns.empty() ? 0 : columns.front().values.size();
 }
 
-void html_table::add(const QString &column, const cell &value)
+/** Columns in which some row has a value, those of a group together. */
+QList<const html_table::table_column *> html_table::filled() const
 {
-    const qsizetype place = place_of(column);
-    const bool is_there = value.kind != cell::type::null;
-    is_filled[place] = is_filled.at(place) || is_there;
-    put(rows.last(), place, page_json(value), "null");
-    if (rows.size() <= rows_without_script)
-        put(html_rows.last(), place, html_cell(value), null_cell);
-}
-
-void html_table::add(const QString &column, const std::optional<qint64> &number)
-{
-    add(column, cell::of_integer(number));
-}
-
-void html_table::add(const QString &column, QByteArrayView text)
-{
-    add(column, cell::of_text_or_null(text));
-}
-
-void html_table::set(qsizetype row, const QString &column, const std::optional<qint64> &number)
-{
-    const qsizetype place = place_of(column);
-    is_filled[place] = is_filled.at(place) || number.has_value();
-    rows[row][place] = page_json(cell::of_integer(number));
-    if (row < html_rows.size())
-        html_rows[row][place] = html_cell(cell::of_integer(number));
-}
-
-QList<qsizetype> html_table::filled_columns() const
-{
-    QList<qsizetype> places;
-    for (qsizetype place = 0; place < columns.size(); ++place) {
-        if (is_filled.at(place))
-            places.append(place);
+    QByteArrayList groups;
+    QList<const table_column *> list;
+    for (const table_column &column : columns) {
+        if (!groups.contains(column.about.group))
+            groups.append(column.about.group);
+        if (column.values.is_filled())
+            list.append(&column);
     }
-    return places;
+    std::stable_sort(list.begin(), list.end(), [&groups](const table_column *one, const table_column *two) {
+        return groups.indexOf(one->about.group) < groups.indexOf(two->about.group);
+    });
+    return list;
+}
+
+/** Hidden at first: what few ask for, and what another column has already. */
+bool html_table::is_hidden(const table_column &column) const
+{
+    const auto twin = std::find_if(columns.cbegin(), columns.cend(), [&column](const table_column &other) {
+        return !column.about.twin.isEmpty() && other.about.name == column.about.twin;
+    });
+    return column.about.is_hidden || column.about.name == opens
+           || (twin != columns.cend() && twin->values.is_same_as(column.values));
+}
+
+QByteArray html_table::head(const QList<const table_column *> &shown) const
+{
+    QByteArray html = opens.isEmpty() ? "<th scope=\"col\">Row</th>" : "<th scope=\"col\">Device</th>";
+    for (const table_column *column : shown)
+        html += "<th scope=\"col\">" + text_of_page(column->about.heading) + "<small>"
+                + text_of_page(column->about.name) + "</small></th>";
+    return "<thead><tr aria-rowindex=\"1\">" + html + "</tr></thead>\n";
+}
+
+/** The first rows. Those that open a page have its name, which is all of the page that there is without script. */
+QByteArray html_table::rows(const QList<const table_column *> &shown) const
+{
+    const auto numbers = std::find_if(columns.cbegin(), columns.cend(),
+                                      [this](const table_column &column) { return column.about.name == opens; });
+    QByteArray html = "<tbody>\n";
+    for (qsizetype row = 0; row < std::min(row_count(), page_column::rows_without_script); ++row) {
+        const QByteArray number = numbers == columns.cend() ? QByteArray::number(row + 1) : numbers->values.shown(row);
+        html += "<tr aria-rowindex=\"" + QByteArray::number(row + 2) + '"';
+        if (numbers != columns.cend())
+            html += " id=\"" + opens + '-' + number + '"';
+        html += "><td class=\"number\">" + number + "</td>";
+        for (const table_column *column : shown)
+            html += html_cell(column->values.shown(row), column->values.is_number(), column->about.link);
+        html += "</tr>\n";
+    }
+    return html + "</tbody>";
 }
 
 QByteArray html_table::section() const
 {
-    const QByteArray name = html_text(section_id);
-    QByteArray html = "<section id=\"" + name + "\" aria-labelledby=\"" + name + "-heading\"><h2 id=\"" + name
-                      + "-heading\">" + html_text(heading_text) + "</h2>\n<p>" + html_text(caption_text) + "</p>\n";
-    if (rows.isEmpty())
+    QByteArray html = "<section id=\"" + section_id + "\" class=\"rows\" aria-labelledby=\"" + section_id
+                      + "-heading\"><h2 id=\"" + section_id + "-heading\">" + text_of_page(heading_text) + "</h2>\n<p>"
+                      + caption_html + "</p>\n";
+    if (row_count() == 0)
         return html + "<p>There are no rows.</p></section>\n";
-
-    QStringList empty;
-    for (qsizetype place = 0; place < columns.size(); ++place) {
-        if (!is_filled.at(place))
-            empty.append(columns.at(place));
+    QByteArrayList empty;
+    for (const table_column &column : columns) {
+        if (!column.values.is_filled())
+            empty.append(column.about.name);
     }
     if (!empty.isEmpty())
-        html += "<p class=\"quiet\">\u2205 (NULL) in every row: " + html_text(empty.join(u", "_s)) + "</p>\n";
-    html +=
-        "<div class=\"tools with-script\" hidden><label for=\"" + name + "-filter\">Filter</label><input id=\"" + name
-        + "-filter\" type=\"search\" autocomplete=\"off\" spellcheck=\"false\"><span role=\"status\"></span></div>\n";
-    html += "<p class=\"print-only\"></p>\n";
-    if (rows.size() > html_rows.size())
-        html += "<p class=\"without-script\">Without script these are the first " + QByteArray::number(html_rows.size())
-                + " of " + QByteArray::number(rows.size()) + " rows.</p>\n";
-    const QList<qsizetype> places = filled_columns();
-    html += "<div class=\"window\" tabindex=\"0\" role=\"region\" aria-label=\"" + html_text(heading_text)
-            + ": rows\"><table" + (places.size() > most_columns_on_paper ? " class=\"wide\"" : "") + " aria-rowcount=\""
-            + QByteArray::number(rows.size() + 1) + "\"><caption>" + html_text(heading_text)
-            + "</caption>\n<thead><tr aria-rowindex=\"1\"><th scope=\"col\">Row</th>";
-    for (const qsizetype place : places)
-        html += "<th scope=\"col\" aria-sort=\"none\"><button type=\"button\">" + html_text(columns.at(place))
-                + "</button></th>";
-    html += "</tr></thead>\n<tbody>\n";
-    for (qsizetype row = 0; row < html_rows.size(); ++row) {
-        html += "<tr aria-rowindex=\"" + QByteArray::number(row + 2) + "\"><td class=\"number\">"
-                + QByteArray::number(row + 1) + "</td>";
-        for (const qsizetype place : places) {
-            const QByteArray cell = place < html_rows.at(row).size() ? html_rows.at(row).at(place)
-                                                                     : QByteArray(null_cell);
-            html += cell_start + (" data-column=\"" + html_text(columns.at(place)) + '"')
-                    + cell.sliced(cell_start.size());
-        }
-        html += "</tr>\n";
-    }
-    return html + "</tbody></table></div></section>\n";
+        html += "<p class=\"quiet\">\u2205 (NULL) in every row: " + text_of_page(empty.join(", ")) + "</p>\n";
+    html += "<div class=\"tools with-script\" hidden><label for=\"" + section_id
+            + "-filter\">Filter</label><input id=\"" + section_id
+            + "-filter\" type=\"search\" autocomplete=\"off\" spellcheck=\"false\"><span role=\"status\">"
+              "</span></div>\n<p class=\"print-note\"></p>\n";
+    if (row_count() > page_column::rows_without_script)
+        html += "<p class=\"without-script\">Without script these are the first "
+                + QByteArray::number(page_column::rows_without_script) + " of " + QByteArray::number(row_count())
+                + " rows.</p>\n";
+    QList<const table_column *> shown = filled();
+    shown.removeIf([this](const table_column *column) { return is_hidden(*column); });
+    return html + "<div class=\"window\" tabindex=\"0\" role=\"region\" aria-label=\"" + text_of_page(heading_text)
+           + ": rows\"><table aria-rowcount=\"" + QByteArray::number(row_count() + 1) + "\"><caption>"
+           + text_of_page(heading_text) + "</caption>\n" + head(shown) + rows(shown) + "</table></div></section>\n";
 }
 
 QByteArray html_table::data() const
 {
-    const QList<qsizetype> places = filled_columns();
-    QByteArray json = "{\"id\":" + page_json(section_id) + ",\"columns\":[";
-    for (qsizetype i = 0; i < places.size(); ++i)
-        json += (i == 0 ? "" : ",") + page_json(columns.at(places.at(i)));
-    json += "],\"rows\":[";
-    for (qsizetype row = 0; row < rows.size(); ++row) {
-        json += row == 0 ? "\n[" : ",\n[";
-        for (qsizetype i = 0; i < places.size(); ++i) {
-            const QByteArray value = rows.at(row).value(places.at(i), "null");
-            const bool is_same = row > 0 && value.size() > same_as_above.size()
-                                 && value == rows.at(row - 1).value(places.at(i), "null");
-            json += i == 0 ? "" : ",";
-            json += is_same ? same_as_above : QByteArrayView(value);
-        }
-        json += ']';
+    const QList<const table_column *> list = filled();
+    QByteArray json = "{\"id\":" + page_json(section_id) + ",\"count\":" + QByteArray::number(row_count())
+                      + json_member("opens", opens) + ",\"columns\":[";
+    for (qsizetype place = 0; place < list.size(); ++place) {
+        const auto &[about, values] = *list.at(place);
+        const auto earlier = std::find_if(list.cbegin(), list.cbegin() + place,
+                                          [&](const table_column *other) { return other->values.is_same_as(values); });
+        const bool is_copy = earlier != list.cbegin() + place;
+        json += place == 0 ? "\n{" : ",\n{";
+        json += "\"name\":" + page_json(about.name) + ",\"heading\":" + page_json(about.heading) + ",\"group\":"
+                + page_json(about.group) + json_member("meaning", about.meaning) + json_member("link", about.link);
+        json += values.is_number() ? ",\"number\":true" : "";
+        json += is_hidden(*list.at(place)) ? ",\"hidden\":true," : ",";
+        json += (is_copy ? "\"as\":" + QByteArray::number(earlier - list.cbegin()) : values.json()) + '}';
     }
     return json + "]}";
 }

@@ -4,63 +4,77 @@
 #ifndef HOST_REPORT_PAGE_HTML_TABLE_H
 #define HOST_REPORT_PAGE_HTML_TABLE_H
 
-#include "host/sqlite/sqlite.h"
+#include "host/report/page/page_column.h"
 
 #include <QByteArray>
 #include <QList>
 #include <QString>
-#include <QStringList>
 
-#include <optional>
+#include <deque>
+
+/** What a page says of a column. */
+struct column_about
+{
+    QByteArray name;        ///< as programs call it, in ASCII or the evidence's words
+    QByteArray heading;     ///< for readers
+    QByteArray group;       ///< columns of one stand beside each other under its name
+    QByteArray meaning;     ///< what it says, and what it does not prove; may be empty
+    bool is_hidden = false; ///< until the reader asks for it
+    QByteArray link = {};   ///< its values are numbers of the sections with that name: "device"
+    QByteArray twin = {};   ///< a column that it is hidden beside while both have the same values
+};
 
 /** A table of a page whose rows stand in the page's data block; the first ones are there without script too. */
 class html_table
 {
 public:
-    static constexpr qsizetype rows_without_script = 200;
+    /** All in the page's own words; @p caption is HTML. */
+    html_table(const QByteArray &id, const QByteArray &heading, const QByteArray &caption);
 
-    html_table(const QString &id, const QString &heading, const QString &caption);
+    /** A further column, which stays where it is. Its values are added row by row. */
+    page_column &add_column(const column_about &about);
 
-    /** Begins a row. Its cells follow by their columns' names; columns that it does not name are NULL there. */
-    void begin_row();
-    void add(const QString &column, const cell &value);
-    void add(const QString &column, const std::optional<qint64> &number);
-    void add(const QString &column, QByteArrayView text);
-
-    qsizetype row_count() const
+    /** The numbers in that column open a page each: the rows are numbered by it. */
+    void set_opens(const QByteArray &column)
     {
-        return rows.size();
+        opens = column;
     }
-    void set(qsizetype row, const QString &column, const std::optional<qint64> &number);
-    void add_to_caption(const QString &sentence)
+    void add_to_caption(const QByteArray &html)
     {
-        caption_text += QLatin1Char(' ') + sentence;
+        caption_html += ' ' + html;
     }
 
+    qsizetype row_count() const;
     QByteArray section() const;
-    /** {"id":…,"columns":[…],"rows":[…]} for the data block; [] is the value in the row above. */
+    /** {"id":…,"count":…,"columns":[…]} for the data block. */
     QByteArray data() const;
 
-    QString id() const
+    const QByteArray &id() const
     {
         return section_id;
     }
-    QString title() const
+    const QByteArray &title() const
     {
         return heading_text;
     }
 
 private:
-    qsizetype place_of(const QString &column);
-    QList<qsizetype> filled_columns() const;
+    struct table_column
+    {
+        column_about about;
+        page_column values;
+    };
 
-    QString section_id;
-    QString heading_text;
-    QString caption_text;
-    QStringList columns;
-    QList<bool> is_filled;           ///< by column: some row has a value there
-    QList<QByteArrayList> rows;      ///< of JSON; shorter than columns where the last ones are NULL
-    QList<QByteArrayList> html_rows; ///< of cells, for the first rows
+    QList<const table_column *> filled() const;
+    bool is_hidden(const table_column &column) const;
+    QByteArray head(const QList<const table_column *> &shown) const;
+    QByteArray rows(const QList<const table_column *> &shown) const;
+
+    QByteArray section_id;
+    QByteArray heading_text;
+    QByteArray caption_html;
+    QByteArray opens;
+    std::deque<table_column> columns; ///< whose places in memory stay
 };
 
 #endif

@@ -14,20 +14,11 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qsizetype most_shown_characters = 4000; // of one value; the files for programs have all of it
-constexpr qint64 largest_exact_number = qint64(1) << 53;
 
 bool is_plain(QByteArrayView bytes)
 {
     return std::all_of(bytes.begin(), bytes.end(),
                        [](char byte) { return byte >= ' ' && byte < 0x7f && byte != '\\'; });
-}
-
-/** Nearly every text: it stands in JSON within a page as it is. */
-bool needs_no_escape(QByteArrayView bytes)
-{
-    return bytes.size() <= most_shown_characters && is_plain(bytes)
-           && std::none_of(bytes.begin(), bytes.end(),
-                           [](char byte) { return byte == '"' || byte == '<' || byte == '>' || byte == '&'; });
 }
 
 QString whole_text(QByteArrayView bytes)
@@ -36,11 +27,6 @@ QString whole_text(QByteArrayView bytes)
         return u"x'"_s + QString::fromLatin1(bytes.toByteArray().toHex()) + u'\'';
     const QString text = utf8_text(bytes);
     return is_plain(bytes) ? text : terminal_text(text).to_string();
-}
-
-bool is_number(const cell &value)
-{
-    return value.kind == cell::type::integer || value.kind == cell::type::real;
 }
 
 QString cell_text(const cell &value)
@@ -54,30 +40,23 @@ QString cell_text(const cell &value)
 /** The one place where markup is escaped. */
 QByteArray escaped(const QString &shown)
 {
-    QByteArray html;
-    html.reserve(shown.size());
-    for (const char byte : shown.toUtf8()) {
-        switch (byte) {
-        case '&':
-            html += "&amp;";
-            break;
-        case '<':
-            html += "&lt;";
-            break;
-        case '>':
-            html += "&gt;";
-            break;
-        case '"':
-            html += "&quot;";
-            break;
-        case '\'':
-            html += "&#39;";
-            break;
-        default:
-            html += byte;
-        }
-    }
-    return html;
+    return shown.toHtmlEscaped().toUtf8();
+}
+
+QByteArray blanks(QStringView text)
+{
+    return text.isEmpty() ? QByteArray() : "<span class=\"blank\">" + text.toUtf8() + "</span>";
+}
+
+QByteArray evidence(const QString &shown)
+{
+    const auto is_blank = [](QChar character) { return character == u' '; };
+    const auto first = std::find_if_not(shown.cbegin(), shown.cend(), is_blank) - shown.cbegin();
+    const auto last = shown.crend() - std::find_if_not(shown.crbegin(), shown.crend(), is_blank);
+    const auto end = std::max<qsizetype>(last, first);
+    const QStringView view(shown);
+    return "<bdi>" + blanks(view.first(first)) + escaped(shown.sliced(first, end - first)) + blanks(view.sliced(end))
+           + "</bdi>";
 }
 
 } // namespace
@@ -89,16 +68,12 @@ QByteArray html_text(const QString &text)
 
 QByteArray html_evidence(QByteArrayView bytes)
 {
-    return "<bdi>" + escaped(page_text(bytes)) + "</bdi>";
+    return evidence(page_text(bytes));
 }
 
-QByteArray html_cell(const cell &value)
+QByteArray html_shown(QByteArrayView shown)
 {
-    if (value.kind == cell::type::null)
-        return "<td><span class=\"null\">\u2205</span></td>";
-    if (is_number(value))
-        return "<td class=\"number\">" + text_of(value) + "</td>";
-    return "<td><bdi>" + escaped(cell_text(value)) + "</bdi></td>";
+    return evidence(QString::fromUtf8(shown));
 }
 
 QString page_text(QByteArrayView bytes)
@@ -111,22 +86,26 @@ QString page_text(QByteArrayView bytes)
            + u" bytes)"_s;
 }
 
-QByteArray page_json(const QString &shown)
+QByteArray page_value(const cell &value)
 {
-    QByteArray json;
-    append_json_text(json, shown.toUtf8());
-    return json.replace('<', "\\u003c").replace('>', "\\u003e").replace('&', "\\u0026");
+    if (value.is_null())
+        return {};
+    if (value.kind == cell::type::integer || value.kind == cell::type::real)
+        return text_of(value);
+    if (value.kind == cell::type::text && value.bytes.size() <= most_shown_characters && is_plain(value.bytes))
+        return value.bytes.isEmpty() ? QByteArray("") : value.bytes.toByteArray(); // nearly every text
+    return cell_text(value).toUtf8();
 }
 
-QByteArray page_json(const cell &value)
+QByteArray page_json(QByteArrayView shown)
 {
-    if (value.kind == cell::type::null)
-        return "null";
-    if (value.kind == cell::type::text && needs_no_escape(value.bytes))
-        return '"' + value.bytes.toByteArray() + '"';
-    if (!is_number(value))
-        return page_json(cell_text(value));
-    const bool is_exact = value.kind == cell::type::integer && value.integer <= largest_exact_number
-                          && value.integer >= -largest_exact_number;
-    return is_exact ? QByteArray::number(value.integer) : page_json(QString::fromLatin1(text_of(value)));
+    QByteArray json;
+    json.reserve(shown.size() + 2);
+    append_json_text(json, shown);
+    for (const auto &[character, escape] :
+         {std::pair('<', "\\u003c"), std::pair('>', "\\u003e"), std::pair('&', "\\u0026")}) {
+        if (json.contains(character))
+            json.replace(character, escape);
+    }
+    return json;
 }

@@ -4,7 +4,7 @@
 #ifndef HOST_REPORT_PAGE_HTML_TEXT_H
 #define HOST_REPORT_PAGE_HTML_TEXT_H
 
-#include "host/sqlite/sqlite.h"
+#include "host/text/cell.h"
 
 #include <QByteArray>
 #include <QString>
@@ -14,17 +14,22 @@
 /** Text for the content of an element or a quoted attribute: shown as "show" shows it, markup escaped. */
 QByteArray html_text(const QString &text);
 
-/** The same for a text of the evidence: isolated, so that its direction of writing moves nothing around it. */
+/**
+ * The same for a text of the evidence: isolated, so that its direction of writing moves nothing around it, and with
+ * blanks at its ends that can be seen.
+ */
 QByteArray html_evidence(QByteArrayView bytes);
+
+/** The same for a text that page_value() or page_text() has made. */
+QByteArray html_shown(QByteArrayView shown);
 
 /** Bytes as a page shows them: terminal_text(), x'00ff' for what is no UTF-8, cut after some thousand characters. */
 QString page_text(QByteArrayView bytes);
 
-/** A value of a row for the page's data block: a number where JavaScript has it exactly, else a text, or null. */
-QByteArray page_json(const cell &value);
-QByteArray page_json(const QString &shown);
+/** A value of a row as a page shows it, in UTF-8: digits or a page_text(). A null array for NULL. */
+QByteArray page_value(const cell &value);
 
-/** The same for the page's rows without script, in a cell. */
-QByteArray html_cell(const cell &value);
+/** A text that is shown already, as a string of the page's data block: no markup in it. */
+QByteArray page_json(QByteArrayView shown);
 
 #endif

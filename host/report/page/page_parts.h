@@ -4,8 +4,14 @@
 #ifndef HOST_REPORT_PAGE_PAGE_PARTS_H
 #define HOST_REPORT_PAGE_PAGE_PARTS_H
 
-/** The page's style and script, as they stand in host/report/page. */
+// Files of host/report/page that pages have in them.
+
 extern const char *const page_style;
 extern const char *const page_script;
+extern const char *const page_prose_glossary;
+extern const char *const page_prose_joining;
+extern const char *const page_prose_limitations;
+extern const char *const page_prose_signatures;
+extern const char *const page_prose_signs;
 
 #endif

@@ -9,7 +9,7 @@
 #include <QList>
 #include <QString>
 
-/** The rows of a table in the data block of a report's page, by column. */
+/** The rows of a table in the data block of a report's page, by column: texts as the page shows them, or null. */
 QList<QJsonObject> page_rows(const QByteArray &page, const QString &table);
 
 #endif

@@ -32,9 +32,10 @@ QString joined_text(const appearances &rows)
     device_join join;
     for (const device_appearance &row : rows)
         join.learn(row);
+    device_numbers numbers(join);
     joined_device_list devices(join);
     for (const device_appearance &row : rows)
-        devices.add(row);
+        devices.add(row, numbers.next(row));
     QStringList texts;
     for (const joined_device &device : devices.devices()) {
         QStringList names;

@@ -7,7 +7,8 @@
 
 import assert from "node:assert/strict";
 import {execFileSync} from "node:child_process";
-import {mkdtempSync, rmSync, writeFileSync} from "node:fs";
+import {createHash} from "node:crypto";
+import {cpSync, mkdtempSync, readFileSync, rmSync, writeFileSync} from "node:fs";
 import {tmpdir} from "node:os";
 import {join} from "node:path";
 import {pathToFileURL} from "node:url";
@@ -21,12 +22,22 @@ const run = (...words) => execFileSync(program, ["-q", ...words], {cwd: folder, 
 const addressOf = page => pathToFileURL(join(folder, page)).href;
 
 // A usual case, and one with more rows than are printed.
-const rowsOfSample = 1053;
 run("sample", "sample", "--hostile");
 run("extract", "-i", "sample/macos", "-i", "sample/ios/system.log", "-o", "case");
-run("report", "case");
+run("report", "case", "-f", "html", "-f", "jsonl");
 run("report", "case", "--split", "-o", "split");
 const report = addressOf("case/Report/report.html");
+const linesOf = name => readFileSync(join(folder, "case/Report", name), "utf8").trim().split("\n").map(line => JSON.parse(line));
+const rows = linesOf("devices.jsonl");
+const rowsOfSample = rows.length;
+const allRows = `${rowsOfSample.toLocaleString("en")} rows`;
+
+// Two systems that know the same devices.
+cpSync(join(folder, "sample/macos"), join(folder, "twin"), {recursive: true});
+run("extract", "-i", "sample/macos", "-i", "twin", "-i", "sample/ios/system.log", "-o", "shared");
+run("report", "shared", "--brief");
+const sharedReport = addressOf("shared/Report/report.html");
+const brief = addressOf("shared/Report/brief.html");
 
 const manyRows = 5300;
 writeFileSync(join(folder, "long.log"), Array.from({length: manyRows}, (unused, line) =>
@@ -73,12 +84,13 @@ async function test(name, work, {address = report, others = [], script = true, s
 
 const textOf = (page, selector) => page.$eval(selector, element => element.textContent);
 const status = page => textOf(page, "#devices [role=status]");
-const rowCount = page => page.$eval("#devices table", element => Number(element.getAttribute("aria-rowcount")) - 1);
+const rowCount = page => page.$eval("#devices table", element => Number(element.getAttribute("aria-rowcount")) - 2);
 const column = (page, name) => page.evaluate(wanted => {
-    const headings = [...document.querySelectorAll("#devices th")].map(heading => heading.textContent);
-    const place = headings.indexOf(wanted);
+    const headings = [...document.querySelectorAll("#devices thead th[aria-sort]")].map(heading => heading.firstChild.dataset.column);
+    const place = headings.indexOf(wanted) + 1;
     return [...document.querySelectorAll("#devices tbody tr:not(.space)")].map(row => row.cells[place].textContent);
 }, name);
+const heading = name => `#devices th button[data-column=${name}]`;
 const violations = async page => {
     await page.evaluate(axe);
     const found = await page.evaluate(() =>
@@ -94,12 +106,13 @@ const focused = page => page.evaluate(() => {
     return {
         name: element.getAttribute("aria-label") ?? element.textContent,
         id: element.id,
+        column: element.dataset.column,
         isOutlined: getComputedStyle(element).outlineStyle !== "none" && parseFloat(getComputedStyle(element).outlineWidth) >= 2,
     };
 });
 /** Presses Tab until the wanted element has the focus; on the way the focus is always seen. */
 const tabTo = async (page, isWanted) => {
-    for (let press = 0; press < 200; ++press) {
+    for (let press = 0; press < 400; ++press) {
         await page.keyboard.press("Tab");
         const now = await focused(page);
         assert.ok(now.isOutlined, `the focus is not seen: ${JSON.stringify(now)}`);
@@ -114,22 +127,21 @@ await test("only some rows stand in the document, and say which", async page => 
     assert.equal(await rowCount(page), rowsOfSample);
     const shown = await indices(page);
     assert.ok(shown.length > 10 && shown.length < 100);
-    assert.deepEqual(shown, shown.map((unused, place) => place + 2)); // the header is 1
+    assert.deepEqual(shown, shown.map((unused, place) => place + 3)); // the headings are 1 and 2
 });
 
 await test("scrolling shows the rows that come into view", async page => {
     await page.$eval("#devices .window", view => { view.scrollTop = view.scrollHeight; });
     await page.waitForFunction(last =>
         document.querySelector("#devices tbody tr:last-child").getAttribute("aria-rowindex") === String(last),
-        {}, rowsOfSample + 1);
+        {}, rowsOfSample + 2);
     const shown = await indices(page);
     assert.deepEqual(shown, shown.map((unused, place) => shown[0] + place));
 });
 
 await test("sorting by a column", async page => {
-    const heading = await page.$("xpath///section[@id='devices']//th[button[text()='plugin_last_seen_time']]");
-    const button = await heading.$("button");
-    const sorted = () => heading.evaluate(element => element.getAttribute("aria-sort"));
+    const button = await page.$(heading("plugin_last_seen_time"));
+    const sorted = () => page.$eval(heading("plugin_last_seen_time"), element => element.parentElement.getAttribute("aria-sort"));
     assert.equal(await sorted(), "none");
     await button.click();
     assert.equal(await sorted(), "ascending");
@@ -144,17 +156,17 @@ await test("sorting by a column", async page => {
 await test("filtering as one types", async page => {
     await page.$eval("#devices .window", view => { view.scrollTop = 9000; });
     await setFilter(page, "KITCHEN sp");
-    assert.match(await status(page), /^\d+ of 1,053 rows$/);
+    assert.match(await status(page), /^\d+ of [\d,]+ rows$/);
     const names = await column(page, "plugin_device_name");
     assert.ok(names.length > 0 && names.every(name => name.toLowerCase().includes("kitchen sp")));
     assert.equal(await rowCount(page), Number((await status(page)).split(" ")[0]));
-    assert.equal((await indices(page))[0], 2);
+    assert.equal((await indices(page))[0], 3);
     await setFilter(page, "there is no such row");
-    assert.equal(await status(page), "0 of 1,053 rows");
+    assert.equal(await status(page), `0 of ${allRows}`);
     assert.equal((await page.$$("#devices tbody tr")).length, 0);
     await setFilter(page, " ");
     await page.keyboard.press("Backspace");
-    assert.equal(await status(page), "1,053 rows");
+    assert.equal(await status(page), allRows);
 });
 
 await test("the keyboard alone sorts, filters, opens, copies and closes", async page => {
@@ -162,10 +174,11 @@ await test("the keyboard alone sorts, filters, opens, copies and closes", async 
     await page.keyboard.press("Enter");
     await tabTo(page, now => now.id === "devices-filter");
     await page.keyboard.type("living room");
-    await tabTo(page, now => now.name === "plugin_device_name");
+    await tabTo(page, now => now.column === "plugin_device_name");
+    assert.match(await textOf(page, "#meaning"), /Anybody can choose any name/);
     await page.keyboard.press("Space");
-    assert.equal(await page.$eval("#devices th[aria-sort=ascending]", element => element.textContent), "plugin_device_name");
-    const row = await tabTo(page, now => now.name.startsWith("Row "));
+    assert.equal(await page.$eval("#devices th[aria-sort=ascending]", element => element.firstChild.dataset.column), "plugin_device_name");
+    const row = await tabTo(page, now => /^Row \d+: /.test(now.name));
     await page.keyboard.press("Enter");
     assert.ok(await page.$eval("#row", dialog => dialog.open && dialog.textContent.includes("Living Room TV")));
     await page.evaluate(() => document.addEventListener("copy", () => { window.copied = document.getSelection().toString() ||
@@ -192,11 +205,11 @@ await test("the keyboard scrolls, and the focus is never lost", async page => {
     await page.focus("#devices tbody button");
     await page.keyboard.press("End");
     await scrolledTo(1);
-    assert.equal((await indices(page)).at(-1), rowsOfSample + 1);
+    assert.equal((await indices(page)).at(-1), rowsOfSample + 2);
     assert.ok(await page.evaluate(() => document.activeElement.matches("#devices .window")));
     await page.keyboard.press("Home");
     await scrolledTo(0);
-    assert.equal((await indices(page))[0], 2);
+    assert.equal((await indices(page))[0], 3);
 });
 
 await test("hostile names stay text", async page => {
@@ -235,60 +248,160 @@ await test("every text of the evidence is isolated", async page => {
 });
 
 const pagesOf = pdf => Buffer.from(pdf).toString("latin1").match(/\/Type\s*\/Page\b/g).length;
-/** What stands in the document while the browser itself prints. */
-const watchPrint = page => page.evaluate(() => window.addEventListener("beforeprint", () => {
-    window.printed = {
-        rows: document.querySelectorAll("#devices tbody tr").length,
-        note: document.querySelector("#devices .print-only").textContent,
-    };
+const sizes = {A4: [210, 297], Letter: [216, 279]};
+
+for (const format of Object.keys(sizes)) {
+    await test(`the edition for reading on ${format}`, async page => {
+        await page.evaluate(() => window.addEventListener("beforeprint", () => {
+            window.printed = [...document.querySelectorAll("#printed-devices tbody tr")].length;
+            window.shown = getComputedStyle(document.querySelector("#devices")).display;
+        }));
+        const pages = pagesOf(await page.pdf({format, timeout: 0}));
+        assert.ok(pages > 10 && pages <= 40, `${pages} pages`);
+        assert.equal(await page.evaluate(() => window.printed), await page.$eval("#cards table", table =>
+            Number(table.getAttribute("aria-rowcount")) - 2));
+    });
+}
+
+/** What "Print every value" shows, for a browser that prints in its own time. */
+const printEveryValue = async page => {
+    await page.evaluate(() => { window.print = () => window.dispatchEvent(new Event("beforeprint")); });
+    await page.click("#print-all");
+};
+const printed = page => page.evaluate(() => ({
+    rows: document.querySelectorAll("#devices tbody tr").length,
+    note: document.querySelector("#devices .print-note").textContent,
 }));
 
-await test("printing shows every row that is left", async page => {
+await test("every value of the rows that are left is printed", async page => {
     await setFilter(page, "speaker");
-    await watchPrint(page);
-    assert.ok(pagesOf(await page.pdf({timeout: 0})) > 1);
-    const {rows, note} = await page.evaluate(() => window.printed);
-    assert.ok(rows > 1 && rows < 100);
-    assert.equal(rows, await rowCount(page));
-    assert.equal(note, `Filtered by “speaker”: ${rows} of 1,053 rows.`);
+    const count = await rowCount(page);
+    await printEveryValue(page);
+    const {rows: shown, note} = await printed(page);
+    assert.ok(shown > 1 && shown < 100);
+    assert.equal(shown, count);
+    assert.equal(note, `Filtered by “speaker”: ${count} of ${allRows}.`);
+    assert.ok(await page.$$eval("#devices tbody tr:first-child td", cells => cells.length) > 15);
+    await page.emulateMediaType("print");
+    assert.ok(await page.$eval("#devices .print-note", note => note.checkVisibility()));
+    assert.equal(await page.$eval("#printed-devices", list => list.checkVisibility()), false);
+    await page.evaluate(() => window.dispatchEvent(new Event("afterprint")));
+    assert.equal(await page.$eval("#devices", section => section.checkVisibility()), false);
 });
 
 await test("printing stops at 5,000 rows of a table and tells it", async page => {
-    await watchPrint(page);
-    const pages = pagesOf(await page.pdf({timeout: 0}));
-    assert.deepEqual(await page.evaluate(() => window.printed), {
+    await printEveryValue(page);
+    assert.deepEqual(await printed(page), {
         rows: 5000,
         note: "The first 5,000 of 5,300 rows are printed, 300 are left out: filter the table, or use the CSV files.",
     });
-    assert.ok(pages > 100, `${pages} pages`);
-    assert.ok((await page.$$("#devices tbody tr")).length < 100); // again, after the print
+    await page.evaluate(() => window.dispatchEvent(new Event("afterprint")));
+    assert.ok((await page.$$("#devices tbody tr")).length < 100);
 }, {address: longReport});
 
 await test("nothing is cut off on paper", async page => {
     await page.emulateMediaType("print");
-    await page.setViewport({width: 794 - 90, height: 1123}); // A4 upright, less its margins
-    await page.evaluate(() => window.dispatchEvent(new Event("beforeprint")));
-    assert.deepEqual(await page.evaluate(() => [...document.querySelectorAll("main *")]
-        .filter(element => element.checkVisibility() && element.getBoundingClientRect().right > window.innerWidth + 1)
-        .map(element => element.outerHTML.slice(0, 100)).slice(0, 5)), []);
+    await page.setViewport({width: 794 - 106, height: 1123}); // A4 upright, less its margins
+    for (const isWhole of [false, true]) {
+        if (isWhole)
+            await page.evaluate(() => {
+                window.print = () => window.dispatchEvent(new Event("beforeprint"));
+                document.getElementById("print-all").click();
+            });
+        else
+            await page.evaluate(() => window.dispatchEvent(new Event("beforeprint")));
+        assert.deepEqual(await page.evaluate(() => [...document.querySelectorAll("main *")]
+            .filter(part => part.checkVisibility() && part.getBoundingClientRect().right > window.innerWidth + 1)
+            .map(part => part.outerHTML.slice(0, 100)).slice(0, 5)), []);
+    }
     assert.ok(await page.evaluate(() => [...document.querySelectorAll("#devices tbody td")].slice(0, 200).every(cell =>
         getComputedStyle(cell, "::before").content.startsWith(`"${cell.dataset.column ?? "Row"}`))));
 });
 
-const sections = ["summary", "more-than-one-source", "cards", "devices", "paired-devices", "wal-changes", "ranks", "limitations"];
+await test("the search finds in every section, whatever the letter case and the separators of addresses", async page => {
+    const wanted = rows.map(row => row.plugin.address).find(address => /^Public ..:/.test(address ?? ""));
+    for (const words of [wanted, wanted.toLowerCase(), wanted.slice(7).replaceAll(":", ""), wanted.slice(7).replaceAll(":", "-")]) {
+        await page.$eval("#search", input => { input.value = ""; });
+        await page.type("#search", words);
+        await page.waitForFunction(address => document.getElementById("search-results").textContent.includes(address),
+                                   {timeout: 5000}, wanted.slice(7));
+        const found = await page.$$eval("#search-results h2", headings => headings.map(one => one.textContent));
+        assert.ok(found.some(one => one.startsWith("All devices: ")), found.join());
+        assert.ok(found.some(one => one.startsWith("Devices seen")), found.join());
+    }
+    await page.$eval("#search", input => { input.value = ""; });
+    await page.type("#search", "no such thing anywhere");
+    await page.waitForFunction(() => document.getElementById("search-status").textContent === "Nothing is found.");
+    assert.equal(await status(page), allRows); // the tables are not filtered
+});
+
+await test("a device has a page, with an address of its own", async page => {
+    await page.click("#paired tbody a");
+    await page.waitForSelector("section.device");
+    const number = /#device-(\d+)$/.exec(page.url())[1];
+    assert.ok(await page.$eval(`#device-${number}`, section => section.checkVisibility()));
+    assert.equal(await page.$eval("#findings", section => section.checkVisibility()), false);
+    await page.goto(`${report}#device-3`);
+    await page.waitForSelector("#device-3");
+    await page.click("#device-3 .statement button");
+    assert.equal(await textOf(page, "#device-3 .statement [role=status]"), "Copied.");
+    assert.match(await textOf(page, "#device-3 pre"), /rowid \d+/);
+    await page.click(".ways a");
+    await page.waitForFunction(() => !document.querySelector("section.device"));
+    assert.ok(await page.$eval("#findings", section => section.checkVisibility()));
+});
+
+await test("columns are chosen, and the page's address remembers them", async page => {
+    assert.deepEqual(await page.$$(heading("plugin_INT")), []);
+    await page.click("#devices .chooser summary");
+    await page.click("#devices .chooser input[value=plugin_INT]");
+    assert.equal((await page.$$(heading("plugin_INT"))).length, 1);
+    assert.match(page.url(), /devices=[\w+]*plugin_INT/);
+    const address = page.url();
+    await page.goto("about:blank");
+    await page.goto(address);
+    assert.equal((await page.$$(heading("plugin_INT"))).length, 1);
+    assert.equal((await column(page, "plugin_INT"))[0], "1");
+}, {others: ["about:blank"]});
+
+await test("rows are saved as CSV and JSON, those that are marked or left", async page => {
+    await page.evaluate(() => {
+        window.saved = [];
+        URL.createObjectURL = blob => { window.saved.push(blob.text()); return "#"; };
+    });
+    const save = async suffix => {
+        await page.$$eval("#devices .tools button", (buttons, wanted) =>
+            buttons.find(one => one.textContent === `Save as ${wanted}`).click(), suffix);
+        return page.evaluate(() => window.saved.at(-1));
+    };
+    await setFilter(page, "=cmd|");
+    const count = await rowCount(page);
+    const lines = (await save("CSV")).split("\r\n");
+    assert.equal(lines.length, count + 2); // the headings, and behind the last line end
+    assert.ok(lines[1].includes(",'=cmd|'/C calc'!A0,"), lines[1]);
+    await page.click("#devices tbody input[type=checkbox]");
+    const marked = JSON.parse(await save("JSON"));
+    assert.deepEqual(marked.map(row => row.plugin_device_name), ["=cmd|'/C calc'!A0"]);
+    assert.match(await status(page), /, 1 marked$/);
+});
+
+const sections = ["findings", "more-than-one-source", "paired", "named", "timeline", "cards", "devices", "paired-devices",
+                  "wal-changes", "evidence", "provenance", "terms", "limitations"];
+const sectionsOf = page => page.$$eval("main > section", found => found.map(section => section.id));
 await test("the sections with script", async page => {
-    assert.deepEqual(await page.$$eval("main section", found => found.map(section => section.id)), sections);
-    assert.match(await textOf(page, "#summary .with-script"), /not with the browser's search/);
-    assert.ok(await page.$eval("#summary .with-script", note => note.checkVisibility()));
+    assert.deepEqual(await sectionsOf(page), sections);
+    assert.match(await textOf(page, "#findings .with-script"), /not with the browser's/);
+    assert.ok(await page.$eval("#findings .with-script", note => note.checkVisibility()));
 });
 
 await test("without script", async page => {
-    assert.deepEqual(await page.$$eval("main section", found => found.map(section => section.id)), sections);
+    assert.deepEqual(await sectionsOf(page), sections);
     assert.equal((await page.$$("#devices tbody tr")).length, 200);
-    assert.equal(await textOf(page, "#devices .without-script"), "Without script these are the first 200 of 1053 rows.");
+    assert.equal(await textOf(page, "#devices .without-script"), `Without script these are the first 200 of ${rowsOfSample} rows.`);
     assert.ok(await page.$eval("#devices .without-script", note => note.checkVisibility()));
     assert.ok(await page.$eval("noscript .alarm", note => note.checkVisibility()));
     assert.equal(await page.$eval("#devices .tools", tools => tools.checkVisibility()), false);
+    assert.ok(await page.$eval("#cards tr[id^=device-]", row => row.checkVisibility()));
 }, {script: false});
 
 for (const scheme of ["light", "dark"])
@@ -297,6 +410,34 @@ await test("axe, print", async page => {
     await page.emulateMediaType("print");
     assert.deepEqual(await violations(page), []);
 });
+await test("axe, a device's page", async page => {
+    await page.goto(`${report}#device-3`);
+    await page.waitForSelector("#device-3");
+    assert.deepEqual(await violations(page), []);
+});
+await test("axe, columns chosen and a search", async page => {
+    await page.click("#devices .chooser summary");
+    await page.type("#search", "speaker");
+    await page.waitForSelector("#search-results h2");
+    assert.deepEqual(await violations(page), []);
+});
+await test("axe, devices in more than one source", async page => {
+    assert.deepEqual(await violations(page), []);
+    assert.ok((await page.$$("#more-than-one-source svg rect")).length > 0);
+    assert.match(await textOf(page, "#more-than-one-source table"), /paired in both/);
+}, {address: sharedReport});
+await test("axe, in brief", async page => {
+    assert.deepEqual(await violations(page), []);
+    assert.deepEqual(await page.$$("script"), []);
+    const hash = createHash("sha256").update(readFileSync(join(folder, "shared/Report/report.html"))).digest("hex");
+    assert.ok((await textOf(page, "#findings")).includes(hash));
+}, {address: brief});
+for (const format of Object.keys(sizes)) {
+    await test(`the brief report has at most ten pages on ${format}`, async page => {
+        const pages = pagesOf(await page.pdf({format, timeout: 0}));
+        assert.ok(pages > 1 && pages <= 10, `${pages} pages`);
+    }, {address: brief});
+}
 await test("axe, a row opened", async page => {
     await page.click("#devices tbody button");
     assert.deepEqual(await violations(page), []);

@@ -1,0 +1,165 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/page/device_facts.h"
+
+#include "host/case/result_tables.h"
+#include "host/devices/device_address.h"
+
+#include <algorithm>
+#include <functional>
+
+namespace {
+
+constexpr QByteArrayView left_out_by_the_log("<private>");
+constexpr qsizetype most_texts = 20; // of one kind; a device of a log may have a million rows
+
+/** Different texts in the order of their coming. */
+class text_set
+{
+public:
+    void add(const QByteArray &text)
+    {
+        if (text.isEmpty() || texts.contains(text))
+            return;
+        if (texts.size() < most_texts)
+            texts.append(text);
+        else
+            is_cut = true;
+    }
+
+    QByteArray text() const
+    {
+        return texts.join(" | ") + (is_cut ? " | …" : "");
+    }
+
+private:
+    QByteArrayList texts;
+    bool is_cut = false;
+};
+
+QByteArray why_address_joins_nothing(const QByteArray &text)
+{
+    const std::optional<device_address> address = parse_device_address(text);
+    if (text.isEmpty())
+        return "it has no address";
+    if (!address)
+        return "its address is not of a form that is known";
+    return address->is_random ? "its address is random" : "its address is all zeros";
+}
+
+QByteArray why_appearance_joins_nothing(const device_appearance &appearance)
+{
+    return why_address_joins_nothing(appearance.address)
+           + (appearance.icloud_identifier.isEmpty() ? ", and it has no iCloud identifier"
+                                                     : ", and its iCloud identifier is all zeros");
+}
+
+bool is_in_paired_table(const device_appearance &appearance)
+{
+    return appearance.table == result_tables().last();
+}
+
+} // namespace
+
+QList<device_facts> facts_of(const QList<joined_device> &devices)
+{
+    QList<device_facts> list;
+    list.reserve(devices.size());
+    for (const joined_device &device : devices) {
+        device_facts facts{&device, device.number, !name_of(device).isEmpty(), {}};
+        for (const device_appearance &appearance : device.appearances) {
+            if (is_in_paired_table(appearance) && !facts.paired_in.contains(appearance.source))
+                facts.paired_in.append(appearance.source);
+        }
+        std::sort(facts.paired_in.begin(), facts.paired_in.end());
+        list.append(facts);
+    }
+    return list;
+}
+
+const device_facts *device_numbered(const QList<device_facts> &devices, qint64 number)
+{
+    const auto found = std::lower_bound(devices.cbegin(), devices.cend(), number,
+                                        [](const device_facts &facts, qint64 wanted) { return facts.number < wanted; });
+    return found != devices.cend() && found->number == number ? &*found : nullptr;
+}
+
+QByteArray texts_of(const joined_device &device, QByteArray device_appearance::*text)
+{
+    text_set texts;
+    for (const device_appearance &appearance : device.appearances)
+        texts.add(appearance.*text);
+    return texts.text();
+}
+
+QByteArray name_of(const joined_device &device)
+{
+    for (const auto text :
+         {&device_appearance::host_name, &device_appearance::name, &device_appearance::preferences_name}) {
+        for (const device_appearance &appearance : device.appearances) {
+            if (!(appearance.*text).isEmpty() && appearance.*text != left_out_by_the_log)
+                return appearance.*text;
+        }
+    }
+    return {};
+}
+
+QByteArray known_as(const device_facts &facts)
+{
+    const QList<device_appearance> &appearances = facts.device->appearances;
+    const bool is_seen = !std::all_of(appearances.cbegin(), appearances.cend(), is_in_paired_table);
+    if (!facts.is_paired())
+        return "seen";
+    return is_seen ? "paired or in use, seen" : "paired or in use";
+}
+
+QByteArray link_strength(const device_facts &facts)
+{
+    if (!facts.is_shared())
+        return {};
+    const qsizetype sources = facts.device->sources.size();
+    if (sources < 2)
+        return "other sources know it: the page of the whole case says how";
+    const qsizetype paired = facts.paired_in.size();
+    QByteArray words = paired > 1    ? "paired in both"
+                       : paired == 1 ? "paired and seen"
+                                     : "seen in both, which may be mere proximity";
+    if (sources > 2)
+        words += " (paired in " + QByteArray::number(paired) + ", seen in " + QByteArray::number(sources - paired)
+                 + ')';
+    return words;
+}
+
+QByteArray keys_text(const joined_device &device)
+{
+    text_set texts;
+    for (const join_key &key : device.keys)
+        texts.add((key.what == join_key::kind::public_address ? "public address " : "iCloud identifier ") + key.value);
+    return texts.text();
+}
+
+QByteArray why_not_joined(const joined_device &device, bool is_all_read)
+{
+    if (device.shared_number > 0)
+        return {};
+    const bool has_key = std::any_of(device.appearances.cbegin(), device.appearances.cend(),
+                                     [](const device_appearance &appearance) { return !appearance.keys.isEmpty(); });
+    if (has_key && !is_all_read)
+        return "no row that was read of another source has its public address or its iCloud identifier; not all of the "
+               "case was read";
+    if (has_key)
+        return "no other source has its public address or its iCloud identifier";
+    text_set reasons;
+    for (const device_appearance &appearance : device.appearances)
+        reasons.add(why_appearance_joins_nothing(appearance));
+    return reasons.text();
+}
+
+QByteArray source_numbers(const report_case &that_case, const QList<int> &places)
+{
+    QByteArrayList numbers;
+    for (const int place : places)
+        numbers.append(QByteArray::number(that_case.sources.at(place).record.number));
+    return numbers.join(", ");
+}

@@ -1,0 +1,251 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/report/page/findings.h"
+
+#include "host/report/page/html_parts.h"
+#include "host/report/page/html_text.h"
+#include "host/report/page/page_parts.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr qsizetype most_matrix_sources = 40;
+constexpr qsizetype most_matrix_rows = 20;
+constexpr int name_width = 230;
+constexpr int step = 22;
+
+using device_list_part = QList<const device_facts *>;
+
+template<typename Condition>
+device_list_part those(const QList<device_facts> &devices, const Condition &is_wanted)
+{
+    device_list_part part;
+    for (const device_facts &facts : devices) {
+        if (is_wanted(facts))
+            part.append(&facts);
+    }
+    return part;
+}
+
+/** The strongest links first, then devices with a name. */
+device_list_part shared_of(const QList<device_facts> &devices)
+{
+    device_list_part part = those(devices, [](const device_facts &facts) { return facts.is_shared(); });
+    const auto weight = [](const device_facts *facts) {
+        return std::min<qsizetype>(facts->paired_in.size(), 2) * 2 + (facts->is_named ? 1 : 0);
+    };
+    std::stable_sort(part.begin(), part.end(),
+                     [&weight](const device_facts *one, const device_facts *two) { return weight(one) > weight(two); });
+    return part;
+}
+
+device_list_part paired_of(const QList<device_facts> &devices)
+{
+    return those(devices, [](const device_facts &facts) { return facts.is_paired(); });
+}
+
+device_list_part named_of(const QList<device_facts> &devices)
+{
+    return those(devices, [](const device_facts &facts) { return facts.is_named; });
+}
+
+QByteArray figure(const QByteArray &id, qint64 number, const char *words)
+{
+    return "<li><a href=\"#" + id + "\"><strong>" + grouped_digits(number) + "</strong> " + words + "</a></li>\n";
+}
+
+QByteArray number_of(const device_facts &facts, const findings_form &form)
+{
+    const QByteArray number = QByteArray::number(facts.number);
+    return form.has_pages ? html_link("device-" + number, number) : number;
+}
+
+/** As much of a text of the evidence as there is room for; nothing for an empty one. */
+QByteArray evidence(const QByteArray &text, const findings_form &form)
+{
+    const QString shown = page_text(text);
+    if (shown.size() <= form.most_characters)
+        return text.isEmpty() ? QByteArray() : html_evidence(text);
+    return html_shown(QString(shown.first(form.most_characters) + u'…').toUtf8());
+}
+
+QByteArray name_cell(const device_facts &facts, const findings_form &form)
+{
+    const QByteArray name = name_of(*facts.device);
+    return name.isEmpty() ? QByteArray("<span class=\"quiet\">no name</span>") : evidence(name, form);
+}
+
+QByteArray address_cell(const device_facts &facts, const findings_form &form)
+{
+    const QByteArray resolved = texts_of(*facts.device, &device_appearance::resolved_address);
+    return evidence(texts_of(*facts.device, &device_appearance::address), form)
+           + (resolved.isEmpty() ? QByteArray()
+                                 : "<br><span class=\"quiet\">resolved</span> " + evidence(resolved, form));
+}
+
+QByteArray and_more(const device_list_part &part, const findings_form &form)
+{
+    if (part.size() <= form.most_rows)
+        return {};
+    return "<p>And " + grouped_digits(part.size() - form.most_rows) + " more"
+           + (form.has_pages ? ": " + html_link("cards", "all devices") + ".</p>\n" : QByteArray(".</p>\n"));
+}
+
+template<typename Row>
+QByteArray rows_of(const device_list_part &part, const findings_form &form, const Row &cells_of)
+{
+    QByteArray rows;
+    for (const device_facts *facts : part.first(std::min(part.size(), form.most_rows)))
+        rows += html_row(cells_of(*facts));
+    return rows;
+}
+
+QList<int> sources_of(const device_list_part &part)
+{
+    QList<int> places;
+    for (const device_facts *facts : part) {
+        for (const int place : facts->device->sources) {
+            if (!places.contains(place))
+                places.append(place);
+        }
+    }
+    std::sort(places.begin(), places.end());
+    return places;
+}
+
+QByteArray svg_text(int x, int y, const QByteArray &text)
+{
+    return "<text x=\"" + QByteArray::number(x) + "\" y=\"" + QByteArray::number(y) + "\">" + text + "</text>";
+}
+
+/** What fits in front of a row of the matrix. */
+QByteArray short_name(const device_facts &facts)
+{
+    constexpr qsizetype most = 24;
+    const QString name = page_text(name_of(*facts.device));
+    const QByteArray shown = (name.size() > most ? name.first(most) + u'…' : name).toUtf8();
+    return QByteArray::number(facts.number) + ' ' + (shown.isEmpty() ? QByteArray("no name") : html_shown(shown));
+}
+
+/** A square where a source has the device as paired, a ring where it has seen it: no colour is needed to tell them. */
+QByteArray mark(int x, int y, bool is_paired)
+{
+    const QByteArray left = QByteArray::number(x);
+    const QByteArray top = QByteArray::number(y);
+    if (is_paired)
+        return "<rect class=\"point\" x=\"" + QByteArray::number(x - 6) + "\" y=\"" + QByteArray::number(y - 6)
+               + "\" width=\"12\" height=\"12\"/>";
+    return "<circle class=\"ring\" cx=\"" + left + "\" cy=\"" + top + "\" r=\"5\"/>";
+}
+
+QByteArray matrix(const report_case &that_case, const device_list_part &shared)
+{
+    const device_list_part part = shared.first(std::min(shared.size(), most_matrix_rows));
+    const QList<int> sources = sources_of(part);
+    if (sources.size() > most_matrix_sources)
+        return {}; // nobody could follow its lines; the table says the same
+    const int width = name_width + int(sources.size()) * step + 20;
+    const int height = int(part.size()) * step + 40;
+    QByteArray picture;
+    for (qsizetype column = 0; column < sources.size(); ++column)
+        picture += svg_text(name_width + int(column) * step + 2, 20,
+                            QByteArray::number(that_case.sources.at(sources.at(column)).record.number));
+    for (qsizetype row = 0; row < part.size(); ++row) {
+        const device_facts &facts = *part.at(row);
+        const int middle = 40 + int(row) * step;
+        picture += "<line class=\"axis\" x1=\"" + QByteArray::number(name_width - 10) + "\" y1=\""
+                   + QByteArray::number(middle) + "\" x2=\"" + QByteArray::number(width - 14) + "\" y2=\""
+                   + QByteArray::number(middle) + "\"/>";
+        QByteArray name = short_name(facts);
+        name.replace("<bdi>", "").replace("</bdi>", ""); // a picture has no element for it; its texts stand alone
+        name.replace("<span class=\"blank\">", "").replace("</span>", "");
+        picture += svg_text(0, middle + 4, name);
+        for (const int place : facts.device->sources)
+            picture += mark(name_width + int(sources.indexOf(place)) * step + 6, middle,
+                            facts.paired_in.contains(place));
+    }
+    return "<figure><svg viewBox=\"0 0 " + QByteArray::number(width) + ' ' + QByteArray::number(height) + "\" width=\""
+           + QByteArray::number(width) + "\" height=\"" + QByteArray::number(height)
+           + "\" role=\"img\" aria-label=\"Devices by the numbers of the sources that know them; the table below says "
+             "the "
+             "same\">"
+           + picture
+           + "</svg><figcaption>Devices by the numbers of the sources. Square: paired or in use; ring: seen."
+             "</figcaption></figure>\n";
+}
+
+QByteArray device_section(const QByteArray &id, const QByteArray &title, const report_case &that_case,
+                          const device_list_part &part, const findings_form &form)
+{
+    if (part.isEmpty())
+        return html_section(id, title, "<p>None.</p>\n");
+    const QByteArray rows = rows_of(part, form, [&](const device_facts &facts) -> QByteArrayList {
+        return {number_of(facts, form),    name_cell(facts, form),
+                address_cell(facts, form), evidence(texts_of(*facts.device, &device_appearance::address_kind), form),
+                known_as(facts),           evidence(source_numbers(that_case, facts.device->sources), form)};
+    });
+    return html_section(id, title + ": " + grouped_digits(part.size()),
+                        html_static_table(title, {"Device", "Name", "Address", "Kind", "Known as", "Sources"}, rows)
+                            + and_more(part, form));
+}
+
+} // namespace
+
+QByteArray figures(const report_case &that_case, const QList<device_facts> &devices, const row_figures &rows,
+                   const findings_form &form)
+{
+    const QByteArray list = form.has_pages ? "cards" : "findings";
+    QByteArray html = figure("evidence", that_case.sources.size(), that_case.sources.size() == 1 ? "source" : "sources")
+                      + figure(list, devices.size(), devices.size() == 1 ? "device" : "devices")
+                      + figure("more-than-one-source", shared_of(devices).size(), "in more than one source")
+                      + figure("paired", paired_of(devices).size(), "paired or in use")
+                      + figure("named", named_of(devices).size(), "named");
+    if (!form.has_pages)
+        return "<ul class=\"figures\">\n" + html + "</ul>\n";
+    html += figure("wal-changes", rows.added_by_logs, "rows only in a write-ahead log")
+            + figure("wal-changes", rows.changed_by_logs, "rows that a write-ahead log changes")
+            + figure("wal-changes", rows.deleted_by_logs, "rows that a write-ahead log deletes")
+            + figure("devices", rows.differing, "rows in which host and plug-in differ");
+    html = "<ul class=\"figures\">\n" + html + "</ul>\n";
+    if (rows.sightings > 0)
+        html += "<p>Rows of logs are sightings: " + counted(rows.sightings, "sighting", "sightings") + " of "
+                + counted(rows.sighted_devices, "device", "devices")
+                + ", told apart by SFDevice ID, else by address. A device whose identifier changes counts more than "
+                  "once.</p>\n";
+    return html;
+}
+
+QByteArray shared_devices_section(const report_case &that_case, const QList<device_facts> &devices,
+                                  const findings_form &form)
+{
+    const device_list_part shared = shared_of(devices);
+    QByteArray html = "<p>Devices that more than one source knows: " + grouped_digits(shared.size())
+                      + ". Such a device links those whose sources these are.</p>\n";
+    if (!shared.isEmpty()) {
+        const QByteArray rows = rows_of(shared, form, [&](const device_facts &facts) -> QByteArrayList {
+            return {number_of(facts, form),
+                    name_cell(facts, form),
+                    link_strength(facts),
+                    evidence(source_numbers(that_case, facts.device->sources), form),
+                    evidence(source_numbers(that_case, facts.paired_in), form),
+                    evidence(keys_text(*facts.device), form)};
+        });
+        html += matrix(that_case, shared)
+                + html_static_table("Devices that more than one source knows",
+                                    {"Device", "Name", "Link", "Sources", "Paired or in use in", "Joined by"}, rows)
+                + and_more(shared, form);
+    }
+    return html_section("more-than-one-source", "In more than one source", html + page_prose_joining);
+}
+
+QByteArray paired_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form)
+{
+    return device_section("paired", "Paired or in use", that_case, paired_of(devices), form);
+}
+
+QByteArray named_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form)
+{
+    return device_section("named", "Named devices", that_case, named_of(devices), form);
+}

@@ -1,0 +1,42 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_REPORT_PAGE_FINDINGS_H
+#define HOST_REPORT_PAGE_FINDINGS_H
+
+#include "host/report/page/device_facts.h"
+
+#include <QByteArray>
+
+/** Numbers of rows that the findings tell. */
+struct row_figures
+{
+    qint64 sightings = 0;       ///< rows of logs in the table of devices
+    qint64 sighted_devices = 0; ///< different SFDevice IDs, or addresses, of these rows
+    qint64 differing = 0;       ///< rows in which the host reads something else than the plug-in
+    qint64 added_by_logs = 0;   ///< rows that only a write-ahead log has
+    qint64 changed_by_logs = 0;
+    qint64 deleted_by_logs = 0;
+};
+
+/** How long the short tables are, and where they lead to. */
+struct findings_form
+{
+    qsizetype most_rows = 20;
+    bool has_pages = true;            ///< numbers of devices lead to the devices' pages
+    qsizetype most_characters = 4000; ///< of a text of the evidence
+};
+
+/** Figures that lead to where they come from. */
+QByteArray figures(const report_case &that_case, const QList<device_facts> &devices, const row_figures &rows,
+                   const findings_form &form);
+
+/** What appears in more than one source: a matrix as a picture, and the same as a table. */
+QByteArray shared_devices_section(const report_case &that_case, const QList<device_facts> &devices,
+                                  const findings_form &form);
+
+/** "paired" and "named": the devices of which that is true. */
+QByteArray paired_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form);
+QByteArray named_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form);
+
+#endif

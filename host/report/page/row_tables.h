@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_REPORT_PAGE_ROW_TABLES_H
+#define HOST_REPORT_PAGE_ROW_TABLES_H
+
+#include "host/report/page/findings.h"
+#include "host/report/page/html_table.h"
+#include "host/report/page/log_timeline.h"
+#include "host/report/reading/row_columns.h"
+
+#include <QSet>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+/** The rows of one result table of all sources, with their ranks and the numbers of their devices. */
+class row_table
+{
+public:
+    row_table(const report_case &that_case, const QString &table);
+
+    /** Rows come source by source. */
+    void add(const report_row &row);
+
+    /** After the last row: @p devices are the numbers of the rows' devices, in the order of the rows. */
+    void finish(const std::vector<qint64> &devices);
+
+    html_table table;
+    log_timeline times;
+    qint64 differing = 0;
+    qint64 sightings = 0;
+    QSet<QByteArray> sighted; ///< what tells the devices of logs apart
+
+private:
+    void add_sighting(const report_row &row);
+
+    row_cells cells;
+    std::vector<page_column *> columns; ///< by place in the row's cells; none: it is no cell
+    page_column *device = nullptr;
+};
+
+/** What write-ahead logs make of the rows of a case; counts what it finds. */
+html_table wal_table(const report_case &that_case, row_figures &counts);
+
+#endif

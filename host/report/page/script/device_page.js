@@ -1,0 +1,198 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+// The page of a device: what its card says, and what each source knows of it. It stands in place of all other sections
+// while the page's address ends in #device-<number>.
+
+const mostShownRows = 200;
+const rowTableIds = ["devices", "paired-devices", "wal-changes", "host-devices"];
+
+class DevicePage {
+    constructor(tables) {
+        this.cards = tables.get("cards");
+        this.tables = rowTableIds.map(id => tables.get(id)).filter(Boolean);
+        this.main = document.getElementById("content");
+        this.section = null;
+    }
+
+    /** Whether the address is that of a device's page, which is shown then. */
+    follow(id) {
+        const number = /^device-(\d+)$/.exec(id)?.[1];
+        const row = number === undefined ? undefined : this.cards?.rowsWith("device", number)[0];
+        this.section?.remove();
+        this.section = null;
+        document.body.classList.toggle("device-open", row !== undefined);
+        if (row === undefined)
+            return false;
+        this.section = this.make(number, row);
+        this.main.prepend(this.section);
+        window.scrollTo(0, 0);
+        this.section.querySelector("h2").focus({preventScroll: true});
+        return true;
+    }
+
+    make(number, row) {
+        const section = element("section");
+        section.id = `device-${number}`;
+        section.className = "device";
+        const name = (this.cards.value("device_name", row) ?? this.cards.value("host_preferences_name", row))?.split(" | ")[0];
+        const heading = element("h2", `Device ${number}: `);
+        heading.id = "device-heading";
+        heading.tabIndex = -1;
+        heading.append(name ? evidenceText(name) : "no name known");
+        section.setAttribute("aria-labelledby", heading.id);
+        const rows = this.rowsOf(number);
+        const sources = this.sources(rows);
+        section.append(this.ways(number, row), heading, this.facts(row), this.sourceTable(sources),
+                       ...rows.filter(part => part.rows.length > 0).map(part => this.rowTable(part)),
+                       this.statement(number, row, sources));
+        return section;
+    }
+
+    ways(number, row) {
+        const ways = element("nav", undefined, "ways");
+        ways.setAttribute("aria-label", "Devices");
+        ways.append(linkTo("cards", "All devices"));
+        for (const [step, text] of [[-1, "Device before"], [1, "Next device"]]) {
+            if (row + step >= 0 && row + step < this.cards.count)
+                ways.append(linkTo(`device-${this.cards.value("device", row + step)}`, text));
+        }
+        return ways;
+    }
+
+    facts(row) {
+        const list = element("dl");
+        for (const column of this.cards.columns) {
+            const value = column.value(row);
+            if (value === null || column.name === "device")
+                continue;
+            const fact = element("dd");
+            for (const text of column.number ? [value] : value.split(" | "))
+                fact.append(evidenceText(text), element("br"));
+            fact.lastChild.remove();
+            list.append(element("dt", column.heading), fact);
+        }
+        return list;
+    }
+
+    rowsOf(number) {
+        return this.tables.map(data => ({data, rows: data.rowsWith("device", number)}));
+    }
+
+    /** What each source knows, by its number. */
+    sources(parts) {
+        const sources = new Map();
+        for (const {data, rows} of parts) {
+            for (const row of rows) {
+                const number = data.value("source", row);
+                if (!sources.has(number))
+                    sources.set(number, {name: data.value("source_name", row), counts: new Map(), connected: 0, listed: 0,
+                                         dates: [], places: []});
+                const source = sources.get(number);
+                source.counts.set(data.id, (source.counts.get(data.id) ?? 0) + 1);
+                const connected = data.value("host_last_connection_time", row) ?? data.value("plugin_last_connection_time", row);
+                source.connected += Number(connected) > 0 ? 1 : 0;
+                source.listed += data.value("host_preferences_name", row) === null ? 0 : 1;
+                const date = data.value("plugin_date", row);
+                if (date !== null)
+                    source.dates.push(date);
+                source.places.push(placeText(data, row));
+            }
+        }
+        return sources;
+    }
+
+    sourceTable(sources) {
+        const headings = ["Source", "Paired or in use", "With a last connection", "Seen", "In the write-ahead log",
+                          "With a name in the preferences", "Read by the host alone", "First", "Last", "Places"];
+        const rows = [...sources].map(([number, source]) => {
+            const count = id => numbers.format(source.counts.get(id) ?? 0);
+            return [`${number} ${source.name ?? ""}`, count("paired-devices"), numbers.format(source.connected), count("devices"),
+                    count("wal-changes"), numbers.format(source.listed), count("host-devices"), source.dates[0] ?? "",
+                    source.dates.at(-1) ?? "", shortList(source.places, 3)];
+        });
+        const told = headings.map((unused, place) => place === 0 || rows.some(row => !["", "0"].includes(row[place])));
+        return plainTable("What each source knows: numbers of rows", headings.filter((unused, place) => told[place]),
+                          rows.map(row => row.filter((unused, place) => told[place])));
+    }
+
+    rowTable({data, rows}) {
+        const isTold = column => !column.hidden && column.name !== "device" && rows.some(row => column.value(row) !== null);
+        const columns = data.columns.filter(isTold);
+        const title = document.getElementById(`${data.id}-heading`).textContent;
+        const more = rows.length > mostShownRows ? `; the first ${mostShownRows} are shown` : "";
+        return plainTable(`${title}: ${counted(rows.length, "row", "rows")}${more}`, columns.map(column => column.heading),
+                          rows.slice(0, mostShownRows).map(row => columns.map(column => column.value(row))));
+    }
+
+    statement(number, row, sources) {
+        const part = element("div", undefined, "statement");
+        const status = element("span");
+        status.setAttribute("role", "status");
+        const text = this.statementText(number, row, sources);
+        const copier = button("Copy for a statement", () => {
+            copyText(text, part, status);
+            copier.focus();
+        });
+        part.append(copier, " ", status, element("pre", text));
+        return part;
+    }
+
+    statementText(number, row, sources) {
+        const lines = [`Device ${number} of the report of the case ${document.body.dataset.case}`];
+        if (document.body.dataset.manifest)
+            lines.push(`SHA-256 of the case's manifest: ${document.body.dataset.manifest}`);
+        for (const column of this.cards.columns) {
+            const value = column.value(row);
+            if (value !== null && column.name !== "device")
+                lines.push(`${column.heading}: ${value}`);
+        }
+        for (const [source, {name, places}] of sources)
+            lines.push(`Source ${source} (${name}): ${shortList(places, 10)}`);
+        return lines.join("\n");
+    }
+}
+
+function shortList(texts, most) {
+    const shown = texts.slice(0, most).join("; ");
+    return texts.length > most ? `${shown}; and ${numbers.format(texts.length - most)} more` : shown;
+}
+
+function placeText(data, row) {
+    const file = data.value("host_file", row);
+    if (file === null)
+        return `row ${row + 1} of ${data.id}, place in the evidence unknown`;
+    const line = data.value("host_line", row);
+    return line === null ? `${file} ${data.value("host_table", row)} rowid ${data.value("host_rowid", row)}` : `${file} line ${line}`;
+}
+
+/** A table that may be scrolled sideways. Its texts may be of the evidence. */
+function plainTable(caption, headings, rows) {
+    const view = element("div", undefined, "scroller");
+    view.tabIndex = 0;
+    view.setAttribute("role", "region");
+    view.setAttribute("aria-label", caption);
+    const table = element("table");
+    table.append(element("caption", caption));
+    const head = element("tr");
+    for (const text of headings) {
+        const heading = element("th", text);
+        heading.scope = "col";
+        head.append(heading);
+    }
+    const top = element("thead");
+    top.append(head);
+    const body = element("tbody");
+    for (const texts of rows) {
+        const row = element("tr");
+        for (const text of texts) {
+            const cell = element("td");
+            cell.append(text === "" ? "" : evidenceText(text));
+            row.append(cell);
+        }
+        body.append(row);
+    }
+    table.append(top, body);
+    view.append(table);
+    return view;
+}
