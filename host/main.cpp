@@ -61,6 +61,7 @@ int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown
         return run_worker();
     for (const char *variable : {"QT_FATAL_WARNINGS", "QT_FATAL_CRITICALS", "QT_LOGGING_RULES"})
         qunsetenv(variable);
+    std::signal(SIGCHLD, SIG_DFL);     // where the caller ignores it, nobody learns how a worker ended
     std::signal(SIGXFSZ, SIG_IGN);     // a file that may not grow is reported like a full disk
     std::setlocale(LC_ALL, "C.UTF-8"); // evidence is Unicode, whatever the terminal claims
     int application_argc = 1;

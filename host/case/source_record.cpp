@@ -55,10 +55,14 @@ std::optional<source_status> status_named(const QString &name)
 QJsonObject rows_to_json(const QList<table_rows> &rows)
 {
     QJsonObject json;
-    for (const table_rows &table : rows)
-        json.insert(table.table, QJsonObject{{u"found"_s, number_or_null(table.found)},
-                                             {u"announced"_s, number_or_null(table.announced)},
-                                             {u"stored"_s, number_or_null(table.stored)}});
+    for (const table_rows &table : rows) {
+        QJsonObject counts{{u"found"_s, number_or_null(table.found)},
+                           {u"announced"_s, number_or_null(table.announced)},
+                           {u"stored"_s, number_or_null(table.stored)}};
+        if (table.devices)
+            counts.insert("devices"_L1, *table.devices);
+        json.insert(table.table, counts);
+    }
     return json;
 }
 
@@ -68,7 +72,7 @@ QList<table_rows> rows_from_json(const QJsonObject &json)
     for (auto table = json.begin(); table != json.end(); ++table) {
         const QJsonObject counts = table.value().toObject();
         rows.append({table.key(), number_from(counts.value("found"_L1)), number_from(counts.value("announced"_L1)),
-                     number_from(counts.value("stored"_L1))});
+                     number_from(counts.value("stored"_L1)), number_from(counts.value("devices"_L1))});
     }
     return rows;
 }
@@ -102,6 +106,7 @@ QJsonObject source_record::to_json() const
         {u"messages"_s, texts},
         {u"started"_s, text_or_null(started)},
         {u"finished"_s, text_or_null(finished)},
+        {u"log_zone"_s, text_or_null(log_zone)},
         {u"rows"_s, rows_to_json(rows)},
         {u"evidence"_s, of_evidence.value("evidence"_L1)},
         {u"listing"_s, of_evidence.value("listing"_L1)},
@@ -130,6 +135,7 @@ source_record source_record::from_json(const QJsonObject &json)
         record.messages.append(run_message::from_json(message));
     record.started = json.value("started"_L1).toString();
     record.finished = json.value("finished"_L1).toString();
+    record.log_zone = json.value("log_zone"_L1).toString();
     record.rows = rows_from_json(json.value("rows"_L1).toObject());
     record.evidence = evidence_state::from_json(json);
     record.wal = json.value("wal"_L1);

@@ -23,9 +23,13 @@ struct table_rows
     std::optional<qint64> found;     ///< in the evidence, by the host's own count; none for a log text
     std::optional<qint64> announced; ///< by the plug-in's signals
     std::optional<qint64> stored;    ///< in the result database, by a fresh connection
+    std::optional<qint64> devices{}; ///< of a log, whose rows are sightings: how many devices they name
 };
 
-/** {"devices": {"found": 5, "announced": 5, "stored": 5}}: null for a number that is not known. */
+/**
+ * {"devices": {"found": 5, "announced": 5, "stored": 5}}: null for a number that is not known; with "devices" where
+ * rows are sightings of them.
+ */
 QJsonObject rows_to_json(const QList<table_rows> &rows);
 QList<table_rows> rows_from_json(const QJsonObject &json);
 
@@ -60,7 +64,8 @@ struct source_record
     source_status status = source_status::not_run;
     std::optional<int> exit_code; ///< none before its run has ended
     QList<run_message> messages;
-    QString started; ///< UTC
+    QString started;  ///< UTC
+    QString log_zone; ///< of the times in plugin.log: "Europe/Berlin"; empty in records of version 1
     QString finished;
     QList<table_rows> rows;
     evidence_state evidence;

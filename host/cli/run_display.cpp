@@ -3,6 +3,7 @@
 
 #include "host/cli/run_display.h"
 
+#include "host/case/wal_counts.h"
 #include "host/cli/time_left.h"
 #include "host/source/evidence_files.h"
 #include "host/text/count_text.h"
@@ -52,12 +53,20 @@ QString source_text(const source_request &request)
            + request.source.path;
 }
 
+/** "50 sightings of 12 devices". */
+QString sightings_text(const table_rows &rows)
+{
+    return count_text(rows.stored) + (rows.stored == 1 ? u" sighting of "_s : u" sightings of "_s)
+           + count_text(rows.devices) + (rows.devices == 1 ? u" device"_s : u" devices"_s);
+}
+
 /** "Source3  done  1,000 devices, 20 paired_devices, 12 host devices". */
 QString state_and_counts(const source_request &request, const source_record &record)
 {
     QStringList counts;
     for (const table_rows &rows : record.rows)
-        counts.append((rows.stored ? count_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
+        counts.append(rows.devices ? sightings_text(rows)
+                                   : (rows.stored ? count_text(*rows.stored) : u"unknown"_s) + u' ' + rows.table);
     if (record.host_devices.isDouble())
         counts.append(count_text(record.host_devices.toInteger()) + u" host devices"_s);
     return source_name(request.number) + u"  "_s + status_name(record.status)
@@ -67,10 +76,14 @@ QString state_and_counts(const source_request &request, const source_record &rec
 /** Where the result is and how many rows each table of this run got. */
 terminal_texts result_lines(const source_request &request, const source_record &record)
 {
-    terminal_texts lines{u"Source  "_s + source_text(request), u"Result  "_s + request.layout().result_database()};
+    terminal_texts lines{u"Source  "_s + source_text(request)};
+    if (record.result_path.isEmpty())
+        return lines; // a run that ended early may have none
+    lines.append(u"Result  "_s + request.layout().result_database());
     for (const table_rows &rows : record.rows)
         lines.append(u"        "_s + rows.table.leftJustified(14) + u"  "_s
-                     + (rows.stored ? rows_text(*rows.stored) : u"unknown"_s).rightJustified(14));
+                     + (rows.stored ? rows_text(*rows.stored) : u"unknown"_s).rightJustified(14)
+                     + (rows.devices ? QString(u", "_s + sightings_text(rows)) : QString()));
     if (record.host_devices.isDouble())
         lines.append(state_and_counts(request, record));
     return lines;
@@ -186,10 +199,23 @@ public:
             out.print_unless_quiet(result_lines(request, record));
         else
             out.print_unless_quiet({result_line(request, record)});
-        for (const run_message &message : record.messages)
-            print(out, message, prefix(request));
+        const wal_counts log(record.wal);
+        in_logs += log;
+        const bool is_summed_up = options.source_count > 1 && log.has_differences(); // see case_finished()
+        for (const run_message &message : record.messages) {
+            if (!is_summed_up || message.text != log.text())
+                print(out, {run_message::weight::warning, in_logs.text()}, {});
+        }
         if (sources_done < options.source_count)
             show();
+    }
+
+    void case_finished() override
+    {
+        if (options.source_count == 1 || !in_logs.has_differences())
+            return;
+        out.progress().clear();
+        print(out, {run_message::weight::warning, in_logs.text()}, {});
     }
 
 private:
@@ -234,6 +260,7 @@ private:
     QMap<int, source_progress> running; ///< by the source's number
     QSet<QString> said_before;          ///< what holds for several sources
     time_left left;
+    wal_counts in_logs; ///< of all sources
     qint64 hashed = 0;
     qint64 rows_stored = 0;
     qsizetype sources_done = 0;
@@ -299,6 +326,10 @@ public:
                    {u"rows"_s, json.value("rows"_L1)},
                    {u"sources_done"_s, ++sources_done},
                    {u"sources"_s, options.source_count}});
+    }
+
+    void case_finished() override
+    {
     }
 
 private:

@@ -5,6 +5,7 @@
 
 #include "host/case/case_reservations.h"
 #include "host/case/stored_source.h"
+#include "host/case/wal_counts.h"
 #include "host/cli/host_device_view.h"
 #include "host/files/host_error.h"
 #include "host/report/tables/report_table.h"
@@ -148,5 +149,17 @@ exit_code run_show(const show_options &options, console &out)
         }
     }
     printer.print_end();
+    wal_counts in_logs;
+    for (const stored_source &source : sources) {
+        if (source.record)
+            in_logs += wal_counts(source.record->wal);
+    }
+    if (in_logs.has_differences())
+        out.warning(in_logs.text());
+    if (const qsizetype missing = sources_not_run(options.place); missing > 0) {
+        out.warning(u"the case is incomplete: "_s + count_text(missing)
+                    + (missing == 1 ? u" of its sources was not run"_s : u" of its sources were not run"_s));
+        code = exit_code::partial;
+    }
     return code;
 }

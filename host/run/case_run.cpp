@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -39,13 +40,18 @@ public:
     {
         std::vector<std::thread> workers;
         const qsizetype jobs = std::clamp<qsizetype>(request.jobs, 1, plan.to_run.size());
-        for (qsizetype i = 1; i < jobs; ++i)
-            workers.emplace_back([this] { work(); });
+        try {
+            for (qsizetype i = 1; i < jobs; ++i)
+                workers.emplace_back([this] { work(); });
+        } catch (const std::system_error &) {
+            // The system allows no more threads: those that there are do the work.
+        }
         work();
         for (std::thread &worker : workers)
             worker.join();
         if (failure)
             std::rethrow_exception(failure);
+        observer.case_finished();
         return tally;
     }
 

@@ -212,6 +212,7 @@ child_end child_process::wait(const std::function<void(const QByteArray &line)> 
         }
         if (const int cancelled = cancellations(); !is_ended && cancelled > sent) {
             ::kill(cancelled == 1 ? process : -process, cancelled == 1 ? SIGINT : SIGKILL);
+            ::kill(-process, SIGCONT); // a child that somebody stopped would never see it
             sent = cancelled;
         }
         if (!is_ended && deadline.hasExpired() && !end.is_timed_out) {

@@ -7,6 +7,7 @@
 #include "host/devices/host_devices_file.h"
 #include "host/files/file_hash.h"
 #include "host/files/host_error.h"
+#include "host/run/ios_rows.h"
 #include "host/source/evidence_files.h"
 #include "host/source/macos_databases.h"
 #include "host/source/salvage.h"
@@ -18,6 +19,7 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <optional>
 
 #include <sqlite3.h>
 
@@ -106,6 +108,63 @@ void read_host_devices(inspection &result, const source_request &request)
     result.notes += devices.notes;
 }
 
+/** Rows of a log are sightings: how many devices they name, by identifier, else by address. */
+void count_sighted_devices(inspection &result, const source_request &request)
+{
+    if (request.source.kind != &ios_uid_kind || request.options.suite_tables)
+        return;
+    for (table_rows &rows : result.rows) {
+        if (rows.table != other_devices_database.result_table || !rows.stored)
+            continue;
+        try {
+            const sqlite_database database(request.layout().result_database(), sqlite_database::access::read_only);
+            sqlite_statement devices(database, "SELECT count(DISTINCT coalesce(nullif(sf_device_id, ''), "
+                                               "nullif(address, ''))) FROM devices");
+            devices.next();
+            rows.devices = devices.integer(0);
+        } catch (const sqlite_error &error) {
+            result.problems.append(u"the devices of the log cannot be counted: "_s + error.message());
+        }
+    }
+}
+
+/** Rows of a log are made of the lines that the host found in it; what fails to be written is reported elsewhere. */
+void compare_ios_rows(inspection &result, const source_request &request)
+{
+    const bool has_rows = !result.rows.isEmpty() && result.rows.first().stored;
+    if (request.source.kind != &ios_uid_kind || request.options.suite_tables || !has_rows)
+        return;
+    try {
+        result.differences = ios_row_differences(request.layout().result_database(), request.layout().ios_lines(),
+                                                 request.options.tables);
+    } catch (const host_error &error) {
+        result.problems.append(error.message());
+    } catch (const sqlite_error &error) {
+        result.is_out_of_memory = result.is_out_of_memory || error.is_out_of_memory();
+        result.problems.append(u"the rows cannot be compared with the log's lines: "_s + error.message());
+    }
+}
+
+/** Copies of the evidence, the host's and the plug-in's, that hold something else than what was hashed. */
+QStringList unlike_copies(const source_request &request, const evidence_state &evidence)
+{
+    QStringList texts;
+    if (request.source.kind != &macos_kind)
+        return texts;
+    for (const evidence_file &file : evidence.files) {
+        if (file.before && !file.copy_sha256.isEmpty() && file.copy_sha256 != file.before->sha256)
+            texts.append(file.path + u": its working copy is not what was hashed"_s);
+    }
+    for (const macos_database *database : macos_databases) {
+        const evidence_file *file = evidence.file_named(path_in_source(*database));
+        const std::optional<QString> hash = hash_of_file(request.layout().result_folder() + u"/Logs/"_s
+                                                         + database->file_name);
+        if (hash && (!file || !file->before || *hash != file->before->sha256))
+            texts.append(path_in_source(*database) + u": what the plug-in copied is not what was hashed"_s);
+    }
+    return texts;
+}
+
 /** The file that the rows of a table come from, relative to the source; empty for a kind that has none. */
 QString file_of_table(const source_request &request, const QString &table)
 {
@@ -174,7 +233,7 @@ inspection inspect(const source_request &request, const evidence_state &evidence
     inspection result;
     result.evidence = evidence;
     look_after(result.evidence, request.source, hashed);
-    result.changes = result.evidence.changes();
+    result.changes = result.evidence.changes() + unlike_copies(request, evidence);
 
     QFile log(request.layout().plugin_log());
     if (log.open(QIODevice::ReadOnly))
@@ -188,6 +247,8 @@ inspection inspect(const source_request &request, const evidence_state &evidence
     }
     settle_result(request);
     count_stored(result, request);
+    count_sighted_devices(result, request);
+    compare_ios_rows(result, request);
     const wal_findings wal = write_wal_changes(result.evidence, request.layout().evidence_folder(),
                                                request.layout().temporary_folder(), request.layout().wal_changes());
     result.wal = wal.counts;
@@ -208,6 +269,7 @@ QJsonObject inspection::to_json() const
             {u"salvaged"_s, salvaged},
             {u"changes"_s, QJsonArray::fromStringList(changes)},
             {u"problems"_s, QJsonArray::fromStringList(problems)},
+            {u"differences"_s, QJsonArray::fromStringList(differences)},
             {u"warnings"_s, QJsonArray::fromStringList(warnings)},
             {u"notes"_s, QJsonArray::fromStringList(notes)},
             {u"result_sha256"_s, result_sha256},
@@ -225,6 +287,7 @@ inspection inspection::from_json(const QJsonObject &json)
     result.salvaged = json.value("salvaged"_L1);
     result.changes = texts_from(json.value("changes"_L1));
     result.problems = texts_from(json.value("problems"_L1));
+    result.differences = texts_from(json.value("differences"_L1));
     result.warnings = texts_from(json.value("warnings"_L1));
     result.notes = texts_from(json.value("notes"_L1));
     result.result_sha256 = json.value("result_sha256"_L1).toString();

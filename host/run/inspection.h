@@ -19,10 +19,11 @@
 struct inspection
 {
     evidence_state evidence;
-    QStringList changes;    ///< of the evidence, in plain words
-    QList<table_rows> rows; ///< found and stored; for each table of the request
-    QStringList problems;   ///< why a count is missing, in plain words
-    QStringList warnings;   ///< what the plug-in does not need, and could not be looked into
+    QStringList changes;     ///< of the evidence, in plain words
+    QList<table_rows> rows;  ///< found and stored; for each table of the request
+    QStringList problems;    ///< why a count is missing, in plain words
+    QStringList differences; ///< between what the host and what the plug-in read, in plain words
+    QStringList warnings;    ///< what the plug-in does not need, and could not be looked into
     QString result_sha256;
     QStringList notes; ///< what the examiner should know of a part that was read as a whole
     QJsonValue wal;    ///< this and the next as in a source_record

@@ -20,6 +20,7 @@ constexpr QLatin1StringView line_middle("][Artifacts Extraction][");
 constexpr QLatin1StringView message_start("]:-- ");
 constexpr QLatin1StringView failure_mark("-FAILED-");
 constexpr QLatin1StringView read_warning("-- READ WARNING -- ");
+constexpr QLatin1StringView read_error(" Error :- "); // stands alone, or is the reason of the failure before it
 constexpr QLatin1StringView last_message("[pub_extract_artifacts] - END");
 
 enum class reason_place { next_line, same_line };
@@ -38,6 +39,7 @@ constexpr failure_kind failure_kinds[] = {
     {"query insert file"_L1,      "a row could not be written"_L1,                                    reason_place::next_line, true},
     {read_warning,                "a source database could not be read, or not to its end"_L1,        reason_place::same_line},
     {"source file open"_L1,       "the log text could not be opened"_L1},
+    {read_error,                  "the log text could not be read to its end"_L1,                     reason_place::same_line},
     {"Destination Db opening"_L1, "the result database could not be opened"_L1},
     {"Source Db opening"_L1,      "the copy of a source database could not be opened"_L1},
     {"table creation"_L1,         "a result table could not be created"_L1},
@@ -77,7 +79,7 @@ QString message_of(const QString &line)
 
 bool reports_failure(const QString &message)
 {
-    return message.contains(failure_mark) || message.contains(read_warning);
+    return message.contains(failure_mark) || message.contains(read_warning) || message.startsWith(read_error);
 }
 
 /** "a row could not be written: table devices has no column named model". */
@@ -156,8 +158,9 @@ log_findings read_plugin_log(QIODevice &log, const QStringList &known_paths)
         for (const QString &path : known_paths)
             line.remove(path);
         const QString message = message_of(line);
+        const bool is_reason = !failed.isNull() && message.startsWith(read_error);
         settle(message);
-        if (reports_failure(message))
+        if (reports_failure(message) && !is_reason)
             failed = message;
     }
     settle({});

@@ -26,6 +26,8 @@ public:
     /** The examiner cancelled. Called once a run. */
     virtual void cancelling(const source_request &request) = 0;
     virtual void source_finished(const source_request &request, const source_record &record) = 0;
+    /** All sources had their turn. */
+    virtual void case_finished() = 0;
 };
 
 #endif

@@ -54,6 +54,11 @@ public:
         const std::lock_guard guard(mutex);
         observer.source_finished(request, record);
     }
+    void case_finished() override
+    {
+        const std::lock_guard guard(mutex);
+        observer.case_finished();
+    }
 
 private:
     run_observer &observer;

@@ -4,6 +4,7 @@
 #include "host/run/source_outcome.h"
 
 #include "host/case/outcome_code.h"
+#include "host/case/wal_counts.h"
 #include "host/source/device_phrases.h"
 #include "host/source/macos_databases.h"
 #include "host/text/count_text.h"
@@ -36,10 +37,11 @@ enum class finding {
     uncounted,
     log_without_end,
     log_not_whole,
+    rows_unlike_log,
     result_not_hashed,
     rows_disagree,
     odd_file,
-    unread_log,
+    rows_without_log,
     open_journal,
     lines_without_rows,
     worker_warning,
@@ -85,10 +87,11 @@ constexpr finding_kind finding_kinds[] = {
     {finding::uncounted,            weight::error,   status::partial,          outcome_code::partial,          "%1"_L1},
     {finding::log_without_end,      weight::error,   status::partial,          outcome_code::partial,          "the plug-in's log has no line that ends it: the plug-in stopped early"_L1},
     {finding::log_not_whole,        weight::error,   status::partial,          outcome_code::partial,          "the plug-in's log, plugin.log, does not hold all that the plug-in wrote into it: failures may be missing there"_L1},
+    {finding::rows_unlike_log,      weight::error,   status::partial,          outcome_code::partial,          "%1"_L1},
     {finding::result_not_hashed,    weight::error,   status::partial,          outcome_code::partial,          "the result database could not be hashed: nothing proves later that it is unchanged"_L1},
     {finding::rows_disagree,        weight::error,   status::partial,          outcome_code::partial,          "the rows of the table %1 do not agree: %2%3 announced by the plug-in, %4 stored in the result"_L1},
     {finding::odd_file,             weight::warning, status::done,             outcome_code::done,             "%1: %2"_L1},
-    {finding::unread_log,           weight::warning, status::done,             outcome_code::done,             "this version does not read the write-ahead log %1: rows that are only in it are missing in the result, and rows that it changes or deletes stand there as they were before"_L1},
+    {finding::rows_without_log,           weight::warning, status::done,             outcome_code::done,             "%1"_L1},
     {finding::open_journal,         weight::warning, status::done,             outcome_code::done,             "the rollback journal %1 belongs to a change that was not finished: the result has the rows of the database as it stands, half changed"_L1},
     {finding::lines_without_rows,   weight::warning, status::done,             outcome_code::done,             "%1 with \"%2\" gave no row"_L1},
     {finding::worker_warning,       weight::warning, status::done,             outcome_code::done,             "%1"_L1},
@@ -228,19 +231,11 @@ private:
         for (const evidence_file &file : evidence.files) {
             const bool is_there = file.state != evidence_file::presence::absent;
             const bool holds_something = is_there && (!file.before || file.before->size > 0);
-            if (file.path.endsWith("-wal"_L1) && holds_something && is_there_in(evidence, file.path.chopped(4)))
-                add(finding::unread_log, {file.path});
-            else if (file.path.endsWith("-journal"_L1) && holds_something)
+            if (file.path.endsWith("-journal"_L1) && holds_something)
                 add(finding::open_journal, {file.path});
             else if (file.path.endsWith(".corrupt"_L1) && is_there)
                 add(finding::leftover, {file.path});
         }
-    }
-
-    static bool is_there_in(const evidence_state &evidence, const QString &path)
-    {
-        const evidence_file *file = evidence.file_named(path);
-        return file && file->state != evidence_file::presence::absent;
     }
 
     /** Sources that gave nothing, and may do so. */
@@ -280,6 +275,8 @@ private:
 
     void find_in_inspection(const source_record &record)
     {
+        if (const wal_counts log(record.wal); log.has_differences())
+            add(finding::rows_without_log, {log.text()});
         for (const QString &warning : report.inspected->warnings)
             add(finding::worker_warning, {warning});
         for (const QString &note : report.inspected->notes)
@@ -290,6 +287,8 @@ private:
         if (is_interrupted)
             return; // what is missing then is no surprise
         find_log_faults();
+        for (const QString &difference : report.inspected->differences)
+            add(finding::rows_unlike_log, {difference});
         if (report.extracted && record.result_sha256.isEmpty())
             add(finding::result_not_hashed);
         find_row_differences(record);

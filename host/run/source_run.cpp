@@ -3,6 +3,7 @@
 
 #include "host/run/source_run.h"
 
+#include "host/case/case_files.h"
 #include "host/files/file_lock.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
@@ -18,8 +19,10 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimeZone>
 
 #include <cerrno>
+#include <csignal>
 #include <memory>
 #include <utility>
 
@@ -80,6 +83,21 @@ void remove_temporary_files(const source_layout &layout)
     }
 }
 
+/** Whether nothing that the plug-in does can have ended it so: that concerns this source alone. */
+bool was_killed_by_others(const child_end &end)
+{
+    return end.signal == SIGKILL || end.signal == SIGTERM || end.signal == SIGHUP || end.signal == SIGINT;
+}
+
+/** Files of the case's that were not finished, since the worker was stopped while it wrote them. */
+void remove_unfinished_files(const source_layout &layout)
+{
+    for (const case_file &file : case_files) {
+        if (file.beside == companions::unfinished)
+            QFile::remove(layout.folder() + u'/' + file.name + u".new"_s);
+    }
+}
+
 /** The one run of a source while it goes on. */
 class running_source
 {
@@ -103,7 +121,7 @@ public:
         report.end = end;
         if (!is_prepared && is_interrupted())
             throw host_error(error_kind::interrupted, u"interrupted before anything was written"_s);
-        if (!is_prepared && !end.is_timed_out && !report.is_out_of_memory)
+        if (!is_prepared && !end.is_timed_out && !report.is_out_of_memory && !was_killed_by_others(end))
             throw_unusable_plugin();
         if (!is_prepared) {
             prepare();
@@ -175,6 +193,7 @@ private:
         record.status = source_status::running;
         record.files.emplace();
         record.started = utc_now();
+        record.log_zone = QString::fromLatin1(QTimeZone::systemTimeZoneId());
         write_source_record(request, facts, record);
         make_folder(layout.temporary_folder());
         create_plugin_log(layout.plugin_log());
@@ -207,6 +226,7 @@ private:
         source_record judged = judge_source(request, record, report, is_interrupted());
         judged.finished = utc_now();
         remove_temporary_files(request.layout());
+        remove_unfinished_files(request.layout());
         try {
             judged.files = list_files_of_source(case_layout(request.case_directory), request.number);
         } catch (const host_error &error) {

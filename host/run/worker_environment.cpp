@@ -5,26 +5,22 @@
 
 #include <QFile>
 
+#include <algorithm>
+
 extern char **environ; // NOLINT(readability-redundant-declaration): not every system's headers declare it
 
 namespace {
 
-/** Variables that would change what the plug-in does or where it writes. */
-constexpr QByteArrayView replaced[] = {
-    "TMPDIR=",  "SQLITE_TMPDIR=",   "XDG_RUNTIME_DIR=", "XDG_CACHE_HOME=",           "LC_ALL=",
-    "DISPLAY=", "WAYLAND_DISPLAY=", "SESSION_MANAGER=", "DBUS_SESSION_BUS_ADDRESS=",
-};
+/**
+ * All that passes: the zone of the plug-in's log, settings of the compiler's checks, which change no result, and what
+ * doubles of the plug-in are told. Others make libraries load code, write files or convert texts otherwise.
+ */
+constexpr QByteArrayView passed_on[] = {"TZ=", "ASAN_OPTIONS=", "LSAN_OPTIONS=", "UBSAN_OPTIONS=", "BLUETOOTH_LOGS_"};
 
-/** Where Qt's own plug-ins are stays as it is. */
-constexpr QByteArrayView kept_of_qt = "QT_PLUGIN_PATH=";
-
-bool is_replaced(QByteArrayView variable)
+bool is_passed_on(QByteArrayView variable)
 {
-    for (const QByteArrayView name : replaced) {
-        if (variable.startsWith(name))
-            return true;
-    }
-    return variable.startsWith("QT_") && !variable.startsWith(kept_of_qt);
+    return std::any_of(std::begin(passed_on), std::end(passed_on),
+                       [variable](QByteArrayView name) { return variable.startsWith(name); });
 }
 
 } // namespace
@@ -33,7 +29,7 @@ QList<QByteArray> worker_environment()
 {
     QList<QByteArray> variables;
     for (char **variable = environ; *variable; ++variable) {
-        if (!is_replaced(*variable))
+        if (is_passed_on(*variable))
             variables.append(*variable);
     }
     // No folders, so that nothing is made there while the case is not yet the program's own.

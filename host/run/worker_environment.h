@@ -10,7 +10,8 @@
 
 /**
  * The environment of a process that runs the plug-in: the same on a terminal, in a script and on a machine without a
- * display, whatever Qt is told elsewhere, and without any folder for temporary files. "NAME=value" each.
+ * display. It is built up from what is needed, so that no variable of the caller's makes a library load or write
+ * anything, and has no folder for temporary files. "NAME=value" each.
  */
 QList<QByteArray> worker_environment();
 

@@ -115,7 +115,10 @@ std::optional<QString> link_out_of_source(const evidence_source &source, const Q
 {
     if (source.kind == &ios_uid_kind || is_inside(path, source.root))
         return {};
-    return QFileInfo(path).canonicalFilePath();
+    const QString target = QFileInfo(path).canonicalFilePath();
+    if (target.isEmpty()) // it leads nowhere, or cannot be followed: whoever opens it learns why
+        return {};
+    return target;
 }
 
 std::optional<QString> refused_link(const evidence_source &source, const QString &path)

@@ -19,7 +19,7 @@ class case_in_a_folder(unittest.TestCase):
         place = tempfile.TemporaryDirectory()
         self.addCleanup(place.cleanup)
         self.folder = pathlib.Path(place.name)
-        self.environment = {**os.environ, "WAITING_PLUGIN_FOLDER": str(self.folder)}
+        self.environment = {**os.environ, "BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER": str(self.folder)}
         self.run_program("sample", "sample")
 
     def start(self, *arguments):

@@ -26,7 +26,7 @@ constexpr int three_minutes = 180000; // milliseconds
 
 QString signal_file(QLatin1StringView name)
 {
-    return qEnvironmentVariable("WAITING_PLUGIN_FOLDER") + u'/' + name;
+    return qEnvironmentVariable("BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER") + u'/' + name;
 }
 
 void hang()
@@ -55,8 +55,8 @@ void take_all_memory()
 }
 
 /**
- * Creates the file "started" in the folder $WAITING_PLUGIN_FOLDER and goes on when the file "go" is there, or the test
- * that waits for it is gone.
+ * Creates the file "started" in the folder $BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER and goes on when the file "go" is
+ * there, or the test that waits for it is gone.
  */
 void wait()
 {
@@ -107,17 +107,17 @@ constexpr fault faults[] = {
 // clang-format on
 
 /**
- * The environment variable FAULTY_PLUGIN names a moment and what happens there: "extraction crash". With
- * FAULTY_PLUGIN_AT_LAST there it crashes in the end too.
+ * The environment variable BLUETOOTH_LOGS_FAULTY_PLUGIN names a moment and what happens there: "extraction crash". With
+ * BLUETOOTH_LOGS_FAULTY_PLUGIN_AT_LAST there it crashes in the end too.
  */
 bool is_faulty(QLatin1StringView moment)
 {
-    return qEnvironmentVariable("FAULTY_PLUGIN").section(u' ', 0, 0) == moment;
+    return qEnvironmentVariable("BLUETOOTH_LOGS_FAULTY_PLUGIN").section(u' ', 0, 0) == moment;
 }
 
 void reach(QLatin1StringView moment)
 {
-    const QString name = qEnvironmentVariable("FAULTY_PLUGIN").section(u' ', 1, 1);
+    const QString name = qEnvironmentVariable("BLUETOOTH_LOGS_FAULTY_PLUGIN").section(u' ', 1, 1);
     for (const fault &known : faults) {
         if (is_faulty(moment) && name == known.name)
             known.happen();
@@ -145,7 +145,7 @@ public:
     {
         bluetooth_logs::pub_remove_temporary_asthetics();
         reach("removal"_L1);
-        if (qEnvironmentVariableIsSet("FAULTY_PLUGIN_AT_LAST"))
+        if (qEnvironmentVariableIsSet("BLUETOOTH_LOGS_FAULTY_PLUGIN_AT_LAST"))
             crash();
     }
 };

@@ -21,7 +21,7 @@ QProcessEnvironment environment_without_display(const QString &folder)
     for (const QLatin1StringView name :
          {"DISPLAY"_L1, "WAYLAND_DISPLAY"_L1, "QT_QPA_PLATFORM"_L1, "XDG_RUNTIME_DIR"_L1})
         environment.remove(name);
-    environment.insert(u"WAITING_PLUGIN_FOLDER"_s, folder);
+    environment.insert(u"BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER"_s, folder);
     return environment;
 }
 
@@ -70,7 +70,7 @@ host_result host_program::run_meanwhile(const QStringList &arguments, const QStr
     QFile::remove(path(u"go"_s));
     QProcess process;
     start(process, arguments + QStringList{u"--plugin"_s, faulty_plugin_file()},
-          {u"/usr/bin/env"_s, u"FAULTY_PLUGIN="_s + moment + u" wait"_s});
+          {u"/usr/bin/env"_s, u"BLUETOOTH_LOGS_FAULTY_PLUGIN="_s + moment + u" wait"_s});
     const QString started = path(u"started"_s);
     const auto waits_or_ended = [&] { return QFile::exists(started) || process.state() == QProcess::NotRunning; };
     if (QTest::qWaitFor(waits_or_ended, time_limit) && QFile::exists(started))

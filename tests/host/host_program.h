@@ -67,7 +67,8 @@ public:
     static QString program_file();
     static QString waiting_plugin_file();
 
-    /** The plug-in with a fault, which the variable FAULTY_PLUGIN names: tests/host/faulty_plugin.cpp. */
+    /** The plug-in with a fault, which the variable BLUETOOTH_LOGS_FAULTY_PLUGIN names: tests/host/faulty_plugin.cpp.
+     */
     static QString faulty_plugin_file();
     /** A library whose create_object is no function. */
     static QString data_symbol_plugin_file();

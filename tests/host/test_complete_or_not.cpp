@@ -84,7 +84,7 @@ void test_complete_or_not::hangup_that_is_ignored()
     process.setProgram(u"sh"_s);
     process.setWorkingDirectory(host.path(QString()));
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"WAITING_PLUGIN_FOLDER"_s, host.path(QString()));
+    environment.insert(u"BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER"_s, host.path(QString()));
     process.setProcessEnvironment(environment);
     process.setArguments(QStringList{u"-c"_s, u"trap '' HUP; exec \"$@\""_s, u"sh"_s, host_program::program_file()}
                          + extract_sample + QStringList{u"--plugin"_s, host_program::waiting_plugin_file()});

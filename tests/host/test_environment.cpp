@@ -81,6 +81,8 @@ void test_environment::variable_changes_nothing_data()
     QTest::newRow("language")         << u"LANGUAGE"_s              << u"de:fr"_s;
     QTest::newRow("display")          << u"DISPLAY"_s               << u":77"_s;
     QTest::newRow("time zone")        << u"TZ"_s                    << u"nonsense/nowhere"_s;
+    QTest::newRow("code of OpenSSL's") << u"OPENSSL_CONF"_s         << u"/nonexistent/openssl.cnf"_s;
+    QTest::newRow("Qt's plug-ins")    << u"QT_PLUGIN_PATH"_s        << u"/nonexistent"_s;
     QTest::newRow("SQLite's folder")  << u"SQLITE_TMPDIR"_s         << u"/nonexistent"_s;
     // clang-format on
 }

@@ -168,7 +168,7 @@ void test_evidence_change::change_is_told_of_a_plugin_that_crashed()
     host.write_sample();
     const QString database = host.path(
         u"sample/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s);
-    host.set_variable(u"FAULTY_PLUGIN_AT_LAST"_s, u"crash"_s);
+    host.set_variable(u"BLUETOOTH_LOGS_FAULTY_PLUGIN_AT_LAST"_s, u"crash"_s);
     const host_result result = host.run_meanwhile(extract_macos, u"removal"_s,
                                                   [&] { change_content_and_put_times_back(database); });
     QCOMPARE(result.exit_code, 5);

@@ -6,6 +6,8 @@
 #include "tests/support/strict_test.h"
 
 #include <QFile>
+#include <QRegularExpression>
+#include <QSet>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -21,6 +23,7 @@ private Q_SLOTS:
 
 private:
     qint64 lines_with(const host_program &host, QByteArrayView marker) const;
+    qint64 sighted(const host_program &host) const; ///< devices by their identifiers
     QString summary(const host_program &host, qint64 devices, qint64 paired) const;
 
     const QString widened_note =
@@ -35,11 +38,24 @@ qint64 test_extract_ios::lines_with(const host_program &host, QByteArrayView mar
     return log.open(QIODevice::ReadOnly) ? log.readAll().count(marker) : -1;
 }
 
+qint64 test_extract_ios::sighted(const host_program &host) const
+{
+    QFile log(host.path(u"sample/ios/system.log"_s));
+    QSet<QString> identifiers;
+    static const QRegularExpression form(u"BLE device found: SFDevice ID ([^,]*)"_s);
+    const QString text = log.open(QIODevice::ReadOnly) ? QString::fromUtf8(log.readAll()) : QString();
+    for (const QRegularExpressionMatch &match : form.globalMatch(text))
+        identifiers.insert(match.captured(1).trimmed());
+    return identifiers.size();
+}
+
 QString test_extract_ios::summary(const host_program &host, qint64 devices, qint64 paired) const
 {
     return u"Source  iOS: "_s + host.path(u"sample/ios/system.log"_s) + u"\nResult  "_s
            + host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)
-           + u"\n        devices         %1 rows\n        paired_devices  %2 rows\n"_s.arg(devices, 9).arg(paired, 9);
+           + u"\n        devices         %1 rows%3\n        paired_devices  %2 rows\n"_s.arg(devices, 9)
+                 .arg(paired, 9)
+                 .arg(devices == 0 ? QString() : u", 50 sightings of %1 devices"_s.arg(sighted(host)));
 }
 
 void test_extract_ios::tables_without_room_are_told()

@@ -54,7 +54,7 @@ private:
 host_result test_limits::extract_with(host_program &host, const QString &fault, const QStringList &options) const
 {
     host.write_sample();
-    host.set_variable(u"FAULTY_PLUGIN"_s, fault);
+    host.set_variable(u"BLUETOOTH_LOGS_FAULTY_PLUGIN"_s, fault);
     return host.run(extract_sample + QStringList{u"--plugin"_s, host_program::faulty_plugin_file()} + options);
 }
 

@@ -84,7 +84,7 @@ void test_plugin_log_is_whole::plugin_that_stops_early_is_told()
 {
     host_program host;
     host.write_sample();
-    host.set_variable(u"FAULTY_PLUGIN"_s, u"skipped"_s);
+    host.set_variable(u"BLUETOOTH_LOGS_FAULTY_PLUGIN"_s, u"skipped"_s);
     const host_result result = host.run(extract_sample
                                         + QStringList{u"--plugin"_s, host_program::faulty_plugin_file()});
     QCOMPARE(result.exit_code, 4);

@@ -63,7 +63,7 @@ void test_wrong_plugin::init()
 
 host_result test_wrong_plugin::extract_with(const QString &fault, const QStringList &more)
 {
-    host.set_variable(u"FAULTY_PLUGIN"_s, fault);
+    host.set_variable(u"BLUETOOTH_LOGS_FAULTY_PLUGIN"_s, fault);
     return host.run(extract_sample + QStringList{u"--plugin"_s, host_program::faulty_plugin_file()} + more);
 }
 
@@ -158,7 +158,7 @@ void test_wrong_plugin::hanging_load_can_be_cancelled()
 {
     QFETCH(QString, fault);
     QFile::remove(host.path(u"started"_s));
-    host.set_variable(u"FAULTY_PLUGIN"_s, fault);
+    host.set_variable(u"BLUETOOTH_LOGS_FAULTY_PLUGIN"_s, fault);
     QProcess process;
     host.start(process, extract_sample + QStringList{u"--plugin"_s, host_program::faulty_plugin_file()});
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);

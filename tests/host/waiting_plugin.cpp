@@ -14,12 +14,13 @@ namespace {
 
 QString signal_file(QLatin1StringView name)
 {
-    return qEnvironmentVariable("WAITING_PLUGIN_FOLDER") + u'/' + name;
+    return qEnvironmentVariable("BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER") + u'/' + name;
 }
 
 /**
- * The plug-in, but for its extraction: that creates the file "started" in the folder $WAITING_PLUGIN_FOLDER and begins
- * only when the file "go" is there or it was cancelled. With a file "stubborn" there it takes no cancellation.
+ * The plug-in, but for its extraction: that creates the file "started" in the folder
+ * $BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER and begins only when the file "go" is there or it was cancelled. With a file
+ * "stubborn" there it takes no cancellation.
  */
 class waiting_plugin : public bluetooth_logs
 {

@@ -33,6 +33,10 @@ private Q_SLOTS:
     void evidence_that_moved_or_is_gone();
     void killed_run_is_continued_data();
     void killed_run_is_continued();
+    void show_tells_of_sources_that_were_not_run();
+    void caller_that_ignores_its_children();
+    void stopped_worker_is_woken_to_be_cancelled();
+    void worker_that_is_killed_while_it_loads_fails_alone();
     void workers_end_with_their_parent();
     void second_run_is_refused();
     void added_source_changes_no_other();
@@ -287,33 +291,90 @@ void test_cases::evidence_that_moved_or_is_gone()
 
 void test_cases::killed_run_is_continued_data()
 {
-    QTest::addColumn<int>("milliseconds");
+    QTest::addColumn<QString>("moment");
 
-    for (const int milliseconds : {5, 20, 40, 60, 90, 150})
-        QTest::addRow("after %d ms", milliseconds) << milliseconds;
+    for (const QString &moment : {u"loading"_s, u"creation"_s, u"extraction"_s, u"end"_s, u"removal"_s})
+        QTest::newRow(qPrintable(moment)) << moment;
 }
 
 void test_cases::killed_run_is_continued()
 {
-    QFETCH(int, milliseconds);
-    const host_program host;
+    QFETCH(QString, moment);
+    host_program host;
     write_sources(host);
-    const QStringList arguments = three_sources + QStringList{u"--jobs"_s, u"2"_s};
+    const QStringList arguments = three_sources
+                                  + QStringList{u"--jobs"_s, u"2"_s, u"--plugin"_s, host_program::faulty_plugin_file()};
     QCOMPARE(run_extract(host, arguments).exit_code, 0);
     const QByteArray whole = without_times(host.path(u"case/manifest.json"_s));
+    const QStringList files = contents(host.path(u"case"_s)).keys();
     QVERIFY(QDir(host.path(u"case"_s)).removeRecursively());
 
+    host.set_variable(u"BLUETOOTH_LOGS_FAULTY_PLUGIN"_s, moment + u" wait"_s);
     QProcess process;
     host.start(process, QStringList{u"extract"_s, u"-o"_s, u"case"_s} + arguments);
-    QVERIFY(process.waitForStarted());
-    QTest::qWait(milliseconds);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);
     process.kill();
     process.waitForFinished();
     QTRY_COMPARE_WITH_TIMEOUT(workers_in(host.path(QString())), QStringList(), 20000);
+    host.set_variable(u"BLUETOOTH_LOGS_FAULTY_PLUGIN"_s, QString());
 
     QCOMPARE(run_extract(host, arguments + QStringList{u"--resume"_s}).exit_code, 0);
     QCOMPARE(without_times(host.path(u"case/manifest.json"_s)), whole);
+    QCOMPARE(contents(host.path(u"case"_s)).keys(), files);
     QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 0);
+}
+
+void test_cases::show_tells_of_sources_that_were_not_run()
+{
+    const host_program host;
+    write_sources(host);
+    QCOMPARE(run_extract(host, three_sources + QStringList{u"--only"_s, u"1"_s}).exit_code, 0);
+    const host_result shown = host.run({u"show"_s, u"case"_s});
+    QCOMPARE(shown.errors, u"warning: the case is incomplete: 2 of its sources were not run\n"_s);
+    QCOMPARE(shown.exit_code, 4);
+}
+
+void test_cases::caller_that_ignores_its_children()
+{
+    const host_program host;
+    write_sources(host);
+    const host_result result = host.run_in_shell(u"extract -i copy -o case"_s, u"trap '' CHLD"_s);
+    QCOMPARE(result.errors, QString());
+    QCOMPARE(result.exit_code, 0);
+}
+
+void test_cases::stopped_worker_is_woken_to_be_cancelled()
+{
+    const host_program host;
+    write_sources(host);
+    QProcess process;
+    host.start(process, {u"extract"_s, u"-o"_s, u"case"_s, u"-i"_s, u"copy"_s, u"--plugin"_s,
+                         host_program::waiting_plugin_file()});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);
+    const QStringList workers = workers_in(host.path(QString()));
+    QCOMPARE(workers.size(), 1);
+    QCOMPARE(::kill(workers.first().toInt(), SIGSTOP), 0);
+    QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished(5000 * (is_sanitized() ? 4 : 1)));
+    QCOMPARE(process.exitCode(), 130);
+}
+
+void test_cases::worker_that_is_killed_while_it_loads_fails_alone()
+{
+    host_program host;
+    write_sources(host);
+    host.set_variable(u"BLUETOOTH_LOGS_FAULTY_PLUGIN"_s, u"loading wait"_s);
+    QProcess process;
+    host.start(process, QStringList{u"extract"_s, u"-o"_s, u"case"_s, u"--jobs"_s, u"1"_s, u"--plugin"_s,
+                                    host_program::faulty_plugin_file()}
+                            + three_sources);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);
+    const QStringList workers = workers_in(host.path(QString()));
+    QCOMPARE(workers.size(), 1);
+    write(host.path(u"go"_s), {});
+    QCOMPARE(::kill(workers.first().toInt(), SIGKILL), 0);
+    QCOMPARE(host_program::finish(process).exit_code, 4);
+    QCOMPARE(statuses(host), QStringList({u"crashed"_s, u"done"_s, u"done"_s}));
 }
 
 void test_cases::workers_end_with_their_parent()
@@ -408,7 +469,8 @@ void test_cases::one_source_done_anew_changes_no_other()
 
     const QStringList second = three_sources + QStringList{u"--only"_s, u"2"_s};
     QCOMPARE(run_extract(host, second).exit_code, 2);
-    QTest::qWait(1100); // its times are whole seconds
+    const qint64 now = QDateTime::currentSecsSinceEpoch(); // records have times in whole seconds
+    QTRY_VERIFY(QDateTime::currentSecsSinceEpoch() > now);
     QCOMPARE(run_extract(host, second + QStringList{u"--force"_s}).exit_code, 0);
     QCOMPARE(of_others(), before);
 

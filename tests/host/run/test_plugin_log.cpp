@@ -65,6 +65,8 @@ void test_plugin_log::words_data()
                                     << u"1 a source database could not be read, or not to its end: no such table: OtherDevices"_s;
     QTest::newRow("source log")     << QStringList{u" source file open ------FAILED-------/evidence/log"_s, u" Error :- Permission denied"_s}
                                     << u"1 the log text could not be opened: Error :- Permission denied"_s;
+    QTest::newRow("read error")     << QStringList{u" start"_s, u" Error :- Input/output error"_s, u" end"_s}
+                                    << u"1 the log text could not be read to its end: Input/output error"_s;
     QTest::newRow("result, macOS")  << QStringList{u"[extract_paired_devices] Destination Db opening ----FAILED---- "_s, u"unable to open database file"_s, u"/case/x.sqlite"_s}
                                     << u"1 the result database could not be opened: unable to open database file"_s;
     QTest::newRow("result, iOS")    << QStringList{u" Destination Db opening ---FAILED--- /case/x.sqlite"_s, u"unable to open"_s}
