@@ -88,13 +88,3 @@ QList<stored_source> stored_sources(const QString &place)
                              + (QFileInfo::exists(place) ? u": a case holds a folder Source1"_s : QString()));
     return sources;
 }
-
-qsizetype sources_not_run(const QString &place)
-{
-    const case_layout layout(place);
-    const QList<int> recorded = recorded_sources(layout);
-    if (recorded.isEmpty())
-        return 0;
-    const QJsonValue count = read_source_record(layout, recorded.first()).members["case_sources"_L1]["count"_L1];
-    return qMax<qsizetype>(0, qsizetype(count.toInteger()) - recorded.size());
-}

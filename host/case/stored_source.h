@@ -35,7 +35,4 @@ struct stored_source
  */
 QList<stored_source> stored_sources(const QString &place);
 
-/** How many sources of the case at @p place, by its own records, have no record. 0 for a result database. */
-qsizetype sources_not_run(const QString &place);
-
 #endif

@@ -204,7 +204,7 @@ public:
         const bool is_summed_up = options.source_count > 1 && log.has_differences(); // see case_finished()
         for (const run_message &message : record.messages) {
             if (!is_summed_up || message.text != log.text())
-                print(out, {run_message::weight::warning, in_logs.text()}, {});
+                print(out, message, prefix(request));
         }
         if (sources_done < options.source_count)
             show();

@@ -156,10 +156,5 @@ exit_code run_show(const show_options &options, console &out)
     }
     if (in_logs.has_differences())
         out.warning(in_logs.text());
-    if (const qsizetype missing = sources_not_run(options.place); missing > 0) {
-        out.warning(u"the case is incomplete: "_s + count_text(missing)
-                    + (missing == 1 ? u" of its sources was not run"_s : u" of its sources were not run"_s));
-        code = exit_code::partial;
-    }
     return code;
 }
