@@ -347,7 +347,8 @@ private:
                 take_alone(pass, take);
             return;
         }
-        const member_name name = take_apart(bytes_of(archive_entry_pathname_utf8(entry), archive_entry_pathname(entry)));
+        const member_name name = take_apart(
+            bytes_of(archive_entry_pathname_utf8(entry), archive_entry_pathname(entry)));
         const bool is_evidence = wanted.is_wanted(name.parts);
         if (!is_evidence && !name.danger.isEmpty())
             pass_over(name.text, name.danger);
@@ -400,7 +401,7 @@ private:
         const char *hard = archive_entry_hardlink(entry);
         const QString text = hard ? evidence_name_text(bytes_of(archive_entry_hardlink_utf8(entry), hard))
                                   : evidence_name_text(
-                                        bytes_of(archive_entry_symlink_utf8(entry), archive_entry_symlink(entry)));
+                                      bytes_of(archive_entry_symlink_utf8(entry), archive_entry_symlink(entry)));
         const std::optional<QStringList> target = hard ? link_target({u"."_s}, text) : link_target(file.parts, text);
         if (!target || target->isEmpty()) {
             refuse(file, u"it is a link that leads out of the container, to "_s + text);

@@ -137,8 +137,8 @@ void evidence_collector::take_evidence(const stored_file &stored, const evidence
 {
     const QString key = match.kind->name + u'\n' + match.root;
     if (!sources.contains(key) && sources.size() >= most_roots)
-        throw host_error(error_kind::not_found, u"the container holds evidence in more than "_s
-                                               + QString::number(most_roots) + u" folders"_s);
+        throw host_error(error_kind::not_found,
+                         u"the container holds evidence in more than "_s + QString::number(most_roots) + u" folders"_s);
     collected_source &source = sources[key];
     source.kind = match.kind;
     source.root = match.root;
@@ -312,8 +312,8 @@ const collected_source &evidence_collector::chosen() const
     if (!asked_for.isEmpty())
         refuse_choice(u"there is no device log and no evidence with the name of --member: "_s + asked_for
                       + (why_no_log.isEmpty() ? QString() : u" ("_s + why_no_log + u')'));
-    throw host_error(error_kind::not_found, u"there is no evidence in it"_s
-                                           + (other_files == 1 && !why_no_log.isEmpty()
-                                                  ? u": as a log text, "_s + why_no_log
-                                                  : QString()));
+    throw host_error(error_kind::not_found,
+                     u"there is no evidence in it"_s
+                         + (other_files == 1 && !why_no_log.isEmpty() ? u": as a log text, "_s + why_no_log
+                                                                      : QString()));
 }

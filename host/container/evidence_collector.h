@@ -34,8 +34,8 @@ struct collected_file
 struct collected_source
 {
     const source_kind *kind = nullptr;
-    QString root;             ///< in the container
-    bool has_a_sign = false;  ///< it is a source of this kind
+    QString root;                        ///< in the container
+    bool has_a_sign = false;             ///< it is a source of this kind
     QMap<QString, collected_file> files; ///< by target, letter case and the form of Unicode aside
 };
 

@@ -66,8 +66,8 @@ struct stored_file
 {
     QStringList parts; ///< its folders and its name
     file_origin origin;
-    QString objection;        ///< why it is not read, in plain words; empty: it can be
-    bool is_refused = false;  ///< the objection is the program's; else the file cannot be read
+    QString objection;       ///< why it is not read, in plain words; empty: it can be
+    bool is_refused = false; ///< the objection is the program's; else the file cannot be read
     bool is_encrypted = false;
     bool is_folder = false;
 };

@@ -31,7 +31,8 @@ void file_tree::visit(const evidence_search &search, const file_taker &take)
 std::optional<tree_node> file_tree::entry_named(const tree_node &folder, const QString &name)
 {
     const QList<tree_node> all = entries(folder);
-    const auto exact = std::find_if(all.cbegin(), all.cend(), [&name](const tree_node &node) { return node.name == name; });
+    const auto exact = std::find_if(all.cbegin(), all.cend(),
+                                    [&name](const tree_node &node) { return node.name == name; });
     if (exact != all.cend())
         return *exact;
     const auto alike = std::find_if(all.cbegin(), all.cend(), [&name](const tree_node &node) {

@@ -59,7 +59,6 @@ QString staged_file::keep()
 
 void staged_file::fail(int error) const
 {
-    throw host_error(error_kind::incomplete,
-                     u"the evidence cannot be copied out of its container into the case: "_s + path + u": "_s
-                         + system_error_text(error));
+    throw host_error(error_kind::incomplete, u"the evidence cannot be copied out of its container into the case: "_s
+                                                 + path + u": "_s + system_error_text(error));
 }

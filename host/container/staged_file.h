@@ -11,8 +11,8 @@
 
 /**
  * A file of a container while it is taken out: written where nobody takes it for evidence, hashed on the way, readable
- * by its owner alone. It goes with this object unless it was kept. Every function throws host_error (incomplete) with the
- * system's reason when the disk does not take it.
+ * by its owner alone. It goes with this object unless it was kept. Every function throws host_error (incomplete) with
+ * the system's reason when the disk does not take it.
  */
 class staged_file
 {

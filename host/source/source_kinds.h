@@ -10,9 +10,9 @@
 /** A kind of source. */
 struct source_kind
 {
-    QLatin1StringView name;         ///< as --type and the records call it, and the plug-in if it knows it
-    QLatin1StringView short_name;   ///< what --type understands besides
-    QLatin1StringView display_name; ///< as result rows show it
+    QLatin1StringView name;                 ///< as --type and the records call it, and the plug-in if it knows it
+    QLatin1StringView short_name;           ///< what --type understands besides
+    QLatin1StringView display_name;         ///< as result rows show it
     const source_kind *driven_as = nullptr; ///< the kind that the plug-in takes it for; null: this one
 };
 

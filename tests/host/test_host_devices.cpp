@@ -66,7 +66,7 @@ void test_host_devices::lists_of_a_mac()
     host.write_sample();
     const QString mobile = u"Library/Bluetooth/Library/Preferences/com.apple.MobileBluetooth.devices.plist"_s;
     write_file(host.path(u"sample/macos/"_s + mobile),
-                xml_list("<dict><key>00:11:22:33:44:55</key><dict><key>Name</key><string>Car</string></dict></dict>"));
+               xml_list("<dict><key>00:11:22:33:44:55</key><dict><key>Name</key><string>Car</string></dict></dict>"));
     const host_result result = host.run({u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s});
     QCOMPARE(result.exit_code, 0);
     QCOMPARE(result.errors, QString());

@@ -187,7 +187,7 @@ void log_timeline::add(const report_source &source, const cell &date, const cell
 }
 
 QByteArray log_timeline::html_of(const dated_log &log, const QList<device_facts> &devices,
-                             const std::vector<qint64> &device_of_row, const timeline_form &form)
+                                 const std::vector<qint64> &device_of_row, const timeline_form &form)
 {
     const auto [earliest, latest] = std::minmax_element(log.sightings.cbegin(), log.sightings.cend(),
                                                         [](const sighting &one, const sighting &two) {
@@ -235,7 +235,7 @@ QByteArray log_timeline::html_of(const dated_log &log, const QList<device_facts>
 }
 
 QByteArray log_timeline::html(const QList<device_facts> &devices, const std::vector<qint64> &device_of_row,
-                          const timeline_form &form) const
+                              const timeline_form &form) const
 {
     QByteArray html;
     std::size_t shown = 0;

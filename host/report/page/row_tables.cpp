@@ -58,7 +58,7 @@ row_table::row_table(const report_case &that_case, const QString &name)
 
 void row_table::add(const report_row &row)
 {
-        const line_cells &values = cells.of(row);
+    const line_cells &values = cells.of(row);
     for (std::size_t i = 0; i < columns.size(); ++i) {
         if (columns[i])
             columns[i]->add(values[i]);

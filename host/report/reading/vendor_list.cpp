@@ -3,10 +3,10 @@
 
 #include "host/report/reading/vendor_list.h"
 
+#include "host/devices/device_address.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/sha256.h"
-#include "host/devices/device_address.h"
 
 #include <QDateTime>
 #include <QFileInfo>

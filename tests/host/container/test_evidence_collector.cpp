@@ -60,7 +60,8 @@ struct collection
     {
     }
 
-    void give(const QString &path, const QByteArray &bytes, std::optional<qint64> size = {}, const QString &failure = {})
+    void give(const QString &path, const QByteArray &bytes, std::optional<qint64> size = {},
+              const QString &failure = {})
     {
         memory_stream stream(bytes, failure);
         collector.take(file_at(path, size), &stream);
@@ -129,7 +130,8 @@ void test_evidence_collector::database_is_written_and_hashed()
     QFile written(file.staged);
     QVERIFY(written.open(QIODevice::ReadOnly));
     QCOMPARE(written.readAll(), "content"_ba);
-    QCOMPARE(int(written.permissions() & ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser)), int(QFile::ReadOwner));
+    QCOMPARE(int(written.permissions() & ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser)),
+             int(QFile::ReadOwner));
 }
 
 void test_evidence_collector::later_file_counts()
