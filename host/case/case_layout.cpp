@@ -37,6 +37,30 @@ QStringList leftovers_in(const QString &folder)
     return leftovers;
 }
 
+/**
+ * What was taken out of a container: the program alone writes files into the folder of the evidence that nobody but
+ * their owner reads, and only itself into the folder where they are written first.
+ */
+QStringList files_taken_out(const QString &source_folder)
+{
+    QStringList files;
+    const QDir folder(source_folder);
+    for (const QLatin1StringView place : {"Evidence"_L1, "tmp/taken"_L1}) {
+        QDirIterator entries(folder.filePath(place),
+                             QDir::Files | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot,
+                             QDirIterator::Subdirectories);
+        while (entries.hasNext()) {
+            entries.next();
+            const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther
+                                              | QFile::WriteOther | QFile::ExeOther;
+            const QFile::Permissions permissions = entries.fileInfo().permissions();
+            if (!(permissions & (others | QFile::WriteOwner | QFile::ExeOwner)) && (permissions & QFile::ReadOwner))
+                files.append(folder.relativeFilePath(entries.filePath()));
+        }
+    }
+    return files;
+}
+
 /** What the program itself could have written, relative to the folder of the source. */
 QStringList files_of_a_run(const QString &source_folder)
 {
@@ -46,7 +70,7 @@ QStringList files_of_a_run(const QString &source_folder)
         files.append(copies + name);
     for (const QString &path : windows_hive_paths(source_folder + u"/Evidence"_s))
         files.append(u"Evidence/"_s + path);
-    return files;
+    return files + files_taken_out(source_folder);
 }
 
 } // namespace

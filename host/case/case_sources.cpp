@@ -26,7 +26,7 @@ namespace {
 
 constexpr int largest_number = 1000000;
 constexpr qsizetype shown_digits = 60;
-constexpr QLatin1StringView list_members[] = {"path"_L1, "type"_L1, "name"_L1, "number"_L1};
+constexpr QLatin1StringView list_members[] = {"path"_L1, "type"_L1, "name"_L1, "number"_L1, "volume"_L1, "member"_L1};
 
 [[noreturn]] void refuse(const QString &message)
 {
@@ -61,13 +61,22 @@ named_source read_entry(const QJsonValue &value, const QString &place, const QDi
     const QString type = text_of(entry, "type"_L1, place);
     source.kind = source_kind_named(type);
     if (!type.isEmpty() && type != "auto"_L1 && !source.kind)
-        refuse(place + u".type is "_s + type + u", and only macOS, iOS_UID, winOS and auto are known"_s);
+        refuse(place + u".type is "_s + type
+               + u", and only macOS, iOS_UID, iOS_files, iOS_backup, winOS and auto are known"_s);
     const QJsonValue number = entry.value("number"_L1);
     if (!number.isUndefined()) {
         const qint64 given = number.toInteger(-1);
         if (given < 1 || given > largest_number || number.toDouble() != double(given))
             refuse(place + u".number is no whole number from 1 to 1000000"_s);
         source.number = int(given);
+    }
+    source.member = text_of(entry, "member"_L1, place);
+    const QJsonValue volume = entry.value("volume"_L1);
+    if (!volume.isUndefined()) {
+        const qint64 given = volume.toInteger(-1);
+        if (given < 1 || given > largest_number || volume.toDouble() != double(given))
+            refuse(place + u".volume is no whole number from 1 to 1000000"_s);
+        source.volume = int(given);
     }
     return source;
 }
@@ -89,6 +98,23 @@ QString identity_of(const QString &path)
     if (::stat(QFile::encodeName(path).constData(), &status) != 0)
         return {};
     return QString::number(quint64(status.st_dev)) + u':' + QString::number(quint64(status.st_ino));
+}
+
+/** Of a list of sources, for its hash; what picks one of several sources in a path counts where it is given. */
+QJsonArray identity_entry(const named_source &source)
+{
+    QJsonArray entry{source.number, source.name, source.path};
+    if (source.volume > 0 || !source.member.isEmpty())
+        entry.append(QJsonObject{{u"volume"_s, source.volume}, {u"member"_s, source.member}});
+    return entry;
+}
+
+/** What sets sources of one container apart. */
+QString choice_text(const named_source &source)
+{
+    if (source.volume == 0 && source.member.isEmpty())
+        return {};
+    return u"\n"_s + QString::number(source.volume) + u"\n"_s + source.member;
 }
 
 QString described(const named_source &source)
@@ -147,7 +173,7 @@ void refuse_overlaps(const QList<named_source> &sources, path_comparison compari
     };
     QHash<QString, const named_source *> known;
     for (const named_source &source : sources) {
-        const QString key = key_of(source.path);
+        const QString key = key_of(source.path) + choice_text(source);
         if (const named_source *other = known.value(key))
             refuse(u"a source is given twice: "_s + described(*other) + u" and "_s + described(source));
         known.insert(key, &source);
@@ -173,7 +199,7 @@ QJsonObject sources_identity(const QList<named_source> &sources)
     QJsonArray list;
     QList<int> numbers;
     for (const named_source *source : std::as_const(sorted)) {
-        list.append(QJsonArray{source->number, source->name, source->path});
+        list.append(identity_entry(*source));
         numbers.append(source->number);
     }
     return {{u"count"_s, sources.size()},

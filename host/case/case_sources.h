@@ -17,6 +17,8 @@ struct named_source
     QString name;                      ///< may be empty
     QString path;                      ///< absolute
     const source_kind *kind = nullptr; ///< null: to be recognized
+    int volume = 0;                    ///< of an image; 0: the only one with evidence
+    QString member;                    ///< of an archive; empty: the only one
     QString place;                     ///< where the examiner named it, for messages: "-i" or "list.json: sources[2]"
 };
 

@@ -101,6 +101,8 @@ QJsonObject source_record::to_json() const
         {u"name"_s, name},
         {u"path"_s, path},
         {u"type"_s, type},
+        {u"driven_as"_s, text_or_null(driven_as)},
+        {u"container"_s, container},
         {u"status"_s, QString(status_name(status))},
         {u"exit_code"_s, exit_code ? QJsonValue(*exit_code) : QJsonValue()},
         {u"messages"_s, texts},
@@ -128,6 +130,8 @@ source_record source_record::from_json(const QJsonObject &json)
     record.name = json.value("name"_L1).toString();
     record.path = json.value("path"_L1).toString();
     record.type = json.value("type"_L1).toString();
+    record.driven_as = json.value("driven_as"_L1).toString();
+    record.container = json.value("container"_L1).isObject() ? json.value("container"_L1) : QJsonValue();
     record.status = status_named(json.value("status"_L1).toString()).value_or(source_status::failed);
     if (json.value("exit_code"_L1).isDouble())
         record.exit_code = json.value("exit_code"_L1).toInt();

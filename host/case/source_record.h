@@ -61,6 +61,8 @@ struct source_record
     QString name; ///< as the examiner calls it; may be empty
     QString path;
     QString type;
+    QString driven_as;    ///< the kind that the plug-in took it for; empty: not known
+    QJsonValue container; ///< what the evidence was taken out of; null: it stands in its place
     source_status status = source_status::not_run;
     std::optional<int> exit_code; ///< none before its run has ended
     QList<run_message> messages;

@@ -7,6 +7,8 @@
 #include "host/cli/commands.h"
 #include "host/cli/help_text.h"
 #include "host/cli/nearest_word.h"
+#include "host/container/archive_store.h"
+#include "host/container/disk_image.h"
 
 #include <QRegularExpression>
 
@@ -142,10 +144,20 @@ void add_help_command(CLI::App &app, command_line &line)
     });
 }
 
+/** The program and the libraries that read containers, a line each. */
+std::string version_text()
+{
+    const auto line = [](const char *what, const QString &library) {
+        return std::string("\n") + what + (library.isEmpty() ? "not in this build" : library.toStdString());
+    };
+    return "bluetooth-logs " BLUETOOTH_LOGS_VERSION + line("archives: ", archive_library())
+           + line("images: ", image_library());
+}
+
 void add_general_options(CLI::App &app)
 {
     app.set_help_flag("-h,--help", "Print this help");
-    app.set_version_flag("--version", "bluetooth-logs " BLUETOOTH_LOGS_VERSION)->description("Print the version");
+    app.set_version_flag("--version", version_text())->description("Print the version");
     app.require_subcommand(1);
     app.fallthrough();
     app.add_flag("-q,--quiet")->description("Print only data, warnings and errors");
@@ -166,6 +178,7 @@ command_line parse_command_line(int argc, char **argv)
     add_collect_command(app, line);
     add_verify_command(app, line);
     add_note_command(app, line);
+    add_inspect_command(app, line);
     add_report_command(app, line);
     add_show_command(app, line);
     add_help_command(app, line);
@@ -174,7 +187,8 @@ command_line parse_command_line(int argc, char **argv)
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForVersion &version) {
-        line.command = printing({QString::fromUtf8(version.what())}, exit_code::done);
+        const QStringList lines = QString::fromUtf8(version.what()).split(u'\n');
+        line.command = printing(terminal_texts(lines.cbegin(), lines.cend()), exit_code::done);
     } catch (const CLI::Success &) {
         line.command = printing(help_of(given_command(app)), exit_code::done);
     } catch (const CLI::ParseError &error) {

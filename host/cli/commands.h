@@ -15,6 +15,7 @@
 void add_collect_command(CLI::App &app, command_line &line);
 void add_extract_command(CLI::App &app, command_line &line);
 void add_note_command(CLI::App &app, command_line &line);
+void add_inspect_command(CLI::App &app, command_line &line);
 void add_report_command(CLI::App &app, command_line &line);
 void add_sample_command(CLI::App &app, command_line &line);
 void add_show_command(CLI::App &app, command_line &line);

@@ -19,6 +19,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 most_mebibytes = qint64(1) << 30;
+constexpr double most_gibibytes = 1 << 20;
 constexpr qint64 most_seconds = qint64(1) << 30;
 constexpr qint64 highest_number = 1000000;
 constexpr qint64 most_jobs = 1024;
@@ -66,6 +67,8 @@ struct extract_arguments
     QString source_list;
     const source_kind *kind = nullptr;
     std::optional<qint64> number;
+    std::optional<qint64> volume;
+    QString member;
     std::optional<qint64> only;
     qint64 jobs = std::max(1U, std::thread::hardware_concurrency());
     bool force = false;
@@ -79,7 +82,8 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
     const argument input{"-i,--input",
                          "PATH",
                          "The source; may be given several times. macOS, Windows: the folder at which its file system "
-                         "is reachable. iOS: the system log's text file",
+                         "is reachable. iOS: the system log's text file, also compressed. An image, an archive or a "
+                         "backup of one of them",
                          {"bluetooth-logs extract -i /mnt/image -o case", "a mounted macOS or Windows volume"}};
     add_values(extract, input, [&arguments, input](const QStringList &paths) {
         for (const QString &path : paths)
@@ -94,7 +98,7 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
              arguments.source_list);
     const argument type{"-t,--type",
                         "TYPE",
-                        "Kind of the source: macos, ios, windows, or auto (the default)",
+                        "Kind of the source: macos, ios, ios-files, ios-backup, windows, or auto (the default)",
                         {"bluetooth-logs extract -i system_logs.txt -t ios -o case",
                          "the system log of an iOS device"}};
     add_value(extract, type, [&arguments, type](const QString &name) {
@@ -102,6 +106,18 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
         if (!arguments.kind && name.compare(any_kind, Qt::CaseInsensitive) != 0)
             require_choice(type, name, kind_names());
     });
+    add_number(extract,
+               {"--volume",
+                "N",
+                "Volume of an image whose evidence is taken; inspect lists them",
+                {"bluetooth-logs extract -i disk.E01 --volume 2 -o case", "a volume of an image"}},
+               1, highest_number, arguments.volume);
+    add_text(extract,
+             {"--member",
+              "PATH",
+              "Log in an archive, or the folder in it that a source begins at",
+              {"bluetooth-logs extract -i logs.tar.gz --member a/system.log -o case", "a log in an archive"}},
+             arguments.member);
     add_number(extract, {"--source-number", "N", "Number of the source in the case (default 1)"}, 0, highest_number,
                arguments.number);
     add_flag(extract,
@@ -159,6 +175,8 @@ void add_results(CLI::App &extract, extraction_options &options)
     add_flag(extract,
              {"--suite-tables", "", "iOS: leave the result tables as the suite makes them; they hold no iOS rows then"},
              options.suite_tables);
+    add_flag(extract, {"--no-container-hash", "", "Leave out the SHA-256 of images and archives"},
+             options.skips_container_hash);
     add_flag(extract, {"--follow-links", "", "Read evidence too that a link has outside of the source"},
              options.follow_links);
 }
@@ -171,6 +189,14 @@ void add_limits(CLI::App &extract, extraction_options &options, qint64 &jobs)
                most_mebibytes, options.memory_limit);
     add_number(extract, {"--max-database", "MIB", "Largest database that is read (default 1024)"}, 1, most_mebibytes,
                options.max_database);
+    const argument max_log{"--max-log", "GIB", "Largest log that is taken out of an archive, like 0.5 (default 64)"};
+    add_value(extract, max_log, [&options, max_log](const QString &text) {
+        bool is_number = false;
+        const double gibibytes = text.toDouble(&is_number);
+        if (!is_number || !(gibibytes > 0) || gibibytes > most_gibibytes)
+            refuse(max_log, u"must be a number above 0, and not be "_s + text);
+        options.max_log = qMax<qint64>(1, qint64(gibibytes * double(qint64(1) << 30)));
+    });
     add_number(extract, {"--timeout", "SECONDS", "Longest time that a source may take (default: any)"}, 1, most_seconds,
                options.timeout);
 }
@@ -199,8 +225,9 @@ QList<named_source> sources_of(const extract_arguments &arguments)
     if (!arguments.source_list.isEmpty()) {
         if (!arguments.inputs.isEmpty())
             refuse(u"--input and --sources are two ways to say the same: use one of them"_s);
-        if (arguments.kind || arguments.number)
-            refuse(u"--type and --source-number go with --input; in the file of --sources each source has its own"_s);
+        if (arguments.kind || arguments.number || arguments.volume || !arguments.member.isEmpty())
+            refuse(u"--type, --source-number, --volume and --member go with --input; in the file of --sources each "
+                   "source has its own"_s);
         return read_source_list(arguments.source_list);
     }
     QList<named_source> sources;
@@ -208,11 +235,15 @@ QList<named_source> sources_of(const extract_arguments &arguments)
         named_source source;
         source.path = input;
         source.kind = arguments.kind;
+        source.volume = int(arguments.volume.value_or(0));
+        source.member = arguments.member;
         source.place = u"-i "_s + input;
         sources.append(source);
     }
     if (sources.isEmpty() && !arguments.resume)
         refuse(u"no source is given: --input or --sources names them"_s);
+    if ((arguments.volume || !arguments.member.isEmpty()) && sources.size() > 1)
+        refuse(u"--volume and --member are for one source; several are told them by --sources"_s);
     if (arguments.number) {
         if (sources.size() > 1)
             refuse(u"--source-number is for one source; several are numbered in their order, or by --sources"_s);

@@ -43,7 +43,8 @@ void print(console &out, const run_message &message, const QString &prefix)
 
 QString kind_text(const source_request &request)
 {
-    return request.source.kind ? QString(request.source.kind->display_name) : u"unknown kind"_s;
+    const source_kind *kind = request.source.recorded_kind();
+    return kind ? QString(kind->display_name) : request.source.is_taken_out ? u"container"_s : u"unknown kind"_s;
 }
 
 /** "macOS: /evidence/laptop", before it the name that the examiner gave. */

@@ -82,9 +82,9 @@ QString listed(const QStringList &names)
 {
     QString text;
     for (const QString &name : names.first(qMin(names.size(), most_listed)))
-        text += u"\n  --member "_s + name;
+        text += (text.isEmpty() ? u" "_s : u", "_s) + u"--member "_s + name;
     if (names.size() > most_listed)
-        text += u"\n  and "_s + QString::number(names.size() - most_listed) + u" more"_s;
+        text += u" and "_s + QString::number(names.size() - most_listed) + u" more"_s;
     return text;
 }
 

@@ -103,7 +103,7 @@ QString list_of(const QList<looked_volume> &volumes)
 {
     QString text;
     for (const looked_volume &volume : volumes)
-        text += u"\n  "_s + volume_text(volume.facts);
+        text += (text.isEmpty() ? u" "_s : u"; "_s) + volume_text(volume.facts);
     return text;
 }
 
@@ -159,8 +159,8 @@ const looked_volume &chosen_volume(const QList<looked_volume> &volumes, const co
     }
     QString list;
     for (const looked_volume *volume : std::as_const(with_evidence))
-        list += u"\n  --volume "_s + QString::number(volume->facts.number) + u"  "_s + volume->kind->name + u", "_s
-                + volume_text(volume->facts);
+        list += (list.isEmpty() ? u" "_s : u"; "_s) + u"--volume "_s + QString::number(volume->facts.number) + u" ("_s
+                + volume->kind->name + u", "_s + volume_text(volume->facts) + u')';
     refuse(u"there is evidence in several volumes, choose one:"_s + list);
 }
 
@@ -267,7 +267,7 @@ exported_source export_evidence(const container_choice &choice, const export_pla
     if (!source.container().volumes().isEmpty()) {
         const container_survey looked = survey(source, choice);
         if (!looked.problem.isEmpty())
-            throw host_error(looked.reason, looked.problem + u"\n  in "_s + choice.path);
+            throw host_error(looked.reason, choice.path + u": "_s + looked.problem);
         volume = looked.container.volume;
         taken.warnings += unread_volumes(looked.volumes);
     }
@@ -284,8 +284,8 @@ exported_source export_evidence(const container_choice &choice, const export_pla
         taken.kind = source.kind_of(chosen);
         taken.files = chosen.files.values();
     } catch (const host_error &error) {
-        throw host_error(error.kind(), error.message() + u"\n  in "_s + choice.path
-                                           + (taken.errors.isEmpty() ? QString() : u"\n  "_s + taken.errors.first()));
+        throw host_error(error.kind(), choice.path + u": "_s + error.message()
+                                           + (taken.errors.isEmpty() ? QString() : u"; "_s + taken.errors.first()));
     }
     taken.warnings += earlier_members(taken.files);
     if (taken.kind == &ios_uid_kind)

@@ -5,6 +5,7 @@
 
 #include "host/files/paths.h"
 #include "host/run/provenance.h"
+#include "host/run/taken_evidence.h"
 #include "host/text/json_member.h"
 
 #include <QJsonArray>
@@ -27,7 +28,7 @@ QJsonObject result_options(const case_request &request)
 {
     QJsonObject options = request.options.to_json();
     for (const QLatin1StringView other :
-         {"is_verbose"_L1, "plugin_file"_L1, "memory_limit"_L1, "timeout"_L1, "max_database"_L1})
+         {"is_verbose"_L1, "plugin_file"_L1, "memory_limit"_L1, "timeout"_L1, "max_database"_L1, "max_log"_L1})
         options.remove(other);
     return options;
 }
@@ -198,8 +199,13 @@ planned_source plan_source(const case_request &request, const named_source &name
     source.name = named.name;
     source.case_directory = request.directory;
     source.options = request.options;
+    source.volume = named.volume;
+    source.member = named.member;
     try {
-        source.source = find_source(named.path, named.kind, request.options.tables, request.options.follow_links);
+        if (is_container(named.path, named.kind))
+            source.source = unopened_container(named.path, named.kind, request.options.follow_links);
+        else
+            source.source = find_source(named.path, named.kind, request.options.tables, request.options.follow_links);
     } catch (const host_error &error) {
         if (error.kind() != error_kind::not_found)
             throw;

@@ -58,8 +58,24 @@ bool case_preparation::is_done() const
     return is_prepared;
 }
 
+void case_preparation::undo(int number)
+{
+    const std::lock_guard guard(mutex);
+    if (!is_prepared)
+        return;
+    const case_layout layout(request.directory);
+    if (!file_lock::is_held(layout.source(number).lock()))
+        QFile::remove(layout.source(number).lock());
+    QDir().rmdir(layout.source(number).folder());
+    if (was_there)
+        return;
+    QFile::remove(layout.lock());
+    QDir().rmdir(request.directory);
+}
+
 void case_preparation::make_room()
 {
+    was_there = path_exists(request.directory);
     make_folder(request.directory);
     const case_layout layout(request.directory);
     if (!request.only)

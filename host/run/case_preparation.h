@@ -23,6 +23,9 @@ public:
 
     bool is_done() const;
 
+    /** Removes what was made for a case of one source that came to nothing; the source's own files are gone already. */
+    void undo(int number);
+
 private:
     void make_room();
     void remove_earlier_runs(const case_layout &layout) const;
@@ -35,6 +38,7 @@ private:
     std::unique_ptr<file_lock> lock;
     std::exception_ptr failure;
     bool is_prepared = false;
+    bool was_there = true; ///< the case's folder
 };
 
 #endif

@@ -87,10 +87,14 @@ private:
             }
             record = run_source(source.request, plan.facts, observer, [this] { preparation.prepare(); });
         } catch (const host_error &error) {
+            if (source.request.source.is_taken_out && plan.all.size() == 1
+                && (error.kind() == error_kind::not_found || error.kind() == error_kind::refused))
+                preparation.undo(source.request.number);
             if (!preparation.is_done() || plan.all.size() == 1)
                 throw;
             record = failed_record(source.request, error);
-            if (error.kind() != error_kind::refused) // somebody else works on it
+            // Where it is refused and locked, somebody else works on it.
+            if (error.kind() != error_kind::refused || !file_lock::is_held(source.request.layout().lock()))
                 write_failed_record(source.request, record);
         }
         observer.source_finished(source.request, record);
@@ -104,7 +108,7 @@ private:
         record.number = source.number;
         record.name = source.name;
         record.path = source.source.path;
-        record.type = source.source.kind ? QString(source.source.kind->name) : QString();
+        record.type = source.source.recorded_kind() ? QString(source.source.recorded_kind()->name) : QString();
         record.status = source_status::failed;
         record.exit_code = int(error.kind() == error_kind::not_found ? outcome_code::no_evidence
                                                                      : outcome_code::partial);

@@ -8,6 +8,7 @@
 #include "host/files/file_hash.h"
 #include "host/files/host_error.h"
 #include "host/run/ios_rows.h"
+#include "host/run/taken_evidence.h"
 #include "host/source/evidence_files.h"
 #include "host/source/macos_databases.h"
 #include "host/source/salvage.h"
@@ -233,7 +234,8 @@ inspection inspect(const source_request &request, const evidence_state &evidence
     inspection result;
     result.evidence = evidence;
     look_after(result.evidence, request.source, hashed);
-    result.changes = result.evidence.changes() + unlike_copies(request, evidence);
+    result.changes = result.evidence.changes() + unlike_copies(request, evidence)
+                     + container_changes(request.source.container);
 
     QFile log(request.layout().plugin_log());
     if (log.open(QIODevice::ReadOnly))

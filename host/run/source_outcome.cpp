@@ -148,6 +148,7 @@ public:
     {
         find_changes();
         find_end();
+        find_in_container();
         find_unread_files(record.evidence);
         find_companions(record.evidence);
         find_empty_sources(record);
@@ -210,6 +211,17 @@ private:
                                   || !report.problems.isEmpty();
         if (!report.extracted && !is_explained)
             add(finding::ended_early, {QString::number(end.exit_code)});
+    }
+
+    /** What is to be known of the container that the evidence was taken out of. */
+    void find_in_container()
+    {
+        if (!report.taken_out)
+            return;
+        for (const QString &error : report.taken_out->errors)
+            add(finding::worker_problem, {error});
+        for (const QString &warning : report.taken_out->warnings)
+            add(finding::worker_warning, {warning});
     }
 
     /** Files that are there and could not be looked at, and files that are odd. */

@@ -110,7 +110,7 @@ public:
         record.number = request.number;
         record.name = request.name;
         record.path = request.source.path;
-        record.type = request.source.kind->name;
+        name_kind();
     }
 
     source_record run(const std::function<void()> &prepare)
@@ -127,6 +127,8 @@ public:
             prepare();
             prepare_source();
         }
+        if (is_without_evidence())
+            give_up();
         // What the worker could not look at any more, another one does that never loads the plug-in.
         if (!report.inspected && report.looked && interruption::times() < times_to_stop_at_once)
             run_worker(worker_order::task::inspect, {});
@@ -136,6 +138,30 @@ public:
     }
 
 private:
+    void name_kind()
+    {
+        if (const source_kind *kind = request.source.recorded_kind())
+            record.type = kind->name;
+        if (request.source.kind)
+            record.driven_as = request.source.kind->name;
+        record.container = request.source.container;
+    }
+
+    /** The container could be opened, and nothing of it can be taken: it is as if its source were not there. */
+    bool is_without_evidence() const
+    {
+        return request.source.is_taken_out && !report.taken_out
+               && (report.problem_kind == error_kind::not_found || report.problem_kind == error_kind::refused);
+    }
+
+    /** Leaves nothing behind of what was made for the source. */
+    [[noreturn]] void give_up() const
+    {
+        remove_temporary_files(request.layout());
+        request.layout().remove_run();
+        throw host_error(*report.problem_kind, report.problems.last());
+    }
+
     bool is_interrupted() const
     {
         return interruption::was_asked_for();
@@ -160,6 +186,10 @@ private:
         worker.write(worker_order{task, request, report.looked.value_or(evidence_state())}.to_line());
         const auto on_event = [&](const QByteArray &line) {
             const worker_event event = report.take(line);
+            if (event == worker_event::taken_out) {
+                request.source = report.taken_out->source;
+                name_kind();
+            }
             if (event == worker_event::loaded)
                 start(worker, prepare);
             else
@@ -241,7 +271,7 @@ private:
         return judged;
     }
 
-    const source_request &request;
+    source_request request; ///< of a container it changes once that was opened
     const case_facts &facts;
     run_observer &observer;
     source_record record;

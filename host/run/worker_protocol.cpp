@@ -3,6 +3,9 @@
 
 #include "host/run/worker_protocol.h"
 
+#include "host/text/json_member.h"
+
+#include <QJsonArray>
 #include <QJsonDocument>
 
 #include <algorithm>
@@ -11,11 +14,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QLatin1StringView task_names[] = {"extract"_L1, "inspect"_L1, "settle"_L1};
+constexpr QLatin1StringView task_names[] = {"extract"_L1, "inspect"_L1, "settle"_L1, "survey"_L1};
 
 constexpr QLatin1StringView event_names[] = {
-    ""_L1,      "loaded"_L1,    "looked"_L1,    "hashed"_L1,  "records"_L1,
-    "table"_L1, "extracted"_L1, "inspected"_L1, "problem"_L1, "no memory"_L1,
+    ""_L1,      "loaded"_L1,    "taken out"_L1, "looked"_L1,  "hashed"_L1,    "read"_L1,     "records"_L1,
+    "table"_L1, "extracted"_L1, "inspected"_L1, "problem"_L1, "no memory"_L1, "surveyed"_L1,
 };
 
 QByteArray to_line(const QJsonObject &json)
@@ -61,6 +64,23 @@ QByteArray loaded_line()
     return event_line(worker_event::loaded);
 }
 
+QByteArray taken_out_line(const taken_evidence &taken)
+{
+    return event_line(worker_event::taken_out, {{u"source"_s, source_to_json(taken.source)},
+                                                {u"warnings"_s, QJsonArray::fromStringList(taken.warnings)},
+                                                {u"errors"_s, QJsonArray::fromStringList(taken.errors)}});
+}
+
+QByteArray read_line(qint64 more_bytes)
+{
+    return event_line(worker_event::read, {{u"bytes"_s, more_bytes}});
+}
+
+QByteArray surveyed_line(const QJsonObject &survey)
+{
+    return event_line(worker_event::surveyed, {{u"survey"_s, survey}});
+}
+
 QByteArray looked_line(const evidence_state &evidence)
 {
     return event_line(worker_event::looked, {{u"evidence"_s, evidence.to_json()}});
@@ -91,9 +111,9 @@ QByteArray inspected_line(const inspection &found)
     return event_line(worker_event::inspected, {{u"inspection"_s, found.to_json()}});
 }
 
-QByteArray problem_line(const QString &text)
+QByteArray problem_line(const host_error &error)
 {
-    return event_line(worker_event::problem, {{u"text"_s, text}});
+    return event_line(worker_event::problem, {{u"text"_s, error.message()}, {u"kind"_s, int(error.kind())}});
 }
 
 worker_event worker_report::take(const QByteArray &line)
@@ -107,7 +127,15 @@ worker_event worker_report::take(const QByteArray &line)
     case worker_event::looked:
         looked = evidence_state::from_json(json.value("evidence"_L1).toObject());
         break;
+    case worker_event::taken_out:
+        taken_out = taken_evidence{source_from_json(json.value("source"_L1).toObject()),
+                                   texts_from(json.value("warnings"_L1)), texts_from(json.value("errors"_L1))};
+        break;
+    case worker_event::surveyed:
+        survey = json.value("survey"_L1).toObject();
+        break;
     case worker_event::hashed:
+    case worker_event::read:
         last_count = json.value("bytes"_L1).toInteger();
         break;
     case worker_event::records:
@@ -124,6 +152,7 @@ worker_event worker_report::take(const QByteArray &line)
         break;
     case worker_event::problem:
         problems.append(json.value("text"_L1).toString());
+        problem_kind = error_kind(json.value("kind"_L1).toInt());
         break;
     case worker_event::no_memory:
         is_out_of_memory = true;

@@ -4,6 +4,7 @@
 #ifndef HOST_RUN_WORKER_PROTOCOL_H
 #define HOST_RUN_WORKER_PROTOCOL_H
 
+#include "host/files/host_error.h"
 #include "host/run/child_process.h"
 #include "host/run/inspection.h"
 
@@ -27,6 +28,7 @@ struct worker_order
         extract, ///< load the plug-in, wait for start_word, run it, inspect
         inspect, ///< what a worker that ended early could not look at
         settle,  ///< nothing but settle_result()
+        survey,  ///< look into a container; the request names it and its limits, there is no case
     };
 
     task to_do = task::extract;
@@ -38,16 +40,27 @@ struct worker_order
 };
 
 enum class worker_event {
-    unknown, ///< none of these: what the plug-in or a library printed
-    loaded,  ///< the plug-in can be used
-    looked,  ///< look_before() is done
+    unknown,   ///< none of these: what the plug-in or a library printed
+    loaded,    ///< the plug-in can be used
+    taken_out, ///< what the container holds is in the case
+    looked,    ///< look_before() is done
     hashed,
+    read,       ///< bytes of a container
     records,    ///< the plug-in's running total
     table_done, ///< with the rows announced for it
     extracted,  ///< the plug-in is done
     inspected,
     problem,   ///< the worker gives up
     no_memory, ///< the worker ends for want of memory
+    surveyed,
+};
+
+/** What was taken out of a container. */
+struct taken_evidence
+{
+    evidence_source source; ///< as the plug-in gets it
+    QStringList warnings;
+    QStringList errors; ///< what could not be read of the container
 };
 
 /** What the plug-in gave out as its log. */
@@ -59,13 +72,16 @@ struct plugin_log_end
 
 /** The worker's lines, with their line ends. */
 QByteArray loaded_line();
+QByteArray taken_out_line(const taken_evidence &taken);
+QByteArray read_line(qint64 more_bytes);
+QByteArray surveyed_line(const QJsonObject &survey);
 QByteArray looked_line(const evidence_state &evidence);
 QByteArray hashed_line(qint64 more_bytes);
 QByteArray records_line(qint64 count);
 QByteArray table_done_line(const QString &table, qint64 rows);
 QByteArray extracted_line(const plugin_log_end &log);
 QByteArray inspected_line(const inspection &found);
-QByteArray problem_line(const QString &text);
+QByteArray problem_line(const host_error &error);
 /** Stands ready: there may be no memory left to make it. */
 inline constexpr QByteArrayView no_memory_line("{\"event\":\"no memory\"}\n");
 
@@ -79,8 +95,11 @@ struct worker_report
     std::optional<plugin_log_end> extracted;
     std::optional<inspection> inspected;
     QStringList problems;
+    std::optional<error_kind> problem_kind; ///< of the last one
+    std::optional<taken_evidence> taken_out;
+    QJsonObject survey;
     child_end end;
-    qint64 last_count = 0; ///< of the last hashed or records event
+    qint64 last_count = 0; ///< of the last hashed, read or records event
 
     /** Takes in a line of the worker's. */
     worker_event take(const QByteArray &line);

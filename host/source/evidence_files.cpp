@@ -20,7 +20,10 @@ constexpr QLatin1StringView database_companions[] = {"-wal"_L1, "-shm"_L1, "-jou
 
 } // namespace
 
-QStringList evidence_paths(const evidence_source &source)
+namespace {
+
+/** What a source of this kind may hold where it stands in a folder of its own. */
+QStringList paths_of_kind(const evidence_source &source)
 {
     if (source.kind == &ios_uid_kind)
         return {QFileInfo(source.log_file).fileName()};
@@ -40,6 +43,18 @@ QStringList evidence_paths(const evidence_source &source)
     }
     paths.append(macos_preferences_file);
     paths.append(macos_mobile_devices_file);
+    return paths;
+}
+
+} // namespace
+
+QStringList evidence_paths(const evidence_source &source)
+{
+    QStringList paths = paths_of_kind(source);
+    for (const QString &path : source.files_taken_out) {
+        if (!paths.contains(path))
+            paths.append(path);
+    }
     return paths;
 }
 

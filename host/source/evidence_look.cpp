@@ -204,12 +204,14 @@ evidence_state look_before(const evidence_source &source, const evidence_places 
         file_targets targets;
         if (log)
             targets.take_block = [&log](QByteArrayView block) { log->add(block); };
-        else
+        else if (!source.is_taken_out)
             targets.copy = places.copy_folder + u'/' + path;
         look_at(file, source.root + path, targets, most_database_bytes, hashed);
         if (const std::optional<QString> target = link_out_of_source(source, source.root + path);
             target && file.reason.isEmpty())
             file.reason = u"it is reached by a link that leads out of the source, to "_s + *target;
+        if (source.is_taken_out && file.state == evidence_file::presence::present && !log)
+            file.copy_sha256 = file.before->sha256; // it is a copy itself
         evidence.files.append(file);
     }
     if (log) {

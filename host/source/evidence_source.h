@@ -6,6 +6,7 @@
 
 #include "host/source/source_kinds.h"
 
+#include <QJsonValue>
 #include <QString>
 #include <QStringList>
 
@@ -14,11 +15,22 @@
 /** A source of evidence, as far as it is known without opening its evidence. */
 struct evidence_source
 {
-    const source_kind *kind = nullptr;
-    QString path;              ///< what the examiner gave, absolute; nothing is ever written at it or below
-    QString root;              ///< the folder that the evidence stands in; ends with "/"
-    QString log_file;          ///< iOS only: the log text
-    bool follow_links = false; ///< evidence may be read that a link in the source has elsewhere
+    const source_kind *kind = nullptr; ///< that the plug-in takes it for; null: a container that was not opened yet
+    const source_kind *type = nullptr; ///< of the evidence, where that is another; null: kind, or to be recognized
+    QString path;                      ///< what the examiner gave, absolute; nothing is ever written at it or below
+    QString root;                      ///< the folder that the evidence stands in; ends with "/"
+    QString log_file;                  ///< iOS only: the log text
+    bool follow_links = false;         ///< evidence may be read that a link in the source has elsewhere
+
+    bool is_taken_out = false;   ///< what @p path holds is copied into the case, and root is the folder there
+    QJsonValue container;        ///< what it was taken out of, as records have it; null: a folder, or nothing
+    QStringList files_taken_out; ///< relative to root, also those that could not be taken
+
+    /** What records call the source; null: not known yet. */
+    const source_kind *recorded_kind() const
+    {
+        return type ? type : kind;
+    }
 };
 
 /**

@@ -81,7 +81,8 @@ QJsonObject evidence_file::to_json() const
             {u"reason"_s, text_or_null(reason)},
             {u"before"_s, state_or_null(before)},
             {u"after"_s, state_or_null(after)},
-            {u"copy_sha256"_s, text_or_null(copy_sha256)}};
+            {u"copy_sha256"_s, text_or_null(copy_sha256)},
+            {u"origin"_s, origin}};
 }
 
 evidence_file evidence_file::from_json(const QJsonObject &json)
@@ -96,6 +97,7 @@ evidence_file evidence_file::from_json(const QJsonObject &json)
     file.before = state_from(json.value("before"_L1));
     file.after = state_from(json.value("after"_L1));
     file.copy_sha256 = json.value("copy_sha256"_L1).toString();
+    file.origin = json.value("origin"_L1).isObject() ? json.value("origin"_L1) : QJsonValue();
     return file;
 }
 

@@ -37,6 +37,7 @@ struct evidence_file
     std::optional<file_state> before;
     std::optional<file_state> after;
     QString copy_sha256; ///< of the working copy; empty: there is none
+    QJsonValue origin;   ///< where it stood in its container; null: it stands in its place
 
     QJsonObject to_json() const;
     static evidence_file from_json(const QJsonObject &json);

@@ -41,7 +41,7 @@ struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info source_info(const source_req
     const QString &given_name = request.options.display_name;
     struct_GLOBAL_COMMON_KALDO_AND_ARTIFACT_source_info info;
     info.source_root_path = request.source.root;
-    info.os_scheme_display = given_name.isEmpty() ? QString(request.source.kind->display_name) : given_name;
+    info.os_scheme_display = given_name.isEmpty() ? QString(request.source.recorded_kind()->display_name) : given_name;
     info.os_scheme_internal = request.source.kind->name;
     info.source_log_file_path = request.source.log_file;
     return info;

@@ -5,6 +5,8 @@
 
 #include "host/files/host_error.h"
 #include "host/run/inspection.h"
+#include "host/run/source_survey.h"
+#include "host/run/taken_evidence.h"
 #include "host/run/worker_environment.h"
 #include "host/run/worker_protocol.h"
 #include "host/worker/cancellation.h"
@@ -80,7 +82,7 @@ void take_over_standard_output()
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 
-std::string read_line()
+std::string order_line()
 {
     std::string line;
     if (!std::getline(std::cin, line))
@@ -119,35 +121,59 @@ void set_limits(qint64 mebibytes)
     ::setrlimit(RLIMIT_AS, &limit);
 }
 
-/** Sends what was hashed, not too often. */
-class hash_reporter
+/** Sends how many bytes were hashed or read, not too often. */
+class byte_reporter
 {
 public:
+    explicit byte_reporter(QByteArray (*line)(qint64 more_bytes))
+        : line_of(line)
+    {
+    }
+
     void operator()(qint64 bytes)
     {
         unsent += bytes;
         if (unsent < bytes_between_events)
             return;
-        send(hashed_line(unsent));
+        send(line_of(unsent));
         unsent = 0;
     }
 
-    ~hash_reporter()
+    ~byte_reporter()
     {
         if (unsent > 0)
-            send(hashed_line(unsent));
+            send(line_of(unsent));
     }
 
 private:
+    QByteArray (*line_of)(qint64 more_bytes);
     qint64 unsent = 0;
 };
 
 void send_inspection(const source_request &request, const evidence_state &evidence)
 {
     std::signal(SIGINT, SIG_IGN); // what was done is looked at even if the examiner has had enough
-    hash_reporter hashed;
+    byte_reporter hashed(hashed_line);
     const inspection found = inspect(request, evidence, [&hashed](qint64 bytes) { hashed(bytes); });
     send(inspected_line(found));
+}
+
+/** Takes the evidence of a container out into the case; the request is then of what stands there. */
+exported_source take_out(source_request &request)
+{
+    exported_source taken;
+    {
+        byte_reporter hashed(hashed_line);
+        byte_reporter read(read_line);
+        const source_layout layout = request.layout();
+        taken = export_evidence(
+            choice_of(request), {layout.temporary_folder() + u"/taken"_s, layout.evidence_folder()},
+            !request.options.skips_container_hash, [&hashed](qint64 bytes) { hashed(bytes); },
+            [&read](qint64 bytes) { read(bytes); });
+    }
+    request.source = source_taken_out(request, taken);
+    send(taken_out_line({request.source, taken.warnings, taken.errors}));
+    return taken;
 }
 
 void extract(source_request request, std::future<void> &start)
@@ -157,13 +183,18 @@ void extract(source_request request, std::future<void> &start)
     start.wait();
     use_temporary_folder(request.layout().temporary_folder());
 
+    std::optional<exported_source> taken;
+    if (request.source.is_taken_out)
+        taken = take_out(request);
     evidence_state evidence;
     {
-        hash_reporter hashed;
+        byte_reporter hashed(hashed_line);
         const source_layout layout = request.layout();
         evidence = look_before(request.source, {layout.evidence_folder(), layout.ios_lines(), layout.unparsed_lines()},
                                request.options.max_database << 20, [&hashed](qint64 bytes) { hashed(bytes); });
     }
+    if (taken)
+        tell_origins(evidence, *taken);
     send(looked_line(evidence));
 
     const QStringList all_tables = request.options.tables;
@@ -180,12 +211,12 @@ void extract(source_request request, std::future<void> &start)
 
 int work()
 {
-    const worker_order order = worker_order::from_line(QByteArray::fromStdString(read_line()));
+    const worker_order order = worker_order::from_line(QByteArray::fromStdString(order_line()));
     const source_request &request = order.request;
     std::future<void> start = end_with_the_watcher();
     set_limits(request.options.memory_limit);
     try {
-        if (order.to_do != worker_order::task::extract)
+        if (order.to_do == worker_order::task::inspect || order.to_do == worker_order::task::settle)
             use_temporary_folder(request.layout().temporary_folder());
         switch (order.to_do) {
         case worker_order::task::extract:
@@ -197,9 +228,12 @@ int work()
         case worker_order::task::settle:
             settle_result(request);
             break;
+        case worker_order::task::survey:
+            send(surveyed_line(survey_of_container(choice_of(request))));
+            break;
         }
     } catch (const host_error &error) {
-        send(problem_line(error.message()));
+        send(problem_line(error));
         return int(worker_end::failed);
     } catch (const std::bad_alloc &) {
         end_without_memory();

@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#ifndef HOST_RUN_SOURCE_SURVEY_H
+#define HOST_RUN_SOURCE_SURVEY_H
+
+#include "host/container/evidence_export.h"
+
+#include <QJsonObject>
+#include <QString>
+
+/**
+ * What stands at a path, without extracting it: {"path", "type", "container", "problem", "volumes", "evidence"}, and
+ * "kind_of_problem" and "warnings" besides. A container is looked into by a process of its own. Never throws for a
+ * source that is none: its "problem" says so.
+ */
+QJsonObject survey_source(const container_choice &choice, qint64 mebibytes_of_memory, qint64 seconds);
+
+/** The part of it that the worker process does. */
+QJsonObject survey_of_container(const container_choice &choice);
+
+#endif
