@@ -6,18 +6,27 @@
 #include "host/case/kept_file.h"
 #include "host/case/manifest.h"
 #include "host/case/report_record.h"
+#include "host/files/file_hash.h"
+#include "host/files/file_times.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
+#include "host/files/utc_time.h"
 #include "host/source/evidence_look.h"
 #include "host/source/macos_databases.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QJsonArray>
 #include <QRegularExpression>
 #include <QSet>
+
+#include <algorithm>
+
+#include <QJsonArray>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -358,8 +367,69 @@ private:
         }
     }
 
+    static bool is_taken_out(const source_record &recorded)
+    {
+        return std::any_of(recorded.evidence.files.cbegin(), recorded.evidence.files.cend(),
+                           [](const evidence_file &file) { return file.origin.isObject(); });
+    }
+
+    /** The files of the container that the evidence was taken out of, or those of the folder. */
+    void check_container(const source_record &recorded)
+    {
+        const QString name = source_name(recorded.number);
+        const QString moved = request.moved_to.value(recorded.number);
+        const QJsonArray files = recorded.container[u"files"_s].toArray();
+        for (const auto value : files) {
+            const QString path = value[u"path"_s].toString();
+            // The further files of a container stand beside its first one.
+            const QString place = moved.isEmpty()            ? path
+                                  : QFileInfo(moved).isDir() ? moved + u'/' + QFileInfo(path).fileName()
+                                  : path == files.first()[u"path"_s].toString()
+                                      ? moved
+                                      : QFileInfo(moved).path() + u'/' + QFileInfo(path).fileName();
+            check_container_file(name, place, value.toObject());
+        }
+        if (!files.isEmpty())
+            return;
+        for (const evidence_file &file : recorded.evidence.files) {
+            if (file.origin.isObject() && file.before && !file.before->sha256.isEmpty())
+                check_file(name + u": "_s + file.origin[u"path"_s].toString(),
+                           (moved.isEmpty() ? recorded.path : moved) + u'/' + file.origin[u"path"_s].toString(),
+                           file.before->sha256);
+        }
+    }
+
+    void check_container_file(const QString &name, const QString &place, const QJsonObject &recorded)
+    {
+        struct stat status = {};
+        if (::stat(QFile::encodeName(place).constData(), &status) != 0) {
+            outcome.missing.append(name + u": the evidence is not there: "_s + place);
+            return;
+        }
+        const QString hash = recorded.value("sha256"_L1).toString();
+        const bool is_hashed = request.hashes_containers && !hash.isEmpty();
+        if (is_hashed)
+            check_file(place, place, hash);
+        else
+            ++outcome.files_compared;
+        if (request.hashes_containers && hash.isEmpty())
+            outcome.notes.append(place + u" was not hashed when its evidence was taken out"_s);
+        const qint64 size = recorded.value("size"_L1).toInteger();
+        if (qint64(status.st_size) != size)
+            outcome.differences.append(place + u" was changed: it had "_s + QString::number(size)
+                                       + u" bytes, and has "_s + QString::number(qint64(status.st_size)));
+        else if (utc_text(modification_time(status)) != recorded.value("modified"_L1).toString())
+            (is_hashed || !request.moved_to.isEmpty() ? outcome.notes : outcome.differences)
+                .append(place
+                        + (is_hashed ? u" has other times, and the same size"_s : u" was modified, by its time"_s));
+    }
+
     void check_evidence(const source_record &recorded)
     {
+        if (recorded.container.isObject() || is_taken_out(recorded)) {
+            check_container(recorded);
+            return;
+        }
         const QString path = request.moved_to.value(recorded.number, recorded.path);
         const QString name = source_name(recorded.number);
         if (!path_exists(path)) {

@@ -21,6 +21,7 @@ struct check_request
     QMap<int, QString> moved_to; ///< where the evidence of a source lies now
     QStringList report_folders;  ///< absolute; of reports that lie elsewhere
     bool leaves_out_evidence = false;
+    bool hashes_containers = false; ///< images and archives too, which are compared by size and time otherwise
 };
 
 /** A file that was compared, or should have been. */

@@ -130,7 +130,7 @@ source_record source_record::from_json(const QJsonObject &json)
     record.name = json.value("name"_L1).toString();
     record.path = json.value("path"_L1).toString();
     record.type = json.value("type"_L1).toString();
-    record.driven_as = json.value("driven_as"_L1).toString();
+    record.driven_as = json.value("driven_as"_L1).toString(record.type); // earlier versions drove each as its type
     record.container = json.value("container"_L1).isObject() ? json.value("container"_L1) : QJsonValue();
     record.status = status_named(json.value("status"_L1).toString()).value_or(source_status::failed);
     if (json.value("exit_code"_L1).isDouble())

@@ -40,6 +40,8 @@ void add_verify_command(CLI::App &app, command_line &line)
             request->moved_to.insert(match.captured(1).toInt(), absolute_path(match.captured(2), evidence.name()));
         }
     });
+    add_flag(verify, {"--containers", "", "Hash images and archives again too, not only compare their sizes and times"},
+             request->hashes_containers);
     add_flag(verify, {"--results-only", "", "Leave the evidence out", {"bluetooth-logs verify case --results-only"}},
              request->leaves_out_evidence);
     const argument report{"--report", "DIR", "The folder of a report that lies elsewhere; may be given several times"};

@@ -28,7 +28,7 @@ struct extraction_options
     qint64 timeout = 0;                ///< seconds for one source; 0: none
     qint64 max_database = 1024;        ///< MiB
     qint64 max_log = qint64(64) << 30; ///< bytes of a log that is taken out of a container
-    bool skips_container_hash = true;  ///< SHA-256 of the files of containers
+    bool skips_container_hash = false; ///< no SHA-256 of the files of containers
 
     QJsonObject to_json() const;
     static extraction_options from_json(const QJsonObject &json);

@@ -210,7 +210,7 @@ evidence_state look_before(const evidence_source &source, const evidence_places 
         if (const std::optional<QString> target = link_out_of_source(source, source.root + path);
             target && file.reason.isEmpty())
             file.reason = u"it is reached by a link that leads out of the source, to "_s + *target;
-        if (source.is_taken_out && file.state == evidence_file::presence::present && !log)
+        if (source.is_taken_out && file.state == evidence_file::presence::present)
             file.copy_sha256 = file.before->sha256; // it is a copy itself
         evidence.files.append(file);
     }

@@ -61,7 +61,7 @@ std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, co
     for (const macos_database *database : macos_databases) {
         const QString path = path_in_source(*database);
         const QString copy = layout.evidence_folder() + u'/' + path;
-        if (source.record.type != macos_kind.name || table != database->result_table || !path_exists(copy))
+        if (source.record.driven_as != macos_kind.name || table != database->result_table || !path_exists(copy))
             continue;
         return std::make_unique<database_reading>(copy_with_wal(that_case, source, {copy, path, *database}), row,
                                                   that_case.vendors, source.preferences);

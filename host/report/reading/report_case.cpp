@@ -41,7 +41,7 @@ void add_source(report_case &result, source_record record)
                          {},
                          file_lock::is_held(files.lock())};
     const QString preferences = files.evidence_folder() + u'/' + macos_preferences_file;
-    if (record.type == macos_kind.name && path_exists(preferences))
+    if (record.driven_as == macos_kind.name && path_exists(preferences))
         source.preferences = preferences_names(preferences);
     if (!source.preferences.problem().isEmpty())
         result.shortcomings.append(
