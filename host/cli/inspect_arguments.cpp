@@ -24,10 +24,13 @@ void add_inspect_command(CLI::App &app, command_line &line)
                          "PATH",
                          "A folder, a log text, an image, an archive or a backup; several may be given",
                          {"bluetooth-logs inspect disk.E01", "its volumes, and where evidence is"}};
-    add_values(inspect, paths, [options, paths](const QStringList &given) {
-        for (const QString &path : given)
-            options->paths.append(absolute_path(path, paths.name()));
-    })->required();
+    add_values(inspect, paths,
+               [options, paths](const QStringList &given) {
+                   for (const QString &path : given)
+                       options->paths.append(absolute_path(path, paths.name()));
+               })
+        ->required()
+        ->expected(1, CLI::detail::expected_max_vector_size);
     add_flag(inspect, {"--json", "", "Print JSON", {"bluetooth-logs inspect --json a.tar.gz b.dd", "for a program"}},
              options->json);
     add_number(inspect, {"--memory-limit", "MIB", "Most memory that a container may take (default 2048)"},

@@ -272,8 +272,11 @@ exported_source export_evidence(const container_choice &choice, const export_pla
         taken.warnings += unread_volumes(looked.volumes);
     }
     visit_end end = source.visit(volume ? volume->number : 0, places.staging);
-    if (source.reopen_as_backup(end.collector))
-        end = source.visit(0, places.staging);
+    if (source.reopen_as_backup(end.collector)) {
+        const QString staging = places.staging + u"/backup"_s; // the manifests stand in the other one
+        make_folder(staging);
+        end = source.visit(0, staging);
+    }
     taken.warnings += end.store->warnings();
     if (!end.store->damage().isEmpty())
         taken.errors.append(u"the container cannot be read to its end: "_s + end.store->damage());

@@ -1,0 +1,371 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+# SPDX-License-Identifier: MIT
+#
+# test_containers.py PROGRAM
+# Containers made here, with what Debian has for it, give the same rows and the same hashes of evidence as the folder or
+# the log that they were made from. A container whose tool is missing is passed over, and said so.
+
+import hashlib
+import json
+import pathlib
+import plistlib
+import shutil
+import sqlite3
+import subprocess
+import sys
+import tarfile
+import tempfile
+import unittest
+import zipfile
+
+program = sys.argv[1]
+other = "com.apple.MobileBluetooth.ledevices.other.db"
+paired = "com.apple.MobileBluetooth.ledevices.paired.db"
+domain = "SysSharedContainerDomain-systemgroup.com.apple.bluetooth"
+tables = ("devices", "paired_devices")
+
+
+def run(*arguments):
+    return subprocess.run([program, *map(str, arguments)], capture_output=True, text=True)
+
+
+def needs(*tools):
+    for tool in tools:
+        if not shutil.which(tool) and not shutil.which(f"/sbin/{tool}"):
+            raise unittest.SkipTest(f"{tool} is missing")
+
+
+def tool(*arguments, **more):
+    subprocess.run(list(map(str, arguments)), check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                   env={"PATH": "/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin", "LC_ALL": "C.UTF-8"}, **more)
+
+
+class Containers(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.temporary = tempfile.TemporaryDirectory()
+        cls.folder = pathlib.Path(cls.temporary.name)
+        run("sample", cls.folder / "sample")
+        cls.macos = cls.folder / "sample/macos"
+        cls.log = cls.folder / "sample/ios/system.log"
+        cls.of_folder = cls.extract(cls.macos, "of_folder")
+        cls.of_log = cls.extract(cls.log, "of_log")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.temporary.cleanup()
+
+    @classmethod
+    def extract(cls, source, name, *options):
+        case = cls.folder / ("case_" + name)
+        result = run("extract", "-q", "-i", source, "-o", case, *options)
+        assert result.returncode == 0, (source, result.returncode, result.stderr)
+        return case
+
+    def record(self, case):
+        return json.loads((case / "Source1/source.json").read_text())
+
+    def rows(self, case):
+        database = sqlite3.connect(f"file:{case}/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite?mode=ro",
+                                   uri=True)
+        found = {}
+        for table in tables:
+            cursor = database.execute(f"SELECT * FROM {table}")
+            names = [column[0] for column in cursor.description]
+            kept = [i for i, name in enumerate(names) if "source" not in name.lower() and "path" not in name.lower()
+                    and name != "os_scheme_display"]
+            found[table] = [tuple(row[i] for i in kept) for row in cursor]
+        database.close()
+        return found
+
+    def hashes(self, case):
+        return {pathlib.PurePath(file["path"]).name: file["before"]["sha256"]
+                for file in self.record(case)["evidence"] if file["state"] == "present"}
+
+    def compare(self, container, name, kind, format, *options, log=False, type=None, hashes=None):
+        case = self.extract(container, name, *options)
+        expected = self.of_log if log else self.of_folder
+        self.assertEqual(self.rows(case), self.rows(expected))
+        found = self.hashes(case)
+        wanted = self.hashes(expected)
+        self.assertEqual(found, {key: wanted[key] for key in hashes or wanted})
+        record = self.record(case)
+        self.assertEqual(record["type"], type or ("iOS_UID" if log else "macOS"))
+        self.assertEqual(record["status"], "done")
+        if kind:
+            self.assertEqual((record["container"]["kind"], record["container"]["format"]), (kind, format))
+            self.assertIsNotNone(record["container"]["files"][0]["sha256"])
+        else:
+            self.assertIsNone(record["container"])
+        for file in record["evidence"]:
+            if file["state"] == "present":
+                self.assertIsNotNone(file["origin"])
+                self.assertEqual((case / "Source1/Evidence" / file["path"]).stat().st_mode & 0o777, 0o400)
+        self.assertEqual(run("verify", case, "--containers").returncode, 0)
+        return record
+
+    def refuse(self, source, code, words, *options):
+        case = self.folder / "refused"
+        result = run("extract", "-i", source, "-o", case, *options)
+        self.assertEqual(result.returncode, code, result.stderr)
+        self.assertIn(words, result.stderr)
+        self.assertFalse(case.exists(), "a refused source leaves nothing")
+
+    # archives
+
+    def test_tar_of_each_compression(self):
+        for suffix in ("", "gz", "bz2", "xz"):
+            with self.subTest(suffix):
+                path = self.folder / f"a.tar.{suffix}"
+                with tarfile.open(path, "w:" + suffix) as archive:
+                    archive.add(self.macos, "filesystem1")
+                self.compare(path, "tar" + suffix, "archive", "tar")
+
+    def test_zip(self):
+        path = self.folder / "a.zip"
+        with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as archive:
+            for file in self.macos.rglob("*"):
+                archive.write(file, file.relative_to(self.macos))
+        self.compare(path, "zip", "archive", "zip")
+
+    def test_7z_and_cpio(self):
+        needs("7z", "cpio")
+        tool("7z", "a", "-bd", self.folder / "a.7z", "macos", cwd=self.macos.parent)
+        self.compare(self.folder / "a.7z", "7z", "archive", "7z")
+        subprocess.run("find macos | cpio -o -H newc > ../a.cpio", shell=True, cwd=self.macos.parent,
+                       stderr=subprocess.DEVNULL, check=True)
+        self.compare(self.folder / "a.cpio", "cpio", "archive", "cpio")
+
+    def test_compressed_log(self):
+        for name, suffix, format in (("gzip", "gz", "gzip"), ("bzip2", "bz2", "bzip2"), ("xz", "xz", "xz"),
+                                     ("zstd", "zst", "zstd")):
+            with self.subTest(name):
+                needs(name)
+                tool(name, "-k", "-f", self.log)
+                self.compare(f"{self.log}.{suffix}", "log_" + suffix, "compressed", format, log=True)
+
+    def test_choice_of_a_log(self):
+        path = self.folder / "logs.zip"
+        with zipfile.ZipFile(path, "w") as archive:
+            archive.write(self.log, "a/one.log")
+            archive.write(self.log, "b/system.log")
+            archive.writestr("readme.txt", "no log\n")
+        self.refuse(path, 2, "--member a/one.log, --member b/system.log")
+        self.refuse(path, 2, "with the name of --member", "--member", "c")
+        self.compare(path, "member", "archive", "zip", "--member", "b/system.log", log=True)
+
+    def test_last_member_of_a_name_counts(self):
+        path = self.folder / "twice.tar"
+        with tarfile.open(path, "w") as archive:
+            archive.add(self.macos / "Library/Bluetooth" / paired, "Library/Bluetooth/" + other)
+            archive.add(self.macos, ".")
+        record = self.compare(path, "twice", "archive", "tar")
+        self.assertTrue(any("the last one was taken" in message["text"] for message in record["messages"]))
+
+    def test_dangerous_names(self):
+        path = self.folder / "danger.tar"
+        with tarfile.open(path, "w") as archive:
+            archive.add(self.macos, ".")
+            for name in ("../../outside", "/tmp/absolute", "C:\\x", "a/../../b"):
+                entry = tarfile.TarInfo(name)
+                archive.addfile(entry)
+        record = self.compare(path, "danger", "archive", "tar")
+        self.assertEqual(sum("passed over" in message["text"] for message in record["messages"]), 4)
+
+    def test_dangerous_evidence_is_refused(self):
+        path = self.folder / "evil.tar"
+        with tarfile.open(path, "w") as archive:
+            archive.add(self.macos / "Library/Bluetooth" / paired, "Library/Bluetooth/" + paired)
+            archive.add(self.macos / "Library/Bluetooth" / other, "../Library/Bluetooth/" + other)
+        case = self.folder / "case_evil"
+        result = run("extract", "-i", path, "-o", case)
+        self.assertEqual(result.returncode, 4, result.stderr)
+        states = {file["path"]: file["state"] for file in self.record(case)["evidence"]}
+        self.assertEqual(states["Library/Bluetooth/" + other], "refused")
+        self.assertEqual(states["Library/Bluetooth/" + paired], "present")
+
+    def test_links(self):
+        path = self.folder / "links.tar"
+        with tarfile.open(path, "w") as archive:
+            archive.add(self.macos / "Library/Bluetooth" / paired, "store/p")
+            archive.add(self.macos / "Library/Bluetooth" / other, "Library/Bluetooth/" + other)
+            archive.add(self.macos / "Library/Preferences", "Library/Preferences")
+            link = tarfile.TarInfo("Library/Bluetooth/" + paired)
+            link.type, link.linkname = tarfile.SYMTYPE, "../../store/p"
+            archive.addfile(link)
+        self.compare(path, "links", "archive", "tar")
+
+    def test_cut_archive_is_partial(self):
+        whole = self.folder / "whole.tar"
+        with tarfile.open(whole, "w") as archive:
+            archive.add(self.macos / "Library/Bluetooth" / other, "Library/Bluetooth/" + other)
+            archive.add(self.macos / "Library/Bluetooth" / paired, "Library/Bluetooth/" + paired)
+        cut = self.folder / "cut.tar"
+        cut.write_bytes(whole.read_bytes()[:-24000])
+        case = self.folder / "case_cut"
+        self.assertEqual(run("extract", "-i", cut, "-o", case).returncode, 4)
+        states = {file["path"]: file["state"] for file in self.record(case)["evidence"]}
+        self.assertEqual(states["Library/Bluetooth/" + other], "present")
+        self.assertEqual(states["Library/Bluetooth/" + paired], "unreadable")
+
+    def test_encrypted_members(self):
+        needs("7z")
+        for suffix, options in (("zip", []), ("7z", []), ("7z", ["-mhe=on"])):
+            path = self.folder / f"secret{len(options)}.{suffix}"
+            tool("7z", "a", "-bd", "-psecret", *options, path, "macos", cwd=self.macos.parent)
+            self.refuse(path, 3, "encrypted")
+
+    # images
+
+    def file_systems(self):
+        needs("mke2fs")
+        ext = self.folder / "ext.dd"
+        if not ext.exists():
+            with open(ext, "wb") as image:
+                image.truncate(16 << 20)
+            tool("mke2fs", "-q", "-t", "ext4", "-L", "EXT", "-d", self.macos, ext)
+        return ext
+
+    def test_ext(self):
+        record = self.compare(self.file_systems(), "ext", "image", "raw")
+        self.assertEqual(record["container"]["volume"],
+                         {"number": 1, "offset": 0, "file_system": "ext4", "name": "EXT"})
+
+    def test_fat(self):
+        needs("mkfs.vfat", "mcopy")
+        path = self.folder / "fat.dd"
+        with open(path, "wb") as image:
+            image.truncate(16 << 20)
+        tool("mkfs.vfat", "-F", "16", "-n", "FAT", path)
+        tool("mcopy", "-s", "-i", path, self.macos / "Library", "::/")
+        record = self.compare(path, "fat", "image", "raw")
+        self.assertEqual((record["container"]["volume"]["file_system"], record["container"]["volume"]["name"]),
+                         ("fat16", "FAT"))
+
+    def test_hfs(self):
+        needs("xorriso")
+        path = self.folder / "hfs.dd"
+        tool("xorriso", "-as", "mkisofs", "-hfsplus", "-quiet", "-o", path, self.macos)
+        record = self.compare(path, "hfs", "image", "raw")
+        self.assertEqual(record["container"]["volume"]["file_system"], "hfs+")
+
+    def test_formats_of_images(self):
+        needs("qemu-img", "ewfacquirestream")
+        ext = self.file_systems()
+        for suffix, format, name in (("vmdk", "vmdk", "vmdk"), ("vhd", "vpc", "vhd")):
+            path = self.folder / f"ext.{suffix}"
+            tool("qemu-img", "convert", "-O", format, ext, path)
+            self.compare(path, suffix, "image", name)
+        with open(ext, "rb") as stream:
+            tool("ewfacquirestream", "-q", "-d", "sha1", "-t", self.folder / "ewf", stdin=stream)
+        record = self.compare(self.folder / "ewf.E01", "ewf", "image", "ewf")
+        content = ext.read_bytes()
+        self.assertEqual(record["container"]["stored_hashes"],
+                         {"md5": hashlib.md5(content).hexdigest(), "sha1": hashlib.sha1(content).hexdigest()})
+        for number in range(3):
+            (self.folder / f"split.{number + 1:03}").write_bytes(content[number * 6000000:(number + 1) * 6000000])
+        record = self.compare(self.folder / "split.001", "split", "image", "raw")
+        self.assertEqual(len(record["container"]["files"]), 3)
+
+    def test_refused_image_names_the_command(self):
+        needs("qemu-img")
+        path = self.folder / "a.qcow2"
+        tool("qemu-img", "create", "-f", "qcow2", path, "1M")
+        self.refuse(path, 3, f"qemu-img convert -O raw {path}")
+
+    def test_choice_of_a_volume(self):
+        needs("sfdisk")
+        ext = self.file_systems().read_bytes()
+        path = self.folder / "gpt.dd"
+        with open(path, "wb") as image:
+            image.truncate(40 << 20)
+        subprocess.run(["/sbin/sfdisk", "-q", path], text=True, check=True, stdout=subprocess.DEVNULL,
+                       input="label: gpt\nstart=2048,size=32768,name=One\nstart=34816,size=32768,name=Two\n")
+        with open(path, "r+b") as image:
+            for start in (2048, 34816):
+                image.seek(start * 512)
+                image.write(ext)
+        self.refuse(path, 2, "--volume 1 (macOS")
+        self.refuse(path, 2, "there is no volume 9", "--volume", "9")
+        record = self.compare(path, "gpt", "image", "raw", "--volume", "2")
+        self.assertEqual(record["container"]["volume"]["offset"], 34816 * 512)
+
+    def test_encrypted_volume_is_named(self):
+        path = self.folder / "luks.dd"
+        path.write_bytes(b"LUKS\xba\xbe\x00\x01" + bytes(1 << 20))
+        self.refuse(path, 3, "encrypted with LUKS")
+
+    # iOS
+
+    def ios_folder(self):
+        folder = self.folder / "ios_files"
+        group = folder / "private/var/containers/Shared/SystemGroup/0A1B"
+        if not folder.exists():
+            shutil.copytree(self.macos / "Library/Bluetooth", group / "Library/Database")
+        return folder
+
+    def test_ios_files(self):
+        folder = self.ios_folder()
+        record = self.compare(folder, "ios", None, None, type="iOS_files", hashes=(other, paired))
+        self.assertEqual(record["driven_as"], "macOS")
+        path = self.folder / "ios.tar.gz"
+        with tarfile.open(path, "w:gz") as archive:
+            archive.add(folder, "dump")
+        self.compare(path, "ios_tar", "archive", "tar", type="iOS_files", hashes=(other, paired))
+
+    def backup(self, name, encrypted=False, stored=True):
+        folder = self.folder / name
+        folder.mkdir()
+        index = sqlite3.connect(folder / "Manifest.db")
+        index.execute("CREATE TABLE Files (fileID TEXT PRIMARY KEY, domain TEXT, relativePath TEXT, flags INTEGER, "
+                      "file BLOB)")
+        for database in (other, paired):
+            path = "Library/Database/" + database
+            number = hashlib.sha1(f"{domain}-{path}".encode()).hexdigest()
+            index.execute("INSERT INTO Files VALUES (?, ?, ?, 1, NULL)", (number, domain, path))
+            if stored or database == other:
+                (folder / number[:2]).mkdir(exist_ok=True)
+                shutil.copy(self.macos / "Library/Bluetooth" / database, folder / number[:2] / number)
+        index.commit()
+        index.close()
+        (folder / "Manifest.plist").write_bytes(plistlib.dumps({"IsEncrypted": encrypted}, fmt=plistlib.FMT_BINARY))
+        return folder
+
+    def test_backup(self):
+        folder = self.backup("backup")
+        record = self.compare(folder, "backup", "backup", "folder", type="iOS_backup", hashes=(other, paired))
+        self.assertEqual([pathlib.PurePath(file["path"]).name for file in record["container"]["files"]],
+                         ["Manifest.db", "Manifest.plist"])
+        path = self.folder / "backup.tar.gz"
+        with tarfile.open(path, "w:gz") as archive:
+            archive.add(folder, "0000")
+        self.compare(path, "backup_tar", "backup", "tar", type="iOS_backup", hashes=(other, paired))
+
+    def test_backups_that_are_not_whole(self):
+        self.refuse(self.backup("locked", encrypted=True), 3, "IsEncrypted")
+        case = self.folder / "case_lacking"
+        self.assertEqual(run("extract", "-i", self.backup("lacking", stored=False), "-o", case).returncode, 4)
+        states = {file["path"]: file["state"] for file in self.record(case)["evidence"]}
+        self.assertEqual(states["Library/Bluetooth/" + paired], "unreadable")
+
+    # inspect
+
+    def test_inspection(self):
+        result = run("inspect", "--json", self.file_systems(), self.macos, self.log)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        report = json.loads(result.stdout)
+        self.assertEqual((report["format"], report["version"]), ("bluetooth-logs inspection", 1))
+        self.assertEqual([source["type"] for source in report["sources"]], ["macOS", "macOS", "iOS_UID"])
+        image = report["sources"][0]
+        self.assertEqual(sorted(image), ["container", "evidence", "path", "problem", "type", "volumes"])
+        self.assertEqual(sorted(image["volumes"][0]), ["evidence", "file_system", "is_encrypted", "name", "number",
+                                                       "offset", "size", "type"])
+        self.assertEqual({file["path"] for file in image["evidence"]},
+                         {"Library/Bluetooth/" + other, "Library/Bluetooth/" + paired,
+                          "Library/Preferences/com.apple.Bluetooth.plist"})
+        self.assertIsNone(report["sources"][1]["container"])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
