@@ -30,7 +30,8 @@ void add_inspect_command(CLI::App &app, command_line &line)
                        options->paths.append(absolute_path(path, paths.name()));
                })
         ->required()
-        ->expected(1, CLI::detail::expected_max_vector_size);
+        ->expected(1, CLI::detail::expected_max_vector_size)
+        ->allow_extra_args(true);
     add_flag(inspect, {"--json", "", "Print JSON", {"bluetooth-logs inspect --json a.tar.gz b.dd", "for a program"}},
              options->json);
     add_number(inspect, {"--memory-limit", "MIB", "Most memory that a container may take (default 2048)"},
