@@ -25,7 +25,6 @@
 
 #include <algorithm>
 
-#include <QJsonArray>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;

@@ -286,15 +286,6 @@ QList<int> sources_unlike_manifest(const case_layout &layout, const QJsonObject 
         const QJsonObject entry = value.toObject();
         if (compare_record(layout, manifest, entry) != record_state::alike)
             numbers.append(entry.value("number"_L1).toInt());
-        const int number = entry.value("number"_L1).toInt();
-        const bool has_record = path_exists(layout.source(number).record());
-        const bool was_run = entry.value("status"_L1) != QString(status_name(source_status::not_run));
-        // Entries of earlier versions lack members.
-        const auto is_alike = [&entry](const source_record &record) {
-            return record.to_json() == source_record::from_json(entry).to_json();
-        };
-        if (has_record != was_run || (has_record && !is_alike(read_source_record(layout, number).source)))
-            numbers.append(number);
     }
     return numbers;
 }

@@ -363,8 +363,6 @@ void test_registry_devices::speed()
     QCOMPARE(list.devices.size(), 500);
 }
 
-Q_DECLARE_METATYPE(hive_value)
-Q_DECLARE_METATYPE(QList<hive_key>)
 
 QTEST_GUILESS_MAIN(test_registry_devices)
 
