@@ -49,7 +49,7 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QByteArray html = html_evidence(text);
     const QByteArray content = html.sliced(5, html.size() - 11); // between <bdi> and </bdi>
     require(!content.contains('<') && !content.contains('>') && !content.contains('"'), "markup is not escaped");
-    const QByteArray shown = page_json(page_text(text));
+    const QByteArray shown = page_json(page_text(text).toUtf8());
     require(!shown.contains('<') && !shown.contains('>') && !shown.contains('&'), "the data block is not escaped");
     return 0;
 }

@@ -31,6 +31,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr qint64 unknown_size = -1; ///< of a file whose content alone is compared
+
 using place = compared_file::place;
 using finding = compared_file::finding;
 
@@ -392,34 +394,33 @@ private:
             return;
         for (const evidence_file &file : recorded.evidence.files) {
             if (file.origin.isObject() && file.before && !file.before->sha256.isEmpty())
-                check_file(name + u": "_s + file.origin[u"path"_s].toString(),
-                           (moved.isEmpty() ? recorded.path : moved) + u'/' + file.origin[u"path"_s].toString(),
-                           file.before->sha256);
+                check_file(moved.isEmpty() ? recorded.path : moved,
+                           {file.origin[u"path"_s].toString(), unknown_size, file.before->sha256}, place::evidence);
         }
     }
 
-    void check_container_file(const QString &name, const QString &place, const QJsonObject &recorded)
+    void check_container_file(const QString &name, const QString &file, const QJsonObject &recorded)
     {
         struct stat status = {};
-        if (::stat(QFile::encodeName(place).constData(), &status) != 0) {
-            outcome.missing.append(name + u": the evidence is not there: "_s + place);
+        if (::stat(QFile::encodeName(file).constData(), &status) != 0) {
+            outcome.missing.append(name + u": the evidence is not there: "_s + file);
             return;
         }
         const QString hash = recorded.value("sha256"_L1).toString();
         const bool is_hashed = request.hashes_containers && !hash.isEmpty();
         if (is_hashed)
-            check_file(place, place, hash);
+            check_file(QFileInfo(file).path(), {QFileInfo(file).fileName(), unknown_size, hash}, place::evidence);
         else
-            ++outcome.files_compared;
+            add({place::evidence, file, finding::unchanged, {}, {}});
         if (request.hashes_containers && hash.isEmpty())
-            outcome.notes.append(place + u" was not hashed when its evidence was taken out"_s);
+            outcome.notes.append(file + u" was not hashed when its evidence was taken out"_s);
         const qint64 size = recorded.value("size"_L1).toInteger();
         if (qint64(status.st_size) != size)
-            outcome.differences.append(place + u" was changed: it had "_s + QString::number(size)
-                                       + u" bytes, and has "_s + QString::number(qint64(status.st_size)));
+            outcome.differences.append(file + u" was changed: it had "_s + QString::number(size) + u" bytes, and has "_s
+                                       + QString::number(qint64(status.st_size)));
         else if (utc_text(modification_time(status)) != recorded.value("modified"_L1).toString())
             (is_hashed || !request.moved_to.isEmpty() ? outcome.notes : outcome.differences)
-                .append(place
+                .append(file
                         + (is_hashed ? u" has other times, and the same size"_s : u" was modified, by its time"_s));
     }
 

@@ -116,7 +116,7 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
              {"--member",
               "PATH",
               "Log in an archive, or the folder in it that a source begins at",
-              {"bluetooth-logs extract -i logs.tar.gz --member a/system.log -o case", "a log in an archive"}},
+              {"bluetooth-logs extract -i logs.zip --member a.log -o case", "a log in an archive"}},
              arguments.member);
     add_number(extract, {"--source-number", "N", "Number of the source in the case (default 1)"}, 0, highest_number,
                arguments.number);

@@ -230,6 +230,12 @@ private:
         return options.brief && appearance.table == result_tables().last();
     }
 
+    /** Numbers are for pages. Without one a number for each device would take memory, and none would be shown. */
+    bool is_numbered(const device_appearance &appearance) const
+    {
+        return has_pages() || join.is_shared(appearance) || is_of_note(appearance);
+    }
+
     /**
      * The devices that several sources know, and the others where all of them are shown. The rows are read again,
      * source by source: no report for programs needs more of them in memory.
@@ -245,6 +251,8 @@ private:
             for (const QString &table : result_tables()) {
                 const table_reading reading = read_rows(that_case, source, table, [&](const report_row &row) {
                     const device_appearance appearance = appearance_of(row, int(i));
+                    if (!is_numbered(appearance))
+                        return;
                     const qint64 number = numbers.next(appearance);
                     if (has_pages())
                         device_of_row[i][table].push_back(number);
@@ -254,6 +262,8 @@ private:
                 add_shortcoming(source, reading.problem);
             }
             for_each_other_appearance(that_case, int(i), [&](const device_appearance &appearance) {
+                if (!is_numbered(appearance))
+                    return;
                 const qint64 number = numbers.next(appearance);
                 if (is_one_page() || join.is_shared(appearance))
                     devices.add(appearance, number);

@@ -20,6 +20,7 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 
 #include <sqlite3.h>
@@ -87,6 +88,16 @@ void count_stored(inspection &result, const source_request &request)
 using damaged_databases = QList<const macos_database *>;
 
 /** The rows on intact pages of databases that SQLite calls damaged. */
+/** What the host reads beside the plug-in must not keep it from looking at what the plug-in did. */
+void attempt(inspection &result, const std::function<void()> &reading)
+{
+    try {
+        reading();
+    } catch (const host_error &error) {
+        result.problems.append(error.message());
+    }
+}
+
 void salvage_rows(inspection &result, const source_request &request, const damaged_databases &damaged)
 {
     const QJsonObject counts = write_salvage(damaged, request.layout().evidence_folder(), request.layout().salvage());
@@ -146,7 +157,10 @@ void compare_ios_rows(inspection &result, const source_request &request)
     }
 }
 
-/** Copies of the evidence, the host's and the plug-in's, that hold something else than what was hashed. */
+/**
+ * Copies of the evidence, the host's and the plug-in's, that hold something else than what was hashed. One that is cut
+ * off, on a full disk for instance, tells nothing of the evidence: the plug-in's log and the rows that are missing do.
+ */
 QStringList unlike_copies(const source_request &request, const evidence_state &evidence)
 {
     QStringList texts;
@@ -158,8 +172,10 @@ QStringList unlike_copies(const source_request &request, const evidence_state &e
     }
     for (const macos_database *database : macos_databases) {
         const evidence_file *file = evidence.file_named(path_in_source(*database));
-        const std::optional<QString> hash = hash_of_file(request.layout().result_folder() + u"/Logs/"_s
-                                                         + database->file_name);
+        const QString copy = request.layout().result_folder() + u"/Logs/"_s + database->file_name;
+        if (file && file->before && QFileInfo(copy).size() < file->before->size)
+            continue;
+        const std::optional<QString> hash = hash_of_file(copy);
         if (hash && (!file || !file->before || *hash != file->before->sha256))
             texts.append(path_in_source(*database) + u": what the plug-in copied is not what was hashed"_s);
     }
@@ -256,8 +272,8 @@ inspection inspect(const source_request &request, const evidence_state &evidence
     result.wal = wal.counts;
     result.warnings = wal.problems;
     result.is_out_of_memory = result.is_out_of_memory || wal.is_out_of_memory;
-    read_host_devices(result, request);
-    salvage_rows(result, request, damaged);
+    attempt(result, [&] { read_host_devices(result, request); });
+    attempt(result, [&] { salvage_rows(result, request, damaged); });
     result.result_sha256 = hash_of_file(request.layout().result_database()).value_or(QString());
     return result;
 }

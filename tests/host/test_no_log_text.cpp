@@ -15,6 +15,8 @@ class test_no_log_text : public strict_test
     Q_OBJECT
 
 private Q_SLOTS:
+    void damaged_container_is_refused_data();
+    void damaged_container_is_refused();
     void file_is_refused_data();
     void file_is_refused();
     void log_is_taken_data();
@@ -34,17 +36,8 @@ void test_no_log_text::file_is_refused_data()
         return text;
     };
     const QByteArray rest(600, '\1');
-    const QString unpack = u": unpack it first"_s;
     // clang-format off
     QTest::newRow("empty")          << QByteArray()                                    << u"it is empty"_s;
-    QTest::newRow("gzip")           << QByteArray("\x1f\x8b\x08") + rest               << u"it is a gzip archive"_s + unpack;
-    QTest::newRow("xz")             << QByteArray("\xfd" "7zXZ\0", 6) + rest           << u"it is an xz archive"_s + unpack;
-    QTest::newRow("bzip2")          << "BZh9" + rest                                   << u"it is a bzip2 archive"_s + unpack;
-    QTest::newRow("zstd")           << QByteArray("\x28\xb5\x2f\xfd") + rest           << u"it is a zstd archive"_s + unpack;
-    QTest::newRow("zip")            << "PK\x03\x04" + rest                             << u"it is a zip archive"_s + unpack;
-    QTest::newRow("7z")             << QByteArray("7z\xbc\xaf\x27\x1c") + rest         << u"it is a 7z archive"_s + unpack;
-    QTest::newRow("tar")            << QByteArray(257, 'a') + "ustar" + rest           << u"it is a tar archive"_s + unpack;
-    QTest::newRow("E01")            << QByteArray("EVF\x09\x0d\x0a\xff\0", 8) + rest   << u"it is a disk image (E01): mount it, and give the log text in it"_s;
     QTest::newRow("SQLite")         << QByteArray("SQLite format 3\0", 16) + rest      << u"it is an SQLite database"_s;
     QTest::newRow("property list")  << "bplist00" + rest                               << u"it is a property list"_s;
     QTest::newRow("program")        << QByteArray("\x7f" "ELF\2\1\1\0", 8) + rest      << u"it is a program"_s;
@@ -55,6 +48,43 @@ void test_no_log_text::file_is_refused_data()
     QTest::newRow("another text")   << QByteArray("Dear diary,\nnothing of this day.\n") << u"no line of it looks like one of a device's log"_s;
     QTest::newRow("one long line")  << QByteArray(3 << 20, 'x')                        << u"no line of it looks like one of a device's log"_s;
     // clang-format on
+}
+
+/** What is a container by its first bytes, and nothing behind them. */
+void test_no_log_text::damaged_container_is_refused_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("start");
+    const QByteArray rest(600, '\1');
+    QTest::newRow("gzip") << QByteArray("\x1f\x8b\x08") + rest << u"the archive cannot be read: $: "_s;
+    QTest::newRow("xz") << QByteArray("\xfd"
+                                      "7zXZ\0",
+                                      6)
+                               + rest
+                        << u"the archive cannot be read: $: "_s;
+    QTest::newRow("bzip2") << "BZh9" + rest << u"the archive cannot be read: $: "_s;
+    QTest::newRow("zstd") << QByteArray("\x28\xb5\x2f\xfd") + rest << u"the archive cannot be read: $: "_s;
+    QTest::newRow("zip") << "PK\x03\x04" + rest
+                         << u"$: there is no evidence in it; the container cannot be read to its end: "_s;
+    QTest::newRow("7z") << QByteArray("7z\xbc\xaf\x27\x1c") + rest
+                        << u"$: there is no evidence in it; the container cannot be read to its end: "_s;
+    QTest::newRow("tar") << QByteArray(257, 'a') + "ustar" + rest << u"the archive cannot be read: $: "_s;
+    QTest::newRow("E01") << QByteArray("EVF\x09\x0d\x0a\xff\0", 8) + rest << u"the image cannot be opened: $: "_s;
+}
+
+void test_no_log_text::damaged_container_is_refused()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, start);
+    const host_program host;
+    QFile file(host.path(u"log"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    file.close();
+    const host_result result = host.run({u"extract"_s, u"-i"_s, u"log"_s, u"-o"_s, u"case"_s});
+    QVERIFY2(result.errors.startsWith(u"error: "_s + start.replace(u"$"_s, host.path(u"log"_s))),
+             qPrintable(result.errors));
+    QCOMPARE(result.exit_code, 3);
+    QVERIFY(!QFile::exists(host.path(u"case"_s)));
 }
 
 void test_no_log_text::file_is_refused()

@@ -140,7 +140,7 @@ void test_case_sources::faults_of_a_list_data()
     QTest::newRow("no object")      << QByteArray(R"({"sources": ["a"]})")                        << u"list.json: sources[0] is no object"_s;
     QTest::newRow("no path")        << QByteArray(R"({"sources": [{"path": "a"}, {}]})")          << u"list.json: sources[1].path is missing or empty"_s;
     QTest::newRow("a number, half") << QByteArray(R"({"sources": [{"path": "a", "number": 1.5}]})") << u"list.json: sources[0].number is no whole number from 1 to 1000000"_s;
-    QTest::newRow("unknown type")   << QByteArray(R"({"sources": [{"path": "a", "type": "x"}]})") << u"list.json: sources[0].type is x, and only macOS, iOS_UID, winOS and auto are known"_s;
+    QTest::newRow("unknown type")   << QByteArray(R"({"sources": [{"path": "a", "type": "x"}]})") << u"list.json: sources[0].type is x, and only macOS, iOS_UID, iOS_files, iOS_backup, winOS and auto are known"_s;
     // clang-format on
 }
 

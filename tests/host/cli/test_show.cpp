@@ -294,6 +294,9 @@ void test_show::an_older_manifest_is_said_to_be_so()
     QCOMPARE(whole.exit_code, 0);
     QVERIFY2(whole.output.startsWith(u"Source1  the laptop  macOS: "_s), qPrintable(whole.output));
 
+    QFile log(host.path(u"sample/ios/system.log"_s));
+    QVERIFY(log.open(QIODevice::Append) && log.write("May 17 12:11:05 phone kernel[0] <Notice>: more\n") > 0);
+    log.close();
     QCOMPARE(host.run(extract + QStringList{u"--only"_s, u"2"_s, u"--force"_s}).exit_code, 0);
     const host_result older = host.run(show);
     QCOMPARE(older.errors, u"warning: the manifest is older than source 2: \"collect\" makes it anew\n"_s);
@@ -477,7 +480,7 @@ void test_show::many_rows_take_little_memory()
     if (!QFile::exists(u"/proc/self/status"_s))
         QSKIP("no /proc");
     constexpr int rows = 100000;
-    constexpr int most_kilobytes = 30 * 1024;
+    constexpr int most_kilobytes = 40 * 1024; // 30 of them are the libraries that read images and archives
     const host_program host;
     make_case(host).execute(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < "_s
                             + QString::number(rows)

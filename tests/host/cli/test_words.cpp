@@ -64,7 +64,7 @@ void test_words::refusal_data()
     const QString more_of_show = u" (bluetooth-logs show --help tells more)"_s;
     const auto no_command = [](const QString &word) {
         return QString(u"there is no command "_s + word
-                       + u" beside sample, extract, collect, verify, note, report, show and help"_s);
+                       + u" beside sample, extract, collect, verify, note, inspect, report, show and help"_s);
     };
     const auto extract = [](const QString &rest) { return QString(u"extract -i s -o c "_s + rest).split(u' '); };
 
@@ -77,7 +77,7 @@ void test_words::refusal_data()
     QTest::newRow("capital letters")   << QStringList{u"SAMPLE"_s, u"d"_s}      << no_command(u"SAMPLE"_s) + u": did you mean sample?"_s + more;
     QTest::newRow("no such command")   << QStringList{u"frobnicate"_s}          << no_command(u"frobnicate"_s) + more;
     QTest::newRow("option misspelt")   << extract(u"--forse"_s)                 << u"there is no option --forse: did you mean --force?"_s + more_of_extract;
-    QTest::newRow("option begun")      << extract(u"--mem 5000"_s)              << u"there is no option --mem: did you mean --memory-limit?"_s + more_of_extract;
+    QTest::newRow("option begun")      << extract(u"--memor 5000"_s)             << u"there is no option --memor: did you mean --memory-limit?"_s + more_of_extract;
     QTest::newRow("option with value") << QStringList{u"show"_s, u"c"_s, u"--tabel=devices"_s} << u"there is no option --tabel: did you mean --table?"_s + more_of_show;
     QTest::newRow("general option")    << QStringList{u"--nocolor"_s, u"show"_s, u"c"_s} << u"there is no option --nocolor: did you mean --no-color?"_s + more_of_show;
     QTest::newRow("no such option")    << QStringList{u"show"_s, u"c"_s, u"-x"_s} << u"there is no option -x"_s + more_of_show;

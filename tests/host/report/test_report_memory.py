@@ -5,6 +5,7 @@
 # test_report_memory.py PROGRAM
 # Reports for programs of two sources take no more memory for many rows than for few.
 
+import os
 import pathlib
 import sqlite3
 import subprocess
@@ -47,7 +48,8 @@ class report_memory(case_in_a_folder):
         output = subprocess.run([sys.executable, "-c", launcher, program, *arguments], cwd=self.folder, check=True,
                                 env=self.environment, stdout=subprocess.PIPE).stdout
         status, peak = map(int, output.split())
-        self.assertEqual(status, 0)
+        # The rows of the large case are not those of its record, which the report says.
+        self.assertIn(os.waitstatus_to_exitcode(status), (0, 4))
         return peak
 
     def test_does_not_grow(self):

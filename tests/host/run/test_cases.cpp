@@ -565,7 +565,7 @@ void test_cases::wrong_list_is_refused_data()
     QTest::newRow("no sources")      << QByteArray(R"({"sources": []})")                                     << u"list.json: sources is no list of at least one source\n"_s;
     QTest::newRow("no path")         << QByteArray(R"({"sources": [{"path": "copy"}, {"name": "x"}]})")      << u"list.json: sources[1].path is missing or empty\n"_s;
     QTest::newRow("path, a number")  << QByteArray(R"({"sources": [{"path": 1}]})")                          << u"list.json: sources[0].path is no text\n"_s;
-    QTest::newRow("type")            << QByteArray(R"({"sources": [{"path": "copy", "type": "mac"}]})")      << u"list.json: sources[0].type is mac, and only macOS, iOS_UID, winOS and auto are known\n"_s;
+    QTest::newRow("type")            << QByteArray(R"({"sources": [{"path": "copy", "type": "mac"}]})")      << u"list.json: sources[0].type is mac, and only macOS, iOS_UID, iOS_files, iOS_backup, winOS and auto are known\n"_s;
     QTest::newRow("number")          << QByteArray(R"({"sources": [{"path": "copy", "number": 1.5}]})")      << u"list.json: sources[0].number is no whole number from 1 to 1000000\n"_s;
     QTest::newRow("number twice")    << QByteArray(R"({"sources": [{"path": "copy", "number": 2}, {"path": "sample/macos", "number": 2}]})") << u"the number 2 is given twice: $copy (list.json: sources[0]) and $sample/macos (list.json: sources[1])\n"_s;
     QTest::newRow("source twice")    << QByteArray(R"({"sources": [{"path": "copy"}, {"path": "sample/../copy"}]})") << u"a source is given twice: $copy (list.json: sources[0]) and $copy (list.json: sources[1])\n"_s;
