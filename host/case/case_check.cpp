@@ -383,12 +383,12 @@ private:
         for (const auto value : files) {
             const QString path = value[u"path"_s].toString();
             // The further files of a container stand beside its first one.
-            const QString place = moved.isEmpty()            ? path
-                                  : QFileInfo(moved).isDir() ? moved + u'/' + QFileInfo(path).fileName()
-                                  : path == files.first()[u"path"_s].toString()
-                                      ? moved
-                                      : QFileInfo(moved).path() + u'/' + QFileInfo(path).fileName();
-            check_container_file(name, place, value.toObject());
+            const QString now = moved.isEmpty()            ? path
+                                : QFileInfo(moved).isDir() ? moved + u'/' + QFileInfo(path).fileName()
+                                : path == files.first()[u"path"_s].toString()
+                                    ? moved
+                                    : QFileInfo(moved).path() + u'/' + QFileInfo(path).fileName();
+            check_container_file(name, now, value.toObject());
         }
         if (!files.isEmpty())
             return;
