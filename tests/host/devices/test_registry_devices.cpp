@@ -363,7 +363,6 @@ void test_registry_devices::speed()
     QCOMPARE(list.devices.size(), 500);
 }
 
-
 QTEST_GUILESS_MAIN(test_registry_devices)
 
 #include "test_registry_devices.moc"
