@@ -151,8 +151,9 @@ image_handle open_any(const QStringList &segments, QLatin1StringView format)
 {
     if (format == "raw"_L1)
         return open_raw(segments);
+    // One name alone would be taken for a pattern, and have to end with ".E01"; twice the same is that one file.
     if (format == "ewf"_L1)
-        return open_by_library(segments, TSK_IMG_TYPE_EWF_EWF);
+        return open_by_library(segments.size() == 1 ? segments + segments : segments, TSK_IMG_TYPE_EWF_EWF);
     // The other two libraries find the further files by themselves.
     return open_by_library(segments.first(1), format == "vmdk"_L1 ? TSK_IMG_TYPE_VMDK_VMDK : TSK_IMG_TYPE_VHD_VHD);
 }
@@ -218,11 +219,13 @@ private:
     file_system_handle open_file_system(const known_volume &volume)
     {
         if (!volume.pool_block)
-            return {tsk_fs_open_img(image.get(), volume.facts.offset, TSK_FS_TYPE_ENUM(volume.type)), tsk_fs_close};
+            return file_system_handle(tsk_fs_open_img(image.get(), volume.facts.offset, TSK_FS_TYPE_ENUM(volume.type)));
         const pool_handle &pool = pools.at(volume.facts.offset);
-        // The library gives the volume an image of its own and never closes it.
-        TSK_IMG_INFO *const inside = pool->get_img_info(pool.get(), *volume.pool_block);
-        return {inside ? tsk_fs_open_img(inside, 0, TSK_FS_TYPE_APFS) : nullptr, tsk_fs_close};
+        image_handle inside(pool->get_img_info(pool.get(), *volume.pool_block), tsk_img_close);
+        if (!inside)
+            return {};
+        TSK_FS_INFO *const opened = tsk_fs_open_img(inside.get(), 0, TSK_FS_TYPE_APFS);
+        return opened ? file_system_handle(opened, file_system_closer{inside.release()}) : file_system_handle();
     }
 
     void find_volumes()

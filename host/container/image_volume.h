@@ -11,7 +11,20 @@
 #include <tsk/libtsk.h>
 
 using image_handle = std::unique_ptr<TSK_IMG_INFO, void (*)(TSK_IMG_INFO *)>;
-using file_system_handle = std::unique_ptr<TSK_FS_INFO, void (*)(TSK_FS_INFO *)>;
+
+/** Closes a file system, and the image of its own that the library makes for a volume of APFS and leaves open. */
+struct file_system_closer
+{
+    TSK_IMG_INFO *image = nullptr;
+
+    void operator()(TSK_FS_INFO *system) const
+    {
+        tsk_fs_close(system);
+        tsk_img_close(image);
+    }
+};
+
+using file_system_handle = std::unique_ptr<TSK_FS_INFO, file_system_closer>;
 using pool_handle = std::unique_ptr<const TSK_POOL_INFO, void (*)(const TSK_POOL_INFO *)>;
 
 /** What the library says of the last thing that failed, on one line. */
