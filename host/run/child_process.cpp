@@ -5,6 +5,7 @@
 
 #include "host/files/host_error.h"
 #include "host/files/system_error.h"
+#include "host/run/process_platform.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -13,7 +14,6 @@
 #include <csignal>
 #include <vector>
 
-#include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -34,13 +34,7 @@ struct pipe_ends
 pipe_ends make_pipe()
 {
     int ends[2] = {-1, -1};
-#ifdef Q_OS_DARWIN
-    const bool is_made = ::pipe(ends) == 0 && ::fcntl(ends[0], F_SETFD, FD_CLOEXEC) == 0
-                         && ::fcntl(ends[1], F_SETFD, FD_CLOEXEC) == 0;
-#else
-    const bool is_made = ::pipe2(ends, O_CLOEXEC) == 0;
-#endif
-    if (!is_made)
+    if (!open_pipe(ends))
         throw host_error(error_kind::io, u"no pipe can be made: "_s + system_error_text(errno));
     return {descriptor(ends[0]), descriptor(ends[1])};
 }
@@ -130,12 +124,7 @@ private:
 
 QString child_end::signal_name() const
 {
-#ifdef Q_OS_DARWIN
-    return u"SIG"_s + QString::fromLatin1(signal > 0 && signal < NSIG ? sys_signame[signal] : "?").toUpper();
-#else
-    const char *name = ::sigabbrev_np(signal);
-    return name ? QString(u"SIG"_s + QLatin1StringView(name)) : QString(u"signal "_s + QString::number(signal));
-#endif
+    return name_of_signal(signal);
 }
 
 child_process::child_process(const QString &program, const QStringList &arguments, const QList<QByteArray> &environment)

@@ -3,6 +3,8 @@
 
 #include "host/source/evidence_folder.h"
 
+#include "host/files/access_time.h"
+
 #include <QFile>
 
 #include <algorithm>
@@ -17,13 +19,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Systems without the flag keep the access time by mounting evidence read-only.
-#ifdef O_NOATIME
-constexpr int keep_access_time = O_NOATIME;
-#else
-constexpr int keep_access_time = 0;
-#endif
 
 constexpr int reading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
@@ -45,7 +40,7 @@ QString evidence_name_text(QByteArrayView name)
 descriptor open_evidence(const QString &path, int more_flags)
 {
     const QByteArray name = QFile::encodeName(path);
-    const int file = ::open(name.constData(), reading | more_flags | keep_access_time);
+    const int file = ::open(name.constData(), reading | more_flags | keep_access_time());
     if (file == -1 && errno == EPERM)
         return descriptor(::open(name.constData(), reading | more_flags)); // only the owner may keep the access time
     return descriptor(file);
@@ -99,12 +94,10 @@ bool reading_changes_access_time(const QString &path)
     struct statvfs system = {};
     if (::statvfs(name.constData(), &system) == 0 && (system.f_flag & ST_RDONLY) != 0)
         return false;
-#ifdef ST_NOATIME
-    if ((system.f_flag & ST_NOATIME) != 0)
+    if (has_no_access_times(system))
         return false;
-#endif
-    if (keep_access_time == 0)
+    if (keep_access_time() == 0)
         return true;
-    const descriptor file(::open(name.constData(), reading | keep_access_time));
+    const descriptor file(::open(name.constData(), reading | keep_access_time()));
     return !file.is_open() && errno == EPERM;
 }
