@@ -5,8 +5,11 @@
 #include "host/sample/device_names.h"
 #include "host/sample/sample_parts.h"
 #include "host/sample/sample_random.h"
+#include "host/sample/write_ahead_log.h"
 #include "host/source/macos_databases.h"
 #include "host/sqlite/sqlite.h"
+
+#include <QFile>
 
 #include <optional>
 
@@ -139,7 +142,7 @@ void fill_paired_devices(device_writer &table)
         if (row < qint64(std::size(paired_device_names)))
             device.name = paired_device_names[row].toUtf8();
         device.name_origin = 1;
-        const QString address = u"Public "_s + random.address(u':');
+        const QString address = u"Public "_s + paired_address(row);
         const QString random_address = u"Random "_s + random.address(u':');
         const bool is_resolved = row % 3 == 0;
         device.address = is_resolved ? random_address : address;
@@ -156,32 +159,106 @@ void fill_paired_devices(device_writer &table)
     }
 }
 
+// What happened since the system wrote its log back to the file the last time.
+
+void change_other_devices(sqlite_database &database, device_writer &table)
+{
+    database.execute("UPDATE OtherDevices SET LastSeenTime = LastSeenTime + 401000 WHERE rowid IN (3, 512);"
+                     "DELETE FROM OtherDevices WHERE rowid = 7;");
+    sample_random random(6);
+    for (const char *name : {"Airport lounge printer", "Rental car 7"}) {
+        sample_device device;
+        device.uuid = random.uuid();
+        device.name = name;
+        device.name_origin = 1;
+        device.address = u"Random "_s + random.address(u':');
+        device.last_seen = 402000 + random.below(900);
+        table.add(device);
+    }
+}
+
+void change_paired_devices(sqlite_database &database, device_writer &table)
+{
+    database.execute("UPDATE PairedDevices SET Name = 'Trackpad (office)', LastConnectionTime = 2143 WHERE rowid = 4;"
+                     "DELETE FROM PairedDevices WHERE rowid = 18;");
+    sample_random random(7);
+    sample_device device;
+    device.uuid = random.uuid();
+    device.name = "Rental car 7";
+    device.name_origin = 1;
+    device.address = u"Public "_s + rental_car_address;
+    device.last_seen = 402950;
+    device.last_connection = 2144;
+    table.add(device);
+}
+
 /**
- * One database in the write-ahead journal mode that the operating system uses; closing it moves all rows to the file.
+ * One database in the write-ahead journal mode that the operating system uses, open while @p work fills or changes it;
+ * closing it moves all rows to the file.
  */
-template<typename Fill>
-void write_database(const QString &folder, const macos_database &kind, Fill fill)
+template<typename Work>
+void work_on_database(const QString &file, sqlite_database::access mode, const macos_database &kind, const Work &work)
 {
     const QByteArray table(kind.device_table.data(), kind.device_table.size());
     try {
-        sqlite_database database(folder + kind.file_name, sqlite_database::access::create);
-        for (const char *pragma : {"PRAGMA page_size=4096", "PRAGMA journal_mode=WAL"})
-            sqlite_statement(database, pragma).next();
+        sqlite_database database(file, mode);
+        if (mode == sqlite_database::access::create) {
+            for (const char *pragma : {"PRAGMA page_size=4096", "PRAGMA journal_mode=WAL"})
+                sqlite_statement(database, pragma).next();
+        }
         database.execute("BEGIN");
-        database.execute(QByteArray("CREATE TABLE " + table + device_columns).constData());
-        database.execute(common_statements);
-        device_writer writer(database, table);
-        fill(writer);
+        if (mode == sqlite_database::access::create) {
+            database.execute(QByteArray("CREATE TABLE " + table + device_columns).constData());
+            database.execute(common_statements);
+        }
+        {
+            device_writer writer(database, table);
+            work(database, writer);
+        }
         database.execute("COMMIT");
     } catch (const sqlite_error &error) {
         throw host_error(error_kind::io, u"the sample database cannot be written: "_s + error.message());
     }
 }
 
+QByteArray content_of_sample(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw host_error(error_kind::io, u"the sample database cannot be read: "_s + path);
+    return file.readAll();
+}
+
+/** The database as it was before @p change, and beside it the log that has the change. */
+template<typename Fill, typename Change>
+void write_database(const QString &folder, const macos_database &kind, const Fill &fill, const Change &change)
+{
+    const QString file = folder + kind.file_name;
+    work_on_database(file, sqlite_database::access::create, kind, fill);
+    const QByteArray before = content_of_sample(file);
+    work_on_database(file, sqlite_database::access::read_write, kind, change);
+    const QByteArray after = content_of_sample(file);
+    if (!QFile::remove(file))
+        throw host_error(error_kind::io, u"the sample database cannot be written: "_s + file);
+    write_sample_file(file, before);
+    write_sample_file(file + u"-wal"_s, write_ahead_log(before, after));
+}
+
 } // namespace
+
+QString paired_address(qint64 row)
+{
+    sample_random random(5);
+    QString address;
+    for (qint64 before = 0; before <= row; ++before)
+        address = random.address(u':');
+    return address;
+}
 
 void write_ledevices_databases(const QString &folder, sample_names names)
 {
-    write_database(folder, other_devices_database, [names](device_writer &table) { fill_other_devices(table, names); });
-    write_database(folder, paired_devices_database, fill_paired_devices);
+    const auto fill_other = [names](sqlite_database &, device_writer &table) { fill_other_devices(table, names); };
+    const auto fill_paired = [](sqlite_database &, device_writer &table) { fill_paired_devices(table); };
+    write_database(folder, other_devices_database, fill_other, change_other_devices);
+    write_database(folder, paired_devices_database, fill_paired, change_paired_devices);
 }

@@ -31,12 +31,41 @@ void set_date(plist_t dictionary, const char *key, qint64 seconds)
     plist_dict_set_item(dictionary, key, plist_new_date(int32_t(seconds), 0));
 }
 
-/** What macOS remembers of one device; not every device has told its name. */
-plist_t make_device(sample_random &random, qint64 row)
+/** A device of the list. */
+struct listed_device
+{
+    qint64 paired_row = -1; ///< its row among the paired devices; -1: a classic device, which no database knows
+    QStringView name = {};  ///< not every device has told its name
+};
+
+// The list keeps a name for the device that has none in the database, and another one for the car kit.
+const listed_device listed_devices[device_count] = {
+    {headphones_row, paired_device_names[headphones_row]},
+    {0, paired_device_names[0]},
+    {4, u"Anna\u2019s car"},
+    {19, u"Conference speaker"},
+    {7},
+    {12, paired_device_names[12]},
+    {-1, u"Desk keyboard"},
+    {-1, u"Клавиатура"},
+    {-1},
+    {-1, u"Headset; classic"},
+    {-1, u"=1+1"},
+    {-1},
+};
+
+QByteArray listed_address(const listed_device &device, sample_random &random)
+{
+    const QString address = device.paired_row < 0 ? random.address(u'-') : paired_address(device.paired_row);
+    return QString(address).replace(u':', u'-').toLower().toLatin1();
+}
+
+/** What macOS remembers of one device. */
+plist_t make_device(sample_random &random, QStringView name_of_device, qint64 row)
 {
     plist_t device = plist_new_dict();
-    if (row % 4 != 3) {
-        const QString name = paired_device_names[row].toString();
+    if (!name_of_device.isEmpty()) {
+        const QString name = name_of_device.toString();
         set_text(device, "Name", name);
         set_text(device, "displayName", name);
     }
@@ -64,8 +93,8 @@ void write_preferences_plist(const QString &path)
     plist_t paired = plist_new_array();
     sample_random random(3);
     for (qint64 row = 0; row < device_count; ++row) {
-        const QByteArray address = random.address(u'-').toLower().toLatin1();
-        plist_dict_set_item(cache, address.constData(), make_device(random, row));
+        const QByteArray address = listed_address(listed_devices[row], random);
+        plist_dict_set_item(cache, address.constData(), make_device(random, listed_devices[row].name, row));
         if (row % 2 == 0)
             plist_array_append_item(paired, plist_new_string(address.constData()));
     }

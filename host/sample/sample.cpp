@@ -20,8 +20,9 @@ constexpr const char *readme = R"(This folder holds synthetic samples written by
 No person, device, address or identifier in it is real: all values come from a random number generator with a
 fixed seed, so that every run writes the same bytes. Some names are hostile on purpose.
 
-macos/    the root of a macOS source: two LE device databases and the Bluetooth preferences
-ios/      the system log of an iOS source
+macos/    the root of a macOS source: two LE device databases, each with a write-ahead log that adds, changes and
+          deletes rows, and the Bluetooth preferences, which know some devices by other names
+ios/      the system log of an iOS source: half a day, the same devices several times
 windows/  the root of a Windows source, with placeholders only
 )";
 

@@ -23,7 +23,22 @@ enum class sample_names {
     hostile ///< three rows more: a name of 1 MB, one with a NUL, one that is no UTF-8
 };
 
-/** The two LE device databases of macOS, into @p folder. */
+/**
+ * The public address of a paired device by its row, from 0: "B4:C2:6A:7F:D3:7A". The preferences, the iOS log and a PC
+ * know some of them too.
+ */
+QString paired_address(qint64 row);
+
+/** The paired device that every source knows, by its row. */
+inline constexpr qint64 headphones_row = 1;
+
+/** A device that only the write-ahead log of the paired devices has, and the iOS log. */
+inline constexpr QLatin1StringView rental_car_address("3C:28:6D:1A:90:4E");
+
+/**
+ * The two LE device databases of macOS, into @p folder, each with a write-ahead log that adds, changes and deletes
+ * rows.
+ */
 void write_ledevices_databases(const QString &folder, sample_names names);
 
 /** The Bluetooth preferences of macOS: a binary property list with a DeviceCache and a PairedDevices list. */

@@ -15,6 +15,11 @@ namespace {
 
 constexpr int time_limit = 120000; // milliseconds; sanitizers and a busy machine take their time
 
+const QStringList sample_logs{
+    u"sample/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db-wal"_s,
+    u"sample/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db-wal"_s,
+};
+
 QProcessEnvironment environment_without_display(const QString &folder)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -54,6 +59,10 @@ void host_program::write_sample() const
     const host_result result = run({u"sample"_s, u"sample"_s});
     if (result.exit_code != 0)
         qFatal("no sample: %s", qPrintable(result.errors));
+    for (const QString &log : sample_logs) {
+        if (!QFile::remove(path(log)))
+            qFatal("the sample has no %s", qPrintable(log));
+    }
 }
 
 host_result host_program::run_through(const QStringList &command, const QStringList &arguments) const

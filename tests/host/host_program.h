@@ -51,7 +51,10 @@ public:
     /** CASE/Source1/source.json of the case "case"; empty if there is none. */
     QJsonObject source_record() const;
 
-    /** Writes a sample into "sample" below the working directory. Ends the test program on failure. */
+    /**
+     * Writes a sample into "sample" below the working directory, and removes the write-ahead logs of its databases:
+     * most tests are about what happens without a warning. Ends the test program on failure.
+     */
     void write_sample() const;
 
     /** Starts the program and leaves it running. */

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "host/sample/sample_parts.h"
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
@@ -22,6 +23,9 @@ private Q_SLOTS:
     void every_file_is_there();
     void databases_have_the_real_layout_data();
     void databases_have_the_real_layout();
+    void write_ahead_logs_change_rows_data();
+    void write_ahead_logs_change_rows();
+    void sources_share_devices();
     void log_holds_what_the_extractor_looks_for();
     void a_sample_is_replaced_only_on_request();
     void what_is_no_sample_is_never_removed();
@@ -60,11 +64,13 @@ void test_sample::two_runs_write_the_same_bytes()
 void test_sample::every_file_is_there()
 {
     const host_program host;
-    host.write_sample();
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s}).exit_code, 0);
     QCOMPARE(hashes(host.path(u"sample"_s)).keys(),
              QStringList({u"/README.txt"_s, u"/ios/system.log"_s,
                           u"/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s,
+                          u"/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db-wal"_s,
                           u"/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db"_s,
+                          u"/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db-wal"_s,
                           u"/macos/Library/Preferences/com.apple.Bluetooth.plist"_s,
                           u"/windows/Users/anna/NTUSER.DAT"_s, u"/windows/Windows/System32/config/SOFTWARE"_s}));
     QFile plist(host.path(u"sample/macos/Library/Preferences/com.apple.Bluetooth.plist"_s));
@@ -111,6 +117,58 @@ void test_sample::databases_have_the_real_layout()
              QStringList{u"0"_s});
 }
 
+void test_sample::write_ahead_logs_change_rows_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<QStringList>("counts"); // rows, rows by the name that the log brings
+    QTest::addColumn<QStringList>("counts_with_log");
+
+    // clang-format off
+    QTest::newRow("other")  << u"com.apple.MobileBluetooth.ledevices.other.db"_s  << u"OtherDevices"_s  << QStringList{u"1000|0"_s} << QStringList{u"1001|1"_s};
+    QTest::newRow("paired") << u"com.apple.MobileBluetooth.ledevices.paired.db"_s << u"PairedDevices"_s << QStringList{u"20|0"_s}   << QStringList{u"20|1"_s};
+    // clang-format on
+}
+
+/** SQLite itself finds the logs in order: it takes a frame with a wrong sum for the end. */
+void test_sample::write_ahead_logs_change_rows()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, table);
+    const host_program host;
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s}).exit_code, 0);
+    const QString path = host.path(u"sample/macos/Library/Bluetooth/"_s + file);
+    const QStringList columns{u"count(*)"_s, u"sum(Name IS 'Rental car 7')"_s};
+    QTEST(sqlite_file(path).quoted_rows(table, columns), "counts_with_log");
+
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s, u"--force"_s}).exit_code, 0);
+    QVERIFY(QFile::remove(path + u"-wal"_s));
+    QTEST(sqlite_file(path).quoted_rows(table, columns), "counts");
+}
+
+/** What joins the sources of a sample, and where they contradict each other. */
+void test_sample::sources_share_devices()
+{
+    const host_program host;
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s}).exit_code, 0);
+    QFile file(host.path(u"sample/ios/system.log"_s));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray log = file.readAll();
+    const QByteArray headphones = paired_address(headphones_row).toLatin1();
+    QVERIFY(log.contains(QByteArray(", PI " + headphones + R"(, Nm 'Anna\M-b\M^@\M^Ys headphones')")));
+    QVERIFY(log.contains(", PI 3C:28:6D:1A:90:4E, Nm 'Car, front'"));
+    QFile plist(host.path(u"sample/macos/Library/Preferences/com.apple.Bluetooth.plist"_s));
+    QVERIFY(plist.open(QIODevice::ReadOnly));
+    const QByteArray list = plist.readAll();
+    QVERIFY(list.contains(QByteArray(headphones).replace(':', '-').toLower()));
+    QVERIFY(list.contains("Conference speaker"));
+    const sqlite_file paired(
+        host.path(u"sample/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.paired.db"_s));
+    QCOMPARE(paired.quoted_rows(u"PairedDevices WHERE Address = 'Public "_s + QString::fromLatin1(headphones) + u'\'',
+                                {u"Name"_s}),
+             QStringList{u"'Anna\u2019s headphones'"_s});
+}
+
 void test_sample::log_holds_what_the_extractor_looks_for()
 {
     const host_program host;
@@ -120,6 +178,8 @@ void test_sample::log_holds_what_the_extractor_looks_for()
     const QByteArray log = file.readAll();
     QCOMPARE(log.count('\n'), 4000);
     QCOMPARE(log.count("BLE device found: SFDevice ID "), 50);
+    QVERIFY(log.startsWith("May 17 12:11:"));
+    QVERIFY(log.contains("\nMay 18 00:0")); // half a day
     QVERIFY(log.count(" <Notice>: ") > 1000);
     QVERIFY(log.count("active device: ") > 24);
     QVERIFY(log.contains(R"(Nm 'Anna\M-b\M^@\M^Ys Buds')"));
@@ -129,7 +189,7 @@ void test_sample::log_holds_what_the_extractor_looks_for()
 void test_sample::a_sample_is_replaced_only_on_request()
 {
     const host_program host;
-    host.write_sample();
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s}).exit_code, 0);
     const QMap<QString, QByteArray> first = hashes(host.path(u"sample"_s));
     QFile log(host.path(u"sample/ios/system.log"_s));
     QVERIFY(log.open(QIODevice::Append) && log.write("mine") == 4);
@@ -160,7 +220,7 @@ void test_sample::what_is_no_sample_is_never_removed()
 void test_sample::force_keeps_what_it_did_not_write()
 {
     const host_program host;
-    host.write_sample();
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s}).exit_code, 0);
     const QMap<QString, QByteArray> first = hashes(host.path(u"sample"_s));
     QVERIFY(QDir().mkpath(host.path(u"sample/ios/old/logs"_s)));
     for (const QString &name : {u"macos/Library/notes.txt"_s, u"ios/old/logs/a.log"_s, u"mine.txt"_s})
@@ -179,7 +239,7 @@ void test_sample::force_keeps_what_it_did_not_write()
 void test_sample::nothing_is_removed_through_a_link()
 {
     const host_program host;
-    host.write_sample();
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s}).exit_code, 0);
     QVERIFY(QDir().rename(host.path(u"sample/ios"_s), host.path(u"elsewhere"_s)));
     QVERIFY(QFile::link(host.path(u"elsewhere"_s), host.path(u"sample/ios"_s)));
     const QMap<QString, QByteArray> before = hashes(host.path(u"."_s));
@@ -193,7 +253,7 @@ void test_sample::nothing_is_removed_through_a_link()
 void test_sample::leftovers_of_a_killed_run_go()
 {
     const host_program host;
-    host.write_sample();
+    QCOMPARE(host.run({u"sample"_s, u"sample"_s}).exit_code, 0);
     const QMap<QString, QByteArray> first = hashes(host.path(u"sample"_s));
     for (const QString &ending : {u"-wal"_s, u"-shm"_s, u"-journal"_s}) {
         QFile file(

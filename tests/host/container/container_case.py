@@ -34,13 +34,15 @@ def tool(*arguments, **more):
 
 
 class container_case(unittest.TestCase):
-    """A sample, and the cases of its folder and its log, which those of containers are compared with."""
+    """A sample without its write-ahead logs, and the cases of its folder and its log, which those of containers are compared with."""
 
     @classmethod
     def setUpClass(cls):
         cls.temporary = tempfile.TemporaryDirectory()
         cls.folder = pathlib.Path(cls.temporary.name)
         run("sample", cls.folder / "sample")
+        for log in (cls.folder / "sample/macos/Library/Bluetooth").glob("*.db-wal"):
+            log.unlink()
         cls.macos = cls.folder / "sample/macos"
         cls.log = cls.folder / "sample/ios/system.log"
         cls.of_folder = cls.extract(cls.macos, "of_folder")
