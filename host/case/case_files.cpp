@@ -24,6 +24,14 @@ QList<QLatin1StringView> endings_of(companions beside)
 
 } // namespace
 
+qsizetype longest_database_name()
+{
+    qsizetype longest = 0;
+    for (const case_file &file : case_files)
+        longest = file.beside == companions::sqlite ? qMax(longest, file.name.size()) : longest;
+    return longest;
+}
+
 QStringList names_of(const case_file &file)
 {
     QStringList names{file.name};

@@ -65,6 +65,9 @@ inline constexpr case_file case_files[] = {
 };
 // clang-format on
 
+/** Bytes of the longest name of a database in the table. */
+qsizetype longest_database_name();
+
 /** The name of a file of the table and the names that may stand beside it. */
 QStringList names_of(const case_file &file);
 

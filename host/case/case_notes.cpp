@@ -5,15 +5,14 @@
 
 #include "host/case/manifest.h"
 #include "host/case/result_tables.h"
-#include "host/files/descriptor.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 #include "host/files/system_error.h"
 #include "host/files/utc_time.h"
 #include "host/text/json_member.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QRegularExpression>
 
@@ -122,8 +121,7 @@ void append_line(const case_layout &layout, const QJsonObject &json)
         throw host_error(error_kind::io, layout.notes() + u" cannot be written: "_s + system_error_text(error));
     };
     const QByteArray line = QJsonDocument(json).toJson(QJsonDocument::Compact) + '\n';
-    const descriptor file(::open(QFile::encodeName(layout.notes()).constData(),
-                                 O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644));
+    const descriptor file = open_without_links(layout.notes(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK, 0644);
     struct stat before = {};
     if (!file.is_open() || ::fstat(file.number(), &before) != 0)
         fail(errno);

@@ -85,7 +85,7 @@ named_source read_entry(const QJsonValue &value, const QString &place, const QDi
 QJsonObject read_list_file(const QString &file)
 {
     try {
-        return read_json_file(file);
+        return read_json_file(resolved_path(file, u"--sources"_s)); // a list is the examiner's own, links and all
     } catch (const host_error &error) {
         throw host_error(QFileInfo(file).isReadable() ? error_kind::refused : error.kind(), error.message());
     }

@@ -12,7 +12,6 @@
 #include "host/files/new_file.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
-#include "host/files/system_error.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -112,14 +111,6 @@ source_record collected_record(const case_layout &layout, int number, int versio
         record.files->append(*file);
     }
     return record;
-}
-
-void remove_file(const QString &path)
-{
-    std::error_code error;
-    std::filesystem::remove(to_std_path(path), error);
-    if (error)
-        throw host_error(error_kind::io, path + u" cannot be removed: "_s + system_error_text(error.value()));
 }
 
 /** Without the record itself, which does not list itself, and without what this program does not know. */

@@ -74,6 +74,13 @@ CLI::Option *add_path(CLI::App &command, const argument &what, QString &path)
     return add_value(command, what, [&path, what](const QString &value) { path = absolute_path(value, what.name()); });
 }
 
+CLI::Option *add_place(CLI::App &command, const argument &what, QString &path)
+{
+    return add_value(command, what, [&path, what](const QString &value) {
+        path = resolved_path(absolute_path(value, what.name()), what.name());
+    });
+}
+
 CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, qint64 most, qint64 &number)
 {
     return add_value(command, what, [&number, what, least, most](const QString &value) {

@@ -47,6 +47,9 @@ CLI::Option *add_text(CLI::App &command, const argument &what, QString &text);
 /** A path, which must not be empty; it becomes absolute. */
 CLI::Option *add_path(CLI::App &command, const argument &what, QString &path);
 
+/** The path of a case or of what the program writes: links are followed here, and nowhere later. */
+CLI::Option *add_place(CLI::App &command, const argument &what, QString &path);
+
 /** A decimal number without a sign; leading zeros mean nothing. */
 CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, qint64 most, qint64 &number);
 CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, qint64 most,

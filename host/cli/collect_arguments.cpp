@@ -23,7 +23,7 @@ void add_collect_command(CLI::App &app, command_line &line)
     CLI::App &collect = *app.add_subcommand("collect", "Make the manifest of a case from the records of its sources");
     for (const example &shown : examples)
         add_example(collect, shown);
-    add_path(collect, {"CASE", "PATH", "The case's folder"}, *directory)->required();
+    add_place(collect, {"CASE", "PATH", "The case's folder"}, *directory)->required();
     collect.final_callback(
         [directory, &line] { line.command = [directory](console &out) { return run_collect(*directory, out); }; });
 }

@@ -131,7 +131,8 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
 void add_case(CLI::App &extract, extract_arguments &arguments)
 {
     case_request &request = arguments.result.request;
-    add_path(extract, {"-o,--output", "PATH", "The case's folder, outside the sources"}, request.directory)->required();
+    add_place(extract, {"-o,--output", "PATH", "The case's folder, outside the sources"}, request.directory)
+        ->required();
     add_flag(extract,
              {"--add",
               "",

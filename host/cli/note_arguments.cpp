@@ -34,7 +34,7 @@ void add_note_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<note_options>();
     CLI::App &note = *app.add_subcommand("note", "Note something of a device or of a row, beside the case's results");
-    add_path(note, {"CASE", "PATH", "The case's folder"}, options->directory)->required();
+    add_place(note, {"CASE", "PATH", "The case's folder"}, options->directory)->required();
     const argument device{"--device",
                           "ADDRESS|UUID",
                           "The device that is meant",

@@ -4,6 +4,7 @@
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
 #include "host/cli/report_command.h"
+#include "host/files/paths.h"
 
 #include <QRegularExpression>
 
@@ -61,7 +62,7 @@ void add_report_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<report_options>();
     CLI::App &report = *app.add_subcommand("report", "Write reports of a case, for readers and for programs");
-    add_path(report, {"CASE", "PATH", "The case's folder", {"bluetooth-logs report case"}}, options->case_directory)
+    add_place(report, {"CASE", "PATH", "The case's folder", {"bluetooth-logs report case"}}, options->case_directory)
         ->required();
     const argument format{"-f,--format",
                           "FORMAT",
@@ -84,8 +85,9 @@ void add_report_command(CLI::App &app, command_line &line)
              options->brief);
     add_flag(report, {"--force", "", "Replace the files of an earlier report"}, options->force);
     report.final_callback([options, &line] {
-        if (options->output.isEmpty())
-            options->output = options->case_directory + u"/Report"_s;
+        options->output = options->output.isEmpty()
+                              ? QString(options->case_directory + u"/Report"_s)
+                              : resolved_down_to(options->case_directory, options->output, u"--output"_s);
         if (options->formats.isEmpty())
             options->formats.append(report_format::html);
         line.command = [options](console &out) { return run_report(*options, out); };

@@ -11,8 +11,8 @@ void add_sample_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<sample_options>();
     CLI::App &sample = *app.add_subcommand("sample", "Write synthetic macOS, iOS and Windows sources to try things on");
-    add_path(sample, {"DIR", "PATH", "Folder for the sample; made if it is missing", {"bluetooth-logs sample sample"}},
-             options->directory)
+    add_place(sample, {"DIR", "PATH", "Folder for the sample; made if it is missing", {"bluetooth-logs sample sample"}},
+              options->directory)
         ->required();
     add_flag(sample,
              {"--force", "", "Replace the files of an earlier sample in DIR", {"bluetooth-logs sample sample --force"}},

@@ -51,8 +51,8 @@ void add_show_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<show_options>();
     CLI::App &show = *app.add_subcommand("show", "Show the extracted rows of a case, safe for the terminal");
-    add_path(show, {"CASE", "PATH", "The case's folder, or a result database", {"bluetooth-logs show case"}},
-             options->place)
+    add_place(show, {"CASE", "PATH", "The case's folder, or a result database", {"bluetooth-logs show case"}},
+              options->place)
         ->required();
     add_number(show,
                {"--source",

@@ -17,7 +17,7 @@ void add_verify_command(CLI::App &app, command_line &line)
     const auto options = std::make_shared<verify_options>();
     check_request *const request = &options->request;
     CLI::App &verify = *app.add_subcommand("verify", "Compare evidence, working copies and results with the manifest");
-    add_path(verify, {"CASE", "PATH", "The case's folder", {"bluetooth-logs verify case"}}, request->directory)
+    add_place(verify, {"CASE", "PATH", "The case's folder", {"bluetooth-logs verify case"}}, request->directory)
         ->required();
     const argument hash{"--manifest-sha256", "HEX",
                         "The manifest's hash from the examiner's notes (default: the file beside it)"};
@@ -47,15 +47,15 @@ void add_verify_command(CLI::App &app, command_line &line)
     const argument report{"--report", "DIR", "The folder of a report that lies elsewhere; may be given several times"};
     add_values(verify, report, [request, report](const QStringList &folders) {
         for (const QString &folder : folders)
-            request->report_folders.append(absolute_path(folder, report.name()));
+            request->report_folders.append(resolved_path(absolute_path(folder, report.name()), report.name()));
     });
     add_flag(verify, {"--json", "", "Print what was compared and found as JSON"}, options->json);
-    add_path(verify,
-             {"--record",
-              "FILE",
-              "Write the same into a file that is not there yet",
-              {"bluetooth-logs verify case --record verified.json"}},
-             options->record_file);
+    add_place(verify,
+              {"--record",
+               "FILE",
+               "Write the same into a file that is not there yet",
+               {"bluetooth-logs verify case --record verified.json"}},
+              options->record_file);
     verify.final_callback(
         [options, &line] { line.command = [options](console &out) { return run_verify(*options, out); }; });
 }

@@ -4,9 +4,8 @@
 #include "host/container/staged_file.h"
 
 #include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
 #include "host/files/system_error.h"
-
-#include <QFile>
 
 #include <cerrno>
 
@@ -23,8 +22,7 @@ constexpr mode_t readable_by_owner = 0400;
 
 staged_file::staged_file(const QString &target)
     : path(target)
-    , file(::open(QFile::encodeName(target).constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                  readable_by_owner))
+    , file(open_without_links(target, O_WRONLY | O_CREAT | O_EXCL, readable_by_owner))
 {
     if (!file.is_open())
         fail(errno);
@@ -33,7 +31,7 @@ staged_file::staged_file(const QString &target)
 staged_file::~staged_file()
 {
     if (file.is_open())
-        ::unlink(QFile::encodeName(path).constData());
+        folder_entry(path).remove();
 }
 
 void staged_file::add(QByteArrayView bytes)

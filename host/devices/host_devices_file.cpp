@@ -7,6 +7,7 @@
 #include "host/devices/preferences_devices.h"
 #include "host/devices/registry_devices.h"
 #include "host/files/new_file.h"
+#include "host/files/open_without_links.h"
 #include "host/files/sha256.h"
 #include "host/source/macos_databases.h"
 #include "host/source/windows_hive.h"
@@ -41,9 +42,9 @@ constexpr list_reader readers[] = {
 /** The bytes of a working copy, which must still be those of the evidence. */
 QByteArray bytes_of(const QString &copy, const evidence_file &file, const list_reader &reader, device_list &result)
 {
-    QFile opened(copy);
-    if (!opened.open(QIODevice::ReadOnly)) {
-        result.problems.append(u"its working copy cannot be read: "_s + opened.errorString());
+    QFile opened;
+    if (const QString problem = open_case_file(opened, copy); !problem.isEmpty()) {
+        result.problems.append(u"its working copy cannot be read: "_s + problem);
         return {};
     }
     if (opened.size() > reader.most_bytes) {

@@ -41,6 +41,12 @@ public:
         return fd;
     }
 
+    /** Gives the descriptor away. */
+    int release()
+    {
+        return std::exchange(fd, -1);
+    }
+
     void close()
     {
         if (fd != -1)

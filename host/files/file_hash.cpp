@@ -3,10 +3,8 @@
 
 #include "host/files/file_hash.h"
 
-#include "host/files/descriptor.h"
+#include "host/files/open_without_links.h"
 #include "host/files/sha256.h"
-
-#include <QFile>
 
 #include <cerrno>
 
@@ -21,7 +19,7 @@ constexpr qsizetype block_bytes = 1 << 20;
 
 std::optional<file_content> content_of_file(const QString &path)
 {
-    const descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    const descriptor file = open_without_links(path, O_RDONLY | O_NONBLOCK);
     struct stat status = {};
     if (!file.is_open() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))
         return {};

@@ -4,10 +4,10 @@
 #include "host/files/file_lock.h"
 
 #include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
 #include "host/files/system_error.h"
 #include "host/files/utc_time.h"
 
-#include <QFile>
 #include <QSysInfo>
 
 #include <cerrno>
@@ -52,7 +52,7 @@ QByteArray this_holder()
 } // namespace
 
 file_lock::file_lock(const QString &path)
-    : file(::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0644))
+    : file(open_without_links(path, O_RDWR | O_CREAT | O_NONBLOCK, 0644))
 {
     if (!file.is_open())
         throw host_error(error_kind::io, u"the lock "_s + path + u" cannot be written: "_s + system_error_text(errno));
@@ -73,6 +73,6 @@ file_lock::file_lock(const QString &path)
 
 bool file_lock::is_held(const QString &path)
 {
-    const descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    const descriptor file = open_without_links(path, O_RDONLY | O_NONBLOCK);
     return file.is_open() && ::flock(file.number(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
 }

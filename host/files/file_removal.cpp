@@ -3,9 +3,8 @@
 
 #include "host/files/file_removal.h"
 
-#include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
-#include "host/files/system_error.h"
 
 #include <QFile>
 
@@ -30,14 +29,10 @@ bool is_reached_without_links(const QString &root, const QString &file)
                        [&root](const QString &folder) { return is_real_folder(root + u'/' + folder); });
 }
 
-void remove_file(const QString &path)
+void remove_unless_folder(const QString &path)
 {
-    if (is_real_folder(path))
-        return;
-    std::error_code error;
-    filesystem::remove(to_std_path(path), error);
-    if (error)
-        throw host_error(error_kind::io, path + u" cannot be removed: "_s + system_error_text(error.value()));
+    if (!is_real_folder(path))
+        remove_file(path);
 }
 
 /** Adds what lies in a folder, unless something below it is told already. */
@@ -59,15 +54,14 @@ QStringList remove_listed_files(const QString &root, const QStringList &files)
 {
     for (const QString &file : files) {
         if (is_reached_without_links(root, file))
-            remove_file(root + u'/' + file);
+            remove_unless_folder(root + u'/' + file);
     }
     QStringList kept;
     QStringList folders = folders_of(files);
     std::reverse(folders.begin(), folders.end());
     for (const QString &folder : std::as_const(folders)) {
         const QString path = root + u'/' + folder;
-        std::error_code error;
-        if (is_real_folder(path) && !filesystem::remove(to_std_path(path), error))
+        if (is_real_folder(path) && folder_entry(path).remove_folder() != 0)
             add_entries(path, kept);
     }
     kept.sort();

@@ -12,4 +12,10 @@
  */
 void put_in_place(const QString &finished, const QString &path);
 
+/**
+ * Gives a file that is on the disk its name, in the same folder, in place of an earlier one; the name is on the disk
+ * when this returns. Gives 0 or the system's error number.
+ */
+int give_name(const QString &finished, const QString &path);
+
 #endif

@@ -3,24 +3,19 @@
 
 #include "host/files/json_file.h"
 
-#include "host/files/descriptor.h"
 #include "host/files/host_error.h"
 #include "host/files/new_file.h"
-#include "host/files/system_error.h"
+#include "host/files/open_without_links.h"
 
 #include <QFile>
 #include <QJsonDocument>
-
-#include <cerrno>
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr qint64 most_json_bytes = qint64(1) << 30;
+constexpr qint64 block_bytes = qint64(1) << 20;
 
 } // namespace
 
@@ -41,20 +36,19 @@ QByteArray read_whole_file(const QString &path, qint64 most_bytes)
     const auto fail = [&path](const QString &reason) {
         throw host_error(error_kind::not_found, path + u" cannot be read: "_s + reason);
     };
-    const descriptor file(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
-    struct stat status = {};
-    if (!file.is_open() || ::fstat(file.number(), &status) != 0)
-        fail(system_error_text(errno));
-    if (!S_ISREG(status.st_mode))
-        fail(u"it is not a regular file"_s);
-    if (status.st_size > most_bytes)
-        fail(u"it has "_s + QString::number(qint64(status.st_size)) + u" bytes, more than this file ever has"_s);
-    QFile reader;
-    if (!reader.open(file.number(), QIODevice::ReadOnly))
-        fail(reader.errorString());
-    QByteArray content = reader.read(most_bytes + 1);
-    if (reader.error() != QFile::NoError)
-        fail(reader.errorString());
+    QFile file;
+    if (const QString problem = open_case_file(file, path); !problem.isEmpty())
+        fail(problem);
+    if (file.size() > most_bytes)
+        fail(u"it has "_s + QString::number(file.size()) + u" bytes, more than this file ever has"_s);
+    QByteArray content;
+    do {
+        content += file.read(block_bytes); // one of the largest size would be reserved whole
+        if (file.error() != QFile::NoError)
+            fail(file.errorString());
+        if (content.size() > most_bytes)
+            fail(u"it grows while it is read"_s);
+    } while (!file.atEnd());
     return content;
 }
 

@@ -3,13 +3,12 @@
 
 #include "host/files/new_file.h"
 
+#include "host/files/finished_file.h"
 #include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
 #include "host/files/system_error.h"
 
-#include <QFile>
-
 #include <cerrno>
-#include <cstdio>
 
 #include <fcntl.h>
 
@@ -23,10 +22,10 @@ constexpr qsizetype buffer_bytes = 1 << 18;
 
 new_file::new_file(const QString &target)
     : path(target)
-    , temporary(QFile::encodeName(target) + ".new")
+    , temporary(target + u".new"_s)
 {
-    ::unlink(temporary.constData()); // of a run that was killed here
-    file = descriptor(::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+    folder_entry(temporary).remove(); // of a run that was killed here
+    file = open_without_links(temporary, O_WRONLY | O_CREAT | O_EXCL, 0644);
     if (!file.is_open())
         fail(errno);
     buffer.reserve(buffer_bytes);
@@ -35,7 +34,7 @@ new_file::new_file(const QString &target)
 new_file::~new_file()
 {
     if (file.is_open())
-        ::unlink(temporary.constData());
+        folder_entry(temporary).remove();
 }
 
 void new_file::add(QByteArrayView bytes)
@@ -53,8 +52,10 @@ void new_file::add(QByteArrayView bytes)
 void new_file::commit()
 {
     write(buffer);
-    if (::fsync(file.number()) != 0 || ::rename(temporary.constData(), QFile::encodeName(path).constData()) != 0)
+    if (::fsync(file.number()) != 0)
         fail(errno);
+    if (const int error = give_name(temporary, path); error != 0)
+        fail(error);
     file.close();
 }
 

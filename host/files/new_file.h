@@ -30,7 +30,7 @@ private:
     void write(QByteArrayView bytes);
 
     QString path;
-    QByteArray temporary;
+    QString temporary;
     QByteArray buffer;
     descriptor file;
 };

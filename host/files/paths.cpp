@@ -4,10 +4,13 @@
 #include "host/files/paths.h"
 
 #include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
 #include "host/files/system_error.h"
 
 #include <QDir>
 #include <QFile>
+
+#include <cerrno>
 
 namespace filesystem = std::filesystem;
 using namespace Qt::StringLiterals;
@@ -20,14 +23,7 @@ namespace {
  */
 QString clean_path(const QString &path, const QString &name)
 {
-    if (!path.contains("/.."_L1))
-        return QDir::cleanPath(path);
-    std::error_code error;
-    const filesystem::path followed = filesystem::weakly_canonical(to_std_path(path), error);
-    const QString text = QFile::decodeName(followed.c_str());
-    if (error || to_std_path(text) != followed)
-        throw host_error(error_kind::refused, name + u" cannot be followed to a folder: "_s + path);
-    return QDir::cleanPath(text);
+    return path.contains("/.."_L1) ? resolved_path(path, name) : QDir::cleanPath(path);
 }
 
 } // namespace
@@ -57,6 +53,25 @@ QString absolute_path(const QString &path, const QString &name)
     return clean_path(working_folder + u'/' + path, name);
 }
 
+QString resolved_path(const QString &path, const QString &name)
+{
+    std::error_code error;
+    const filesystem::path followed = filesystem::weakly_canonical(to_std_path(path), error);
+    const QString text = QFile::decodeName(followed.c_str());
+    if (error || to_std_path(text) != followed)
+        throw host_error(error_kind::refused, name + u" cannot be followed to a folder: "_s + path);
+    return QDir::cleanPath(text);
+}
+
+QString resolved_down_to(const QString &folder, const QString &path, const QString &name)
+{
+    for (qsizetype end = path.indexOf(u'/', 1); end != -1; end = path.indexOf(u'/', end + 1)) {
+        if (resolved_path(path.first(end), name) == folder)
+            return folder + path.sliced(end);
+    }
+    return resolved_path(path, name);
+}
+
 bool path_exists(const QString &path)
 {
     std::error_code error;
@@ -80,8 +95,23 @@ bool is_inside(const QString &path, const QString &folder)
 
 void make_folder(const QString &path)
 {
-    std::error_code error;
-    filesystem::create_directories(to_std_path(path), error);
-    if (error)
-        throw host_error(error_kind::io, path + u" cannot be written: "_s + system_error_text(error.value()));
+    if (is_folder(path))
+        return;
+    if (errno == ENOENT)
+        make_folder(path.left(qMax<qsizetype>(1, path.lastIndexOf(u'/'))));
+    const folder_entry folder(path);
+    int error = folder.make_folder();
+    if (error == EEXIST) // made by another run meanwhile, or no folder
+        error = is_folder(path) ? 0 : errno;
+    else if (error == 0)
+        error = folder.sync_folder();
+    if (error != 0)
+        throw host_error(error_kind::io, path + u" cannot be written: "_s + system_error_text(error));
+}
+
+void remove_file(const QString &path)
+{
+    const int error = folder_entry(path).remove();
+    if (error != 0 && error != ENOENT)
+        throw host_error(error_kind::io, path + u" cannot be removed: "_s + system_error_text(error));
 }

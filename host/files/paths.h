@@ -18,6 +18,15 @@ std::filesystem::path to_std_path(const QString &path);
  */
 QString absolute_path(const QString &path, const QString &name);
 
+/**
+ * The path without links, followed as far as it exists: a case may lie behind links, and has none below itself. Throws
+ * host_error (refused) when it cannot be followed. @p name says in the message what the path is for.
+ */
+QString resolved_path(const QString &path, const QString &name);
+
+/** The same, but what lies in @p folder, which has no links in its path, stays as it is from there on. */
+QString resolved_down_to(const QString &folder, const QString &path, const QString &name);
+
 /** Whether anything stands at the path; a link that leads nowhere counts. False also where the system denies a look. */
 bool path_exists(const QString &path);
 
@@ -27,7 +36,13 @@ bool path_exists(const QString &path);
  */
 bool is_inside(const QString &path, const QString &folder);
 
-/** Makes the folder with its parents. Throws host_error (io) with the system's reason. */
+/**
+ * Makes the folder with its parents, on the disk when this returns. @p path is absolute, and no part of it may be a
+ * link. Throws host_error (io) with the system's reason.
+ */
 void make_folder(const QString &path);
+
+/** Removes a file or a link; it need not be there. Throws host_error (io). */
+void remove_file(const QString &path);
 
 #endif

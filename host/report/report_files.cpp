@@ -4,9 +4,11 @@
 #include "host/report/report_files.h"
 
 #include "host/case/result_tables.h"
+#include "host/files/file_removal.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/new_file.h"
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
 #include "host/report/join/other_appearances.h"
@@ -18,7 +20,6 @@
 #include "host/report/tables/workbook.h"
 
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -145,6 +146,11 @@ private:
 
     void refuse_output() const
     {
+        for (const QString &folder : folders_of({options.output + u'/'})) {
+            if (path_exists(folder) && !is_folder(folder))
+                throw host_error(error_kind::refused,
+                                 folder + u" is a link or no folder: no report is written there"_s);
+        }
         for (const report_source &source : that_case.sources) {
             if (!source.record.path.isEmpty() && is_inside(options.output, source.record.path))
                 throw host_error(error_kind::refused, u"the report's folder lies in the evidence: "_s + options.output
@@ -307,9 +313,8 @@ private:
         static const QRegularExpression form(u"^report-source\\d+\\.html$"_s);
         const QStringList names = QDir(options.output).entryList(QDir::Files | QDir::System | QDir::Hidden);
         for (const QString &name : names) {
-            if (options.force && form.match(name).hasMatch() && !outcome.files.contains(name)
-                && !QFile::remove(path_of(name)))
-                throw host_error(error_kind::io, u"a page of an earlier report cannot be removed: "_s + path_of(name));
+            if (options.force && form.match(name).hasMatch() && !outcome.files.contains(name))
+                remove_file(path_of(name));
         }
     }
 

@@ -3,11 +3,14 @@
 
 #include "host/run/case_plan.h"
 
+#include "host/case/case_files.h"
 #include "host/files/paths.h"
 #include "host/run/provenance.h"
 #include "host/run/taken_evidence.h"
+#include "host/sqlite/sqlite.h"
 #include "host/text/json_member.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QSet>
 
@@ -218,6 +221,19 @@ planned_source plan_source(const case_request &request, const named_source &name
     return planned;
 }
 
+/** SQLite would open none of the databases below such a case. */
+void refuse_long_path(const case_request &request, const QList<named_source> &sources)
+{
+    qsizetype name = 0;
+    for (const named_source &source : sources)
+        name = qMax(name, source_name(source.number).size());
+    const qsizetype most = longest_sqlite_path - longest_database_name() - name - 2;
+    const qsizetype bytes = QFile::encodeName(request.directory).size();
+    if (bytes > most)
+        refuse(u"the path of the case has "_s + QString::number(bytes) + u" bytes, and at most "_s
+               + QString::number(most) + u" work: SQLite opens no longer paths: "_s + request.directory);
+}
+
 /** Unless the case has other sources, one of them at least must be readable. */
 void require_readable_source(const case_request &request, const case_plan &plan)
 {
@@ -275,6 +291,7 @@ case_plan plan_case(const case_request &request)
     const QList<earlier_source> earlier = earlier_sources(request);
     const source_choice choice = choose_sources(request, earlier);
     refuse_overlaps(choice.all, request.only ? path_comparison::texts : path_comparison::places);
+    refuse_long_path(request, choice.to_run);
     case_plan plan;
     plan.all = choice.all;
     for (const named_source &source : choice.to_run)

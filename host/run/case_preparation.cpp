@@ -3,10 +3,9 @@
 
 #include "host/run/case_preparation.h"
 
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 
-#include <QDir>
-#include <QFile>
 #include <QSet>
 
 #include <algorithm>
@@ -65,12 +64,12 @@ void case_preparation::undo(int number)
         return;
     const case_layout layout(request.directory);
     if (!file_lock::is_held(layout.source(number).lock()))
-        QFile::remove(layout.source(number).lock());
-    QDir().rmdir(layout.source(number).folder());
+        folder_entry(layout.source(number).lock()).remove();
+    folder_entry(layout.source(number).folder()).remove_folder();
     if (was_there)
         return;
-    QFile::remove(layout.lock());
-    QDir().rmdir(request.directory);
+    folder_entry(layout.lock()).remove();
+    folder_entry(request.directory).remove_folder();
 }
 
 void case_preparation::make_room()
@@ -109,8 +108,8 @@ void case_preparation::remove_earlier_runs(const case_layout &layout) const
     for (const planned_source &source : plan.to_run)
         refuse_foreign_temporaries(source.request.layout());
     if (is_forced && !request.only) {
-        QFile::remove(layout.manifest());
-        QFile::remove(layout.manifest_hash());
+        remove_file(layout.manifest());
+        remove_file(layout.manifest_hash());
         remove_other_folders(layout);
     }
 }
@@ -124,7 +123,7 @@ void case_preparation::remove_other_folders(const case_layout &layout) const
     for (const int number : layout.source_numbers()) {
         if (ours.contains(number))
             continue;
-        QFile::remove(layout.source(number).lock());
-        QDir().rmdir(layout.source(number).folder());
+        folder_entry(layout.source(number).lock()).remove();
+        folder_entry(layout.source(number).folder()).remove_folder();
     }
 }

@@ -7,6 +7,7 @@
 #include "host/devices/host_devices_file.h"
 #include "host/files/file_hash.h"
 #include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
 #include "host/run/ios_rows.h"
 #include "host/run/taken_evidence.h"
 #include "host/source/evidence_files.h"
@@ -253,8 +254,8 @@ inspection inspect(const source_request &request, const evidence_state &evidence
     result.changes = result.evidence.changes() + unlike_copies(request, evidence)
                      + container_changes(request.source.container);
 
-    QFile log(request.layout().plugin_log());
-    if (log.open(QIODevice::ReadOnly))
+    QFile log;
+    if (open_case_file(log, request.layout().plugin_log()).isEmpty())
         result.log = read_plugin_log(log, {request.source.path, request.case_directory});
     damaged_databases damaged;
     for (const QString &table : request.options.tables) {

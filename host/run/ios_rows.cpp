@@ -5,6 +5,7 @@
 
 #include "host/case/result_database.h"
 #include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
 #include "host/source/macos_databases.h"
 #include "host/text/count_text.h"
 
@@ -76,10 +77,9 @@ class line_reader
 {
 public:
     explicit line_reader(const QString &path)
-        : file(path)
     {
-        if (!file.open(QIODevice::ReadOnly))
-            throw host_error(error_kind::not_found, path + u" cannot be read: "_s + file.errorString());
+        if (const QString problem = open_case_file(file, path); !problem.isEmpty())
+            throw host_error(error_kind::not_found, path + u" cannot be read: "_s + problem);
     }
 
     /** The next line of the table; nothing at the end. */
@@ -87,6 +87,8 @@ public:
     {
         for (;;) {
             const QByteArray line = file.readLine();
+            if (file.error() != QFileDevice::NoError)
+                throw host_error(error_kind::not_found, file.fileName() + u" cannot be read: "_s + file.errorString());
             if (line.isEmpty())
                 return {};
             const QJsonObject json = QJsonDocument::fromJson(line).object();

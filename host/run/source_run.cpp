@@ -7,6 +7,7 @@
 #include "host/files/file_lock.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 #include "host/files/system_error.h"
 #include "host/files/utc_time.h"
@@ -66,21 +67,24 @@ void require_room(const source_request &request)
 /** The plug-in appends to its log and never creates it. */
 void create_plugin_log(const QString &path)
 {
-    const descriptor file(
-        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644));
+    const descriptor file = open_without_links(path, O_WRONLY | O_CREAT | O_EXCL, 0644);
     if (!file.is_open())
         throw host_error(error_kind::io, path + u" cannot be written: "_s + system_error_text(errno));
+}
+
+/** The plug-in closes its log after each line, and leaves it to the system when it is on the disk. */
+void sync_plugin_log(const source_layout &layout, source_record &judged)
+{
+    const descriptor file = open_without_links(layout.plugin_log(), O_RDONLY | O_NONBLOCK);
+    if (!file.is_open() || ::fsync(file.number()) != 0)
+        judged.add_error(u"plugin.log is not on the disk: "_s + system_error_text(errno));
 }
 
 /** Of a plug-in that was stopped: what it and its libraries put into the run's own folders for a while. */
 void remove_temporary_files(const source_layout &layout)
 {
-    std::error_code error;
-    for (const QString &folder : {layout.temporary_folder(), layout.plugin_temporary_folder()}) {
-        const std::filesystem::path path = to_std_path(folder);
-        if (std::filesystem::is_directory(std::filesystem::symlink_status(path, error)))
-            std::filesystem::remove_all(path, error);
-    }
+    for (const QString &folder : {layout.temporary_folder(), layout.plugin_temporary_folder()})
+        folder_entry(folder).remove_tree();
 }
 
 /** Whether nothing that the plug-in does can have ended it so: that concerns this source alone. */
@@ -94,7 +98,7 @@ void remove_unfinished_files(const source_layout &layout)
 {
     for (const case_file &file : case_files) {
         if (file.beside == companions::unfinished)
-            QFile::remove(layout.folder() + u'/' + file.name + u".new"_s);
+            folder_entry(layout.folder() + u'/' + file.name + u".new"_s).remove();
     }
 }
 
@@ -257,6 +261,7 @@ private:
         judged.finished = utc_now();
         remove_temporary_files(request.layout());
         remove_unfinished_files(request.layout());
+        sync_plugin_log(request.layout(), judged);
         try {
             judged.files = list_files_of_source(case_layout(request.case_directory), request.number);
         } catch (const host_error &error) {

@@ -4,6 +4,7 @@
 #include "host/source/salvage.h"
 
 #include "host/files/new_file.h"
+#include "host/files/open_without_links.h"
 #include "host/source/leaf_pages.h"
 #include "host/text/json_text.h"
 
@@ -54,8 +55,8 @@ QByteArray line_of(const leaf_row &row, const macos_database &database)
 
 qint64 salvage_database(const macos_database &database, const QString &copy, new_file &output)
 {
-    QFile file(copy);
-    if (!file.open(QIODevice::ReadOnly) || file.size() == 0)
+    QFile file;
+    if (!open_case_file(file, copy).isEmpty() || file.size() == 0)
         return 0;
     const uchar *bytes = file.map(0, file.size());
     if (!bytes)

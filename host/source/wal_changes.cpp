@@ -5,9 +5,11 @@
 
 #include "host/files/host_error.h"
 #include "host/files/new_file.h"
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 #include "host/files/system_error.h"
 #include "host/source/macos_databases.h"
+#include "host/source/working_copy.h"
 #include "host/sqlite/sqlite.h"
 #include "host/text/json_text.h"
 
@@ -15,11 +17,13 @@
 #include <QJsonObject>
 #include <QtEndian>
 
+#include <cerrno>
 #include <memory>
 #include <optional>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
-namespace filesystem = std::filesystem;
 
 namespace {
 
@@ -37,19 +41,19 @@ public:
 
     ~scratch_folder()
     {
-        std::error_code error;
-        filesystem::remove_all(to_std_path(folder), error);
+        folder_entry(folder).remove_tree();
     }
     Q_DISABLE_COPY_MOVE(scratch_folder)
 
     QString add_copy(const QString &file, const QString &name) const
     {
         QString copy = folder + u'/' + name;
-        std::error_code error;
-        filesystem::copy_file(to_std_path(file), to_std_path(copy), filesystem::copy_options::overwrite_existing,
-                              error);
-        if (error)
-            throw host_error(error_kind::io, file + u" cannot be copied: "_s + system_error_text(error.value()));
+        QFile source;
+        if (const QString problem = open_case_file(source, file); !problem.isEmpty())
+            throw host_error(error_kind::io, file + u" cannot be copied: "_s + problem);
+        working_copy target(copy, S_IRUSR | S_IWUSR);
+        if (!read_blocks(source.handle(), [&target](QByteArrayView block) { target.add(block); }))
+            throw host_error(error_kind::io, file + u" cannot be copied: "_s + system_error_text(errno));
         return copy;
     }
 
@@ -204,8 +208,8 @@ change_counts compare(table_reader &before, table_reader &after, change_writer &
 
 QByteArray bytes_of(const QString &path, qint64 offset, qint64 count)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.seek(offset) ? file.read(count) : QByteArray();
+    QFile file;
+    return open_case_file(file, path).isEmpty() && file.seek(offset) ? file.read(count) : QByteArray();
 }
 
 /**

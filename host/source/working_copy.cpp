@@ -4,12 +4,12 @@
 #include "host/source/working_copy.h"
 
 #include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
 #include "host/files/system_error.h"
 
 #include <QByteArray>
-#include <QFile>
 #include <QFileInfo>
 
 #include <cerrno>
@@ -43,8 +43,7 @@ working_copy::working_copy(const QString &copy_path, mode_t mode)
     : path(copy_path)
 {
     make_folder(QFileInfo(path).path());
-    file = descriptor(
-        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode & 0700));
+    file = open_without_links(path, O_WRONLY | O_CREAT | O_EXCL, mode & 0700);
     if (!file.is_open() || ::fchmod(file.number(), (mode & 0777) | S_IRUSR | S_IWUSR) != 0)
         fail();
 }
@@ -65,7 +64,7 @@ QString working_copy::hash()
 {
     if (::fsync(file.number()) != 0)
         fail();
-    file = descriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    file = open_without_links(path, O_RDONLY | O_NONBLOCK);
     sha256 hash;
     if (!file.is_open() || !read_blocks(file.number(), [&hash](QByteArrayView block) { hash.add(block); }))
         fail();

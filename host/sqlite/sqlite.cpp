@@ -106,6 +106,10 @@ sqlite_database::sqlite_database(const QString &file, access mode)
     if (mode == access::main_file_alone)
         uri += "?immutable=1"; // https://www.sqlite.org/uri.html: no journal, no log, no lock
 
+    if (const qsizetype bytes = QFile::encodeName(file).size(); bytes > longest_sqlite_path)
+        throw sqlite_error(SQLITE_CANTOPEN, u"its path has "_s + QString::number(bytes)
+                                                + u" bytes, and SQLite opens none of more than "_s
+                                                + QString::number(longest_sqlite_path));
     sqlite3 *opened = nullptr;
     const int result = sqlite3_open_v2(uri.constData(), &opened, flags, nullptr);
     database.reset(opened);

@@ -45,6 +45,9 @@ private:
 
 struct sqlite_time_limit;
 
+/** SQLite opens no file whose path has more bytes: https://www.sqlite.org/src/file/src/os_unix.c, MAX_PATHNAME. */
+inline constexpr qsizetype longest_sqlite_path = 504;
+
 /** An open database file. Every function throws sqlite_error. */
 class sqlite_database
 {

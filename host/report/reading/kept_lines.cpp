@@ -3,6 +3,7 @@
 
 #include "host/report/reading/kept_lines.h"
 
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 #include "host/text/raw_json.h"
 
@@ -40,12 +41,10 @@ QString for_each_text_line(const QString &path, const std::function<bool(QByteAr
     if (!path_exists(path))
         return {};
     const QFileInfo info(path);
-    if (!info.isFile() || info.isSymLink())
-        return info.fileName() + u" is no regular file"_s;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return info.fileName() + u" cannot be read: "_s + file.errorString();
-    QString problem;
+    QFile file;
+    QString problem = open_case_file(file, path);
+    if (!problem.isEmpty())
+        return info.fileName() + u" cannot be read: "_s + problem;
     for (QByteArray line = file.readLine(); !line.isEmpty(); line = file.readLine()) {
         if (!take(QByteArrayView(line).trimmed()))
             problem = info.fileName() + u" is damaged"_s;

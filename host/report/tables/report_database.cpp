@@ -5,8 +5,7 @@
 
 #include "host/files/finished_file.h"
 #include "host/files/host_error.h"
-
-#include <QFile>
+#include "host/files/open_without_links.h"
 
 #include <algorithm>
 
@@ -44,7 +43,7 @@ report_database::report_database(const QString &file)
     : path(file)
     , temporary(file + u".new"_s)
 {
-    QFile::remove(temporary);
+    folder_entry(temporary).remove();
     try {
         database = std::make_unique<sqlite_database>(temporary, sqlite_database::access::create);
         database->execute("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA page_size=4096; BEGIN");
@@ -60,7 +59,7 @@ report_database::~report_database()
     insert.reset();
     database.reset();
     if (!temporary.isEmpty())
-        QFile::remove(temporary);
+        folder_entry(temporary).remove();
 }
 
 void report_database::execute(const QByteArray &statement)

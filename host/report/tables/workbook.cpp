@@ -5,12 +5,16 @@
 
 #include "host/files/finished_file.h"
 #include "host/files/host_error.h"
+#include "host/files/open_without_links.h"
+#include "host/files/system_error.h"
 #include "host/report/tables/separated_cell.h"
 
 #include <QFile>
 
+#include <cerrno>
 #include <ctime>
 
+#include <fcntl.h>
 #include <xlsxwriter.h>
 
 using namespace Qt::StringLiterals;
@@ -45,6 +49,10 @@ public:
         , temporary(file + u".new"_s)
         , notes(book_notes)
     {
+        // The library would write into whatever stands there, also by a link.
+        folder_entry(temporary).remove();
+        if (const descriptor ours = open_without_links(temporary, O_WRONLY | O_CREAT | O_EXCL, 0644); !ours.is_open())
+            fail(system_error_text(errno));
         lxw_workbook_options options = {};
         options.constant_memory = LXW_TRUE; // rows go to the disk one after the other
         book = workbook_new_opt(QFile::encodeName(temporary).constData(), &options);
@@ -62,7 +70,7 @@ public:
         if (book)
             workbook_close(book);
         if (!temporary.isEmpty())
-            QFile::remove(temporary);
+            folder_entry(temporary).remove();
     }
     Q_DISABLE_COPY_MOVE(workbook)
 

@@ -4,6 +4,7 @@
 #include "host/files/file_lock.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 #include "tests/support/strict_test.h"
 
@@ -12,6 +13,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -66,6 +71,10 @@ private Q_SLOTS:
     void json_that_is_none();
     void lock_is_held_once();
     void lock_is_no_link();
+    void links_are_followed_nowhere_data();
+    void links_are_followed_nowhere();
+    void folders_are_made_without_links();
+    void tree_goes_and_nothing_behind_its_links();
     void inside_data();
     void inside();
     void absolute_data();
@@ -180,6 +189,66 @@ void test_whole_files::lock_is_no_link()
              0);
     const file_lock lock(folder.filePath(u"twin"_s));
     QCOMPARE(content_of(folder.filePath(u"elsewhere"_s)), "keep");
+}
+
+void test_whole_files::links_are_followed_nowhere_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QList<int>>("errors"); // systems differ
+
+    // clang-format off
+    QTest::newRow("file")             << u"real/file"_s       << QList<int>{0};
+    QTest::newRow("nothing")          << u"real/none"_s       << QList<int>{ENOENT};
+    QTest::newRow("no folder")        << u"real/file/file"_s  << QList<int>{ENOTDIR};
+    QTest::newRow("link at the end")  << u"real/link"_s       << QList<int>{ELOOP};
+    QTest::newRow("link on the way")  << u"way/file"_s        << QList<int>{ELOOP, ENOTDIR};
+    QTest::newRow("link leads nowhere") << u"real/nowhere"_s  << QList<int>{ELOOP};
+    // clang-format on
+}
+
+void test_whole_files::links_are_followed_nowhere()
+{
+    QFETCH(QString, path);
+    QFETCH(QList<int>, errors);
+    const QTemporaryDir folder;
+    QVERIFY(QDir().mkpath(folder.filePath(u"real"_s)));
+    write_whole_file(folder.filePath(u"real/file"_s), "x");
+    QVERIFY(QFile::link(u"file"_s, folder.filePath(u"real/link"_s)));
+    QVERIFY(QFile::link(u"none"_s, folder.filePath(u"real/nowhere"_s)));
+    QVERIFY(QFile::link(u"real"_s, folder.filePath(u"way"_s)));
+    const QByteArray name = QFile::encodeName(folder.filePath(path));
+    for (const auto open : {open_in_one_step, open_step_by_step}) {
+        errno = 0;
+        const descriptor opened(open(name.constData(), O_RDONLY | O_NOFOLLOW, 0));
+        if (!opened.is_open() && errno == ENOSYS)
+            continue;
+        QCOMPARE(opened.is_open(), errors.contains(0));
+        QVERIFY2(opened.is_open() || errors.contains(errno), std::strerror(errno));
+    }
+}
+
+void test_whole_files::folders_are_made_without_links()
+{
+    const QTemporaryDir folder;
+    make_folder(folder.filePath(u"a/b/c"_s));
+    make_folder(folder.filePath(u"a/b/c"_s));
+    QVERIFY(QFileInfo(folder.filePath(u"a/b/c"_s)).isDir());
+    QVERIFY(QFile::link(folder.filePath(u"a"_s), folder.filePath(u"link"_s)));
+    for (const QString &path : {u"link"_s, u"link/new"_s})
+        QVERIFY(refusal([&] { make_folder(folder.filePath(path)); }).startsWith(u"io: "_s));
+    QCOMPARE(QDir(folder.filePath(u"a"_s)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{u"b"_s});
+}
+
+void test_whole_files::tree_goes_and_nothing_behind_its_links()
+{
+    const QTemporaryDir folder;
+    make_folder(folder.filePath(u"tree/a/b"_s));
+    write_whole_file(folder.filePath(u"tree/a/b/file"_s), "x");
+    write_whole_file(folder.filePath(u"kept"_s), "x");
+    QVERIFY(QFile::link(folder.path(), folder.filePath(u"tree/a/link"_s)));
+    QCOMPARE(folder_entry(folder.filePath(u"tree"_s)).remove_tree(), 0);
+    QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{u"kept"_s});
+    QCOMPARE(folder_entry(folder.filePath(u"tree"_s)).remove_tree(), ENOENT);
 }
 
 void test_whole_files::inside_data()
