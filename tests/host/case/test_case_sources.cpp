@@ -135,6 +135,10 @@ void test_case_sources::faults_of_a_list_data()
     QTest::addColumn<QString>("message");
 
     // clang-format off
+    QTest::newRow("no JSON")        << QByteArray("{\"sources\": [}")                             << u"%1/list.json is no JSON file: object is missing after a comma at byte 14"_s;
+    QTest::newRow("no sources")     << QByteArray(R"({"sources": []})")                           << u"list.json: sources is no list of at least one source"_s;
+    QTest::newRow("unknown inside") << QByteArray(R"({"sources": [{"path": "a", "tpye": "macOS"}]})") << u"list.json: sources[0] has an unknown member, tpye"_s;
+    QTest::newRow("path, a number") << QByteArray(R"({"sources": [{"path": 1}]})")                << u"list.json: sources[0].path is no text"_s;
     QTest::newRow("no list")        << QByteArray(R"({"sources": 1})")                            << u"list.json: sources is no list of at least one source"_s;
     QTest::newRow("unknown member") << QByteArray(R"({"sources": [{"path": "a"}], "x": 1})")      << u"list.json has an unknown member, x"_s;
     QTest::newRow("no object")      << QByteArray(R"({"sources": ["a"]})")                        << u"list.json: sources[0] is no object"_s;
@@ -152,7 +156,7 @@ void test_case_sources::faults_of_a_list()
     QFile file(folder.filePath(u"list.json"_s));
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     file.close();
-    QCOMPARE(refusal([&] { read_source_list(file.fileName()); }), message);
+    QCOMPARE(refusal([&] { read_source_list(file.fileName()); }), message.replace(u"%1"_s, folder.path()));
 }
 
 void test_case_sources::identity_and_its_numbers()
