@@ -76,6 +76,7 @@ void test_words::refusal_data()
     QTest::newRow("letters swapped")   << QStringList{u"shwo"_s, u"c"_s}        << no_command(u"shwo"_s) + u": did you mean show?"_s + more;
     QTest::newRow("capital letters")   << QStringList{u"SAMPLE"_s, u"d"_s}      << no_command(u"SAMPLE"_s) + u": did you mean sample?"_s + more;
     QTest::newRow("no such command")   << QStringList{u"frobnicate"_s}          << no_command(u"frobnicate"_s) + more;
+    QTest::newRow("form of progress")  << extract(u"--progress jsno"_s)         << u"--progress: jsno is none of text, json: did you mean json?"_s;
     QTest::newRow("option misspelt")   << extract(u"--forse"_s)                 << u"there is no option --forse: did you mean --force?"_s + more_of_extract;
     QTest::newRow("option begun")      << extract(u"--memor 5000"_s)             << u"there is no option --memor: did you mean --memory-limit?"_s + more_of_extract;
     QTest::newRow("option with value") << QStringList{u"show"_s, u"c"_s, u"--tabel=devices"_s} << u"there is no option --tabel: did you mean --table?"_s + more_of_show;

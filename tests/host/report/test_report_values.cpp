@@ -81,6 +81,8 @@ void test_report_values::addresses_data()
     QTest::newRow("non-resolvable") << QByteArray("Random 3F:00:00:00:00:01") << u"3f:00:00:00:00:01 non-resolvable"_s;
     QTest::newRow("reserved")       << QByteArray("Random 80:00:00:00:00:01") << u"80:00:00:00:00:01 reserved"_s;
     QTest::newRow("too short")      << QByteArray("Public B4:C2:6A:7F:D3")    << QString();
+    QTest::newRow("eleven digits")  << QByteArray("B4C26A7FD37")              << QString();
+    QTest::newRow("thirteen digits") << QByteArray("B4C26A7FD37A0")           << QString();
     QTest::newRow("too long")       << QByteArray("Public B4:C2:6A:7F:D3:7A:00") << QString();
     QTest::newRow("another word")   << QByteArray("Other B4:C2:6A:7F:D3:7A")  << QString();
     QTest::newRow("empty")          << QByteArray("")                         << QString();

@@ -139,6 +139,9 @@ void test_source_outcome::verdict_data()
     QTest::newRow("failures in the log")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.failures = {{u"a row could not be written: x"_s, 3, true}, {u"y"_s, 1, false}}; })
         << outcome_code::partial << partial << QStringList{u"a row could not be written: x (3 times)"_s, u"y"_s};
+    QTest::newRow("more failures than are shown")
+        << deviation([](source_request &, worker_report &report) { report.inspected->log.failures = {{u"a"_s, 1, false}, {u"b"_s, 1, false}, {u"c"_s, 1, false}, {u"d"_s, 1, false}, {u"e"_s, 1, false}, {u"f"_s, 1, false}}; })
+        << outcome_code::partial << partial << QStringList{u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s, u"1 more kinds of failure are in the plug-in's log"_s};
     QTest::newRow("rows that cannot be counted")
         << deviation([](source_request &, worker_report &report) { report.inspected->problems = {u"the rows of x cannot be counted: y"_s}; })
         << outcome_code::partial << partial << QStringList{u"the rows of x cannot be counted: y"_s};

@@ -23,6 +23,7 @@ private Q_SLOTS:
     void main_file_alone_leaves_all_else();
     void links_and_odd_names();
     void values_come_as_they_are();
+    void bytes_are_no_text_of_the_database();
 };
 
 namespace {
@@ -157,6 +158,19 @@ void test_sqlite::values_come_as_they_are()
     QCOMPARE(row.integer(7), -1);
     QCOMPARE(row.column_name(8), u"name"_s);
     QVERIFY(!row.next());
+}
+
+/** SQLite would convert them where its texts are UTF-16. */
+void test_sqlite::bytes_are_no_text_of_the_database()
+{
+    const QTemporaryDir folder;
+    const sqlite_database database = database_of(folder, "PRAGMA encoding='UTF-16le'; CREATE TABLE t(a); "
+                                                         "INSERT INTO t VALUES(x'4100ff42')");
+    sqlite_statement statement(database, "SELECT a FROM t");
+    QVERIFY(statement.next());
+    QCOMPARE(statement.bytes(0).toByteArray(), QByteArray("A\0\xff"
+                                                          "B",
+                                                          4));
 }
 
 QTEST_GUILESS_MAIN(test_sqlite)
