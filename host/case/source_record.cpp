@@ -113,6 +113,7 @@ QJsonObject source_record::to_json() const
         {u"evidence"_s, of_evidence.value("evidence"_L1)},
         {u"listing"_s, of_evidence.value("listing"_L1)},
         {u"wal"_s, wal},
+        {u"confinement"_s, confinement},
         {u"host_devices"_s, host_devices},
         {u"salvaged"_s, salvaged},
         {u"unparsed_lines"_s, of_evidence.value("unparsed_lines"_L1)},
@@ -143,6 +144,8 @@ source_record source_record::from_json(const QJsonObject &json)
     record.rows = rows_from_json(json.value("rows"_L1).toObject());
     record.evidence = evidence_state::from_json(json);
     record.wal = json.value("wal"_L1);
+    const QJsonValue confinement = json.value("confinement"_L1);
+    record.confinement = confinement.isObject() ? confinement : QJsonValue();
     record.host_devices = json.value("host_devices"_L1);
     record.salvaged = json.value("salvaged"_L1);
     const QJsonObject result = json.value("result"_L1).toObject();

@@ -72,6 +72,7 @@ struct source_record
     QList<table_rows> rows;
     evidence_state evidence;
     QJsonValue wal; ///< rows that a write-ahead log adds, changes and deletes, by result table; null without one
+    QJsonValue confinement;  ///< what the process that ran the plug-in was kept by; null: it never came so far
     QJsonValue host_devices; ///< lines of host_devices.jsonl; null where the source has no list of devices
     QJsonValue salvaged;     ///< rows that the host found on intact pages of a damaged database, by result table
     QString result_path;     ///< relative to the case; empty: there is none

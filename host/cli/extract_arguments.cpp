@@ -200,6 +200,10 @@ void add_limits(CLI::App &extract, extraction_options &options, qint64 &jobs)
     });
     add_number(extract, {"--timeout", "SECONDS", "Longest time that a source may take (default: any)"}, 1, most_seconds,
                options.timeout);
+    extract.add_flag_callback(
+        "--no-confinement", [&options] { options.is_confined = false; },
+        "Let the process that runs the plug-in do whatever you may do (default: it writes in its own "
+        "folder of the case alone, as far as the system can hold it there)");
 }
 
 void add_display(CLI::App &extract, extract_options &options)

@@ -186,8 +186,7 @@ public:
     backup_container(const QString &backup_path, const QString &temporary_folder, std::unique_ptr<backup_files> kept)
         : path(backup_path)
         , files(std::move(kept))
-        , temporary(temporary_folder.isEmpty() ? u"/tmp/bluetooth-logs-XXXXXX"_s
-                                               : temporary_folder + u"/backup-XXXXXX"_s)
+        , temporary(temporary_folder + u"/backup-XXXXXX"_s)
     {
         if (!temporary.isValid())
             fail(path, u"no temporary folder can be made: "_s + temporary.errorString());

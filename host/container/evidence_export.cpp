@@ -251,9 +251,10 @@ void refuse_unreadable(const collected_source &source)
 
 } // namespace
 
-container_survey survey_container(const container_choice &choice, const read_observer &read)
+container_survey survey_container(const container_choice &choice, const QString &temporary_folder,
+                                  const read_observer &read)
 {
-    open_source source(choice, {}, read);
+    open_source source(choice, temporary_folder, read);
     return survey(source, choice);
 }
 

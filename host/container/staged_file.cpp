@@ -3,6 +3,7 @@
 
 #include "host/container/staged_file.h"
 
+#include "host/files/created_file.h"
 #include "host/files/host_error.h"
 #include "host/files/open_without_links.h"
 #include "host/files/system_error.h"
@@ -22,7 +23,7 @@ constexpr mode_t readable_by_owner = 0400;
 
 staged_file::staged_file(const QString &target)
     : path(target)
-    , file(open_without_links(target, O_WRONLY | O_CREAT | O_EXCL, readable_by_owner))
+    , file(create_file(target, readable_by_owner))
 {
     if (!file.is_open())
         fail(errno);
@@ -49,7 +50,7 @@ void staged_file::add(QByteArrayView bytes)
 
 QString staged_file::keep()
 {
-    if (::fchmod(file.number(), readable_by_owner) != 0 || ::fsync(file.number()) != 0)
+    if (::fsync(file.number()) != 0)
         fail(errno);
     file.close();
     return hash.result();

@@ -30,8 +30,8 @@ namespace {
 QJsonObject result_options(const case_request &request)
 {
     QJsonObject options = request.options.to_json();
-    for (const QLatin1StringView other : {"is_verbose"_L1, "plugin_file"_L1, "memory_limit"_L1, "timeout"_L1,
-                                          "max_database"_L1, "max_log"_L1, "skips_container_hash"_L1})
+    for (const QLatin1StringView other : {"is_confined"_L1, "is_verbose"_L1, "plugin_file"_L1, "memory_limit"_L1,
+                                          "timeout"_L1, "max_database"_L1, "max_log"_L1, "skips_container_hash"_L1})
         options.remove(other);
     return options;
 }

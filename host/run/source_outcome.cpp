@@ -369,6 +369,7 @@ private:
 source_record completed(const source_request &request, const source_record &before, const worker_report &report)
 {
     source_record record = before;
+    record.confinement = report.confinement;
     if (report.looked)
         record.evidence = *report.looked;
     if (!report.inspected)

@@ -16,6 +16,7 @@ QJsonObject extraction_options::to_json() const
             {u"suite_tables"_s, suite_tables},
             {u"follow_links"_s, follow_links},
             {u"is_live"_s, is_live},
+            {u"is_confined"_s, is_confined},
             {u"is_verbose"_s, is_verbose},
             {u"plugin_file"_s, plugin_file},
             {u"memory_limit"_s, memory_limit},
@@ -37,6 +38,7 @@ extraction_options extraction_options::from_json(const QJsonObject &json)
     options.suite_tables = json.value("suite_tables"_L1).toBool();
     options.follow_links = json.value("follow_links"_L1).toBool();
     options.is_live = json.value("is_live"_L1).toBool();
+    options.is_confined = json.value("is_confined"_L1).toBool();
     options.is_verbose = json.value("is_verbose"_L1).toBool();
     options.plugin_file = json.value("plugin_file"_L1).toString();
     options.memory_limit = json.value("memory_limit"_L1).toInteger();

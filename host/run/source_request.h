@@ -22,6 +22,7 @@ struct extraction_options
     bool suite_tables = false;         ///< leave the result tables as the suite makes them, without room for iOS rows
     bool follow_links = false;         ///< read evidence that a link in the source has elsewhere
     bool is_live = false;              ///< the evidence is in use and may change
+    bool is_confined = true;           ///< the process that runs the plug-in reads and writes only what it needs
     bool is_verbose = false;           ///< the plug-in's log comes on standard error too
     QString plugin_file;               ///< absolute
     qint64 memory_limit = 2048;        ///< MiB of address space of the process that runs the plug-in

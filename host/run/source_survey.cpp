@@ -16,6 +16,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
 
@@ -83,11 +84,11 @@ QJsonObject survey_in_place(const container_choice &choice)
 
 } // namespace
 
-QJsonObject survey_of_container(const container_choice &choice)
+QJsonObject survey_of_container(const container_choice &choice, const QString &temporary_folder)
 {
     QJsonObject survey = outline(choice);
     try {
-        const container_survey found = survey_container(choice, [](qint64) {});
+        const container_survey found = survey_container(choice, temporary_folder, [](qint64) {});
         survey.insert(u"type"_s, name_or_null(found.kind));
         survey.insert(u"container"_s, found.is_in_place ? QJsonValue() : QJsonValue(found.container.to_json()));
         survey.insert(u"problem"_s, text_or_null(found.problem));
@@ -105,8 +106,12 @@ QJsonObject survey_source(const container_choice &choice, qint64 mebibytes_of_me
 {
     if (!QFileInfo::exists(choice.path) || !is_container(choice.path, choice.kind))
         return survey_in_place(choice);
+    const QTemporaryDir scratch(u"/tmp/bluetooth-logs-XXXXXX"_s); // goes whatever becomes of the worker
+    if (!scratch.isValid())
+        throw host_error(error_kind::io, u"no temporary folder can be made: "_s + scratch.errorString());
     worker_order order;
     order.to_do = worker_order::task::survey;
+    order.request.case_directory = scratch.path();
     order.request.source = unopened_container(choice.path, choice.kind, choice.follow_links);
     order.request.volume = choice.volume;
     order.request.member = choice.member;

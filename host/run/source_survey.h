@@ -16,7 +16,7 @@
  */
 QJsonObject survey_source(const container_choice &choice, qint64 mebibytes_of_memory, qint64 seconds);
 
-/** The part of it that the worker process does. */
-QJsonObject survey_of_container(const container_choice &choice);
+/** The part of it that the worker process does; @p temporary_folder as survey_container() has it. */
+QJsonObject survey_of_container(const container_choice &choice, const QString &temporary_folder);
 
 #endif

@@ -17,8 +17,8 @@ namespace {
 constexpr QLatin1StringView task_names[] = {"extract"_L1, "inspect"_L1, "settle"_L1, "survey"_L1};
 
 constexpr QLatin1StringView event_names[] = {
-    ""_L1,      "loaded"_L1,    "taken out"_L1, "looked"_L1,  "hashed"_L1,    "read"_L1,     "records"_L1,
-    "table"_L1, "extracted"_L1, "inspected"_L1, "problem"_L1, "no memory"_L1, "surveyed"_L1,
+    ""_L1,        "loaded"_L1, "confined"_L1,  "taken out"_L1, "looked"_L1,  "hashed"_L1,    "read"_L1,
+    "records"_L1, "table"_L1,  "extracted"_L1, "inspected"_L1, "problem"_L1, "no memory"_L1, "surveyed"_L1,
 };
 
 QByteArray to_line(const QJsonObject &json)
@@ -62,6 +62,11 @@ worker_order worker_order::from_line(const QByteArray &line)
 QByteArray loaded_line()
 {
     return event_line(worker_event::loaded);
+}
+
+QByteArray confined_line(const QJsonObject &confinement)
+{
+    return event_line(worker_event::confined, {{u"confinement"_s, confinement}});
 }
 
 QByteArray taken_out_line(const taken_evidence &taken)
@@ -123,6 +128,10 @@ worker_event worker_report::take(const QByteArray &line)
     switch (event) {
     case worker_event::loaded:
         is_loaded = true;
+        break;
+    case worker_event::confined:
+        if (confinement.isNull())
+            confinement = json.value("confinement"_L1);
         break;
     case worker_event::looked:
         looked = evidence_state::from_json(json.value("evidence"_L1).toObject());

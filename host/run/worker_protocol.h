@@ -28,7 +28,7 @@ struct worker_order
         extract, ///< load the plug-in, wait for start_word, run it, inspect
         inspect, ///< what a worker that ended early could not look at
         settle,  ///< nothing but settle_result()
-        survey,  ///< look into a container; the request names it and its limits, there is no case
+        survey,  ///< look into a container; the request names it, its limits, and a temporary folder in place of a case
     };
 
     task to_do = task::extract;
@@ -42,6 +42,7 @@ struct worker_order
 enum class worker_event {
     unknown,   ///< none of these: what the plug-in or a library printed
     loaded,    ///< the plug-in can be used
+    confined,  ///< what keeps the process in its place is in force
     taken_out, ///< what the container holds is in the case
     looked,    ///< look_before() is done
     hashed,
@@ -72,6 +73,8 @@ struct plugin_log_end
 
 /** The worker's lines, with their line ends. */
 QByteArray loaded_line();
+/** What keeps the process in its place from here on, as a record has it. */
+QByteArray confined_line(const QJsonObject &confinement);
 QByteArray taken_out_line(const taken_evidence &taken);
 QByteArray read_line(qint64 more_bytes);
 QByteArray surveyed_line(const QJsonObject &survey);
@@ -90,6 +93,7 @@ struct worker_report
 {
     bool is_loaded = false;
     bool is_out_of_memory = false;
+    QJsonValue confinement; ///< of the first process that told; null before
     std::optional<evidence_state> looked;
     QHash<QString, qint64> announced;
     std::optional<plugin_log_end> extracted;

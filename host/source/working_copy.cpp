@@ -3,6 +3,7 @@
 
 #include "host/source/working_copy.h"
 
+#include "host/files/created_file.h"
 #include "host/files/host_error.h"
 #include "host/files/open_without_links.h"
 #include "host/files/paths.h"
@@ -43,8 +44,8 @@ working_copy::working_copy(const QString &copy_path, mode_t mode)
     : path(copy_path)
 {
     make_folder(QFileInfo(path).path());
-    file = open_without_links(path, O_WRONLY | O_CREAT | O_EXCL, mode & 0700);
-    if (!file.is_open() || ::fchmod(file.number(), (mode & 0777) | S_IRUSR | S_IWUSR) != 0)
+    file = create_file(path, (mode & 0777) | S_IRUSR | S_IWUSR);
+    if (!file.is_open())
         fail();
 }
 

@@ -10,22 +10,22 @@
 #include "host/run/worker_environment.h"
 #include "host/run/worker_protocol.h"
 #include "host/worker/cancellation.h"
+#include "host/worker/confinement.h"
 #include "host/worker/extraction.h"
 #include "host/worker/plugin_loader.h"
 #include "plugin/bluetooth_logs.h"
 
 #include <QApplication>
+#include <QFileInfo>
 
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <future>
 #include <iostream>
 #include <new>
 #include <string>
 #include <thread>
-#include <utility>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -90,24 +90,42 @@ std::string order_line()
     return line;
 }
 
-/** Ends this process when the parent closes our input. The future is ready at the start line. */
-std::future<void> end_with_the_watcher()
+/** Ends this process when the parent closes our input. The thread ends at the start line, if @p until_start. */
+std::thread end_with_the_watcher(bool until_start)
 {
-    static std::promise<void> start;
     cancellation::hold();
-    std::thread([] {
-        bool is_started = false;
+    std::thread watch([until_start] {
         char byte = 0;
-        for (;;) {
+        do {
             const auto count = ::read(STDIN_FILENO, &byte, 1);
             if (count == 0 || (count < 0 && errno != EINTR))
                 ::_exit(int(worker_end::failed));
-            if (byte == '\n' && !std::exchange(is_started, true))
-                start.set_value();
-        }
-    }).detach();
+        } while (!until_start || byte != '\n');
+    });
     cancellation::release();
-    return start.get_future();
+    return watch;
+}
+
+/** What reads the evidence and runs the plug-in is confined, with all threads: the one that watches comes after. */
+void confine(const source_request &request, const QString &writable)
+{
+    confinement in_force;
+    if (request.options.is_confined) {
+        QStringList readable{request.source.path, request.source.root, request.source.log_file, request.case_directory};
+        if (request.source.is_taken_out) // the other files of an image stand beside its first
+            readable.append(QFileInfo(request.source.path).path());
+        if (request.source.follow_links)
+            readable.append(u"/"_s);
+        in_force = confine_process(readable, writable);
+    }
+    send(confined_line(in_force.to_json()));
+    end_with_the_watcher(false).detach();
+}
+
+void confine_to_source(const source_request &request)
+{
+    confine(request, request.layout().folder());
+    use_temporary_folder(request.layout().temporary_folder());
 }
 
 void set_limits(qint64 mebibytes)
@@ -176,12 +194,13 @@ exported_source take_out(source_request &request)
     return taken;
 }
 
-void extract(source_request request, std::future<void> &start)
+void extract(source_request request)
 {
+    std::thread &watch = *new std::thread(end_with_the_watcher(true)); // lives on when the plug-in ends us
     std::unique_ptr<bluetooth_logs> plugin = load_plugin(request.options.plugin_file);
     send(loaded_line());
-    start.wait();
-    use_temporary_folder(request.layout().temporary_folder());
+    watch.join();
+    confine_to_source(request);
 
     std::optional<exported_source> taken;
     if (request.source.is_taken_out)
@@ -213,23 +232,23 @@ int work()
 {
     const worker_order order = worker_order::from_line(QByteArray::fromStdString(order_line()));
     const source_request &request = order.request;
-    std::future<void> start = end_with_the_watcher();
     set_limits(request.options.memory_limit);
     try {
-        if (order.to_do == worker_order::task::inspect || order.to_do == worker_order::task::settle)
-            use_temporary_folder(request.layout().temporary_folder());
         switch (order.to_do) {
         case worker_order::task::extract:
-            extract(request, start);
+            extract(request);
             break;
         case worker_order::task::inspect:
+            confine_to_source(request);
             send_inspection(request, order.evidence);
             break;
         case worker_order::task::settle:
+            confine_to_source(request);
             settle_result(request);
             break;
         case worker_order::task::survey:
-            send(surveyed_line(survey_of_container(choice_of(request))));
+            confine(request, request.case_directory);
+            send(surveyed_line(survey_of_container(choice_of(request), request.case_directory)));
             break;
         }
     } catch (const host_error &error) {

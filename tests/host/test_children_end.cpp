@@ -68,7 +68,8 @@ void test_children_end::killed_program()
     QVERIFY(QDir().mkpath(host.path(u"temporary"_s)));
     const QStringList extract_sample{u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
     QProcess process;
-    host.start(process, extract_sample + QStringList{u"--plugin"_s, host_program::faulty_plugin_file()});
+    host.start(process,
+               extract_sample + QStringList{u"--no-confinement"_s, u"--plugin"_s, host_program::faulty_plugin_file()});
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);
     const QByteArray mark = "BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER=" + QFile::encodeName(host.path(QString()));
     QCOMPARE(processes_with(mark).size(), 2);

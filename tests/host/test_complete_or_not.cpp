@@ -87,7 +87,8 @@ void test_complete_or_not::hangup_that_is_ignored()
     environment.insert(u"BLUETOOTH_LOGS_WAITING_PLUGIN_FOLDER"_s, host.path(QString()));
     process.setProcessEnvironment(environment);
     process.setArguments(QStringList{u"-c"_s, u"trap '' HUP; exec \"$@\""_s, u"sh"_s, host_program::program_file()}
-                         + extract_sample + QStringList{u"--plugin"_s, host_program::waiting_plugin_file()});
+                         + extract_sample
+                         + QStringList{u"--no-confinement"_s, u"--plugin"_s, host_program::waiting_plugin_file()});
     process.start();
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"started"_s)), 60000);
     QCOMPARE(::kill(pid_t(process.processId()), SIGHUP), 0);

@@ -99,12 +99,12 @@ class manifests(fitting_case):
                          {"devices": {"added": 0, "changed": 1, "deleted": 2}})
 
     def test_timed_out(self):
-        self.run_program("extract", "-i", "sample/macos", "-o", "case", "--plugin", waiting_plugin, "--timeout", "1",
+        self.run_program("extract", "-i", "sample/macos", "-o", "case", "--no-confinement", "--plugin", waiting_plugin, "--timeout", "1",
                          code=4)
         self.assertEqual(self.statuses_that_fit(), ["timed out"])
 
     def test_running_then_interrupted(self):
-        run = self.start("extract", "-i", "sample/ios/system.log", "-o", "case", "--plugin", waiting_plugin)
+        run = self.start("extract", "-i", "sample/ios/system.log", "-o", "case", "--no-confinement", "--plugin", waiting_plugin)
         self.wait_for_the_plugin()
         record = self.read("case/Source1/source.json")
         self.assertEqual(record["status"], "running")
@@ -114,7 +114,7 @@ class manifests(fitting_case):
         self.assertEqual(self.statuses_that_fit(), ["interrupted"])
 
     def test_killed(self):
-        run = self.start("extract", "-i", "sample/macos", "-o", "case", "--plugin", waiting_plugin)
+        run = self.start("extract", "-i", "sample/macos", "-o", "case", "--no-confinement", "--plugin", waiting_plugin)
         self.wait_for_the_plugin()
         run.kill()
         self.finish(run, -signal.SIGKILL)
@@ -122,7 +122,7 @@ class manifests(fitting_case):
         self.assertEqual(self.statuses_that_fit(), ["interrupted"])
 
     def test_evidence_changed(self):
-        run = self.start("extract", "-i", "sample/macos", "-o", "case", "--plugin", waiting_plugin)
+        run = self.start("extract", "-i", "sample/macos", "-o", "case", "--no-confinement", "--plugin", waiting_plugin)
         self.wait_for_the_plugin()
         folder = self.folder / "sample/macos/Library/Bluetooth"
         (folder / "com.apple.MobileBluetooth.ledevices.other.db").unlink()

@@ -106,10 +106,11 @@ void age_access_times(const QStringList &paths)
 bool only_reads(const QString &call)
 {
     static const QSet<QString> calls{
-        u"stat"_s,      u"lstat"_s,      u"fstat"_s,      u"newfstatat"_s, u"fstatat64"_s, u"statx"_s,   u"access"_s,
-        u"faccessat"_s, u"faccessat2"_s, u"readlink"_s,   u"readlinkat"_s, u"read"_s,      u"pread64"_s, u"readv"_s,
-        u"lseek"_s,     u"close"_s,      u"getdents64"_s, u"fcntl"_s,      u"fstatfs"_s,   u"statfs"_s,  u"fadvise64"_s,
-        u"execve"_s,    u"getxattr"_s,   u"flistxattr"_s, u"fgetxattr"_s,
+        u"stat"_s,       u"lstat"_s,     u"fstat"_s,      u"newfstatat"_s, u"fstatat64"_s,         u"statx"_s,
+        u"access"_s,     u"faccessat"_s, u"faccessat2"_s, u"readlink"_s,   u"readlinkat"_s,        u"read"_s,
+        u"pread64"_s,    u"readv"_s,     u"lseek"_s,      u"close"_s,      u"getdents64"_s,        u"fcntl"_s,
+        u"fstatfs"_s,    u"statfs"_s,    u"fadvise64"_s,  u"execve"_s,     u"landlock_add_rule"_s, u"getxattr"_s,
+        u"flistxattr"_s, u"fgetxattr"_s,
     };
     return calls.contains(call);
 }
