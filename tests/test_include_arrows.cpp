@@ -43,7 +43,7 @@ const folder_rule folder_rules[] = {
     {u"host/text"_s,            {u"host/files"_s}},
     {u"host/sqlite"_s,          {u"host/files"_s, u"host/text"_s}},
     {u"host/source"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s}},
-    {u"host/container"_s,       {u"host/files"_s, u"host/sqlite"_s, u"host/source"_s, u"host/text"_s, property_list_header}},
+    {u"host/container"_s,       {u"host/files"_s, u"host/sqlite"_s, u"host/source"_s, u"host/text"_s, u"common/property_list/property_list_guard.h"_s, u"common/platform/property_list.h"_s}},
     {u"host/devices"_s,         {u"host/files"_s, u"host/text"_s, u"host/source"_s, u"common/property_list/property_list_guard.h"_s, u"common/platform/property_list.h"_s}},
     {u"host/case"_s,            {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s}},
     {u"host/sample"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/source"_s}},

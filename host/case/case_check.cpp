@@ -389,6 +389,8 @@ private:
                                     ? moved
                                     : QFileInfo(moved).path() + u'/' + QFileInfo(path).fileName();
             check_container_file(name, now, value.toObject());
+            if (path == files.first()[u"path"_s].toString() && path_exists(now))
+                check_stored_hashes(now, recorded.container[u"stored_hashes"_s].toObject());
         }
         if (!files.isEmpty())
             return;
@@ -396,6 +398,29 @@ private:
             if (file.origin.isObject() && file.before && !file.before->sha256.isEmpty())
                 check_file(moved.isEmpty() ? recorded.path : moved,
                            {file.origin[u"path"_s].toString(), unknown_size, file.before->sha256}, place::evidence);
+        }
+    }
+
+    /** What an EWF holds is to have the hashes that stand in it since it was made. */
+    void check_stored_hashes(const QString &image, const QJsonObject &stored)
+    {
+        if (!request.hashes_containers || !request.rehash_image || stored.isEmpty())
+            return;
+        const QJsonObject found = request.rehash_image(image);
+        if (const QString problem = found.value("problem"_L1).toString(); !problem.isEmpty()) {
+            outcome.differences.append(image + u": what it holds cannot be hashed: "_s + problem);
+            return;
+        }
+        for (const auto &[member, name] : {std::pair("md5"_L1, "MD5"_L1), std::pair("sha1"_L1, "SHA-1"_L1)}) {
+            const QString expected = stored.value(member).toString();
+            if (expected.isEmpty())
+                continue;
+            const QString now = found.value(member).toString();
+            if (now == expected)
+                outcome.notes.append(image + u": what it holds has the "_s + name + u" that stands in it"_s);
+            else
+                outcome.differences.append(image + u": what it holds has the "_s + name + u' ' + now + u", and not "_s
+                                           + expected + u", which stands in it"_s);
         }
     }
 
@@ -408,8 +433,9 @@ private:
         }
         const QString hash = recorded.value("sha256"_L1).toString();
         const bool is_hashed = request.hashes_containers && !hash.isEmpty();
+        const QFileInfo behind_links(QFileInfo(file).canonicalFilePath());
         if (is_hashed)
-            check_file(QFileInfo(file).path(), {QFileInfo(file).fileName(), unknown_size, hash}, place::evidence);
+            check_file(behind_links.path(), {behind_links.fileName(), unknown_size, hash}, place::evidence);
         else
             add({place::evidence, file, finding::unchanged, {}, {}});
         if (request.hashes_containers && hash.isEmpty())

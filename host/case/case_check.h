@@ -13,6 +13,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /** What to compare a case with. */
 struct check_request
 {
@@ -22,6 +24,8 @@ struct check_request
     QStringList report_folders;  ///< absolute; of reports that lie elsewhere
     bool leaves_out_evidence = false;
     bool hashes_containers = false; ///< images and archives too, which are compared by size and time otherwise
+    /** What an EWF holds now: "md5" and "sha1", or the "problem". It is opened in a process of its own. */
+    std::function<QJsonObject(const QString &path)> rehash_image;
 };
 
 /** A file that was compared, or should have been. */

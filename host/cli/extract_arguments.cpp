@@ -89,6 +89,7 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
         for (const QString &path : paths)
             arguments.inputs.append(absolute_path(path, input.name()));
     });
+    add_example(extract, {"bluetooth-logs extract -i dump.tar.gz -o case", "an archive of a whole file system"});
     add_example(extract, {"bluetooth-logs extract -i /mnt/a -i /mnt/b -o case", "two sources"});
     add_path(extract,
              {"--sources",
@@ -120,6 +121,7 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
              arguments.member);
     add_number(extract, {"--source-number", "N", "Number of the source in the case (default 1)"}, 0, highest_number,
                arguments.number);
+    add_example(extract, {"bluetooth-logs extract -i backups/0000 -t ios-backup -o case", "a backup of an iOS device"});
     add_flag(extract,
              {"--live",
               "",

@@ -117,15 +117,22 @@ struct source_progress
     QString rows;      ///< "table 1 of 2, 1,000 rows"; empty before there are any
     qint64 hashed = 0; ///< bytes
     qint64 to_be_hashed = 0;
+    qint64 read = 0; ///< of the container
 
     double done() const
     {
         return to_be_hashed > 0 ? qMin(1.0, double(hashed) / double(to_be_hashed)) : 0;
     }
 
-    /** "macOS: 25 % of 2.0 GiB hashed"; the rows in place of the kind once there are some. */
+    /**
+     * "macOS: 25 % of 2.0 GiB hashed"; the rows in place of the kind once there are some. Of a container, whose
+     * evidence is not known before it was read, "container: 2.0 GiB read, 1.0 GiB hashed".
+     */
     QString text() const
     {
+        if (to_be_hashed == 0)
+            return (rows.isEmpty() ? kind + u": "_s : rows + u", "_s)
+                   + (read > 0 ? size_text(read) + u" read, "_s : QString()) + size_text(hashed) + u" hashed"_s;
         const QString bytes = count_text(qint64(done() * 100)) + u" % of "_s + size_text(to_be_hashed) + u" hashed"_s;
         return (rows.isEmpty() ? kind + u": "_s : rows + u", "_s) + bytes;
     }
@@ -153,7 +160,8 @@ public:
         running[request.number] = {.kind = kind_text(request),
                                    .rows = {},
                                    .hashed = 0,
-                                   .to_be_hashed = 2 * evidence_bytes(request.source)};
+                                   .to_be_hashed = request.source.is_taken_out ? 0 : 2 * evidence_bytes(request.source),
+                                   .read = 0};
         for (const run_message &message : messages) {
             if (!said_before.contains(message.text)) // it is the same for other sources of the case
                 print(out, message, {});
@@ -166,6 +174,12 @@ public:
     {
         hashed += bytes;
         running[request.number].hashed += bytes;
+        show();
+    }
+
+    void bytes_read(const source_request &request, qint64 bytes) override
+    {
+        running[request.number].read += bytes;
         show();
     }
 
@@ -294,6 +308,11 @@ public:
     void bytes_hashed(const source_request &request, qint64 bytes) override
     {
         out.event({{u"event"_s, u"hashed"_s}, {u"source"_s, request.number}, {u"bytes"_s, bytes}});
+    }
+
+    void bytes_read(const source_request &request, qint64 bytes) override
+    {
+        out.event({{u"event"_s, u"read"_s}, {u"source"_s, request.number}, {u"bytes"_s, bytes}});
     }
 
     void records_announced(const source_request &request, qint64 records, int tables_done) override

@@ -23,6 +23,12 @@ void add_sample_command(CLI::App &app, command_line &line)
               "Add devices whose names many programs fail on: one of 1 MB, one with a NUL, one that is no UTF-8",
               {"bluetooth-logs sample hostile --hostile"}},
              options->is_hostile);
+    add_flag(sample,
+             {"--image",
+              "",
+              "Add sample.tar.gz, a backup and a file system of an iOS device",
+              {"bluetooth-logs sample sample --image"}},
+             options->has_containers);
     sample.final_callback(
         [options, &line] { line.command = [options](console &out) { return run_sample(*options, out); }; });
 }

@@ -13,7 +13,8 @@ struct sample_options
 {
     QString directory; ///< absolute
     bool force = false;
-    bool is_hostile = false; ///< with names that many programs fail on
+    bool is_hostile = false;     ///< with names that many programs fail on
+    bool has_containers = false; ///< also sources as examiners hold them
 };
 
 /** Writes a synthetic source of each kind below a folder. Throws host_error, also when one is there already. */

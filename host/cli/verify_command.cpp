@@ -6,6 +6,7 @@
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
 #include "host/files/utc_time.h"
+#include "host/run/source_survey.h"
 
 #include <QJsonDocument>
 
@@ -97,7 +98,9 @@ exit_code run_verify(const verify_options &options, console &out)
 {
     if (!options.record_file.isEmpty() && path_exists(options.record_file))
         throw host_error(error_kind::refused, options.record_file + u" is there already: --record takes a new name"_s);
-    const check_outcome outcome = check_case(options.request);
+    check_request request = options.request;
+    request.rehash_image = rehash_image;
+    const check_outcome outcome = check_case(request);
     for (const QString &place : outcome.evidence_places) {
         if (!options.record_file.isEmpty() && is_inside(options.record_file, place))
             throw host_error(error_kind::refused,

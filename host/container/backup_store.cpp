@@ -3,8 +3,8 @@
 
 #include "host/container/backup_store.h"
 
-#include "common/property_list/property_list_file.h"
-#include "host/container/staged_file.h"
+#include "common/platform/property_list.h"
+#include "common/property_list/property_list_guard.h"
 #include "host/files/file_times.h"
 #include "host/files/host_error.h"
 #include "host/files/system_error.h"
@@ -16,7 +16,6 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QVariantMap>
 
 #include <cerrno>
@@ -30,7 +29,7 @@ namespace {
 constexpr QLatin1StringView index_name("Manifest.db");
 constexpr QLatin1StringView properties_name("Manifest.plist");
 constexpr QLatin1StringView bluetooth_domain("SysSharedContainerDomain-systemgroup.com.apple.bluetooth");
-constexpr qint64 most_index_bytes = qint64(4) << 30;
+constexpr qint64 most_index_bytes = qint64(1) << 30; // it is held in memory
 constexpr int most_files = 1000;
 
 /** The path that stands for a file of the domain: as on the device, below a group of this name. */
@@ -165,31 +164,27 @@ private:
     std::optional<QStringList> root;
 };
 
-/** A copy of a manifest, which is evidence as the rest. */
-void copy_to(const QString &target, byte_stream &stream)
+/** A copy of a manifest, which is evidence as the rest: in memory, since looking at a backup writes nothing. */
+QByteArray copy_of(byte_stream &stream, qint64 said_size)
 {
-    staged_file copy(target);
+    QByteArray copy;
+    copy.reserve(qBound<qint64>(0, said_size, most_index_bytes));
     QByteArray block(1 << 16, Qt::Uninitialized);
-    qint64 bytes = 0;
     while (const qsizetype count = stream.read(block.data(), block.size())) {
-        bytes += count;
-        if (bytes > most_index_bytes)
-            throw stream_failure(u"it is larger than 4 GiB"_s, true);
-        copy.add(QByteArrayView(block.constData(), count));
+        if (copy.size() + count > most_index_bytes)
+            throw stream_failure(u"it is larger than 1 GiB"_s, true);
+        copy.append(block.constData(), count);
     }
-    copy.keep();
+    return copy;
 }
 
 class backup_container : public source_container
 {
 public:
-    backup_container(const QString &backup_path, const QString &temporary_folder, std::unique_ptr<backup_files> kept)
+    backup_container(const QString &backup_path, std::unique_ptr<backup_files> kept)
         : path(backup_path)
         , files(std::move(kept))
-        , temporary(temporary_folder + u"/backup-XXXXXX"_s)
     {
-        if (!temporary.isValid())
-            fail(path, u"no temporary folder can be made: "_s + temporary.errorString());
         copy_manifests();
         refuse_encryption();
     }
@@ -214,7 +209,7 @@ public:
         static const QRegularExpression id_form(u"^[0-9a-fA-F]{40}$"_s);
         QList<std::pair<QString, QString>> listed;
         try {
-            sqlite_database index(temporary.filePath(index_name), sqlite_database::access::main_file_alone);
+            sqlite_database index(manifests.value(index_name));
             index.distrust();
             if (!index.has_table("Files"_L1))
                 fail(path, u"Manifest.db has no ordinary table Files"_s);
@@ -243,8 +238,8 @@ private:
         files->take({index_name, properties_name}, [this, &reasons](const stored_file &file, byte_stream *stream) {
             const QString name = file.parts.last();
             try {
-                if (stream && !QFileInfo::exists(temporary.filePath(name)))
-                    copy_to(temporary.filePath(name), *stream);
+                if (stream && !manifests.contains(name))
+                    manifests.insert(name, copy_of(*stream, file.origin.size.value_or(0)));
                 else if (!stream)
                     reasons.append(name + u": "_s + file.objection);
             } catch (const stream_failure &failure) {
@@ -254,14 +249,15 @@ private:
         if (!reasons.isEmpty())
             fail(path, reasons.join(u"; "_s));
         for (const QLatin1StringView name : {index_name, properties_name}) {
-            if (!QFileInfo::exists(temporary.filePath(name)))
+            if (!manifests.contains(name))
                 fail(path, u"it has no "_s + name);
         }
     }
 
     void refuse_encryption() const
     {
-        const QVariant list = read_property_list(temporary.filePath(properties_name));
+        const QByteArray guarded = guarded_property_list(manifests.value(properties_name));
+        const QVariant list = guarded.isNull() ? QVariant() : parse_property_list(guarded);
         if (!list.isValid())
             fail(path, u"Manifest.plist is no property list"_s);
         if (list.toMap().value(u"IsEncrypted"_s).toBool())
@@ -270,7 +266,7 @@ private:
 
     QString path;
     std::unique_ptr<backup_files> files;
-    QTemporaryDir temporary;
+    QHash<QString, QByteArray> manifests; ///< by their names
 };
 
 class backup_store : public evidence_store
@@ -325,12 +321,12 @@ bool is_backup_folder(const QString &folder)
     return QFileInfo(folder + u'/' + index_name).isFile() && QFileInfo(folder + u'/' + properties_name).isFile();
 }
 
-std::unique_ptr<source_container> open_backup(const QString &path, const QString &temporary, const read_observer &read)
+std::unique_ptr<source_container> open_backup(const QString &path, const read_observer &read)
 {
     std::unique_ptr<backup_files> files;
     if (QFileInfo(path).isDir())
         files = std::make_unique<folder_files>(path);
     else
         files = std::make_unique<archive_files>(path, read);
-    return std::make_unique<backup_container>(path, temporary, std::move(files));
+    return std::make_unique<backup_container>(path, std::move(files));
 }

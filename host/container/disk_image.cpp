@@ -5,11 +5,13 @@
 
 #include "host/container/image_segments.h"
 #include "host/container/image_volume.h"
+#include "host/container/kept_access_times.h"
 #include "host/files/descriptor.h"
 #include "host/files/host_error.h"
 #include "host/source/evidence_folder.h"
 
 #include <QByteArray>
+#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 
@@ -330,6 +332,7 @@ private:
         pools.emplace(offset, std::move(pool));
     }
 
+    kept_access_times keeper; ///< as long as the library may open the files again
     QString path;
     QString format;
     QStringList segments;
@@ -343,6 +346,28 @@ private:
 std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView format, const read_observer &)
 {
     return std::make_unique<disk_image>(path, format);
+}
+
+ewf_hashes hashes_of_ewf_content(const QString &path)
+{
+    const kept_access_times keeper;
+    const image_handle image = open_any(image_segments(path, "ewf"_L1), "ewf"_L1);
+    if (!image)
+        throw host_error(error_kind::not_found, u"the image cannot be opened: "_s + path + u": "_s + image_error());
+    QCryptographicHash md5(QCryptographicHash::Md5);
+    QCryptographicHash sha1(QCryptographicHash::Sha1);
+    QByteArray block(1 << 20, Qt::Uninitialized);
+    for (TSK_OFF_T place = 0; place < image->size;) {
+        const auto wanted = size_t(qMin<TSK_OFF_T>(block.size(), image->size - place));
+        const ssize_t count = tsk_img_read(image.get(), place, block.data(), wanted);
+        if (count <= 0)
+            throw host_error(error_kind::not_found,
+                             u"the image cannot be read to its end: "_s + path + u": "_s + image_error());
+        md5.addData(QByteArrayView(block.constData(), count));
+        sha1.addData(QByteArrayView(block.constData(), count));
+        place += count;
+    }
+    return {QString::fromLatin1(md5.result().toHex()), QString::fromLatin1(sha1.result().toHex())};
 }
 
 QString image_library()

@@ -4,6 +4,7 @@
 #ifndef HOST_CONTAINER_DISK_IMAGE_H
 #define HOST_CONTAINER_DISK_IMAGE_H
 
+#include "host/container/image_segments.h"
 #include "host/container/source_container.h"
 
 /**
@@ -11,6 +12,9 @@
  * cannot be opened, and in a build without The Sleuth Kit.
  */
 std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView format, const read_observer &read);
+
+/** MD5 and SHA-1 of what the EWF that begins with the file at @p path holds. Throws host_error as open_image(). */
+ewf_hashes hashes_of_ewf_content(const QString &path);
 
 /** "The Sleuth Kit 4.11.1"; empty in a build without it. */
 QString image_library();

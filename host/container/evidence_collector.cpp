@@ -5,6 +5,7 @@
 
 #include "host/container/member_name.h"
 #include "host/container/staged_file.h"
+#include "host/files/free_room.h"
 #include "host/files/host_error.h"
 #include "host/source/log_text.h"
 
@@ -42,6 +43,11 @@ qsizetype fill(byte_stream &stream, QByteArray &buffer)
     return filled;
 }
 
+QString too_large(qint64 most, QLatin1StringView limit_option)
+{
+    return u"it has more than the "_s + bytes_text(most) + u" that "_s + limit_option + u" allows"_s;
+}
+
 /** Every block of a stream, and how many bytes they were. Ends early when @p take gives false. */
 template<typename function>
 qint64 read_all(byte_stream &stream, qint64 most, QLatin1StringView limit_option, const function &take)
@@ -51,9 +57,7 @@ qint64 read_all(byte_stream &stream, qint64 most, QLatin1StringView limit_option
     while (const qsizetype count = fill(stream, buffer)) {
         bytes += count;
         if (bytes > most)
-            throw stream_failure(u"it has more than the "_s + bytes_text(most) + u" that "_s + limit_option
-                                     + u" allows"_s,
-                                 true);
+            throw stream_failure(too_large(most, limit_option), true);
         if (!take(QByteArrayView(buffer.constData(), count)))
             break;
     }
@@ -133,6 +137,24 @@ QString evidence_collector::next_place()
     return folder.isEmpty() ? QString() : folder + u'/' + QString::number(places++);
 }
 
+/** Before the first byte is written: a disk that fills up in the middle is the worse way to learn it. */
+void evidence_collector::require_room_for(const collected_file &file)
+{
+    constexpr qint64 further_copies = 2; // of a database: the host's and the plug-in's
+    if (folder.isEmpty() || !file.origin.size)
+        return;
+    if (file.target.endsWith(".db"_L1))
+        later_copies += further_copies * *file.origin.size;
+    require_room(folder, *file.origin.size + later_copies);
+}
+
+void evidence_collector::require_size_and_room(const collected_file &file)
+{
+    if (file.origin.size && *file.origin.size > limits.most_log_bytes)
+        throw stream_failure(too_large(limits.most_log_bytes, "--max-log"_L1), true);
+    require_room_for(file);
+}
+
 void evidence_collector::take_evidence(const stored_file &stored, const evidence_match &match, byte_stream *stream)
 {
     const QString key = match.kind->name + u'\n' + match.root;
@@ -177,6 +199,7 @@ void evidence_collector::read_file(collected_file &file, byte_stream &stream)
     try {
         std::optional<staged_file> staged;
         const QString place = next_place();
+        require_room_for(file);
         if (!place.isEmpty())
             staged.emplace(place);
         file.size = read_all(stream, limits.most_database_bytes, "--max-database"_L1, [&staged](QByteArrayView block) {
@@ -228,9 +251,12 @@ void evidence_collector::read_log(collected_file &file, byte_stream &stream)
         const QString place = next_place();
         QByteArray begun; // what was read before it was known to be a log, or to be long
         const qint64 bytes = read_all(stream, limits.most_log_bytes, "--max-log"_L1, [&](QByteArrayView block) {
+            const bool was_log = is_log;
             is_log = is_log || check.add(block);
             if (check.is_decided() && !is_log)
                 return false;
+            if (is_log && !was_log)
+                require_size_and_room(file);
             if (!place.isEmpty() && !staged) {
                 begun += block;
                 if (is_log || begun.size() > bytes_before_a_file) {

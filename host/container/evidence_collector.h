@@ -73,6 +73,8 @@ private:
     void read_log(collected_file &log, byte_stream &stream);
     void read_file(collected_file &file, byte_stream &stream);
     QString next_place();
+    void require_room_for(const collected_file &file);
+    void require_size_and_room(const collected_file &file);
     bool is_asked_for(const stored_file &file) const;
     QList<const collected_source *> candidates() const;
 
@@ -86,6 +88,7 @@ private:
     QString why_no_log;
     qint64 other_files = 0;
     int places = 0;
+    qint64 later_copies = 0; ///< bytes of what was taken that the run copies again
 };
 
 #endif

@@ -32,9 +32,8 @@ struct visit_end
 class open_source
 {
 public:
-    open_source(const container_choice &asked, const QString &temporary, const read_observer &observer)
+    open_source(const container_choice &asked, const read_observer &observer)
         : choice(asked)
-        , temporary_folder(temporary)
         , read(observer)
     {
         open(choice.kind);
@@ -76,7 +75,6 @@ private:
         opening how;
         how.kind = kind;
         how.follow_links = choice.follow_links;
-        how.temporary_folder = temporary_folder;
         how.read = read;
         opened = open_container(choice.path, how);
         if (!opened)
@@ -84,7 +82,6 @@ private:
     }
 
     const container_choice &choice;
-    QString temporary_folder;
     read_observer read;
     std::unique_ptr<source_container> opened;
 };
@@ -251,10 +248,9 @@ void refuse_unreadable(const collected_source &source)
 
 } // namespace
 
-container_survey survey_container(const container_choice &choice, const QString &temporary_folder,
-                                  const read_observer &read)
+container_survey survey_container(const container_choice &choice, const read_observer &read)
 {
-    open_source source(choice, temporary_folder, read);
+    open_source source(choice, read);
     return survey(source, choice);
 }
 
@@ -262,7 +258,7 @@ exported_source export_evidence(const container_choice &choice, const export_pla
                                 const read_observer &hashed, const read_observer &read)
 {
     make_folder(places.staging);
-    open_source source(choice, places.staging, read);
+    open_source source(choice, read);
     exported_source taken;
     std::optional<volume_facts> volume;
     if (!source.container().volumes().isEmpty()) {
@@ -274,7 +270,7 @@ exported_source export_evidence(const container_choice &choice, const export_pla
     }
     visit_end end = source.visit(volume ? volume->number : 0, places.staging);
     if (source.reopen_as_backup(end.collector)) {
-        const QString staging = places.staging + u"/backup"_s; // the manifests stand in the other one
+        const QString staging = places.staging + u"/backup"_s; // what was taken before stands in the other one
         make_folder(staging);
         end = source.visit(0, staging);
     }

@@ -42,12 +42,8 @@ struct container_survey
     QStringList warnings;
 };
 
-/**
- * Looks into a container; what must be unpacked for that goes into @p temporary_folder for a while. Throws host_error
- * (not_found) when it cannot be opened.
- */
-container_survey survey_container(const container_choice &choice, const QString &temporary_folder,
-                                  const read_observer &read);
+/** Looks into a container without writing anything. Throws host_error (not_found) when it cannot be opened. */
+container_survey survey_container(const container_choice &choice, const read_observer &read);
 
 /** The places of an export. */
 struct export_places

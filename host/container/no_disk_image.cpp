@@ -7,10 +7,24 @@
 
 using namespace Qt::StringLiterals;
 
-std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView, const read_observer &)
+namespace {
+
+[[noreturn]] void refuse(const QString &path)
 {
     throw host_error(error_kind::not_found,
                      u"this build reads no images, it was made without The Sleuth Kit (libtsk): "_s + path);
+}
+
+} // namespace
+
+std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView, const read_observer &)
+{
+    refuse(path);
+}
+
+ewf_hashes hashes_of_ewf_content(const QString &path)
+{
+    refuse(path);
 }
 
 QString image_library()

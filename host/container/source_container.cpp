@@ -130,7 +130,7 @@ std::unique_ptr<source_container> open_folder_container(const QString &path, con
     if (is_sparse_bundle(path))
         refuse(path, u"it is a sparse bundle of macOS, which this program does not read"_s);
     if (how.kind == &ios_backup_kind || (!how.kind && is_backup_folder(path)))
-        return open_backup(path, how.temporary_folder, how.read);
+        return open_backup(path, how.read);
     if (how.kind == &ios_files_kind || (!how.kind && is_ios_folder(path)))
         return std::make_unique<folder_container>(path, how.follow_links);
     return nullptr;
@@ -180,7 +180,7 @@ std::unique_ptr<source_container> open_container(const QString &path, const open
     case guessed::archive:
     case guessed::compressed:
         if (how.kind == &ios_backup_kind)
-            return open_backup(path, how.temporary_folder, how.read);
+            return open_backup(path, how.read);
         return std::make_unique<archive_container>(path, how);
     case guessed::none:
         break;

@@ -78,7 +78,6 @@ struct opening
 {
     const source_kind *kind = nullptr; ///< that was asked for; null: any
     bool follow_links = false;         ///< of a folder: also out of it
-    QString temporary_folder;          ///< for what must be unpacked to be looked into
     read_observer read = [](qint64) {};
 };
 

@@ -3,6 +3,7 @@
 
 #include "host/files/file_hash.h"
 
+#include "host/files/access_time.h"
 #include "host/files/open_without_links.h"
 #include "host/files/sha256.h"
 
@@ -19,7 +20,9 @@ constexpr qsizetype block_bytes = 1 << 20;
 
 std::optional<file_content> content_of_file(const QString &path)
 {
-    const descriptor file = open_without_links(path, O_RDONLY | O_NONBLOCK);
+    descriptor file = open_without_links(path, O_RDONLY | O_NONBLOCK | keep_access_time());
+    if (!file.is_open() && errno == EPERM)
+        file = open_without_links(path, O_RDONLY | O_NONBLOCK); // only the owner may keep the access time
     struct stat status = {};
     if (!file.is_open() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))
         return {};

@@ -19,6 +19,8 @@ public:
     virtual void kept(const QStringList &paths) = 0;
     virtual void source_started(const source_request &request, const QList<run_message> &messages) = 0;
     virtual void bytes_hashed(const source_request &request, qint64 bytes) = 0;
+    /** So many more bytes of the container that the source stands in. */
+    virtual void bytes_read(const source_request &request, qint64 bytes) = 0;
     /** The plug-in's running total of records, and the result tables that it has done. */
     virtual void records_announced(const source_request &request, qint64 records, int tables_done) = 0;
     /** A line that the process that runs the plug-in wrote to standard error. */

@@ -33,6 +33,11 @@ public:
         const std::lock_guard guard(mutex);
         observer.bytes_hashed(request, bytes);
     }
+    void bytes_read(const source_request &request, qint64 bytes) override
+    {
+        const std::lock_guard guard(mutex);
+        observer.bytes_read(request, bytes);
+    }
     void records_announced(const source_request &request, qint64 records, int tables_done) override
     {
         const std::lock_guard guard(mutex);

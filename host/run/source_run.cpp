@@ -5,6 +5,7 @@
 
 #include "host/case/case_files.h"
 #include "host/files/file_lock.h"
+#include "host/files/free_room.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/open_without_links.h"
@@ -28,7 +29,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/statvfs.h>
 
 using namespace Qt::StringLiterals;
 
@@ -49,19 +49,6 @@ qint64 bytes_to_stage(const source_request &request)
             bytes += path.endsWith(".db"_L1) ? 2 * size : size;
     }
     return bytes;
-}
-
-void require_room(const source_request &request)
-{
-    struct statvfs system = {};
-    if (::statvfs(QFile::encodeName(request.case_directory).constData(), &system) != 0)
-        return;
-    const qint64 free = qint64(system.f_bavail) * qint64(system.f_frsize);
-    const qint64 needed = bytes_to_stage(request);
-    if (needed > free)
-        throw host_error(error_kind::incomplete, u"there is no room in the case to copy the evidence: "_s
-                                                     + QString::number(needed) + u" bytes are needed and "_s
-                                                     + QString::number(free) + u" are free"_s);
 }
 
 /** The plug-in appends to its log and never creates it. */
@@ -222,7 +209,7 @@ private:
         const source_layout layout = request.layout();
         make_folder(layout.folder());
         lock = std::make_unique<file_lock>(layout.lock());
-        require_room(request);
+        require_room(request.case_directory, bytes_to_stage(request));
         // The record comes first: whatever stops the program from here on, it says that the run did not end.
         record.status = source_status::running;
         record.files.emplace();
@@ -239,6 +226,8 @@ private:
     {
         if (event == worker_event::hashed)
             observer.bytes_hashed(request, report.last_count);
+        else if (event == worker_event::read)
+            observer.bytes_read(request, report.last_count);
         else if (event == worker_event::records || event == worker_event::table_done)
             observer.records_announced(request, report.last_count, int(report.announced.size()));
     }

@@ -4,6 +4,7 @@
 #include "host/run/source_survey.h"
 
 #include "host/case/result_tables.h"
+#include "host/container/disk_image.h"
 #include "host/run/child_process.h"
 #include "host/run/interruption.h"
 #include "host/run/taken_evidence.h"
@@ -16,7 +17,6 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
 
@@ -27,9 +27,9 @@ QJsonValue name_or_null(const source_kind *kind)
     return kind ? QJsonValue(QString(kind->name)) : QJsonValue();
 }
 
-QJsonObject outline(const container_choice &choice)
+QJsonObject outline(const QString &path)
 {
-    return {{u"path"_s, choice.path},
+    return {{u"path"_s, path},
             {u"type"_s, QJsonValue()},
             {u"container"_s, QJsonValue()},
             {u"problem"_s, QJsonValue()},
@@ -65,7 +65,7 @@ QJsonArray volume_array(const QList<looked_volume> &volumes)
 /** A folder or a log text that the plug-in reads where it stands. */
 QJsonObject survey_in_place(const container_choice &choice)
 {
-    QJsonObject survey = outline(choice);
+    QJsonObject survey = outline(choice.path);
     try {
         const evidence_source source = find_source(choice.path, choice.kind, result_tables(), choice.follow_links);
         QJsonArray files;
@@ -82,13 +82,33 @@ QJsonObject survey_in_place(const container_choice &choice)
     return survey;
 }
 
+/** What another process says, under the limits of the order: the libraries that open containers run nowhere else. */
+QJsonObject answer_of(const worker_order &order, qint64 seconds)
+{
+    child_process worker(QCoreApplication::applicationFilePath(), {u"worker"_s}, worker_environment());
+    worker.write(order.to_line());
+    worker_report report;
+    const child_end end = worker.wait([&report](const QByteArray &line) { report.take(line); },
+                                      [](const QByteArray &) {}, seconds, [] { return interruption::times(); });
+    if (!report.survey.isEmpty())
+        return report.survey;
+    QJsonObject survey = outline(order.request.source.path);
+    survey.insert(u"kind_of_problem"_s, int(error_kind::incomplete));
+    survey.insert(u"problem"_s, report.is_out_of_memory ? u"looking into it needs more memory than is allowed"_s
+                                : end.is_timed_out      ? u"looking into it took too long"_s
+                                : end.signal != 0
+                                    ? u"the process that looked into it crashed with "_s + end.signal_name()
+                                    : u"the process that looked into it ended early"_s);
+    return survey;
+}
+
 } // namespace
 
-QJsonObject survey_of_container(const container_choice &choice, const QString &temporary_folder)
+QJsonObject survey_of_container(const container_choice &choice)
 {
-    QJsonObject survey = outline(choice);
+    QJsonObject survey = outline(choice.path);
     try {
-        const container_survey found = survey_container(choice, temporary_folder, [](qint64) {});
+        const container_survey found = survey_container(choice, [](qint64) {});
         survey.insert(u"type"_s, name_or_null(found.kind));
         survey.insert(u"container"_s, found.is_in_place ? QJsonValue() : QJsonValue(found.container.to_json()));
         survey.insert(u"problem"_s, text_or_null(found.problem));
@@ -102,33 +122,33 @@ QJsonObject survey_of_container(const container_choice &choice, const QString &t
     return survey;
 }
 
+QJsonObject hashes_of_image(const QString &path)
+{
+    try {
+        const ewf_hashes hashes = hashes_of_ewf_content(path);
+        return {{u"md5"_s, hashes.md5}, {u"sha1"_s, hashes.sha1}, {u"problem"_s, QJsonValue()}};
+    } catch (const host_error &error) {
+        return {{u"problem"_s, error.message()}};
+    }
+}
+
+QJsonObject rehash_image(const QString &path)
+{
+    worker_order order;
+    order.to_do = worker_order::task::rehash;
+    order.request.source = unopened_container(path, nullptr, false);
+    return answer_of(order, 0);
+}
+
 QJsonObject survey_source(const container_choice &choice, qint64 mebibytes_of_memory, qint64 seconds)
 {
     if (!QFileInfo::exists(choice.path) || !is_container(choice.path, choice.kind))
         return survey_in_place(choice);
-    const QTemporaryDir scratch(u"/tmp/bluetooth-logs-XXXXXX"_s); // goes whatever becomes of the worker
-    if (!scratch.isValid())
-        throw host_error(error_kind::io, u"no temporary folder can be made: "_s + scratch.errorString());
     worker_order order;
     order.to_do = worker_order::task::survey;
-    order.request.case_directory = scratch.path();
     order.request.source = unopened_container(choice.path, choice.kind, choice.follow_links);
     order.request.volume = choice.volume;
     order.request.member = choice.member;
     order.request.options.memory_limit = mebibytes_of_memory;
-    child_process worker(QCoreApplication::applicationFilePath(), {u"worker"_s}, worker_environment());
-    worker.write(order.to_line());
-    worker_report report;
-    const child_end end = worker.wait([&report](const QByteArray &line) { report.take(line); },
-                                      [](const QByteArray &) {}, seconds, [] { return interruption::times(); });
-    if (!report.survey.isEmpty())
-        return report.survey;
-    QJsonObject survey = outline(choice);
-    survey.insert(u"kind_of_problem"_s, int(error_kind::incomplete));
-    survey.insert(u"problem"_s, report.is_out_of_memory ? u"looking into it needs more memory than is allowed"_s
-                                : end.is_timed_out      ? u"looking into it took too long"_s
-                                : end.signal != 0
-                                    ? u"the process that looked into it crashed with "_s + end.signal_name()
-                                    : u"the process that looked into it ended early"_s);
-    return survey;
+    return answer_of(order, seconds);
 }

@@ -16,7 +16,13 @@
  */
 QJsonObject survey_source(const container_choice &choice, qint64 mebibytes_of_memory, qint64 seconds);
 
-/** The part of it that the worker process does; @p temporary_folder as survey_container() has it. */
-QJsonObject survey_of_container(const container_choice &choice, const QString &temporary_folder);
+/** The part of it that the worker process does. */
+QJsonObject survey_of_container(const container_choice &choice);
+
+/** "md5" and "sha1" of what an EWF holds, or the "problem"; a process of its own reads it. */
+QJsonObject rehash_image(const QString &path);
+
+/** The part of it that the worker process does. */
+QJsonObject hashes_of_image(const QString &path);
 
 #endif

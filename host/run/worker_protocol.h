@@ -28,7 +28,8 @@ struct worker_order
         extract, ///< load the plug-in, wait for start_word, run it, inspect
         inspect, ///< what a worker that ended early could not look at
         settle,  ///< nothing but settle_result()
-        survey,  ///< look into a container; the request names it, its limits, and a temporary folder in place of a case
+        survey,  ///< look into a container; the request names it and its limits, there is no case
+        rehash,  ///< hash what an image holds; as survey
     };
 
     task to_do = task::extract;

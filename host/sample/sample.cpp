@@ -25,11 +25,25 @@ macos/    the root of a macOS source: two LE device databases, each with a write
 ios/      the system log of an iOS source: half a day, the same devices several times
 windows/  the root of a Windows source, with placeholders only
 )";
+constexpr const char *readme_of_containers = R"(
+sample.tar.gz  the macOS source as an archive
+ios_backup/    a backup of an iOS device
+ios_files/     the file system of an iOS device
+)";
 
 constexpr QLatin1StringView readme_name("README.txt");
 
+QStringList macos_files()
+{
+    QStringList files{macos_sample_folder + macos_preferences_file};
+    for (const macos_database *database : macos_databases)
+        files += {macos_sample_folder + path_in_source(*database),
+                  macos_sample_folder + path_in_source(*database) + "-wal"_L1};
+    return files;
+}
+
 /** Every name that a sample has, and those that a sample may have that was being written when the program ended. */
-QStringList sample_files()
+QStringList plain_files()
 {
     QStringList files{ios_sample_log, macos_sample_folder + macos_preferences_file};
     for (const macos_database *database : macos_databases) {
@@ -38,6 +52,13 @@ QStringList sample_files()
     }
     for (const QLatin1StringView file : windows_sample_files)
         files.append(windows_sample_folder + file);
+    return files;
+}
+
+QStringList sample_files()
+{
+    QStringList files = plain_files() + ios_sample_files();
+    files.append(packed_sample);
     files.append(readme_name); // the last one to go: without it nothing is known to be a sample
     return files;
 }
@@ -45,7 +66,11 @@ QStringList sample_files()
 bool is_our_sample(const QString &directory)
 {
     QFile file(directory + u'/' + readme_name);
-    return file.open(QIODevice::ReadOnly) && file.read(qint64(qstrlen(readme)) + 1) == readme;
+    const QByteArray with_containers = QByteArray(readme) + readme_of_containers;
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray text = file.read(with_containers.size() + 1);
+    return text == readme || text == with_containers;
 }
 
 /** What stands at a place that the sample needs for something else: a file or a link where it has a folder. */
@@ -97,16 +122,23 @@ QStringList make_room(const QString &directory, bool replaced)
 
 } // namespace
 
-QStringList write_sample(const QString &directory, sample_names names, bool replaced)
+QStringList write_sample(const QString &directory, const sample_content &content, bool replaced)
 {
     const QStringList kept = make_room(directory, replaced);
-    for (const QString &folder : folders_of(sample_files()))
+    for (const QString &folder :
+         folders_of(content.has_containers ? plain_files() + ios_sample_files() : plain_files()))
         make_folder(directory + u'/' + folder);
     const QString macos = directory + u'/' + macos_sample_folder;
-    write_sample_file(directory + u'/' + readme_name, readme); // first: what is half written can be written anew
-    write_ledevices_databases(macos + macos_database_folder, names);
+    // First: what is half written can be written anew.
+    write_sample_file(directory + u'/' + readme_name,
+                      content.has_containers ? QByteArray(readme) + readme_of_containers : QByteArray(readme));
+    write_ledevices_databases(macos + macos_database_folder, content.names);
     write_preferences_plist(macos + macos_preferences_file);
     write_ios_log(directory + u'/' + ios_sample_log);
     write_windows_files(directory + u'/' + windows_sample_folder);
+    if (content.has_containers) {
+        write_ios_sources(directory + u'/', content.names);
+        write_packed_sample(directory + u'/' + packed_sample, directory + u'/', macos_files());
+    }
     return kept;
 }

@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QLatin1StringView>
 #include <QString>
+#include <QStringList>
 
 /**
  * The parts of a synthetic source. Each gives the same bytes whenever it is written, into a folder that is there. All
@@ -55,5 +56,15 @@ inline constexpr QLatin1StringView windows_sample_files[] = {
 
 /** Writes them below @p folder, which ends with "/". */
 void write_windows_files(const QString &folder);
+
+/** Every name, relative to the sample, that write_ios_sources() uses, also for a while. */
+QStringList ios_sample_files();
+
+/** A file system of iOS and a backup of the same device, into folders of the sample @p directory, which ends with "/".
+ */
+void write_ios_sources(const QString &directory, sample_names names);
+
+/** A tar.gz of files of the folder, which ends with "/", under their names relative to it. */
+void write_packed_sample(const QString &archive, const QString &folder, const QStringList &files);
 
 #endif

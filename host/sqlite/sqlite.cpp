@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <chrono>
+#include <utility>
 
 #include <sqlite3.h>
 
@@ -116,6 +117,25 @@ sqlite_database::sqlite_database(const QString &file, access mode)
     if (result != SQLITE_OK)
         fail(opened, result);
     sqlite3_busy_timeout(opened, busy_timeout);
+}
+
+sqlite_database::sqlite_database(QByteArray content)
+    : in_memory(std::move(content))
+    , database(nullptr, sqlite3_close)
+{
+    // Bytes 18 and 19 of the header are 2 in the mode of a write-ahead log, which a database in memory cannot have.
+    constexpr qsizetype mode_place = 18;
+    if (in_memory.size() > mode_place + 1 && in_memory.at(mode_place) == 2 && in_memory.at(mode_place + 1) == 2)
+        in_memory.replace(mode_place, 2, "\1\1");
+
+    sqlite3 *opened = nullptr;
+    int result = sqlite3_open_v2(":memory:", &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_EXRESCODE, nullptr);
+    database.reset(opened);
+    if (result == SQLITE_OK)
+        result = sqlite3_deserialize(opened, "main", reinterpret_cast<unsigned char *>(in_memory.data()),
+                                     in_memory.size(), in_memory.size(), SQLITE_DESERIALIZE_READONLY);
+    if (result != SQLITE_OK)
+        fail(opened, result);
 }
 
 sqlite_database::sqlite_database(sqlite_database &&other) noexcept = default;

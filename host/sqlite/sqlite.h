@@ -60,6 +60,8 @@ public:
     };
 
     sqlite_database(const QString &file, access mode);
+    /** What a database file holds, read-only; without the log where it has a write-ahead log. */
+    explicit sqlite_database(QByteArray content);
     sqlite_database(sqlite_database &&other) noexcept;
     ~sqlite_database();
 
@@ -88,6 +90,7 @@ public:
 private:
     friend class sqlite_statement;
 
+    QByteArray in_memory; ///< a database without a file; it outlives the connection
     std::unique_ptr<sqlite3, int (*)(sqlite3 *)> database;
     std::unique_ptr<sqlite_time_limit> time_limit; ///< none before distrust()
 };

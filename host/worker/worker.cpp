@@ -247,8 +247,12 @@ int work()
             settle_result(request);
             break;
         case worker_order::task::survey:
-            confine(request, request.case_directory);
-            send(surveyed_line(survey_of_container(choice_of(request), request.case_directory)));
+            confine(request, {}); // nothing is written
+            send(surveyed_line(survey_of_container(choice_of(request))));
+            break;
+        case worker_order::task::rehash:
+            confine(request, {});
+            send(surveyed_line(hashes_of_image(request.source.path)));
             break;
         }
     } catch (const host_error &error) {

@@ -21,6 +21,7 @@ class test_sample : public strict_test
 private Q_SLOTS:
     void two_runs_write_the_same_bytes();
     void every_file_is_there();
+    void containers_are_there_on_request();
     void databases_have_the_real_layout_data();
     void databases_have_the_real_layout();
     void write_ahead_logs_change_rows_data();
@@ -79,6 +80,24 @@ void test_sample::every_file_is_there()
     QFile readme(host.path(u"sample/README.txt"_s));
     QVERIFY(readme.open(QIODevice::ReadOnly));
     QVERIFY(readme.readAll().contains("synthetic"));
+}
+
+void test_sample::containers_are_there_on_request()
+{
+    const host_program host;
+    QCOMPARE(host.run({u"sample"_s, u"one"_s, u"--image"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"sample"_s, u"two"_s, u"--image"_s}).exit_code, 0);
+    QCOMPARE(hashes(host.path(u"one"_s)), hashes(host.path(u"two"_s)));
+    const QStringList names = hashes(host.path(u"one"_s)).keys();
+    QCOMPARE(names.size(), 9 + 1 + 5 + 7);
+    for (const QString &name : {u"/sample.tar.gz"_s, u"/ios_backup/Manifest.db"_s, u"/ios_backup/Manifest.plist"_s})
+        QVERIFY2(names.contains(name), qPrintable(name));
+
+    // A sample without them takes the place of one with them, and leaves nothing of it.
+    QCOMPARE(host.run({u"sample"_s, u"one"_s, u"--force"_s}).exit_code, 0);
+    QCOMPARE(hashes(host.path(u"one"_s)).size(), 9);
+    QVERIFY(!QFile::exists(host.path(u"one/ios_backup"_s)));
+    QVERIFY(!QFile::exists(host.path(u"one/ios_files"_s)));
 }
 
 void test_sample::databases_have_the_real_layout_data()

@@ -259,6 +259,20 @@ class Containers(container_case):
         states = {file["path"]: file["state"] for file in self.record(case)["evidence"]}
         self.assertEqual(states["Library/Bluetooth/" + paired], "unreadable")
 
+    def test_sample_with_containers(self):
+        sample = self.folder / "with_containers"
+        self.assertEqual(run("sample", sample, "--image").returncode, 0)
+        for name, kind, format, type in (("sample.tar.gz", "archive", "tar", "macOS"),
+                                         ("ios_backup", "backup", "folder", "iOS_backup"),
+                                         ("ios_files", None, None, "iOS_files")):
+            case = self.extract(sample / name, name)
+            record = self.record(case)
+            self.assertEqual((record["type"], record["driven_as"], record["status"]), (type, "macOS", "done"))
+            self.assertEqual(self.rows(case), self.rows(self.of_folder))
+            self.assertEqual(len(self.hashes(case)), 5)
+            container = record["container"]
+            self.assertEqual((container["kind"], container["format"]) if container else (None, None), (kind, format))
+
     # inspect
 
     def test_inspection(self):

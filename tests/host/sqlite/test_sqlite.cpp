@@ -21,6 +21,8 @@ private Q_SLOTS:
     void stranger_runs_nothing_data();
     void stranger_runs_nothing();
     void main_file_alone_leaves_all_else();
+    void content_is_read_in_memory_data();
+    void content_is_read_in_memory();
     void links_and_odd_names();
     void values_come_as_they_are();
     void bytes_are_no_text_of_the_database();
@@ -116,6 +118,37 @@ void test_sqlite::main_file_alone_leaves_all_else()
         QCOMPARE(count.integer(0), 0);
     }
     QCOMPARE(QDir(folder.path()).entryList({u"y.db*"_s}), QStringList({u"y.db"_s, u"y.db-wal"_s}));
+}
+
+void test_sqlite::content_is_read_in_memory_data()
+{
+    QTest::addColumn<QByteArray>("mode");
+
+    QTest::newRow("journal") << QByteArray("DELETE");
+    QTest::newRow("write-ahead log") << QByteArray("WAL");
+}
+
+void test_sqlite::content_is_read_in_memory()
+{
+    QFETCH(QByteArray, mode);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"x.db"_s);
+    {
+        sqlite_database made(path, sqlite_database::access::create);
+        sqlite_statement(made, "PRAGMA journal_mode=" + mode).next();
+        made.execute("CREATE TABLE t(a); INSERT INTO t VALUES (7)");
+    }
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    sqlite_database database(file.readAll());
+    QVERIFY(QFile::remove(path));
+    database.distrust();
+    QVERIFY(database.has_table("t"_L1));
+    sqlite_statement statement(database, "SELECT a FROM t");
+    QVERIFY(statement.next());
+    QCOMPARE(statement.integer(0), 7);
+    QVERIFY_THROWS_EXCEPTION(sqlite_error, database.execute("INSERT INTO t VALUES (8)"));
+    QVERIFY_THROWS_EXCEPTION(sqlite_error, sqlite_database(QByteArray("no database")).has_table("t"_L1));
 }
 
 void test_sqlite::links_and_odd_names()
