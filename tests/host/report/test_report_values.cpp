@@ -6,12 +6,16 @@
 #include "host/report/reading/counter.h"
 #include "host/report/reading/log_line.h"
 #include "host/report/reading/preferences_names.h"
+#include "host/report/reading/row_ranks.h"
 #include "host/report/tables/separated_cell.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
 
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <limits>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -45,6 +49,9 @@ preferences_names names_in(const QByteArray &list)
 } // namespace
 
 /** How single values are read and shown. */
+Q_DECLARE_METATYPE(cell)
+Q_DECLARE_METATYPE(std::optional<qint64>)
+
 class test_report_values : public strict_test
 {
     Q_OBJECT
@@ -59,6 +66,10 @@ private Q_SLOTS:
     void quoting_data();
     void quoting();
     void ranks();
+    void counters_data();
+    void counters();
+    void readings_data();
+    void readings();
     void preferences_data();
     void preferences();
     void preferences_that_unfold();
@@ -194,14 +205,72 @@ void test_report_values::quoting()
 
 void test_report_values::ranks()
 {
-    using list = QList<std::optional<qint64>>;
-    QCOMPARE(ranks_of({5, 9, std::nullopt, 9, 1}), (list{3, 1, std::nullopt, 1, 4}));
-    QCOMPARE(counter_of(cell::of_text("12")), std::optional<qint64>(12));
-    QCOMPARE(counter_of(cell::of_text("0")), std::optional<qint64>());
-    QCOMPARE(counter_of(cell::of_text("x")), std::optional<qint64>());
-    QCOMPARE(plausible_time(395626), QString());
-    QCOMPARE(plausible_time(1700000000), u"plausible as Unix time"_s);
-    QCOMPARE(plausible_time(700000000), u"plausible as Apple time"_s);
+    counter_ranks ranks;
+    for (const std::optional<qint64> counter : {5, 9, 9, 1})
+        ranks.add(counter);
+    ranks.add(std::nullopt);
+    ranks.sort();
+    QCOMPARE(ranks.rank_of(9), std::optional<qint64>(1));
+    QCOMPARE(ranks.rank_of(5), std::optional<qint64>(3));
+    QCOMPARE(ranks.rank_of(1), std::optional<qint64>(4));
+    QCOMPARE(ranks.rank_of(std::nullopt), std::optional<qint64>());
+}
+
+void test_report_values::counters_data()
+{
+    QTest::addColumn<cell>("value");
+    QTest::addColumn<std::optional<qint64>>("counter");
+
+    const std::optional<qint64> none;
+    // clang-format off
+    QTest::newRow("integer")    << cell::of_integer(12)    << std::optional<qint64>(12);
+    QTest::newRow("text")       << cell::of_text("12")     << std::optional<qint64>(12);
+    QTest::newRow("zero")       << cell::of_integer(0)     << none;
+    QTest::newRow("text of 0")  << cell::of_text("0")      << none;
+    QTest::newRow("a word")     << cell::of_text("x")      << none;
+    QTest::newRow("nothing")    << cell()                  << none;
+    // clang-format on
+}
+
+void test_report_values::counters()
+{
+    QFETCH(const cell, value);
+    QFETCH(const std::optional<qint64>, counter);
+    QCOMPARE(counter_of(value), counter);
+}
+
+void test_report_values::readings_data()
+{
+    QTest::addColumn<qint64>("counter");
+    QTest::addColumn<QByteArray>("readings");
+
+    const auto unix_time = [](const char *utc) -> QByteArray {
+        return QByteArray(R"({"as":"seconds since 1970","utc":")") + utc + "\"}";
+    };
+    const auto apple_time = [](const char *utc) -> QByteArray {
+        return QByteArray(R"({"as":"seconds since 2001","utc":")") + utc + "\"}";
+    };
+    // clang-format off
+    QTest::newRow("small")             << qint64(395626)     << QByteArray("[]");
+    QTest::newRow("before the first")  << qint64(299999999)  << QByteArray("[]");
+    QTest::newRow("first of 2001")     << qint64(300000000)  << QByteArray("[" + apple_time("2010-07-05T05:20:00Z") + "]");
+    QTest::newRow("last of 2001 alone") << qint64(999999999) << QByteArray("[" + apple_time("2032-09-09T01:46:39Z") + "]");
+    QTest::newRow("both")              << qint64(1000000000) << QByteArray("[" + unix_time("2001-09-09T01:46:40Z") + "," + apple_time("2032-09-09T01:46:40Z") + "]");
+    QTest::newRow("last of 2001")      << qint64(1104451199) << QByteArray("[" + unix_time("2004-12-30T23:59:59Z") + "," + apple_time("2035-12-31T23:59:59Z") + "]");
+    QTest::newRow("behind it")         << qint64(1104451200) << QByteArray("[" + unix_time("2004-12-31T00:00:00Z") + "]");
+    QTest::newRow("last of 1970")      << qint64(2082758399) << QByteArray("[" + unix_time("2035-12-31T23:59:59Z") + "]");
+    QTest::newRow("too large")         << qint64(2082758400) << QByteArray("[]");
+    QTest::newRow("negative")          << qint64(-1)         << QByteArray("[]");
+    QTest::newRow("largest")           << std::numeric_limits<qint64>::max() << QByteArray("[]");
+    // clang-format on
+}
+
+void test_report_values::readings()
+{
+    QFETCH(const qint64, counter);
+    QFETCH(const QByteArray, readings);
+    QCOMPARE(counter_readings(counter), readings);
+    QCOMPARE(counter_readings(std::nullopt), "[]");
 }
 
 void test_report_values::preferences_data()
