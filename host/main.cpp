@@ -8,6 +8,7 @@
 
 #include <clocale>
 #include <csignal>
+#include <cstring>
 #include <exception>
 #include <new>
 
@@ -24,7 +25,9 @@ exit_code run_reporting_errors(const command_line &line)
     try {
         if (line.problem)
             throw *line.problem;
-        const exit_code code = line.command(out);
+        exit_code code = line.command(out);
+        if (code == exit_code::done && out.has_told_error()) // whoever told it: 0 promises that there was none
+            code = exit_code::partial;
         if (out.finish())
             return code;
         out.error(u"standard output cannot be written"_s);
@@ -52,6 +55,21 @@ void keep_standard_streams()
     }
 }
 
+/** For exceptions that nobody catches, bad_alloc out of noexcept code for instance. Nothing is allocated here. */
+[[noreturn]] void on_terminate()
+{
+    const char *text = "error: the program cannot go on\n";
+    try {
+        if (std::current_exception())
+            std::rethrow_exception(std::current_exception());
+    } catch (const std::bad_alloc &) {
+        text = "error: there is not enough memory\n";
+    } catch (...) {
+    }
+    static_cast<void>(::write(STDERR_FILENO, text, std::strlen(text)) > 0);
+    ::_exit(int(exit_code::internal_error));
+}
+
 } // namespace
 
 int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown one ends the process, and says so
@@ -61,8 +79,9 @@ int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown
         return run_worker();
     for (const char *variable : {"QT_FATAL_WARNINGS", "QT_FATAL_CRITICALS", "QT_LOGGING_RULES"})
         qunsetenv(variable);
-    std::signal(SIGCHLD, SIG_DFL);     // where the caller ignores it, nobody learns how a worker ended
-    std::signal(SIGXFSZ, SIG_IGN);     // a file that may not grow is reported like a full disk
+    std::signal(SIGCHLD, SIG_DFL); // where the caller ignores it, nobody learns how a worker ended
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is reported like a full disk
+    std::set_terminate(on_terminate);
     std::setlocale(LC_ALL, "C.UTF-8"); // evidence is Unicode, whatever the terminal claims
     int application_argc = 1;
     const QCoreApplication application(application_argc, argv);

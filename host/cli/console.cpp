@@ -89,6 +89,7 @@ std::optional<qsizetype> console::columns() const
 
 void console::error(const terminal_text &text)
 {
+    is_error_told = true;
     message(terminal_style::error, "error"_L1, text);
 }
 

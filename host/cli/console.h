@@ -39,6 +39,10 @@ public:
 
     /** Messages, on standard error. */
     void error(const terminal_text &text);
+    bool has_told_error() const
+    {
+        return is_error_told;
+    }
     void warning(const terminal_text &text);
     void note(const terminal_text &text);
 
@@ -64,6 +68,7 @@ private:
     bool has_events;
     bool has_output_colors;
     bool has_error_colors;
+    bool is_error_told = false;
     progress_lines run_progress;
 };
 

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace filesystem = std::filesystem;
@@ -85,6 +86,13 @@ bool is_inside(const QString &path, const QString &folder)
     filesystem::path place = filesystem::weakly_canonical(to_std_path(path), error);
     if (error) // a loop of links, or a folder that nobody lets us look into
         place = to_std_path(path).lexically_normal();
+    filesystem::path real_root = filesystem::weakly_canonical(root, error);
+    if (!real_root.has_filename()) // it ends with "/"
+        real_root = real_root.parent_path();
+    // By the names first: a look that fails must not make the one lie outside of the other.
+    if (!error
+        && std::mismatch(real_root.begin(), real_root.end(), place.begin(), place.end()).first == real_root.end())
+        return true;
     while (!filesystem::equivalent(place, root, error)) {
         if (!place.has_relative_path())
             return false;

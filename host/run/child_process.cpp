@@ -165,7 +165,7 @@ void child_process::write(QByteArrayView lines)
     while (!lines.isEmpty()) {
         const auto count = ::write(input.number(), lines.data(), size_t(lines.size()));
         if (count < 0 && errno != EINTR)
-            return;
+            return input.close(); // a child that got half of it must not wait for the rest
         lines = lines.sliced(qMax<qsizetype>(0, count));
     }
 }

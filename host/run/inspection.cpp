@@ -272,6 +272,7 @@ inspection inspect(const source_request &request, const evidence_state &evidence
                                                request.layout().temporary_folder(), request.layout().wal_changes());
     result.wal = wal.counts;
     result.warnings = wal.problems;
+    result.problems += wal.failures;
     result.is_out_of_memory = result.is_out_of_memory || wal.is_out_of_memory;
     attempt(result, [&] { read_host_devices(result, request); });
     attempt(result, [&] { salvage_rows(result, request, damaged); });

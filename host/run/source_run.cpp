@@ -67,11 +67,17 @@ void sync_plugin_log(const source_layout &layout, source_record &judged)
         judged.add_error(u"plugin.log is not on the disk: "_s + system_error_text(errno));
 }
 
-/** Of a plug-in that was stopped: what it and its libraries put into the run's own folders for a while. */
-void remove_temporary_files(const source_layout &layout)
+/** Of a plug-in that was stopped: what it and its libraries put into the run's own folders for a while. Gives what
+ * stays. */
+QStringList remove_temporary_files(const source_layout &layout)
 {
-    for (const QString &folder : {layout.temporary_folder(), layout.plugin_temporary_folder()})
-        folder_entry(folder).remove_tree();
+    QStringList problems;
+    for (const QString &folder : {layout.temporary_folder(), layout.plugin_temporary_folder()}) {
+        const int error = folder_entry(folder).remove_tree();
+        if (error != 0 && error != ENOENT)
+            problems.append(folder + u" cannot be removed: "_s + system_error_text(error));
+    }
+    return problems;
 }
 
 /** Whether nothing that the plug-in does can have ended it so: that concerns this source alone. */
@@ -87,6 +93,21 @@ void remove_unfinished_files(const source_layout &layout)
         if (file.beside == companions::unfinished)
             folder_entry(layout.folder() + u'/' + file.name + u".new"_s).remove();
     }
+}
+
+/** What SQLite keeps beside a database of the result while it works, and removes in the end. */
+QStringList left_companions(const source_layout &layout)
+{
+    QStringList problems;
+    for (const case_file &file : case_files) {
+        if (file.beside != companions::sqlite || !file.name.startsWith("Artifacts_Result/"_L1))
+            continue;
+        for (const QString &name : names_of(file).sliced(1)) {
+            if (path_exists(layout.folder() + u'/' + name))
+                problems.append(name + u" was left beside its database"_s);
+        }
+    }
+    return problems;
 }
 
 /** The one run of a source while it goes on. */
@@ -248,8 +269,12 @@ private:
     {
         source_record judged = judge_source(request, record, report, is_interrupted());
         judged.finished = utc_now();
-        remove_temporary_files(request.layout());
+        for (const QString &problem : remove_temporary_files(request.layout()))
+            judged.add_error(problem);
         remove_unfinished_files(request.layout());
+        for (const QString &problem :
+             judged.status == source_status::done ? left_companions(request.layout()) : QStringList())
+            judged.add_error(problem);
         sync_plugin_log(request.layout(), judged);
         try {
             judged.files = list_files_of_source(case_layout(request.case_directory), request.number);

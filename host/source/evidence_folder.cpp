@@ -4,6 +4,8 @@
 #include "host/source/evidence_folder.h"
 
 #include "host/files/access_time.h"
+#include "host/files/host_error.h"
+#include "host/files/system_error.h"
 
 #include <QFile>
 
@@ -21,6 +23,12 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int reading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+[[noreturn]] void fail_to_list(const QString &folder)
+{
+    const int error = errno;
+    throw host_error(error_kind::incomplete, folder + u" cannot be listed: "_s + system_error_text(error));
+}
 
 } // namespace
 
@@ -48,17 +56,24 @@ descriptor open_evidence(const QString &path, int more_flags)
 
 QStringList entry_names(const QString &folder)
 {
-    const descriptor opened = open_evidence(folder, O_DIRECTORY);
-    const int file = ::fcntl(opened.number(), F_DUPFD_CLOEXEC, 0);
-    const std::unique_ptr<DIR, int (*)(DIR *)> directory(file == -1 ? nullptr : ::fdopendir(file), ::closedir);
+    descriptor opened = open_evidence(folder, O_DIRECTORY);
     QStringList names;
-    if (!directory)
+    if (!opened.is_open() && (errno == ENOENT || errno == ENOTDIR || errno == EACCES))
         return names;
+    const std::unique_ptr<DIR, int (*)(DIR *)> directory(opened.is_open() ? ::fdopendir(opened.number()) : nullptr,
+                                                         ::closedir);
+    if (!directory)
+        fail_to_list(folder);
+    opened.release();
+    errno = 0;
     while (const dirent *entry = ::readdir(directory.get())) {
         const QString name = evidence_name_text(entry->d_name);
         if (name != "."_L1 && name != ".."_L1)
             names.append(name);
+        errno = 0;
     }
+    if (errno != 0)
+        fail_to_list(folder);
     names.sort();
     return names;
 }

@@ -23,7 +23,8 @@ descriptor open_evidence(const QString &path, int more_flags = 0);
 
 /**
  * The names in a folder, sorted, without "." and "..". A name that is no UTF-8 has its stray bytes as "\xff". Empty
- * where there is no folder or it may not be listed. Keeps the folder's access time where it may.
+ * where there is no folder or it may not be listed. Keeps the folder's access time where it may. Throws host_error
+ * (incomplete) when the system fails to list it to its end.
  */
 QStringList entry_names(const QString &folder);
 

@@ -28,6 +28,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QLatin1StringView log_ending("-wal");
+constexpr quint32 wal_version = 3007000; // https://www.sqlite.org/fileformat2.html#walformat
 
 /** A folder for copies that SQLite may put its index of the log beside. Goes with all that is in it. */
 class scratch_folder
@@ -226,6 +227,13 @@ bool has_pages_of_the_same_size(const QString &database)
     return qFromBigEndian<quint32>(in_log.constData()) == (pages == 1 ? 65536u : pages);
 }
 
+/** SQLite reads one version, and says of any other that the file cannot be opened. */
+bool is_of_another_version(const QString &log)
+{
+    const QByteArray version = bytes_of(log, 4, 4);
+    return version.size() == 4 && qFromBigEndian<quint32>(version.constData()) != wal_version;
+}
+
 /** Why there is nothing to compare although there is a log. */
 std::optional<QString> objection(const evidence_file *database, const evidence_file &log)
 {
@@ -272,24 +280,41 @@ private:
             file = std::make_unique<new_file>(output);
         std::optional<QString> problem = objection(evidence.file_named(path), log);
         std::optional<change_counts> found;
+        bool is_failure = false;
         if (!problem) {
             try {
-                found = compare_database(database, path);
+                found = compare_database(database, path, *file);
             } catch (const sqlite_error &error) {
                 findings.is_out_of_memory = findings.is_out_of_memory || error.is_out_of_memory();
                 problem = error.message();
+                is_failure = error.is_of_the_system() || can_be_compared(database, path);
             }
         }
         end_table(database, path, found, problem);
         if (problem && problem != log.reason) // which is reported of the file itself
-            findings.problems.append(log.path + u" cannot be compared with its database: "_s + *problem);
+            (is_failure ? findings.failures : findings.problems)
+                .append(log.path + u" cannot be compared with its database: "_s + *problem);
     }
 
-    change_counts compare_database(const macos_database &database, const QString &path)
+    /** SQLite calls a log malformed too that it could not read for a moment. */
+    bool can_be_compared(const macos_database &database, const QString &path) const
+    {
+        try {
+            new_file given_up(output + u".again"_s);
+            compare_database(database, path, given_up);
+            return true;
+        } catch (const sqlite_error &) {
+            return false;
+        }
+    }
+
+    change_counts compare_database(const macos_database &database, const QString &path, new_file &changes) const
     {
         const scratch_folder folder(scratch + u"/wal"_s);
         const QString copy = folder.add_copy(copies + u'/' + path, database.file_name);
         folder.add_copy(copies + u'/' + path + log_ending, database.file_name + log_ending);
+        if (is_of_another_version(copy + log_ending))
+            throw sqlite_error(0, u"it is of another version of the format"_s);
         if (!has_pages_of_the_same_size(copy))
             throw sqlite_error(0, u"its pages have another size: it belongs to another database"_s);
         table_reader before(copy, sqlite_database::access::main_file_alone, database.device_table);
@@ -297,7 +322,7 @@ private:
         if (before.has_table() && !after.has_table())
             throw sqlite_error(0, u"with it the table "_s + database.device_table
                                       + u" is gone: it may belong to another database"_s);
-        change_writer writer(*file, table_members(database, path));
+        change_writer writer(changes, table_members(database, path));
         return compare(before, after, writer);
     }
 

@@ -18,7 +18,8 @@ struct wal_findings
      * that cannot be compared. Null when there is none.
      */
     QJsonValue counts;
-    QStringList problems; ///< why one cannot be compared, in plain words
+    QStringList problems; ///< why one cannot be compared, in plain words: what is wrong with it
+    QStringList failures; ///< the same where nothing is known to be wrong with it: a full disk, a read error
     bool is_out_of_memory = false;
 };
 

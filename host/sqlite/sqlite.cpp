@@ -7,7 +7,9 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <utility>
 
 #include <sqlite3.h>
@@ -93,6 +95,12 @@ private:
 bool sqlite_error::is_out_of_memory() const
 {
     return (code & 0xff) == SQLITE_NOMEM;
+}
+
+bool sqlite_error::is_of_the_system() const
+{
+    constexpr int results[] = {SQLITE_IOERR, SQLITE_FULL, SQLITE_NOMEM, SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_READONLY};
+    return std::find(std::begin(results), std::end(results), code & 0xff) != std::end(results);
 }
 
 sqlite_database::sqlite_database(const QString &file, access mode)

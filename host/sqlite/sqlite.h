@@ -38,6 +38,9 @@ public:
 
     bool is_out_of_memory() const;
 
+    /** Whether the system failed, and not the file: it says nothing of what the file holds. */
+    bool is_of_the_system() const;
+
 private:
     int code;
     QString text;
