@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/container/archive_store.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/** A member of a tar, "ustar", of so many bytes that follow each other in the archive. */
+QByteArray member(const QByteArray &name, const QByteArray &content = {})
+{
+    QByteArray header(512, '\0');
+    const auto put = [&header](qsizetype place, const QByteArray &text) { header.replace(place, text.size(), text); };
+    put(0, name);
+    put(100, "0000644");
+    put(124, QByteArray::number(content.size(), 8).rightJustified(11, '0'));
+    put(148, QByteArray(8, ' '));
+    put(156, "0");
+    put(257, QByteArray("ustar\00000", 8));
+    qint64 sum = 0;
+    for (const char byte : std::as_const(header))
+        sum += static_cast<unsigned char>(byte);
+    put(148, QByteArray::number(sum, 8).rightJustified(6, '0') + '\0');
+    return header + content + QByteArray((512 - content.size() % 512) % 512, '\0');
+}
+
+/** What a visit of an archive gave. */
+struct visited
+{
+    QStringList names;
+    QString damage;
+    QString failure; ///< of reading a member
+    qint64 bytes = 0;
+    qint64 read = 0; ///< of the archive
+};
+
+visited visit(const QByteArray &archive, const archive_limits &limits)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"a.tar"_s));
+    if (!file.open(QIODevice::WriteOnly) || file.write(archive) != archive.size())
+        qFatal("the archive cannot be written");
+    file.close();
+    visited found;
+    const auto store = open_archive(
+        file.fileName(), true, [&found](qint64 bytes) { found.read += bytes; }, limits);
+    store->visit(evidence_search(), [&found](const stored_file &stored, byte_stream *stream) {
+        found.names.append(joined(stored.parts));
+        QByteArray block(1 << 16, Qt::Uninitialized);
+        try {
+            while (const qsizetype count = stream ? stream->read(block.data(), block.size()) : 0)
+                found.bytes += count;
+        } catch (const stream_failure &failure) {
+            found.failure = failure.reason();
+        }
+    });
+    found.damage = store->damage();
+    return found;
+}
+
+archive_limits limits_of(qint64 ratio, qint64 members, qint64 free_bytes)
+{
+    archive_limits limits;
+    limits.ratio = ratio;
+    limits.members = members;
+    limits.free_bytes = free_bytes;
+    return limits;
+}
+
+} // namespace
+
+class test_archive_store : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void usual_limits();
+    void members_are_counted();
+    void ratio_is_watched();
+};
+
+void test_archive_store::usual_limits()
+{
+    QCOMPARE(archive_limits().ratio, 1000);
+    QCOMPARE(archive_limits().members, 10'000'000);
+}
+
+void test_archive_store::members_are_counted()
+{
+    const QByteArray archive = member("a") + member("b") + member("c") + QByteArray(1024, '\0');
+    const visited all = visit(archive, limits_of(1000, 3, 1 << 20));
+    QCOMPARE(all.names, QStringList({u"a"_s, u"b"_s, u"c"_s}));
+    QCOMPARE(all.damage, QString());
+    QCOMPARE(all.read, archive.size());
+
+    const visited some = visit(archive, limits_of(1000, 2, 1 << 20));
+    QCOMPARE(some.names, QStringList({u"a"_s, u"b"_s}));
+    QCOMPARE(some.damage, u"it has more than 2 members"_s);
+}
+
+void test_archive_store::ratio_is_watched()
+{
+    // Of what is not compressed no byte is unpacked to more: one for one is all that is left.
+    const QByteArray archive = member("a", QByteArray(4096, 'x')) + QByteArray(1024, '\0');
+    QCOMPARE(visit(archive, limits_of(2, 10, 0)).bytes, 4096);
+    const visited stopped = visit(archive, limits_of(0, 10, 0));
+    QCOMPARE(stopped.failure, u"it unpacks to more than 0 times its size, which no evidence does"_s);
+}
+
+QTEST_GUILESS_MAIN(test_archive_store)
+
+#include "test_archive_store.moc"
