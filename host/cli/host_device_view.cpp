@@ -16,7 +16,8 @@ namespace {
 /** Raw members are left to programs; a terminal has room for what they say. */
 bool is_shown(const report_column &column, const cell &value)
 {
-    return column.is_cell() && !value.is_null() && column.name != "raw";
+    const bool is_no_flag = column.name == "flag" && value.bytes == "false";
+    return column.is_cell() && !value.is_null() && column.name != "raw" && !is_no_flag;
 }
 
 void print_device(const host_device_line &device, console &out)

@@ -21,6 +21,7 @@
 
 #include <QDir>
 #include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
 #include <iterator>
@@ -201,6 +202,8 @@ private:
                     write_row(row);
                 if (is_one_page())
                     page.add(row);
+                else if (has_pages())
+                    page.count(row);
                 if (needs_join())
                     join.learn(appearance_of(row, int(i)));
             });
@@ -230,54 +233,90 @@ private:
         return that_case.sources.size() > 1 || has_pages();
     }
 
-    /** Whether the brief report may name its device, where the page of the whole case does not. */
-    bool is_of_note(const device_appearance &appearance) const
+    /** Whether the first page of a case whose pages are split names its device. Of named devices only so many. */
+    bool is_of_note(const device_appearance &appearance, qint64 number)
     {
-        return options.brief && appearance.table == result_tables().last();
+        if (appearance.is_paired || !appearance.notes.isEmpty() || join.is_shared(appearance))
+            return true;
+        if (!is_named(appearance) || number <= last_of_first_named)
+            return is_named(appearance);
+        constexpr qsizetype most_named = 100;
+        if (++named_so_far > most_named)
+            return false;
+        last_of_first_named = number;
+        return true;
     }
 
-    /** Numbers are for pages. Without one a number for each device would take memory, and none would be shown. */
-    bool is_numbered(const device_appearance &appearance) const
+    /** Every appearance of the case with the number of its device, source by source. */
+    void tell_appearances(const std::function<void(const device_appearance &appearance, qint64 number)> &take)
     {
-        return has_pages() || join.is_shared(appearance) || is_of_note(appearance);
+        device_numbers numbers(join);
+        const auto tell = [&](const device_appearance &appearance) { take(appearance, numbers.next(appearance)); };
+        for (int i = 0; i < int(that_case.sources.size()); ++i) {
+            const report_source &source = that_case.sources.at(i);
+            for (const QString &table : result_tables()) {
+                const table_reading reading = read_rows(that_case, source, table,
+                                                        [&](const report_row &row) { tell(appearance_of(row, i)); });
+                add_shortcoming(source, reading.problem);
+            }
+            for_each_other_appearance(that_case, i, tell);
+        }
+        device_count = numbers.count();
     }
 
     /**
      * The devices that several sources know, and the others where all of them are shown. The rows are read again,
-     * source by source: no report for programs needs more of them in memory.
+     * source by source: no report for programs needs more of them in memory. Where each source has a page of its own
+     * they are read once more, for the devices that the first page names.
      */
     QList<joined_device> read_devices()
     {
         joined_device_list devices(join);
         if (!has_pages() && !join.is_any_shared())
             return {};
-        device_numbers numbers(join);
-        for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
-            const report_source &source = that_case.sources.at(i);
-            for (const QString &table : result_tables()) {
-                const table_reading reading = read_rows(that_case, source, table, [&](const report_row &row) {
-                    const device_appearance appearance = appearance_of(row, int(i));
-                    if (!is_numbered(appearance))
-                        return;
-                    const qint64 number = numbers.next(appearance);
-                    if (has_pages())
-                        device_of_row[i][table].push_back(number);
-                    if (is_one_page() || join.is_shared(appearance) || is_of_note(appearance))
-                        devices.add(appearance, number);
-                });
-                add_shortcoming(source, reading.problem);
-            }
-            for_each_other_appearance(that_case, int(i), [&](const device_appearance &appearance) {
-                if (!is_numbered(appearance))
-                    return;
-                const qint64 number = numbers.next(appearance);
-                if (is_one_page() || join.is_shared(appearance))
+        QSet<qint64> wanted;
+        tell_appearances([&](const device_appearance &appearance, qint64 number) {
+            note_number(appearance, number);
+            const bool is_row_once_more = appearance.found_in == wal_deleted;
+            if (!is_row_once_more && (is_one_page() || (!has_pages() && join.is_shared(appearance))))
+                devices.add(appearance, number);
+            else if (has_pages() && is_of_note(appearance, number))
+                wanted.insert(number);
+        });
+        if (has_pages() && is_split)
+            tell_appearances([&](const device_appearance &appearance, qint64 number) {
+                if (appearance.found_in != wal_deleted && wanted.contains(number))
                     devices.add(appearance, number);
             });
-        }
         QList<joined_device> result = devices.devices();
         number_shared(result);
         return result;
+    }
+
+    /** Keeps what pages need of it. */
+    void note_number(const device_appearance &appearance, qint64 number)
+    {
+        if (!has_pages())
+            return;
+        is_number_named.resize(std::max(is_number_named.size(), std::size_t(number) + 1));
+        if (is_named(appearance))
+            is_number_named[std::size_t(number)] = true;
+        if (appearance.found_in == "row"_L1)
+            device_of_row[appearance.source][appearance.table].push_back(number);
+        else if (appearance.line >= 0)
+            number_line(device_of_row[appearance.source][list_of(appearance)], appearance.line, number);
+    }
+
+    /** Both sides of a changed row are one line. */
+    static void number_line(std::vector<qint64> &numbers, qsizetype line, qint64 number)
+    {
+        numbers.resize(std::max(numbers.size(), std::size_t(line) + 1));
+        numbers[std::size_t(line)] = number;
+    }
+
+    static QString list_of(const device_appearance &appearance)
+    {
+        return appearance.found_in.startsWith("wal_"_L1) ? wal_changes_list : host_devices_list;
     }
 
     /** The formats that hold times, or whole cases. */
@@ -321,7 +360,8 @@ private:
     void write_pages(html_page &page, const QList<joined_device> &devices)
     {
         if (!is_split) {
-            page.write(path_of(page_name), {devices, devices_of_rows(), outcome.shortcomings});
+            const row_devices numbers = devices_of_rows();
+            page.write(path_of(page_name), content_of(devices, numbers));
             return;
         }
         QHash<qint64, qint64> shared_numbers;
@@ -330,13 +370,37 @@ private:
         const QStringList names = source_pages();
         for (int i = 0; i < names.size(); ++i)
             write_source_page(i, path_of(names.at(i)), shared_numbers);
-        page.write_index(path_of(page_name), {devices, {}, outcome.shortcomings}, names);
+        const row_devices numbers = devices_of_rows();
+        page.write_index(path_of(page_name), content_of(devices, numbers), names);
+    }
+
+    /** Of the whole case. */
+    page_content content_of(const QList<joined_device> &devices, const row_devices &numbers) const
+    {
+        return {devices,
+                numbers,
+                outcome.shortcomings,
+                is_all_compared(),
+                device_count,
+                qint64(std::count(is_number_named.cbegin(), is_number_named.cend(), true))};
+    }
+
+    /** Every row, write-ahead log and list of every source. */
+    bool is_all_compared() const
+    {
+        return outcome.shortcomings.isEmpty()
+               && std::all_of(that_case.sources.cbegin(), that_case.sources.cend(), [](const report_source &source) {
+                      const QJsonObject logs = source.record.wal.toObject();
+                      return std::none_of(logs.constBegin(), logs.constEnd(),
+                                          [](const QJsonValue &log) { return log.isNull(); });
+                  });
     }
 
     void write_brief(html_page &page, const QList<joined_device> &devices) const
     {
         const bool has_annex = has(report_format::html);
-        page.write_brief(path_of(brief_name), {devices, devices_of_rows(), outcome.shortcomings},
+        const row_devices numbers = devices_of_rows();
+        page.write_brief(path_of(brief_name), content_of(devices, numbers),
                          has_annex ? sha256::of(read_whole_file(path_of(page_name), most_page_bytes)) : QString());
     }
 
@@ -370,10 +434,29 @@ private:
                 part.shortcomings.append(reading.problem);
             add_shortcoming(part.sources.first(), reading.problem);
         }
+        const std::vector<qint64> of_changes = numbers.value(wal_changes_list);
+        const std::vector<qint64> of_lists = numbers.value(host_devices_list);
+        for_each_other_appearance(part, 0, [&](const device_appearance &appearance) {
+            const std::vector<qint64> &known = list_of(appearance) == wal_changes_list ? of_changes : of_lists;
+            const auto line = std::size_t(appearance.line); // -1 is beyond every list
+            if (appearance.found_in != wal_deleted && line < known.size())
+                list.add(appearance, known[line]);
+        });
         QList<joined_device> devices = list.devices();
+        std::sort(devices.begin(), devices.end(),
+                  [](const joined_device &one, const joined_device &two) { return one.number < two.number; });
         for (joined_device &device : devices)
             device.shared_number = shared_numbers.value(device.number);
-        page.write_source(path, {devices, numbers, part.shortcomings}, page_name);
+        const auto named = std::count_if(devices.cbegin(), devices.cend(), is_device_named);
+        page.write_source(path,
+                          {devices, numbers, part.shortcomings, is_all_compared(), qint64(devices.size()),
+                           qint64(named)},
+                          page_name);
+    }
+
+    static bool is_device_named(const joined_device &device)
+    {
+        return std::any_of(device.appearances.cbegin(), device.appearances.cend(), is_named);
     }
 
     const report_options &options;
@@ -383,6 +466,10 @@ private:
     changed_cells changes;
     device_join join;
     QMap<qsizetype, row_devices> device_of_row; ///< by place of the source; for pages
+    qint64 device_count = 0;                    ///< of the whole case
+    std::vector<bool> is_number_named;          ///< by number of a device
+    qint64 named_so_far = 0;
+    qint64 last_of_first_named = 0;
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "host/report/join/device_join.h"
 
+#include "host/case/result_tables.h"
 #include "host/devices/device_address.h"
 
 #include <algorithm>
@@ -50,6 +51,12 @@ QByteArray identifier_of_uuid(const device_appearance &row)
     return 'U' + QByteArray::number(row.source) + ' ' + row.uuid;
 }
 
+/** What names the device in its own source alone; empty: nothing does. */
+QByteArray name_in_source(const device_appearance &row)
+{
+    return row.uuid.isEmpty() ? row.local_name : row.uuid;
+}
+
 } // namespace
 
 QLatin1StringView join_key_name(join_key::kind kind)
@@ -74,8 +81,18 @@ device_appearance appearance_of(const report_row &row, int source)
     result.icloud_identifier = row.host.icloud_identifier.bytes.toByteArray();
     if (result.icloud_identifier.isEmpty())
         result.icloud_identifier = text_in(row.plugin, {"icloud_identifier"_L1});
+    result.is_paired = result.table == result_tables().last();
+    result.log_change = row.host.wal.bytes.toByteArray();
+    result.notes = row.notes;
     add_keys(result);
     return result;
+}
+
+bool is_named(const device_appearance &appearance)
+{
+    constexpr QByteArrayView left_out_by_the_log("<private>");
+    const auto is_name = [&](const QByteArray &text) { return !text.isEmpty() && text != left_out_by_the_log; };
+    return is_name(appearance.host_name) || is_name(appearance.name) || is_name(appearance.preferences_name);
 }
 
 void add_keys(device_appearance &appearance)
@@ -158,7 +175,8 @@ QByteArray device_join::device_of(const device_appearance &row) const
     const qsizetype root = root_of(row);
     if (root >= 0)
         return 'D' + QByteArray::number(root);
-    return row.uuid.isEmpty() ? QByteArray() : identifier_of_uuid(row);
+    const QByteArray name = name_in_source(row);
+    return name.isEmpty() ? name : 'S' + QByteArray::number(row.source) + ' ' + name;
 }
 
 bool device_join::is_shared(const device_appearance &row) const
@@ -173,12 +191,26 @@ bool device_join::is_in_several_sources(const join_key &key) const
     return place >= 0 && nodes[size_t(place)].is_in_several;
 }
 
+qint64 &device_numbers::known_number(const device_appearance &row)
+{
+    const qsizetype group = join.group_of(row);
+    if (group >= 0)
+        return joined[group];
+    if (row.source != source) {
+        by_uuid.clear();
+        by_other_name.clear();
+        source = row.source;
+    }
+    const QByteArray name = name_in_source(row);
+    const QUuid uuid = name.size() == 36 ? QUuid::fromString(QLatin1StringView(name)) : QUuid();
+    return uuid.isNull() ? by_other_name[name] : by_uuid[uuid];
+}
+
 qint64 device_numbers::next(const device_appearance &row)
 {
-    const QByteArray device = join.device_of(row);
-    if (device.isEmpty())
-        return ++last;
-    qint64 &number = known[device];
+    if (join.group_of(row) < 0 && name_in_source(row).isEmpty())
+        return ++last; // a device of its own
+    qint64 &number = known_number(row);
     if (number == 0)
         number = ++last;
     return number;

@@ -10,6 +10,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QUuid>
 
 #include <vector>
 
@@ -49,11 +50,19 @@ struct device_appearance
     QByteArray icloud_identifier;
     QByteArray vendor;
     QByteArray address_kind;
+    QByteArray local_name;  ///< without UUID and keys: what else tells the device apart within its source
+    QByteArray log_change;  ///< of a row: host_wal
+    bool is_paired = false; ///< the source has it as paired: in that table, or its list says so
+    qsizetype line = -1;    ///< its place among the lines of its list; -1: it is a row
     QList<join_key> keys;
+    notes_of_one notes;
 };
 
 /** Gives it the keys that its addresses and its iCloud identifier are. */
 void add_keys(device_appearance &appearance);
+
+/** Whether it has a name of its device. What a log says in place of a name is none. */
+bool is_named(const device_appearance &appearance);
 
 /** @p source is the row's place in report_case::sources. */
 device_appearance appearance_of(const report_row &row, int source);
@@ -90,6 +99,12 @@ public:
      * the row is joined with no other.
      */
     QByteArray device_of(const device_appearance &row) const;
+
+    /** The number of the group that joins the row with others by keys; -1: no row of its device has any. */
+    qsizetype group_of(const device_appearance &row) const
+    {
+        return root_of(row);
+    }
 
     /** Whether any device is in more than one source. */
     bool is_any_shared() const
@@ -133,13 +148,24 @@ public:
     {
     }
 
-    /** The number of the next row's device. Rows come once each, in the order of the numbers. */
+    /** The number of the next row's device. Rows come once each, source by source, in the order of the numbers. */
     qint64 next(const device_appearance &row);
 
+    /** How many devices there are so far. */
+    qint64 count() const
+    {
+        return last;
+    }
+
 private:
+    qint64 &known_number(const device_appearance &row);
+
     const device_join &join;
     qint64 last = 0;
-    QHash<QByteArray, qint64> known; ///< by device_join::device_of()
+    QHash<qsizetype, qint64> joined; ///< by device_join::group_of()
+    int source = -1;                 ///< that these are of: most devices have nothing but a UUID
+    QHash<QUuid, qint64> by_uuid;
+    QHash<QByteArray, qint64> by_other_name;
 };
 
 /** Puts appearances together to devices, in the order of their first appearances. */

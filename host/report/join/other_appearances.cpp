@@ -3,6 +3,7 @@
 
 #include "host/report/join/other_appearances.h"
 
+#include "host/case/result_tables.h"
 #include "host/devices/device_address.h"
 #include "host/files/paths.h"
 #include "host/report/reading/host_device_line.h"
@@ -42,19 +43,28 @@ device_appearance in_log(const wal_change &change, int source, QLatin1StringView
     for (const auto &[column, member] : row_members)
         one.*member = bytes_of_json(json.value(column));
     one.uuid = one.uuid.trimmed().toUpper();
+    one.is_paired = one.table == result_tables().last();
+    one.notes = change.notes;
     add_keys(one);
     return one;
 }
 
 QString read_changes(const report_case &that_case, int source, const appearance_taker &take)
 {
+    qsizetype line = 0;
     return for_each_wal_change(that_case, that_case.sources.at(source), [&](const wal_change &change) {
+        const auto take_side = [&](QLatin1StringView found_in, const QByteArray &row) {
+            device_appearance one = in_log(change, source, found_in, row);
+            one.line = line;
+            take(one);
+        };
         if (change.change == "added")
-            take(in_log(change, source, "wal_added"_L1, change.after));
-        if (change.change != "changed")
-            return;
-        take(in_log(change, source, "wal_changed_before"_L1, change.before));
-        take(in_log(change, source, "wal_changed_after"_L1, change.after));
+            take_side("wal_added"_L1, change.after);
+        if (change.change == "changed" || change.change == "deleted")
+            take_side(change.change == "changed" ? "wal_changed_before"_L1 : wal_deleted, change.before);
+        if (change.change == "changed")
+            take_side("wal_changed_after"_L1, change.after);
+        ++line;
     });
 }
 
@@ -67,9 +77,13 @@ device_appearance in_list(const host_device_line &device, int source, const vend
     one.place = device.place();
     one.name = device.names;
     one.address = device.address;
+    one.is_paired = device.is_paired();
+    one.notes = device.notes;
     const bool may_be_random = device.kind == "le" && !device.address.trimmed().toLower().startsWith("public");
-    if (may_be_random)
+    if (may_be_random) {
+        one.local_name = device.address_normal;
         return one;
+    }
     one.vendor = vendors.vendor_of_first_public({one.address});
     add_keys(one);
     return one;
@@ -87,6 +101,7 @@ void read_preferences(const report_case &that_case, int source, const appearance
         one.address = address;
         one.preferences_name = names.name_of({address});
         one.vendor = that_case.vendors.vendor_of_first_public({address});
+        one.notes = that_case.notes->of_device({address});
         add_keys(one);
         take(one);
     }
@@ -102,8 +117,11 @@ QString for_each_other_appearance(const report_case &that_case, int source, cons
     const QString problem = read_changes(that_case, source, take);
     if (!path_exists(that_case.layout.source(of_source.record.number).host_devices()))
         read_preferences(that_case, source, take);
+    qsizetype line = 0;
     const QString list_problem = for_each_host_device(that_case, of_source, [&](const host_device_line &device) {
-        take(in_list(device, source, that_case.vendors));
+        device_appearance one = in_list(device, source, that_case.vendors);
+        one.line = line++;
+        take(one);
     });
     return problem.isEmpty() ? list_problem : problem;
 }

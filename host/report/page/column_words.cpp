@@ -5,7 +5,10 @@
 
 #include "host/report/page/html_parts.h"
 #include "host/report/page/html_text.h"
+#include "host/report/reading/host_device_line.h"
 #include "host/report/reading/row_columns.h"
+#include "host/report/reading/salvage_line.h"
+#include "host/report/reading/unparsed_line.h"
 #include "host/report/reading/wal_change.h"
 
 #include <algorithm>
@@ -61,6 +64,10 @@ constexpr words own_words[] = {
     {"rows",                 "Rows",                  "How many rows all sources have of it. Rows of a log are sightings, not devices."},
     {"shared_device",        "Shared device",         "Its number among the devices that more than one source knows, as in shared.csv.", true},
     {"joined_across_sources_by", "Joined across sources by", "The address or identifier that several sources have."},
+    {"note",                 "Note",                  "What an examiner noted of the device or of the row, in this program."},
+    {"flag",                 "Flag",                  "\"flagged\" where an examiner has flagged the device or the row."},
+    {"host_wal",             "In the write-ahead log", "What the logs make of the device's rows: unchanged, changed, deleted, or only in the log."},
+    {"lists",                "In the lists",          "The lists that are no databases and name the device: preferences, mobile_devices, registry."},
     {"not_joined_because",   "Not joined because",    "Why no other source adds to it.", true},
 };
 // clang-format on
@@ -79,6 +86,7 @@ constexpr QByteArrayView hidden_names[] = {
     "host_name",        "host_custom_properties",
     "host_aid",         "host_line_text",
     "host_tags",        "host_icloud_identifier",
+    "address_normal",   "raw",
 };
 
 /** A column of the result with the same values takes its place. */
@@ -96,11 +104,18 @@ QByteArray group_name(column_group group)
         return "Host";
     case column_group::locator:
         return "Place";
-    case column_group::source:
     case column_group::line:
+        return "Host"; // what the host makes of rows and lines
+    case column_group::source:
         break;
     }
     return "Report";
+}
+
+/** What an examiner added stands with the report's own columns. */
+bool is_of_examiner(const report_column &column)
+{
+    return column.group == column_group::line && (column.name == "note" || column.name == "flag");
 }
 
 QByteArray text(QLatin1StringView words)
@@ -126,8 +141,10 @@ QByteArray terms(const char *caption, const QList<column_about> &columns)
 QList<column_about> about_columns(const QList<report_column> &columns)
 {
     QList<column_about> list;
-    for (const report_column &column : columns)
-        list.append(about_column(column));
+    for (const report_column &column : columns) {
+        if (column.is_cell())
+            list.append(about_column(column));
+    }
     return list;
 }
 
@@ -145,7 +162,8 @@ column_about about_column(const report_column &column)
 {
     const bool is_of_plugin = column.group == column_group::plugin;
     column_about about{is_of_plugin ? "plugin_" + column.name : column.cell_name(), text(column.heading),
-                       group_name(column.group), text(column.meaning)};
+                       is_of_examiner(column) ? group_name(column_group::source) : group_name(column.group),
+                       text(column.meaning)};
     if (const words *known = is_of_plugin ? words_of(plugin_words, column.name) : nullptr) {
         about.heading = known->heading;
         about.meaning = known->meaning;
@@ -174,6 +192,9 @@ QByteArray terms_section()
     return html_section("terms", "What the columns mean",
                         terms("The report's own columns", own) + terms("Columns of the plug-in's result", plugin)
                             + terms("The host's own reading of the evidence", about_columns(columns_of(host_columns())))
-                            + terms("Columns of what write-ahead logs change",
-                                    about_columns(columns_of(wal_columns()))));
+                            + terms("Ranks and readings of the counters", about_columns(columns_of(rank_columns())))
+                            + terms("Columns of what write-ahead logs change", about_columns(columns_of(wal_columns())))
+                            + terms("Columns of devices in lists", about_columns(columns_of(host_device_columns())))
+                            + terms("Columns of lines without a row", about_columns(columns_of(unparsed_columns())))
+                            + terms("Columns of salvaged rows", about_columns(columns_of(salvage_columns()))));
 }

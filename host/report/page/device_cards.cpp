@@ -7,12 +7,15 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct card
 {
     const report_case &that_case;
     const device_facts &facts;
+    bool is_all_compared;
     const joined_device &device = *facts.device;
 };
 
@@ -30,6 +33,8 @@ QByteArray texts(const card &card)
 }
 
 constexpr card_column text_columns[] = {
+    {"flag", [](const card &card) { return QByteArray(note_marks(card.facts.notes).is_flagged ? "flagged" : ""); }},
+    {"note", [](const card &card) { return note_marks(card.facts.notes).text; }},
     {"device_name", texts<&device_appearance::name>},
     {"host_name", texts<&device_appearance::host_name>},
     {"host_preferences_name", texts<&device_appearance::preferences_name>},
@@ -40,16 +45,24 @@ constexpr card_column text_columns[] = {
     {"known_as", [](const card &card) { return known_as(card.facts); }},
     {"link", [](const card &card) { return link_strength(card.facts); }},
     {"sources", [](const card &card) { return source_numbers(card.that_case, card.device.sources); }},
+    {"host_wal", [](const card &card) { return log_changes_of(card.device); }},
+    {"lists", [](const card &card) { return lists_of(card.device); }},
     {"icloud_identifier", texts<&device_appearance::icloud_identifier>},
     {"uuid", texts<&device_appearance::uuid>},
     {"joined_across_sources_by", [](const card &card) { return keys_text(card.device); }},
-    {"not_joined_because",
-     [](const card &card) { return why_not_joined(card.device, card.that_case.shortcomings.isEmpty()); }},
+    {"not_joined_because", [](const card &card) { return why_not_joined(card.device, card.is_all_compared); }},
 };
+
+/** Both sides of a row that a log changes are that row. */
+qsizetype row_count(const joined_device &device)
+{
+    return std::count_if(device.appearances.cbegin(), device.appearances.cend(),
+                         [](const device_appearance &one) { return one.found_in == "row"_L1; });
+}
 
 } // namespace
 
-html_table device_cards(const report_case &that_case, const QList<device_facts> &devices)
+html_table device_cards(const report_case &that_case, const QList<device_facts> &devices, bool is_all_compared)
 {
     html_table
         table("cards", "All devices",
@@ -66,13 +79,13 @@ html_table device_cards(const report_case &that_case, const QList<device_facts> 
         for (const device_facts &facts : devices) {
             if (facts.is_of_note() != is_of_note)
                 continue;
-            const card card{that_case, facts};
+            const card card{that_case, facts, is_all_compared};
             number.add(cell::of_integer(facts.number));
             for (std::size_t i = 0; i < texts.size(); ++i) {
                 const QByteArray text = text_columns[i].text(card);
                 texts[i]->add(cell::of_text_or_null(text));
             }
-            rows.add(cell::of_integer(facts.device->appearances.size()));
+            rows.add(cell::of_integer(row_count(*facts.device)));
             const qint64 shared_number = facts.device->shared_number;
             shared.add(shared_number > 0 ? cell::of_integer(shared_number) : cell());
         }

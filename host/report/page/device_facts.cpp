@@ -3,11 +3,12 @@
 
 #include "host/report/page/device_facts.h"
 
-#include "host/case/result_tables.h"
 #include "host/devices/device_address.h"
 
 #include <algorithm>
 #include <functional>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -55,9 +56,22 @@ QByteArray why_appearance_joins_nothing(const device_appearance &appearance)
                                                      : ", and its iCloud identifier is all zeros");
 }
 
-bool is_in_paired_table(const device_appearance &appearance)
+/** A row of a table, of the main file or a write-ahead log, that is no pairing; the rest are lines of lists. */
+bool is_seen(const device_appearance &appearance)
 {
-    return appearance.table == result_tables().last();
+    return !appearance.is_paired && !appearance.table.isEmpty();
+}
+
+bool is_in_log_alone(const device_appearance &appearance)
+{
+    return appearance.found_in.startsWith("wal_"_L1);
+}
+
+void add_place(QList<int> &places, int place)
+{
+    const auto at = std::lower_bound(places.begin(), places.end(), place);
+    if (at == places.end() || *at != place)
+        places.insert(at, place);
 }
 
 } // namespace
@@ -67,12 +81,14 @@ QList<device_facts> facts_of(const QList<joined_device> &devices)
     QList<device_facts> list;
     list.reserve(devices.size());
     for (const joined_device &device : devices) {
-        device_facts facts{&device, device.number, !name_of(device).isEmpty(), {}};
+        device_facts facts{&device, device.number, !name_of(device).isEmpty()};
         for (const device_appearance &appearance : device.appearances) {
-            if (is_in_paired_table(appearance) && !facts.paired_in.contains(appearance.source))
-                facts.paired_in.append(appearance.source);
+            if (appearance.is_paired)
+                add_place(facts.paired_in, appearance.source);
+            if (is_seen(appearance))
+                add_place(facts.seen_in, appearance.source);
+            add_notes(facts.notes, appearance.notes);
         }
-        std::sort(facts.paired_in.begin(), facts.paired_in.end());
         list.append(facts);
     }
     return list;
@@ -105,13 +121,43 @@ QByteArray name_of(const joined_device &device)
     return {};
 }
 
+QByteArray lists_of(const joined_device &device)
+{
+    text_set texts;
+    for (const device_appearance &appearance : device.appearances) {
+        if (appearance.table.isEmpty())
+            texts.add(QByteArray(appearance.found_in.data(), appearance.found_in.size()));
+    }
+    return texts.text();
+}
+
+QByteArray log_changes_of(const joined_device &device)
+{
+    text_set texts;
+    for (const device_appearance &appearance : device.appearances) {
+        if (appearance.found_in == "wal_added"_L1)
+            texts.add("only in the log");
+        else if (is_in_log_alone(appearance))
+            texts.add("changed");
+        else if (appearance.log_change == "deleted")
+            texts.add("deleted");
+    }
+    return texts.text();
+}
+
 QByteArray known_as(const device_facts &facts)
 {
     const QList<device_appearance> &appearances = facts.device->appearances;
-    const bool is_seen = !std::all_of(appearances.cbegin(), appearances.cend(), is_in_paired_table);
-    if (!facts.is_paired())
-        return "seen";
-    return is_seen ? "paired or in use, seen" : "paired or in use";
+    QByteArrayList words;
+    if (facts.is_paired())
+        words.append("paired or in use");
+    if (!facts.seen_in.isEmpty())
+        words.append("seen");
+    if (words.isEmpty())
+        words.append("listed");
+    if (std::all_of(appearances.cbegin(), appearances.cend(), is_in_log_alone))
+        words.append("in a write-ahead log alone");
+    return words.join(", ");
 }
 
 QByteArray link_strength(const device_facts &facts)
@@ -121,13 +167,22 @@ QByteArray link_strength(const device_facts &facts)
     const qsizetype sources = facts.device->sources.size();
     if (sources < 2)
         return "other sources know it: the page of the whole case says how";
-    const qsizetype paired = facts.paired_in.size();
+    const QList<int> &paired_in = facts.paired_in;
+    const auto seen = std::count_if(facts.seen_in.cbegin(), facts.seen_in.cend(),
+                                    [&paired_in](int place) { return !paired_in.contains(place); });
+    const qsizetype paired = paired_in.size();
+    const qsizetype listed = sources - paired - seen;
     QByteArray words = paired > 1    ? "paired in both"
-                       : paired == 1 ? "paired and seen"
+                       : paired == 1 ? (seen > 0 ? "paired and seen" : "paired and listed")
+                       : listed > 1  ? "listed in both"
+                       : listed == 1 ? "listed and seen"
                                      : "seen in both, which may be mere proximity";
-    if (sources > 2)
-        words += " (paired in " + QByteArray::number(paired) + ", seen in " + QByteArray::number(sources - paired)
-                 + ')';
+    if (sources > 2) {
+        words += " (paired in " + QByteArray::number(paired) + ", seen in " + QByteArray::number(seen);
+        if (listed > 0)
+            words += ", listed in " + QByteArray::number(listed);
+        words += ')';
+    }
     return words;
 }
 

@@ -13,9 +13,11 @@
 struct device_facts
 {
     const joined_device *device;
-    qint64 number;        ///< from 1, by first appearance
-    bool is_named;        ///< by any source, table or list
-    QList<int> paired_in; ///< places of sources that have it in the table of paired devices; ascending
+    qint64 number;             ///< from 1, by first appearance
+    bool is_named;             ///< by any source, table or list
+    QList<int> paired_in = {}; ///< places of sources that have it as paired: in the table, or by a list; ascending
+    QList<int> seen_in = {};   ///< of those in which it has a row that is no pairing, in a log or not; ascending
+    notes_of_one notes = {};   ///< of examiners, on any of its names or rows
 
     bool is_paired() const
     {
@@ -28,7 +30,7 @@ struct device_facts
     /** Whether it comes first in lists. */
     bool is_of_note() const
     {
-        return is_named || is_paired() || is_shared();
+        return is_named || is_paired() || is_shared() || !notes.isEmpty();
     }
 };
 
@@ -47,7 +49,13 @@ QByteArray texts_of(const joined_device &device, QByteArray device_appearance::*
  */
 QByteArray name_of(const joined_device &device);
 
-/** "paired", "seen" or both. */
+/** The lists that name it: "preferences | registry". */
+QByteArray lists_of(const joined_device &device);
+
+/** What write-ahead logs make of its rows, as far as they change any: "changed | only in the log". */
+QByteArray log_changes_of(const joined_device &device);
+
+/** Whether it is paired, seen or listed, and whether a write-ahead log alone says so. */
 QByteArray known_as(const device_facts &facts);
 
 /** How strong the link between the sources of a shared device is, in words; empty for others. */

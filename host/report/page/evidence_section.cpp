@@ -6,8 +6,12 @@
 #include "host/report/page/html_parts.h"
 #include "host/report/page/html_text.h"
 
+#include <QJsonArray>
+#include <QJsonObject>
+
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -23,7 +27,8 @@ QByteArray counts_of(const source_record &record)
     QByteArrayList counts;
     for (const table_rows &table : record.rows)
         counts.append(html_text(table.table) + ": " + number_text(table.stored)
-                      + (table.found ? " of " + number_text(table.found) : QByteArray()));
+                      + (table.found ? " of " + number_text(table.found) : QByteArray())
+                      + (table.devices ? " (sightings of " + number_text(table.devices) + " devices)" : QByteArray()));
     return counts.join("<br>");
 }
 
@@ -59,9 +64,28 @@ QByteArray remark_of(const evidence_file &file)
 }
 
 /** A path may go on in the next line behind a folder. */
+QByteArray path_html(const QString &path)
+{
+    return "<bdi>" + html_text(path).replace('/', "/<wbr>") + "</bdi>";
+}
+
 QByteArray path_of(const evidence_file &file)
 {
-    return "<bdi>" + html_text(file.path).replace('/', "/<wbr>") + "</bdi>";
+    return path_html(file.path);
+}
+
+/** Where a file stood in the container that it was taken out of. */
+QByteArray origin_of(const evidence_file &file)
+{
+    if (!file.origin.isObject())
+        return {};
+    const QJsonObject origin = file.origin.toObject();
+    QByteArray html = "<small>taken out of the container: " + path_html(origin.value("path"_L1).toString());
+    if (origin.value("inode"_L1).isDouble())
+        html += ", inode " + QByteArray::number(origin.value("inode"_L1).toInteger());
+    if (origin.value("modified"_L1).isString())
+        html += ", modified there " + html_text(origin.value("modified"_L1).toString());
+    return html + "</small>";
 }
 
 QByteArray modified_of(const evidence_file &file)
@@ -82,9 +106,9 @@ QByteArray present_files(const report_case &that_case)
     for (const report_source &source : that_case.sources) {
         for (const evidence_file &file : source.record.evidence.files) {
             if (file.state != evidence_file::presence::absent)
-                rows += html_row({QByteArray::number(source.record.number), path_of(file) + modified_of(file),
-                                  state_of(file), file.before ? grouped_digits(file.before->size) : QByteArray(),
-                                  hashes_of(file)});
+                rows += html_row({QByteArray::number(source.record.number),
+                                  path_of(file) + modified_of(file) + origin_of(file), state_of(file),
+                                  file.before ? grouped_digits(file.before->size) : QByteArray(), hashes_of(file)});
         }
     }
     return html_static_table("Files of the evidence", {"Source", "Path in the source", "State", "Bytes", "SHA-256"},
@@ -107,6 +131,84 @@ QByteArray absent_files(const report_case &that_case)
     return items.isEmpty() ? items : "<h3>Looked for and not there</h3><ul class=\"paths\">\n" + items + "</ul>\n";
 }
 
+QByteArray hash_or_not_made(const QJsonObject &file)
+{
+    const QString hash = file.value("sha256"_L1).toString();
+    return hash.isEmpty() ? QByteArray("not made (--no-container-hash)") : html_hash(hash);
+}
+
+/** "volume 2 at byte 1,048,576, ntfs, System" */
+QByteArray volume_of(const QJsonObject &container)
+{
+    const QJsonObject volume = container.value("volume"_L1).toObject();
+    if (volume.isEmpty())
+        return {};
+    QByteArray html = "<br>volume " + QByteArray::number(volume.value("number"_L1).toInteger()) + " at byte "
+                      + grouped_digits(volume.value("offset"_L1).toInteger());
+    for (const QLatin1StringView member : {"file_system"_L1, "name"_L1}) {
+        const QString text = volume.value(member).toString();
+        html += text.isEmpty() ? QByteArray() : ", <bdi>" + html_text(text) + "</bdi>";
+    }
+    return html;
+}
+
+QByteArray stored_hashes_of(const QJsonObject &container)
+{
+    const QJsonObject stored = container.value("stored_hashes"_L1).toObject();
+    QByteArray html;
+    for (const auto &[member, name] : {std::pair("md5"_L1, "MD5"), std::pair("sha1"_L1, "SHA-1")}) {
+        const QString hash = stored.value(member).toString();
+        html += hash.isEmpty() ? QByteArray() : "<br>" + QByteArray(name) + " that it holds itself: " + html_hash(hash);
+    }
+    return html;
+}
+
+/** A line for each file of a container; what the container is stands with the first. */
+QByteArray container_rows(const report_source &source)
+{
+    const QJsonObject container = source.record.container.toObject();
+    QByteArray about = html_text(container.value("kind"_L1).toString()) + ", "
+                       + html_text(container.value("format"_L1).toString()) + volume_of(container)
+                       + stored_hashes_of(container);
+    QByteArray rows;
+    for (const auto value : container.value("files"_L1).toArray()) {
+        const QJsonObject file = value.toObject();
+        const QByteArray modified = html_text(file.value("modified"_L1).toString());
+        rows += html_row({QByteArray::number(source.record.number), about,
+                          path_html(file.value("path"_L1).toString())
+                              + (modified.isEmpty() ? modified : "<small>modified " + modified + "</small>"),
+                          grouped_digits(file.value("size"_L1).toInteger()), hash_or_not_made(file)});
+        about.clear();
+    }
+    return rows;
+}
+
+QByteArray containers_table(const report_case &that_case)
+{
+    QByteArray rows;
+    for (const report_source &source : that_case.sources) {
+        if (source.record.container.isObject())
+            rows += container_rows(source);
+    }
+    return rows.isEmpty() ? rows
+                          : html_static_table("Containers that evidence was taken out of",
+                                              {"Source", "Container", "File", "Bytes", "SHA-256"}, rows);
+}
+
+/** What the plug-in took the source for, where its kind is called otherwise. */
+QByteArray type_of(const source_record &record)
+{
+    const bool is_said = !record.driven_as.isEmpty() && record.driven_as != record.type;
+    return html_text(record.type) + (is_said ? "<br>read as " + html_text(record.driven_as) : QByteArray());
+}
+
+/** The preferences list, mobile lists and the registry, in lines. */
+QByteArray lists_of(const source_record &record)
+{
+    return record.host_devices.isDouble() ? "<br>host_devices: " + grouped_digits(record.host_devices.toInteger())
+                                          : QByteArray();
+}
+
 } // namespace
 
 bool is_evidence_unchanged(const report_case &that_case)
@@ -124,8 +226,8 @@ QByteArray sources_table(const report_case &that_case, qsizetype most_rows)
     QByteArray rows;
     for (const report_source &source : that_case.sources.first(std::min(that_case.sources.size(), most_rows)))
         rows += html_row({QByteArray::number(source.record.number), "<bdi>" + html_text(source.name) + "</bdi>",
-                          html_text(source.record.type), html_text(status_name(source.record.status)),
-                          counts_of(source.record), html_hash(source.record.result_sha256)});
+                          type_of(source.record), html_text(status_name(source.record.status)),
+                          counts_of(source.record) + lists_of(source.record), html_hash(source.record.result_sha256)});
     return html_static_table("Sources",
                              {"Number", "Name", "Type", "Status", "Rows stored, of those found",
                               "SHA-256 of the result"},
@@ -147,5 +249,5 @@ QByteArray evidence_section(const report_case &that_case)
         messages = "<h3>What was said while they were read</h3><ul>\n" + messages + "</ul>\n";
     return html_section("evidence", "Evidence",
                         sources_table(that_case, std::numeric_limits<qsizetype>::max()) + messages
-                            + present_files(that_case) + absent_files(that_case));
+                            + containers_table(that_case) + present_files(that_case) + absent_files(that_case));
 }

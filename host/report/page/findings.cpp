@@ -15,6 +15,7 @@ constexpr qsizetype most_matrix_sources = 40;
 constexpr qsizetype most_matrix_rows = 20;
 constexpr int name_width = 230;
 constexpr int step = 22;
+constexpr const char *flag_sign = "<span class=\"flag\">flagged</span>";
 
 using device_list_part = QList<const device_facts *>;
 
@@ -51,6 +52,11 @@ device_list_part named_of(const QList<device_facts> &devices)
     return those(devices, [](const device_facts &facts) { return facts.is_named; });
 }
 
+device_list_part flagged_of(const QList<device_facts> &devices)
+{
+    return those(devices, [](const device_facts &facts) { return !facts.notes.isEmpty(); });
+}
+
 QByteArray figure(const QByteArray &id, qint64 number, const char *words)
 {
     return "<li><a href=\"#" + id + "\"><strong>" + grouped_digits(number) + "</strong> " + words + "</a></li>\n";
@@ -59,7 +65,10 @@ QByteArray figure(const QByteArray &id, qint64 number, const char *words)
 QByteArray number_of(const device_facts &facts, const findings_form &form)
 {
     const QByteArray number = QByteArray::number(facts.number);
-    return form.has_pages ? html_link("device-" + number, number) : number;
+    if (!form.has_pages)
+        return number;
+    const QString page = form.pages.value(facts.device->sources.value(0));
+    return "<a href=\"" + html_text(page) + "#device-" + number + "\">" + number + "</a>";
 }
 
 /** As much of a text of the evidence as there is room for; nothing for an empty one. */
@@ -85,12 +94,13 @@ QByteArray address_cell(const device_facts &facts, const findings_form &form)
                                  : "<br><span class=\"quiet\">resolved</span> " + evidence(resolved, form));
 }
 
-QByteArray and_more(const device_list_part &part, const findings_form &form)
+QByteArray and_more(qint64 count, const findings_form &form)
 {
-    if (part.size() <= form.most_rows)
+    if (count <= form.most_rows)
         return {};
-    return "<p>And " + grouped_digits(part.size() - form.most_rows) + " more"
-           + (form.has_pages ? ": " + html_link("cards", "all devices") + ".</p>\n" : QByteArray(".</p>\n"));
+    return "<p>And " + grouped_digits(count - form.most_rows) + " more"
+           + (form.has_pages && form.pages.isEmpty() ? ": " + html_link("cards", "all devices") + ".</p>\n"
+                                                     : QByteArray(".</p>\n"));
 }
 
 template<typename Row>
@@ -177,7 +187,7 @@ QByteArray matrix(const report_case &that_case, const device_list_part &shared)
 }
 
 QByteArray device_section(const QByteArray &id, const QByteArray &title, const report_case &that_case,
-                          const device_list_part &part, const findings_form &form)
+                          const device_list_part &part, qint64 count, const findings_form &form)
 {
     if (part.isEmpty())
         return html_section(id, title, "<p>None.</p>\n");
@@ -186,9 +196,9 @@ QByteArray device_section(const QByteArray &id, const QByteArray &title, const r
                 address_cell(facts, form), evidence(texts_of(*facts.device, &device_appearance::address_kind), form),
                 known_as(facts),           evidence(source_numbers(that_case, facts.device->sources), form)};
     });
-    return html_section(id, title + ": " + grouped_digits(part.size()),
+    return html_section(id, title + ": " + grouped_digits(count),
                         html_static_table(title, {"Device", "Name", "Address", "Kind", "Known as", "Sources"}, rows)
-                            + and_more(part, form));
+                            + and_more(count, form));
 }
 
 } // namespace
@@ -196,24 +206,32 @@ QByteArray device_section(const QByteArray &id, const QByteArray &title, const r
 QByteArray figures(const report_case &that_case, const QList<device_facts> &devices, const row_figures &rows,
                    const findings_form &form)
 {
-    const QByteArray list = form.has_pages ? "cards" : "findings";
+    const bool has_tables = form.has_pages && form.pages.isEmpty();
+    const QByteArray rows_section = has_tables ? "devices" : "findings";
+    const QByteArray logs_section = has_tables ? "wal-changes" : "findings";
     QByteArray html = figure("evidence", that_case.sources.size(), that_case.sources.size() == 1 ? "source" : "sources")
-                      + figure(list, devices.size(), devices.size() == 1 ? "device" : "devices")
+                      + figure(has_tables ? "cards" : "findings", rows.devices,
+                               rows.devices == 1 ? "device" : "devices")
                       + figure("more-than-one-source", shared_of(devices).size(), "in more than one source")
                       + figure("paired", paired_of(devices).size(), "paired or in use")
-                      + figure("named", named_of(devices).size(), "named");
-    if (!form.has_pages)
-        return "<ul class=\"figures\">\n" + html + "</ul>\n";
-    html += figure("wal-changes", rows.added_by_logs, "rows only in a write-ahead log")
-            + figure("wal-changes", rows.changed_by_logs, "rows that a write-ahead log changes")
-            + figure("wal-changes", rows.deleted_by_logs, "rows that a write-ahead log deletes")
-            + figure("devices", rows.differing, "rows in which host and plug-in differ");
+                      + figure(form.has_pages ? "named" : "findings", rows.named, "named");
+    const qsizetype flagged = flagged_of(devices).size();
+    if (flagged > 0)
+        html += figure("flagged", flagged, "flagged or noted by an examiner");
+    html += figure(logs_section, rows.added_by_logs, "rows only in a write-ahead log")
+            + figure(logs_section, rows.changed_by_logs, "rows that a write-ahead log changes")
+            + figure(logs_section, rows.deleted_by_logs, "rows that a write-ahead log deletes")
+            + figure(rows_section, rows.differing, "rows with a contradiction: the evidence says something else");
     html = "<ul class=\"figures\">\n" + html + "</ul>\n";
     if (rows.sightings > 0)
         html += "<p>Rows of logs are sightings: " + counted(rows.sightings, "sighting", "sightings") + " of "
                 + counted(rows.sighted_devices, "device", "devices")
                 + ", told apart by SFDevice ID, else by address. A device whose identifier changes counts more than "
                   "once.</p>\n";
+    if (rows.left_out > 0)
+        html += "<p>In " + counted(rows.left_out, "row", "rows")
+                + " the evidence holds values that are not in the plug-in's row: it leaves them out by design "
+                  "(host_left_out names the columns). These are no contradictions and are counted apart.</p>\n";
     return html;
 }
 
@@ -235,17 +253,49 @@ QByteArray shared_devices_section(const report_case &that_case, const QList<devi
         html += matrix(that_case, shared)
                 + html_static_table("Devices that more than one source knows",
                                     {"Device", "Name", "Link", "Sources", "Paired or in use in", "Joined by"}, rows)
-                + and_more(shared, form);
+                + and_more(shared.size(), form);
     }
     return html_section("more-than-one-source", "In more than one source", html + page_prose_joining);
 }
 
 QByteArray paired_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form)
 {
-    return device_section("paired", "Paired or in use", that_case, paired_of(devices), form);
+    const device_list_part paired = paired_of(devices);
+    return device_section("paired", "Paired or in use", that_case, paired, paired.size(), form);
 }
 
-QByteArray named_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form)
+QByteArray named_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form,
+                         qint64 count)
 {
-    return device_section("named", "Named devices", that_case, named_of(devices), form);
+    return device_section("named", "Named devices", that_case, named_of(devices), count, form);
+}
+
+QByteArray flagged_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form)
+{
+    if (that_case.notes->is_empty())
+        return {};
+    const device_list_part part = flagged_of(devices);
+    QByteArray html;
+    if (!part.isEmpty()) {
+        const QByteArray rows = rows_of(part, form, [&](const device_facts &facts) -> QByteArrayList {
+            const note_marks marks(facts.notes);
+            return {number_of(facts, form), name_cell(facts, form), address_cell(facts, form),
+                    marks.is_flagged ? QByteArray(flag_sign) : QByteArray(), evidence(marks.text, form)};
+        });
+        html += html_static_table("Flagged or noted devices", {"Device", "Name", "Address", "Flag", "Note"}, rows)
+                + and_more(part.size(), form);
+    }
+    const QList<case_note> &notes = that_case.notes->all();
+    QByteArray rows;
+    for (const case_note &note : notes.first(std::min(notes.size(), form.most_rows)))
+        rows += html_row({QByteArray::number(note.number), html_text(note.time), evidence(note.author.toUtf8(), form),
+                          note.row ? "row " + QByteArray::number(note.row->source) + ':' + note.row->table.toUtf8()
+                                         + ':' + QByteArray::number(note.row->row)
+                                   : evidence(note.device.toUtf8(), form),
+                          note.is_flag ? QByteArray(flag_sign) : QByteArray(), evidence(note.text.toUtf8(), form)});
+    html += html_static_table("All notes, as examiners made them", {"Number", "Time", "By", "On", "Flag", "Note"},
+                              rows);
+    if (notes.size() > form.most_rows)
+        html += "<p>And " + grouped_digits(notes.size() - form.most_rows) + " more notes.</p>\n";
+    return html_section("flagged", "Flagged and noted", html);
 }

@@ -116,22 +116,54 @@ void html_page::add(const report_row &row)
     (*tables.find(row.table))->add(row);
 }
 
+void html_page::count(const report_row &row)
+{
+    (*tables.find(row.table))->count(row);
+}
+
+/** Once, whichever page is written first: the lists are read for it. */
+void html_page::count_rows(const page_content &content)
+{
+    if (counts)
+        return;
+    counts = row_figures{};
+    for (const QString &name : result_tables()) {
+        const row_table &rows = **tables.find(name);
+        counts->differing += rows.differing;
+        counts->left_out += rows.left_out;
+    }
+    const row_table &seen = **tables.find(result_tables().first());
+    counts->sightings = seen.sightings;
+    counts->sighted_devices = seen.sighted.size();
+    counts->devices = content.device_count;
+    counts->named = content.named_count;
+    const row_devices &numbers = content.device_of_row;
+    lists.push_back(wal_table(facts_of_case, numbers.value(wal_changes_list), *counts));
+    lists.push_back(host_device_table(facts_of_case, numbers.value(host_devices_list)));
+    lists.push_back(unparsed_table(facts_of_case));
+    lists.push_back(salvage_table(facts_of_case));
+}
+
 QList<const html_table *> html_page::finished_tables(const page_content &content)
 {
+    count_rows(content);
     QList<const html_table *> list;
     for (const QString &name : result_tables()) {
         row_table &rows = **tables.find(name);
         rows.finish(content.device_of_row.value(name));
-        counts.differing += rows.differing;
-        rows.table.add_to_caption("Rows in which the two differ: " + grouped_digits(rows.differing)
-                                  + "; host_differs names the columns.");
+        rows.table.add_to_caption(
+            "Rows with a contradiction: " + grouped_digits(rows.differing)
+            + "; host_differs names the columns. Rows of which the plug-in leaves something out by "
+              "design: "
+            + grouped_digits(rows.left_out) + "; host_left_out names it.");
         list.append(&rows.table);
     }
-    const row_table &seen = **tables.find(result_tables().first());
-    counts.sightings = seen.sightings;
-    counts.sighted_devices = seen.sighted.size();
-    changes_of_logs = std::make_unique<html_table>(wal_table(facts_of_case, counts));
-    return list << changes_of_logs.get();
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+        const bool is_always_there = i < 2; // what was salvaged or not read is there only where there is any
+        if (is_always_there || lists[i].row_count() > 0)
+            list.append(&lists[i]);
+    }
+    return list;
 }
 
 QByteArray html_page::timeline_section(const page_content &content, const QList<device_facts> &facts,
@@ -160,13 +192,14 @@ void html_page::write(const QString &path, const page_content &content)
 {
     const QList<device_facts> facts = facts_of(content.devices);
     const QList<const html_table *> rows = finished_tables(content);
-    const html_table cards = device_cards(facts_of_case, facts);
+    const html_table cards = device_cards(facts_of_case, facts, content.is_all_compared);
     const findings_form form;
     QList<page_section> sections{
-        {{"findings", "Findings"}, findings_section(figures(facts_of_case, facts, counts, form))},
+        {{"findings", "Findings"}, findings_section(figures(facts_of_case, facts, *counts, form))},
+        {{"flagged", "Flagged and noted"}, flagged_section(facts_of_case, facts, form)},
         {{"more-than-one-source", "In more than one source"}, shared_devices_section(facts_of_case, facts, form)},
         {{"paired", "Paired or in use"}, paired_section(facts_of_case, facts, form)},
-        {{"named", "Named devices"}, named_section(facts_of_case, facts, form)},
+        {{"named", "Named devices"}, named_section(facts_of_case, facts, form, content.named_count)},
         {{"timeline", "Timeline"}, timeline_section(content, facts)},
         {{"cards", "All devices"}, {}, &cards},
         {{}, printed_devices},
@@ -179,9 +212,8 @@ void html_page::write(const QString &path, const page_content &content)
 void html_page::write_brief(const QString &path, const page_content &content, const QString &report_sha256)
 {
     const QList<device_facts> facts = facts_of(content.devices);
-    if (!changes_of_logs)
-        finished_tables(content);
-    const findings_form form{50, false, 60};
+    count_rows(content);
+    const findings_form form{.most_rows = 50, .has_pages = false, .most_characters = 60};
     const QByteArray annex = report_sha256.isEmpty() ? QByteArray("<p>No full report was written with it.</p>\n")
                                                      : "<p>Its annex is the full report, report.html, SHA-256 "
                                                            + html_hash(report_sha256) + ".</p>\n";
@@ -191,7 +223,8 @@ void html_page::write_brief(const QString &path, const page_content &content, co
     file.add("<header class=\"brief\">");
     file.add(case_heading(facts_of_case, "Bluetooth evidence in brief", content.shortcomings, 20));
     file.add("</header>\n<main id=\"content\">\n");
-    file.add(html_section("findings", "Findings", annex + figures(facts_of_case, facts, counts, form)));
+    file.add(html_section("findings", "Findings", annex + figures(facts_of_case, facts, *counts, form)));
+    file.add(flagged_section(facts_of_case, facts, form));
     file.add(shared_devices_section(facts_of_case, facts, form));
     file.add(paired_section(facts_of_case, facts, form));
     file.add(timeline_section(content, facts, {2, 8, {}, false}));
@@ -204,12 +237,21 @@ void html_page::write_brief(const QString &path, const page_content &content, co
     file.commit();
 }
 
-void html_page::write_index(const QString &path, const page_content &content, const QStringList &pages) const
+void html_page::write_index(const QString &path, const page_content &content, const QStringList &pages)
 {
     const QList<device_facts> facts = facts_of(content.devices);
-    const findings_form form{20, false};
+    count_rows(content);
+    findings_form form;
+    form.pages = pages;
+    timeline_form times;
+    times.has_pages = false;
     const QList<page_section> sections{
+        {{"findings", "Findings"}, findings_section(figures(facts_of_case, facts, *counts, form))},
+        {{"flagged", "Flagged and noted"}, flagged_section(facts_of_case, facts, form)},
         {{"more-than-one-source", "In more than one source"}, shared_devices_section(facts_of_case, facts, form)},
+        {{"paired", "Paired or in use"}, paired_section(facts_of_case, facts, form)},
+        {{"named", "Named devices"}, named_section(facts_of_case, facts, form, content.named_count)},
+        {{"timeline", "Timeline"}, timeline_section(content, facts, times)},
         {{"pages", "Rows of the sources"}, pages_section(facts_of_case, pages)},
     };
     write_page(path, facts_of_case, content.shortcomings, sections + last_sections(facts_of_case));
@@ -219,7 +261,7 @@ void html_page::write_source(const QString &path, const page_content &content, c
 {
     const QList<device_facts> facts = facts_of(content.devices);
     const QList<const html_table *> rows = finished_tables(content);
-    const html_table cards = device_cards(facts_of_case, facts);
+    const html_table cards = device_cards(facts_of_case, facts, content.is_all_compared);
     QList<page_section> sections{
         {{"pages", "The whole case"},
          html_section("pages", "The whole case",

@@ -10,7 +10,14 @@
 #include <QMap>
 #include <QStringList>
 
-/** The numbers of the devices of a case's rows, by result table and in the order in which a page gets its rows. */
+#include <optional>
+#include <vector>
+
+/** The names of the lists beside the result tables whose lines have devices. */
+inline const QString wal_changes_list = QStringLiteral("wal_changes");
+inline const QString host_devices_list = QStringLiteral("host_devices");
+
+/** The numbers of the devices of a case's rows, by result table or list and in the order in which a page gets them. */
 using row_devices = QMap<QString, std::vector<qint64>>;
 
 /** What pages tell of a case besides its rows. */
@@ -19,6 +26,9 @@ struct page_content
     const QList<joined_device> &devices; ///< in the order of their numbers
     const row_devices &device_of_row;
     QStringList shortcomings; ///< why the case, or the report, is not whole
+    bool is_all_compared;     ///< every row, write-ahead log and list of every source of the case was
+    qint64 device_count;      ///< of all devices, also those that are not in the list
+    qint64 named_count;       ///< of them
 };
 
 /** Makes report.html: one file that needs nothing else and asks nobody for anything. */
@@ -30,6 +40,9 @@ public:
     /** Rows come table by table, and source by source in each. */
     void add(const report_row &row);
 
+    /** A row that stands on another page: the findings count it, and the timeline has it. */
+    void count(const report_row &row);
+
     /** The page of a whole case. */
     void write(const QString &path, const page_content &content);
 
@@ -39,21 +52,22 @@ public:
      */
     void write_brief(const QString &path, const page_content &content, const QString &report_sha256);
 
-    /** The page that leads to those of the sources; no row was added to it. @p pages are their file names, in order. */
-    void write_index(const QString &path, const page_content &content, const QStringList &pages) const;
+    /** The page that leads to those of the sources; its rows were counted. @p pages are their file names, in order. */
+    void write_index(const QString &path, const page_content &content, const QStringList &pages);
 
     /** The page of the only source of the case that it was made for. @p index is the file name of the page above. */
     void write_source(const QString &path, const page_content &content, const QString &index);
 
 private:
+    void count_rows(const page_content &content);
     QList<const html_table *> finished_tables(const page_content &content);
     QByteArray timeline_section(const page_content &content, const QList<device_facts> &facts,
                                 const timeline_form &form = {}) const;
 
     const report_case &facts_of_case;
     QMap<QString, std::shared_ptr<row_table>> tables;
-    std::unique_ptr<html_table> changes_of_logs;
-    row_figures counts; ///< of the finished tables
+    std::vector<html_table> lists; ///< of the host's own reading
+    std::optional<row_figures> counts;
 };
 
 #endif

@@ -24,12 +24,16 @@ public:
     /** Rows come source by source. */
     void add(const report_row &row);
 
+    /** What the findings ask of a row that stands on another page; for each row this or add(). */
+    void count(const report_row &row);
+
     /** After the last row: @p devices are the numbers of the rows' devices, in the order of the rows. */
     void finish(const std::vector<qint64> &devices);
 
     html_table table;
     log_timeline times;
     qint64 differing = 0;
+    qint64 left_out = 0; ///< rows of which the plug-in leaves something out by design
     qint64 sightings = 0;
     QSet<QByteArray> sighted; ///< what tells the devices of logs apart
 
@@ -41,7 +45,15 @@ private:
     page_column *device = nullptr;
 };
 
-/** What write-ahead logs make of the rows of a case; counts what it finds. */
-html_table wal_table(const report_case &that_case, row_figures &counts);
+// Lists of the host's own reading, of all sources.
+
+/** What write-ahead logs make of rows; counts what it finds. @p devices are the numbers of the lines' devices. */
+html_table wal_table(const report_case &that_case, const std::vector<qint64> &devices, row_figures &counts);
+
+/** The devices of lists; @p devices are their numbers, in the order of the lines. */
+html_table host_device_table(const report_case &that_case, const std::vector<qint64> &devices);
+
+html_table unparsed_table(const report_case &that_case);
+html_table salvage_table(const report_case &that_case);
 
 #endif

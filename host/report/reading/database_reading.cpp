@@ -179,7 +179,12 @@ void database_reading::describe_wal()
     if (!has_wal)
         return;
     const auto change = wal_changes.constFind(current.place.rowid.value_or(-1));
-    current.wal = cell::of_text(change == wal_changes.cend() ? unchanged : *change);
+    current.is_changed_by_log = change != wal_changes.cend();
+    current.wal = cell::of_text(current.is_changed_by_log ? change->change : unchanged);
+    if (!current.is_changed_by_log)
+        return;
+    current.wal_values = cell::of_text_or_null(change->values);
+    current.with_log = change->counters;
 }
 
 void database_reading::describe_address()

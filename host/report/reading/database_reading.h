@@ -14,6 +14,14 @@
 #include <utility>
 #include <vector>
 
+/** What a write-ahead log makes of a row of the main file. */
+struct row_in_log
+{
+    QByteArray change;
+    QByteArray values;     ///< of a changed row, the columns that are other ones there: a JSON object
+    counter_pair counters; ///< those of the row then
+};
+
 /** A working copy that a host reading reads. */
 struct database_copy
 {
@@ -21,7 +29,7 @@ struct database_copy
     QString path; ///< what locators call it
     const macos_database &database;
     bool has_wal = false;                       ///< and it was compared with the database
-    QHash<qint64, QByteArray> wal_changes = {}; ///< of rows in the main file, by their rowids
+    QHash<qint64, row_in_log> wal_changes = {}; ///< of rows in the main file, by their rowids
     QString problem = {};                       ///< why not all of them are known
     qint64 lost = 0; ///< how many rows the result lacks: so many may be passed over to find the one with the next UUID
 };
@@ -58,7 +66,7 @@ private:
     preferences_names names;
     qint64 may_pass_over;
     bool has_wal;
-    QHash<qint64, QByteArray> wal_changes;
+    QHash<qint64, row_in_log> wal_changes;
     QSet<QByteArray> left_out_columns; ///< of the result: those that the plug-in leaves empty for integers
     column_pair uuid;
     std::vector<column_pair> pairs;

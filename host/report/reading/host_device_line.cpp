@@ -82,7 +82,8 @@ const line_columns<host_device_line> &host_device_columns()
               "the file of the evidence, relative to the source"_L1}, [](const line &one) { return cell::of_text_or_null(one.place().file); }},
             {{"path"_ba, group::locator, {}, false, "Path of keys"_L1,
               "the keys that lead to the entry"_L1}, [](const line &one) { return cell::of_text_or_null(one.path); }},
-        };
+        }
+        + note_columns<line>();
     // clang-format on
     return columns;
 }
@@ -104,6 +105,7 @@ QString for_each_host_device(const report_case &that_case, const report_source &
               kept.bytes("address_normal"_L1),
               joined_texts(kept.json.value("names"_L1)),
               kept.bytes("kind"_L1),
-              kept.bytes("bluetooth_version"_L1)});
+              kept.bytes("bluetooth_version"_L1),
+              that_case.notes->of_device({kept.bytes("address"_L1)})});
     });
 }

@@ -27,7 +27,14 @@ struct host_device_line
     QByteArray names; ///< joined by " | "
     QByteArray kind;
     QByteArray bluetooth_version;
+    notes_of_one notes;
+    note_marks marks = note_marks(notes);
 
+    /** Whether the list says so. */
+    bool is_paired() const
+    {
+        return kept.json.value(QStringLiteral("is_paired")).toBool();
+    }
     const row_place &place() const
     {
         return evidence_place;

@@ -32,6 +32,11 @@ const table_rows *counts_of(const source_record &record, const QString &table)
     return found == record.rows.cend() ? nullptr : &*found;
 }
 
+row_in_log row_in_log_of(const wal_change &change)
+{
+    return {change.change, change.changed_values(), change.counters_after()};
+}
+
 /** With what the records of the source say of it. */
 database_copy copy_with_wal(const report_case &that_case, const report_source &source, database_copy copy)
 {
@@ -43,7 +48,7 @@ database_copy copy_with_wal(const report_case &that_case, const report_source &s
         return copy;
     copy.problem = for_each_wal_change(that_case, source, [&](const wal_change &change) {
         if (change.table == table.toUtf8() && change.change != "added" && change.place().rowid)
-            copy.wal_changes.insert(*change.place().rowid, change.change);
+            copy.wal_changes.insert(*change.place().rowid, row_in_log_of(change));
     });
     return copy;
 }

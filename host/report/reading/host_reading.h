@@ -6,6 +6,7 @@
 
 #include "host/report/reading/report_case.h"
 #include "host/report/reading/row_place.h"
+#include "host/report/reading/row_ranks.h"
 #include "host/sqlite/sqlite.h"
 #include "host/text/cell.h"
 
@@ -39,7 +40,11 @@ struct host_values
     cell differs;
     cell left_out;
     cell wal;
+    cell wal_values;
     cell date;
+
+    bool is_changed_by_log = false; ///< by a write-ahead log, which also deletes
+    counter_pair with_log;          ///< the counters of such a row; none of one that is deleted
 };
 
 /** Follows the rows of one result table in the evidence that they come from, one after the other. */

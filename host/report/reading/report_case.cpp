@@ -78,6 +78,15 @@ void read_records(report_case &result)
         add_source(result, read_source_record(result.layout, number).source);
 }
 
+void read_notes(report_case &result)
+{
+    try {
+        result.notes = std::make_shared<note_list>(read_case_notes(result.layout));
+    } catch (const host_error &error) {
+        result.shortcomings.append(error.message().replace(result.layout.directory() + u'/', QString()));
+    }
+}
+
 } // namespace
 
 report_case read_report_case(const QString &directory)
@@ -87,5 +96,6 @@ report_case read_report_case(const QString &directory)
         read_manifest(result);
     else
         read_records(result);
+    read_notes(result);
     return result;
 }

@@ -7,6 +7,7 @@
 #include "host/case/case_layout.h"
 #include "host/case/source_record.h"
 #include "host/report/reading/preferences_names.h"
+#include "host/report/reading/row_notes.h"
 #include "host/report/reading/row_ranks.h"
 #include "host/report/reading/vendor_list.h"
 
@@ -44,6 +45,7 @@ struct report_case
     QList<report_source> sources;
     vendor_list vendors;      ///< empty unless the examiner gave one
     QStringList shortcomings; ///< why the case is not complete, in plain words
+    std::shared_ptr<const note_list> notes = std::make_shared<note_list>(); ///< what examiners noted; never null
 };
 
 /**

@@ -7,6 +7,7 @@
 #include "host/files/host_error.h"
 #include "host/files/paths.h"
 #include "host/report/reading/row_ranks.h"
+#include "host/report/reading/wal_change.h"
 
 #include <algorithm>
 #include <iterator>
@@ -64,6 +65,13 @@ const table_ranks &ranks_of_table(const report_case &that_case, const report_sou
             ranks.connected.add(counters.connected);
         }
     }
+    for_each_wal_change(that_case, source, [&](const wal_change &change) {
+        if (change.change != "added" || change.table != table.toUtf8())
+            return;
+        const counter_pair counters = change.counters_after();
+        ranks.seen.add(counters.seen);
+        ranks.connected.add(counters.connected);
+    });
     ranks.seen.sort();
     ranks.connected.sort();
     return *source.ranks->insert(table, ranks);
@@ -77,6 +85,23 @@ std::optional<qint64> rows_expected(const report_source &source, const QString &
             return rows.stored;
     }
     return {};
+}
+
+/** Those on the row, and on its device by any of the row's own names for it. */
+notes_of_one notes_on(const report_case &that_case, const report_source &source, const QString &table,
+                      const sqlite_statement &row, const host_values &host)
+{
+    const auto bytes_in = [&row](QLatin1StringView name) {
+        const int column = row.column_named(name);
+        return column < 0 ? QByteArray() : row.bytes(column).toByteArray();
+    };
+    const int number = row.column_named("INT"_L1);
+    notes_of_one notes = that_case.notes->of_device({bytes_in("uuid"_L1), bytes_in("sf_device_id"_L1),
+                                                     bytes_in("address"_L1), bytes_in("device_address"_L1),
+                                                     host.resolved_address.bytes.toByteArray()});
+    if (number >= 0)
+        add_notes(notes, that_case.notes->of_row({source.record.number, table, row.integer(number)}));
+    return notes;
 }
 
 /** Throws host_error and sqlite_error. */
@@ -93,8 +118,19 @@ void read_result(const report_case &that_case, const report_source &source, cons
     while (row.next()) {
         host->next(row);
         const counter_pair counters = counters_of(row, host->values());
-        tell({source, table, row, host->values(), utf8_table, ranks.seen.rank_of(counters.seen),
-              ranks.connected.rank_of(counters.connected), counter_readings(counters.seen)});
+        report_row told{source,
+                        table,
+                        row,
+                        host->values(),
+                        utf8_table,
+                        ranks.seen.rank_of(counters.seen),
+                        ranks.connected.rank_of(counters.connected),
+                        counter_readings(counters.seen)};
+        if (!that_case.notes->is_empty()) {
+            told.notes = notes_on(that_case, source, table, row, host->values());
+            told.marks = note_marks(told.notes);
+        }
+        tell(told);
         ++reading.rows;
     }
     reading.problem = host->problem();

@@ -22,6 +22,8 @@ struct report_row
     std::optional<qint64> rank_last_seen = {};
     std::optional<qint64> rank_last_connection = {};
     QByteArray last_seen_readings = {}; ///< counter_readings()
+    notes_of_one notes = {};            ///< on the row itself, and on what it calls its device
+    note_marks marks = {};
 
     const row_place &place() const
     {

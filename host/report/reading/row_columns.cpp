@@ -4,6 +4,7 @@
 #include "host/report/reading/row_columns.h"
 
 #include "host/report/reading/common_columns.h"
+#include "host/report/reading/row_notes.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,7 +31,8 @@ const line_columns<report_row> &first_columns()
 /** What stands behind the plug-in's columns. */
 const line_columns<report_row> &last_columns()
 {
-    static const line_columns<report_row> columns = place_columns<report_row>() + host_columns() + rank_columns();
+    static const line_columns<report_row> columns = place_columns<report_row>() + host_columns() + rank_columns()
+                                                    + note_columns<report_row>();
     return columns;
 }
 
@@ -78,6 +80,8 @@ const line_columns<report_row> &host_columns()
           "the columns of the result that the plug-in leaves empty by design though the evidence holds a value"_L1}, host_value<&values::left_out>},
         {{"wal"_ba, host, {}, {}, "In the write-ahead log"_L1,
           "what the write-ahead log makes of the row: unchanged, changed or deleted; NULL where there is none, or it cannot be compared"_L1}, host_value<&values::wal>},
+        {{"wal_values"_ba, host, {}, true, "Values with the log"_L1,
+          "of a row that the write-ahead log changes, the columns of the evidence that are other ones there"_L1}, host_value<&values::wal_values>},
         {{"date"_ba, host, {}, {}, "Date of the line"_L1,
           "the date of a line whose form has year and zone, in ISO 8601"_L1}, host_value<&values::date>},
     };
@@ -92,10 +96,10 @@ const line_columns<report_row> &rank_columns()
     // clang-format off
     static const line_columns<report_row> columns{
         {{"rank_last_seen"_ba, group::line, {}, {}, "Rank, last seen"_L1,
-          "the place of the counter among those of the table of the source: 1 is the largest, equal ones share theirs"_L1},
+          "the place of the counter among those of the table of the source as it is with its write-ahead log: 1 is the largest, equal ones share theirs; none of a row that the log deletes"_L1},
          [](const report_row &row) { return cell::of_integer(row.rank_last_seen); }},
         {{"rank_last_connection"_ba, group::line, {}, {}, "Rank, last connection"_L1,
-          "the place of the counter among those of the table of the source: 1 is the largest, equal ones share theirs"_L1},
+          "the place of the counter among those of the table of the source as it is with its write-ahead log: 1 is the largest, equal ones share theirs; none of a row that the log deletes"_L1},
          [](const report_row &row) { return cell::of_integer(row.rank_last_connection); }},
         {{"last_seen_readings"_ba, group::line, use::everywhere, true, "Last seen, if it were a time"_L1,
           "the times that the counter would be, as far as they are plausible; it is not known to be one"_L1},

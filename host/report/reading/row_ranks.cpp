@@ -40,6 +40,8 @@ std::optional<qint64> counter_in(const cell &in_evidence, const sqlite_statement
 
 counter_pair counters_of(const sqlite_statement &row, const host_values &host)
 {
+    if (host.is_changed_by_log)
+        return host.with_log;
     return {counter_in(host.last_seen_time, row, "last_seen_time"_L1),
             counter_in(host.last_connection_time, row, "last_connection_time"_L1)};
 }

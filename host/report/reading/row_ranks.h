@@ -15,7 +15,7 @@
 
 struct host_values;
 
-/** The two counters of a row, from the evidence where the host has read it, else from the result. */
+/** The two counters of a row as it is now: with its write-ahead log, else in the evidence, else in the result. */
 struct counter_pair
 {
     std::optional<qint64> seen;

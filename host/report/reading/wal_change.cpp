@@ -5,7 +5,9 @@
 
 #include "host/files/paths.h"
 #include "host/report/reading/common_columns.h"
+#include "host/report/reading/counter.h"
 #include "host/report/reading/kept_lines.h"
+#include "host/text/json_text.h"
 #include "host/text/raw_json.h"
 
 #include <QJsonDocument>
@@ -19,8 +21,10 @@ namespace {
 class wal_change_reader
 {
 public:
-    wal_change_reader(const report_source &of_source, const std::function<void(const wal_change &change)> &taker)
+    wal_change_reader(const report_source &of_source, const note_list &of_case,
+                      const std::function<void(const wal_change &change)> &taker)
         : source(of_source)
+        , notes(of_case)
         , take(taker)
     {
     }
@@ -36,7 +40,8 @@ public:
               {text("file"_L1), text("table"_L1), line.number("rowid"_L1), {}, {}},
               line.bytes("change"_L1),
               line.raw_value("before"),
-              line.raw_value("after")});
+              line.raw_value("after"),
+              notes_on(line)});
     }
 
     /** The earlier form: one document, of which each change is a line, and so is the start of each table. */
@@ -56,12 +61,52 @@ public:
     }
 
 private:
+    notes_of_one notes_on(const kept_line &line) const
+    {
+        QByteArrayList names;
+        for (const QLatin1StringView row : {"before"_L1, "after"_L1}) {
+            for (const QLatin1StringView column : {"Uuid"_L1, "Address"_L1, "ResolvedAddress"_L1})
+                names.append(bytes_of_json(line.json.value(row).toObject().value(column)));
+        }
+        return notes.of_device(names);
+    }
+
     const report_source &source;
+    const note_list &notes;
     const std::function<void(const wal_change &change)> &take;
     QJsonObject table; ///< of the changes that follow, in the earlier form
 };
 
 } // namespace
+
+QByteArray wal_change::changed_values() const
+{
+    const auto old_values = raw_json_members(before);
+    const auto new_values = raw_json_members(after);
+    const QJsonObject names = QJsonDocument::fromJson(after).object();
+    if (!old_values || !new_values)
+        return {};
+    QByteArray json = "{";
+    for (const QString &name : names.keys()) {
+        const QByteArray column = name.toUtf8();
+        if (old_values->value(column) == new_values->value(column))
+            continue;
+        json += json.size() > 1 ? "," : "";
+        append_json_bytes(json, column);
+        json += ':' + new_values->value(column).toByteArray();
+    }
+    return json + '}';
+}
+
+counter_pair wal_change::counters_after() const
+{
+    const QJsonObject row = QJsonDocument::fromJson(after).object();
+    const auto counter = [&row](QLatin1StringView name) {
+        const QJsonValue value = row.value(name);
+        return counter_of(value.isDouble() ? cell::of_integer(value.toInteger()) : cell::of_text(bytes_of_json(value)));
+    };
+    return {counter("LastSeenTime"_L1), counter("LastConnectionTime"_L1)};
+}
 
 const line_columns<wal_change> &wal_columns()
 {
@@ -79,7 +124,7 @@ const line_columns<wal_change> &wal_columns()
             {{"after"_ba, group::line, {}, true, "With the log"_L1, "the row in the main file with its write-ahead log"_L1},
              [](const wal_change &line) { return cell::of_text_or_null(line.after); }},
         }
-        + place_columns<wal_change>();
+        + place_columns<wal_change>() + note_columns<wal_change>();
     // clang-format on
     return columns;
 }
@@ -88,7 +133,7 @@ QString for_each_wal_change(const report_case &that_case, const report_source &s
                             const std::function<void(const wal_change &change)> &take)
 {
     const source_layout layout = that_case.layout.source(source.record.number);
-    wal_change_reader reader(source, take);
+    wal_change_reader reader(source, *that_case.notes, take);
     if (path_exists(layout.wal_changes()))
         return for_each_kept_line(layout.wal_changes(), [&](const kept_line &line) { reader.read(line); });
     return for_each_text_line(layout.earlier_wal_changes(),

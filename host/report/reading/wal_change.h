@@ -6,7 +6,9 @@
 
 #include "host/report/reading/report_case.h"
 #include "host/report/reading/report_column.h"
+#include "host/report/reading/row_notes.h"
 #include "host/report/reading/row_place.h"
+#include "host/report/reading/row_ranks.h"
 
 #include <QByteArray>
 #include <QString>
@@ -22,11 +24,18 @@ struct wal_change
     QByteArray change; ///< added, changed or deleted
     QByteArray before; ///< the row in the main file: a JSON object by column; empty: it is not there
     QByteArray after;  ///< the row with the log
+    notes_of_one notes;
+    note_marks marks = note_marks(notes);
 
     const row_place &place() const
     {
         return evidence_place;
     }
+
+    /** Of a changed row the columns that are other ones with the log, as a JSON object; else empty. */
+    QByteArray changed_values() const;
+    /** Those of the row with the log. */
+    counter_pair counters_after() const;
 };
 
 const line_columns<wal_change> &wal_columns();

@@ -38,23 +38,38 @@ QByteArray keys_as_json(const joined_device &device)
     return json + ']';
 }
 
-shared_line line_of(const report_case &that_case, const joined_device &device, const device_appearance &appearance)
+note_marks marks_of(const joined_device &device)
 {
-    return {device, appearance, that_case.sources.at(appearance.source), keys_as_text(device),
-            appearance.table.toUtf8()};
+    notes_of_one notes;
+    for (const device_appearance &appearance : device.appearances)
+        add_notes(notes, appearance.notes);
+    return note_marks(notes);
+}
+
+shared_line line_of(const report_case &that_case, const joined_device &device, const device_appearance &appearance,
+                    const note_marks &marks)
+{
+    return {device,
+            appearance,
+            that_case.sources.at(appearance.source),
+            keys_as_text(device),
+            appearance.table.toUtf8(),
+            marks};
 }
 
 QByteArray device_as_json(const report_case &that_case, const joined_device &device, const json_objects &appearances)
 {
+    const note_marks marks = marks_of(device);
     QByteArray json = "{\"device\":" + QByteArray::number(device.shared_number)
-                      + ",\"joined_by\":" + keys_as_json(device) + ",\"sources\":[";
+                      + ",\"card\":" + QByteArray::number(device.number) + ",\"note\":" + marks.json + ",\"flag\":"
+                      + text_of(marks.flag()) + ",\"joined_by\":" + keys_as_json(device) + ",\"sources\":[";
     QByteArrayList sources;
     for (const int source : device.sources)
         sources.append(QByteArray::number(that_case.sources.at(source).record.number));
     json += sources.join(',') + "],\"appearances\":[";
     for (const device_appearance &appearance : device.appearances) {
         json += json.endsWith('[') ? "" : ",";
-        appearances.append(json, cells_of(shared_columns(), line_of(that_case, device, appearance)));
+        appearances.append(json, cells_of(shared_columns(), line_of(that_case, device, appearance, marks)));
     }
     return json + "]}\n";
 }
@@ -71,6 +86,12 @@ const line_columns<shared_line> &shared_columns()
         line_columns<shared_line>{
             {{"device"_ba, group::line, use::cells_only, {}, "Device"_L1, "its number among the devices that more than one source knows"_L1},
              [](const shared_line &line) { return cell::of_integer(line.device.shared_number); }},
+            {{"card"_ba, group::line, use::cells_only, {}, "Card"_L1, "its number among all devices, as on the page"_L1},
+             [](const shared_line &line) { return cell::of_integer(line.device.number); }},
+            {{"note"_ba, group::line, use::cells_only, false, "Note"_L1, "what an examiner noted of the device"_L1},
+             [](const shared_line &line) { return cell::of_text_or_null(line.marks.text); }},
+            {{"flag"_ba, group::line, use::cells_only, true, "Flag"_L1, "whether an examiner has flagged the device"_L1},
+             [](const shared_line &line) { return line.marks.flag(); }},
             {{"joined_by"_ba, group::line, use::cells_only, {}, "Joined by"_L1, "what the sources have in common"_L1},
              [](const shared_line &line) { return cell::of_text(line.joined_by); }},
         }
@@ -98,8 +119,9 @@ void for_each_shared_appearance(const report_case &that_case, const QList<joined
     for (const joined_device &device : devices) {
         if (device.shared_number == 0)
             continue;
+        const note_marks marks = marks_of(device);
         for (const device_appearance &appearance : device.appearances)
-            take(cells_of(shared_columns(), line_of(that_case, device, appearance)));
+            take(cells_of(shared_columns(), line_of(that_case, device, appearance, marks)));
     }
 }
 

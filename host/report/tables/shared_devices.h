@@ -19,6 +19,7 @@ struct shared_line
     const report_source &source;
     QByteArray joined_by;
     QByteArray table;
+    note_marks marks; ///< of the device
 
     const row_place &place() const
     {

@@ -86,33 +86,19 @@ class DevicePage {
             for (const row of rows) {
                 const number = data.value("source", row);
                 if (!sources.has(number))
-                    sources.set(number, {name: data.value("source_name", row), counts: new Map(), connected: 0, listed: 0,
-                                         dates: [], places: []});
-                const source = sources.get(number);
-                source.counts.set(data.id, (source.counts.get(data.id) ?? 0) + 1);
-                const connected = data.value("host_last_connection_time", row) ?? data.value("plugin_last_connection_time", row);
-                source.connected += Number(connected) > 0 ? 1 : 0;
-                source.listed += data.value("host_preferences_name", row) === null ? 0 : 1;
-                const date = data.value("plugin_date", row);
-                if (date !== null)
-                    source.dates.push(date);
-                source.places.push(placeText(data, row));
+                    sources.set(number, new SourceKnowledge(data.value("source_name", row)));
+                sources.get(number).learn(data, row);
             }
         }
         return sources;
     }
 
     sourceTable(sources) {
-        const headings = ["Source", "Paired or in use", "With a last connection", "Seen", "In the write-ahead log",
-                          "With a name in the preferences", "Read by the host alone", "First", "Last", "Places"];
-        const rows = [...sources].map(([number, source]) => {
-            const count = id => numbers.format(source.counts.get(id) ?? 0);
-            return [`${number} ${source.name ?? ""}`, count("paired-devices"), numbers.format(source.connected), count("devices"),
-                    count("wal-changes"), numbers.format(source.listed), count("host-devices"), source.dates[0] ?? "",
-                    source.dates.at(-1) ?? "", shortList(source.places, 3)];
-        });
-        const told = headings.map((unused, place) => place === 0 || rows.some(row => !["", "0"].includes(row[place])));
-        return plainTable("What each source knows: numbers of rows", headings.filter((unused, place) => told[place]),
+        const headings = ["Source", "Paired or in use", "Last connection, counter", "Seen", "In the write-ahead log", "In the lists",
+                          "Sightings", "First", "Last", "Places"];
+        const rows = [...sources].map(([number, source]) => [`${number} ${source.name ?? ""}`, ...source.texts()]);
+        const told = headings.map((unused, place) => place === 0 || rows.some(row => row[place] !== ""));
+        return plainTable("What each source knows", headings.filter((unused, place) => told[place]),
                           rows.map(row => row.filter((unused, place) => told[place])));
     }
 
@@ -144,13 +130,73 @@ class DevicePage {
             lines.push(`SHA-256 of the case's manifest: ${document.body.dataset.manifest}`);
         for (const column of this.cards.columns) {
             const value = column.value(row);
-            if (value !== null && column.name !== "device")
+            if (value !== null && !["device", "note", "flag"].includes(column.name)) // an examiner's words are no evidence
                 lines.push(`${column.heading}: ${value}`);
         }
         for (const [source, {name, places}] of sources)
             lines.push(`Source ${source} (${name}): ${shortList(places, 10)}`);
         return lines.join("\n");
     }
+}
+
+/** What one source knows of a device. */
+class SourceKnowledge {
+    constructor(name) {
+        this.name = name;
+        this.paired = new Set();
+        this.connections = new Set();
+        this.counters = new Set();
+        this.logChanges = new Set();
+        this.lists = new Set();
+        this.dates = [];
+        this.seen = 0;
+        this.places = [];
+    }
+
+    learn(data, row) {
+        const value = name => data.value(name, row);
+        this.places.push(placeText(data, row));
+        if (data.id === "host-devices") {
+            this.lists.add(value("list"));
+            if (value("is_paired") === "true")
+                this.paired.add(`by ${value("list")}`);
+            return;
+        }
+        if (data.id === "wal-changes") {
+            if (value("change") === "added")
+                this.logChanges.add("only in the log");
+            return;
+        }
+        const date = value("plugin_date");
+        if (data.id === "paired-devices")
+            this.paired.add(date === null ? "paired" : "\"active device\" notice");
+        else
+            ++this.seen;
+        if (date !== null)
+            this.dates.push(date);
+        if (value("host_wal") !== null)
+            this.logChanges.add(value("host_wal"));
+        if (value("host_preferences_name") !== null)
+            this.lists.add("preferences");
+        const connection = value("host_last_connection_time") ?? value("plugin_last_connection_time");
+        if (Number(connection) > 0)
+            this.connections.add(withRank(connection, value("rank_last_connection")));
+        const counter = value("host_last_seen_time") ?? value("plugin_last_seen_time");
+        if (Number(counter) > 0)
+            this.counters.add(`counter ${withRank(counter, value("rank_last_seen"))}`);
+    }
+
+    texts() {
+        const isLog = this.dates.length > 0;
+        return [[...this.paired].join(", "), [...this.connections].join("; "), this.seen > 0 ? "seen" : "",
+                [...this.logChanges].join(", "), [...this.lists].join(", "),
+                isLog && this.seen > 0 ? numbers.format(this.seen) : "", this.dates[0] ?? "",
+                this.dates.at(-1) ?? [...this.counters].join("; "), shortList(this.places, 3)];
+    }
+}
+
+function withRank(counter, rank) {
+    return rank === null ? counter : `${counter} (rank ${rank})`;
 }
 
 function shortList(texts, most) {
@@ -162,7 +208,10 @@ function placeText(data, row) {
     const file = data.value("host_file", row);
     if (file === null)
         return `row ${row + 1} of ${data.id}, place in the evidence unknown`;
+    const keys = data.value("host_path", row);
     const line = data.value("host_line", row);
+    if (keys !== null)
+        return `${file} ${keys}`;
     return line === null ? `${file} ${data.value("host_table", row)} rowid ${data.value("host_rowid", row)}` : `${file} line ${line}`;
 }
 
