@@ -48,7 +48,7 @@ const folder_rule folder_rules[] = {
     {u"host/case"_s,            {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s}},
     {u"host/sample"_s,          {u"host/files"_s, u"host/sqlite"_s, u"host/source"_s}},
     {u"host/report/reading"_s,  {u"host/devices"_s, u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s, property_list_header}},
-    {u"host/report/join"_s,     {u"host/devices"_s, u"host/files"_s, u"host/text"_s, u"host/source"_s, u"host/report/reading"_s}},
+    {u"host/report/join"_s,     {u"host/devices"_s, u"host/files"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s, u"host/report/reading"_s}},
     {u"host/report/tables"_s,   {u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/report/reading"_s, u"host/report/join"_s}},
     {u"host/report/page"_s,     {u"host/devices"_s, u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/case"_s, u"host/report/reading"_s, u"host/report/join"_s, u"host/report/tables"_s}},
     {u"host/report"_s,          {u"host/files"_s, u"host/text"_s, u"host/case"_s, u"host/report/reading"_s, u"host/report/join"_s, u"host/report/tables"_s, u"host/report/page"_s}},

@@ -86,12 +86,6 @@ const line_columns<shared_line> &shared_columns()
         line_columns<shared_line>{
             {{"device"_ba, group::line, use::cells_only, {}, "Device"_L1, "its number among the devices that more than one source knows"_L1},
              [](const shared_line &line) { return cell::of_integer(line.device.shared_number); }},
-            {{"card"_ba, group::line, use::cells_only, {}, "Card"_L1, "its number among all devices, as on the page"_L1},
-             [](const shared_line &line) { return cell::of_integer(line.device.number); }},
-            {{"note"_ba, group::line, use::cells_only, false, "Note"_L1, "what an examiner noted of the device"_L1},
-             [](const shared_line &line) { return cell::of_text_or_null(line.marks.text); }},
-            {{"flag"_ba, group::line, use::cells_only, true, "Flag"_L1, "whether an examiner has flagged the device"_L1},
-             [](const shared_line &line) { return line.marks.flag(); }},
             {{"joined_by"_ba, group::line, use::cells_only, {}, "Joined by"_L1, "what the sources have in common"_L1},
              [](const shared_line &line) { return cell::of_text(line.joined_by); }},
         }
@@ -108,7 +102,15 @@ const line_columns<shared_line> &shared_columns()
             {{"icloud_identifier"_ba, group::host, {}, {}, "iCloud identifier"_L1, {}}, text<&one::icloud_identifier>},
             {{"preferences_name"_ba, group::host, {}, {}, "Name in the preferences"_L1, {}}, text<&one::preferences_name>},
         }
-        + place_columns<shared_line>();
+        + place_columns<shared_line>()
+        + line_columns<shared_line>{
+            {{"card"_ba, group::line, use::cells_only, {}, "Card"_L1, "its number among all devices, as on the page"_L1},
+             [](const shared_line &line) { return cell::of_integer(line.device.number); }},
+            {{"note"_ba, group::line, use::cells_only, false, "Note"_L1, "what an examiner noted of the device"_L1},
+             [](const shared_line &line) { return cell::of_text_or_null(line.marks.text); }},
+            {{"flag"_ba, group::line, use::cells_only, true, "Flag"_L1, "whether an examiner has flagged the device"_L1},
+             [](const shared_line &line) { return line.marks.flag(); }},
+        };
     // clang-format on
     return columns;
 }

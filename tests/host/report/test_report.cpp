@@ -256,10 +256,13 @@ void test_report::rows_for_programs()
                                 {u"differs"_s, QJsonValue()},
                                 {u"left_out"_s, QJsonValue()},
                                 {u"wal"_s, QJsonValue()},
+                                {u"wal_values"_s, QJsonValue()},
                                 {u"date"_s, QJsonValue()}}},
         {u"rank_last_seen"_s, 1},
         {u"rank_last_connection"_s, QJsonValue()},
         {u"last_seen_readings"_s, QJsonArray()},
+        {u"note"_s, QJsonArray()},
+        {u"flag"_s, false},
     };
     QCOMPARE(QJsonDocument(first).toJson(), QJsonDocument(expected).toJson());
 
@@ -461,7 +464,7 @@ void test_report::columns_of_several_kinds_of_sources()
                      "host_last_seen_time,host_last_connection_time,host_name_origin,host_gatt_service_change_config,"
                      "host_custom_properties,host_tags,host_icloud_identifier,host_address_kind,host_name,host_rssi,"
                      "host_aid,host_line_text,host_preferences_name,host_vendor,host_differs,host_left_out,host_wal,"
-                     "host_date,rank_last_seen,rank_last_connection,last_seen_readings");
+                     "host_wal_values,host_date,rank_last_seen,rank_last_connection,last_seen_readings,note,flag");
     const auto cell = [&](qsizetype line, const QByteArray &column) {
         return lines.value(line).trimmed().split(',').value(header.split(',').indexOf(column));
     };
@@ -662,10 +665,10 @@ void test_report::rows_of_a_write_ahead_log()
     QCOMPARE(content_of(host.path(u"case/Report/wal_changes.jsonl"_s)),
              "{\"source\":1,\"source_name\":\"Source1\",\"table\":\"devices\",\"locator\":{\"file\":\"Library/x.db\","
              "\"table\":\"OtherDevices\",\"rowid\":7},\"change\":\"added\",\"before\":null,\"after\":{\"a\":"
-             "9007199254740993}}\n"
+             "9007199254740993},\"note\":[],\"flag\":false}\n"
              "{\"source\":1,\"source_name\":\"Source1\",\"table\":\"devices\",\"locator\":{\"file\":\"Library/x.db\","
              "\"table\":\"OtherDevices\",\"rowid\":8},\"change\":\"deleted\",\"before\":{\"a\":\",\\\"before\\\":\"},"
-             "\"after\":null}\n");
+             "\"after\":null,\"note\":[],\"flag\":false}\n");
 }
 
 void test_report::json_lines_follow_their_schema()
@@ -910,8 +913,8 @@ void test_report::disagreement_is_told()
     QCOMPARE(row.value("host"_L1).toObject().value("differs"_L1).toString(), u"device_name"_s);
     const QByteArray page = content_of(host.path(u"case/Report/report.html"_s));
     // What the plug-in leaves out by design is none.
-    QCOMPARE(page.count("Rows in which the two differ: 1; host_differs names the columns."), 1);
-    QCOMPARE(page.count("Rows in which the two differ: 0; host_differs names the columns."), 1);
+    QCOMPARE(page.count("Rows with a contradiction: 1; host_differs names the columns."), 1);
+    QCOMPARE(page.count("Rows with a contradiction: 0; host_differs names the columns."), 1);
 }
 
 void test_report::custom_properties_that_cannot_be_read()

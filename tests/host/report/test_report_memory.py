@@ -20,7 +20,7 @@ if sys.platform != "linux":
     sys.exit(77)
 
 few, many = 2_000, 60_000
-most_growth = 4096  # KiB
+most_growth = 8192  # KiB: among them the UUIDs of one source's devices, which number the cards of shared ones
 database = "Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"
 numbers = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < {rows}) "
 
