@@ -202,6 +202,18 @@ QByteArray type_of(const source_record &record)
     return html_text(record.type) + (is_said ? "<br>read as " + html_text(record.driven_as) : QByteArray());
 }
 
+/** What kept the process that read the source in its place; empty for records that do not say. */
+QByteArray confinement_of(const source_record &record)
+{
+    if (!record.confinement.isObject())
+        return {};
+    const QJsonObject confinement = record.confinement.toObject();
+    const QJsonValue landlock = confinement.value("landlock"_L1);
+    return "<br>confined by "
+           + (landlock.isDouble() ? "Landlock " + QByteArray::number(landlock.toInteger()) : QByteArray("no Landlock"))
+           + (confinement.value("seccomp"_L1).toBool() ? ", seccomp" : ", no seccomp");
+}
+
 /** The preferences list, mobile lists and the registry, in lines. */
 QByteArray lists_of(const source_record &record)
 {
@@ -226,7 +238,8 @@ QByteArray sources_table(const report_case &that_case, qsizetype most_rows)
     QByteArray rows;
     for (const report_source &source : that_case.sources.first(std::min(that_case.sources.size(), most_rows)))
         rows += html_row({QByteArray::number(source.record.number), "<bdi>" + html_text(source.name) + "</bdi>",
-                          type_of(source.record), html_text(status_name(source.record.status)),
+                          type_of(source.record),
+                          html_text(status_name(source.record.status)) + confinement_of(source.record),
                           counts_of(source.record) + lists_of(source.record), html_hash(source.record.result_sha256)});
     return html_static_table("Sources",
                              {"Number", "Name", "Type", "Status", "Rows stored, of those found",
