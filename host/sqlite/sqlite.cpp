@@ -321,6 +321,9 @@ QByteArrayView sqlite_statement::bytes(int column) const
     const void *start = column_type(column) == cell::type::blob
                             ? sqlite3_column_blob(statement.get(), column)
                             : static_cast<const void *>(sqlite3_column_text(statement.get(), column));
+    sqlite3 *const database = sqlite3_db_handle(statement.get());
+    if (!start && sqlite3_errcode(database) == SQLITE_NOMEM) // an empty value is null too
+        fail(database, SQLITE_NOMEM);
     return QByteArrayView(static_cast<const char *>(start), sqlite3_column_bytes(statement.get(), column));
 }
 

@@ -64,6 +64,7 @@ const table_ranks &ranks_of_table(const report_case &that_case, const report_sou
             ranks.seen.add(counters.seen);
             ranks.connected.add(counters.connected);
         }
+        ranks.problem = host->problem();
     }
     for_each_wal_change(that_case, source, [&](const wal_change &change) {
         if (change.change != "added" || change.table != table.toUtf8())
@@ -133,7 +134,7 @@ void read_result(const report_case &that_case, const report_source &source, cons
         tell(told);
         ++reading.rows;
     }
-    reading.problem = host->problem();
+    reading.problem = host->problem().isEmpty() ? ranks.problem : host->problem();
 }
 
 } // namespace

@@ -43,6 +43,7 @@ struct table_ranks
 {
     counter_ranks seen;
     counter_ranks connected;
+    QString problem; ///< what kept counters from being read; empty: nothing
 };
 
 /**
