@@ -3,7 +3,8 @@
 //
 // node scripts/report_pictures.mjs PROGRAM FOLDER [MODULES]
 // Takes pictures of a report of the sample into FOLDER: light, dark and narrow ones, print.pdf, and report.png,
-// report-device.png and report-print.png, which are those of docs/. MODULES is build/browser unless it is given; ./test.sh installs what is needed there.
+// report-device.png and report-print.png, which are those of docs/. MODULES is build/browser unless it is given; ./test.sh
+// installs what is needed there.
 
 import {execFileSync} from "node:child_process";
 import {mkdirSync, mkdtempSync, rmSync} from "node:fs";
@@ -40,13 +41,13 @@ const toFilter = async page => {
     await page.type("#devices-filter", "o");
     await page.$eval("#devices", section => section.scrollIntoView());
 };
-const toFirstPaired = async page => {
-    await page.click("#paired tbody a");
+const toShared = async page => {
+    await page.click("#more-than-one-source tbody a");
     await page.waitForSelector("section.device");
 };
 
 await take("report.png", {width: 1200, height: 760});
-await take("report-device.png", {width: 1200, height: 760, prepare: toFirstPaired});
+await take("report-device.png", {width: 1200, height: 760, prepare: toShared});
 for (const scheme of ["light", "dark"]) {
     await take(`${scheme}.png`, {width: 1280, height: 1600, scheme});
     await take(`${scheme}-filter.png`, {width: 1280, height: 1000, scheme, prepare: toFilter});

@@ -74,15 +74,17 @@ device_appearance appearance_of(const report_row &row, int source)
     result.name = text_in(row.plugin, {"device_name"_L1});
     result.address = text_in(row.plugin, {"address"_L1, "device_address"_L1});
     result.resolved_address = row.host.resolved_address.bytes.toByteArray();
-    result.host_name = row.host.name.bytes.toByteArray();
+    result.host_name = row.host.name.bytes == result.name ? result.name : row.host.name.bytes.toByteArray();
     result.preferences_name = row.host.preferences_name.bytes.toByteArray();
     result.vendor = row.host.vendor.bytes.toByteArray();
-    result.address_kind = row.host.address_kind.bytes.toByteArray();
+    // The name of a kind is a literal: no row needs one of its own.
+    result.address_kind = QByteArray::fromRawData(row.host.address_kind.bytes.data(),
+                                                  row.host.address_kind.bytes.size());
     result.icloud_identifier = row.host.icloud_identifier.bytes.toByteArray();
     if (result.icloud_identifier.isEmpty())
         result.icloud_identifier = text_in(row.plugin, {"icloud_identifier"_L1});
     result.is_paired = result.table == result_tables().last();
-    result.log_change = row.host.wal.bytes.toByteArray();
+    result.is_deleted_by_log = row.host.wal.bytes == "deleted";
     result.notes = row.notes;
     add_keys(result);
     return result;

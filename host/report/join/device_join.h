@@ -50,10 +50,10 @@ struct device_appearance
     QByteArray icloud_identifier;
     QByteArray vendor;
     QByteArray address_kind;
-    QByteArray local_name;  ///< without UUID and keys: what else tells the device apart within its source
-    QByteArray log_change;  ///< of a row: host_wal
-    bool is_paired = false; ///< the source has it as paired: in that table, or its list says so
-    qsizetype line = -1;    ///< its place among the lines of its list; -1: it is a row
+    QByteArray local_name;          ///< without UUID and keys: what else tells the device apart within its source
+    bool is_deleted_by_log = false; ///< a row that the write-ahead log deletes
+    bool is_paired = false;         ///< the source has it as paired: in that table, or its list says so
+    qsizetype line = -1;            ///< its place among the lines of its list; -1: it is a row
     QList<join_key> keys;
     notes_of_one notes;
 };

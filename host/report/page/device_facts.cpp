@@ -139,7 +139,7 @@ QByteArray log_changes_of(const joined_device &device)
             texts.add("only in the log");
         else if (is_in_log_alone(appearance))
             texts.add("changed");
-        else if (appearance.log_change == "deleted")
+        else if (appearance.is_deleted_by_log)
             texts.add("deleted");
     }
     return texts.text();
