@@ -23,7 +23,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr size_t block_bytes = 1 << 18;
+constexpr size_t block_bytes = 1 << 15; // behind each member that is passed over one is read
 constexpr int most_link_passes = 8;
 constexpr qsizetype most_warnings = 20;
 

@@ -1,0 +1,106 @@
+#!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+# SPDX-License-Identifier: MIT
+#
+# bench_containers.py PROGRAM image [GIB]   a sparse image with a macOS source in it: inspect against fls and icat of the
+#                                           same library, which list the volume and read what the program reads
+# bench_containers.py PROGRAM tar [GIB]     a tar of many files: inspect, which reads it once, against tar -tf
+# bench_containers.py PROGRAM hash [GIB]    the hash of a container against openssl of the same libcrypto
+# By turns, five rounds; the ratios are medians of those of the rounds. Containers stand in the temporary folder meanwhile.
+
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import tarfile
+import tempfile
+import time
+
+rounds = 5
+sector = 512
+
+
+def measured(*commands):
+    """Seconds by the clock and peak memory in KiB of commands that must end well, one after the other."""
+    start, peak = time.perf_counter(), 0
+    for command in commands:
+        process = subprocess.Popen(list(map(str, command)), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        _, status, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        if process.returncode != 0:
+            sys.exit(f"{command} ended with {process.returncode}")
+        peak = max(peak, usage.ru_maxrss)
+    return time.perf_counter() - start, peak
+
+
+def compare(what, ours, theirs):
+    results = [(measured(*ours), measured(*theirs)) for _ in range(rounds)]
+    ratios = [our[0] / their[0] for our, their in results]
+    print(f"{what}: {statistics.median(our[0] for our, _ in results):.2f} s against "
+          f"{statistics.median(their[0] for _, their in results):.2f} s, ratio {statistics.median(ratios):.2f} "
+          f"({min(ratios):.2f} to {max(ratios):.2f}), peak {max(our[1] for our, _ in results)} KiB against "
+          f"{max(their[1] for _, their in results)} KiB")
+
+
+def sample(program, folder):
+    subprocess.run([program, "-q", "sample", folder / "sample"], check=True, stdout=subprocess.DEVNULL)
+    return folder / "sample/macos"
+
+
+def image(program, folder, gibibytes):
+    path = folder / "disk.dd"
+    with open(path, "wb") as file:
+        file.truncate(gibibytes << 30)
+    subprocess.run(["/sbin/mke2fs", "-q", "-t", "ext4", "-d", sample(program, folder), path], check=True)
+    listed = subprocess.run(["fls", "-r", "-p", path], check=True, capture_output=True, text=True).stdout
+    inodes = [line.split()[1].rstrip(":") for line in listed.splitlines() if "Library" in line and line.startswith("r/r")]
+    theirs = [["fls", "-r", path]] + [["icat", path, inode] for inode in inodes]
+    compare(f"image of {gibibytes} GiB, evidence listed and sized against fls and icat",
+            [[program, "inspect", path]], theirs)
+    cases = iter(range(1000))
+    results = []
+    for _ in range(rounds):
+        ours = measured([program, "extract", "-q", "-i", path, "-o", folder / f"case{next(cases)}",
+                         "--no-container-hash"])
+        plain = measured([program, "extract", "-q", "-i", folder / "sample/macos", "-o", folder / f"case{next(cases)}"])
+        results.append((ours[0] - plain[0], measured(*theirs)[0], ours[1]))
+    print(f"image, what extract takes longer than of its folder: {statistics.median(r[0] for r in results):.2f} s against "
+          f"{statistics.median(r[1] for r in results):.2f} s of fls and icat, peak {max(r[2] for r in results)} KiB")
+
+
+def tar(program, folder, gibibytes):
+    path = folder / "dump.tar"
+    filling = os.urandom(1 << 20)
+    with tarfile.open(path, "w") as archive:
+        archive.add(sample(program, folder), "dump")
+        (folder / "filling").write_bytes(filling)
+        for number in range(gibibytes << 10):
+            archive.add(folder / "filling", f"dump/private/{number:06}")
+    measured(["cat", path]) # both find it in memory then
+    ours = [[program, "inspect", path]]
+    compare(f"tar of {gibibytes} GiB, against tar -tf, which goes from header to header", ours, [["tar", "-tf", path]])
+    compare(f"tar of {gibibytes} GiB, against tar -tf that reads all of it", ours,
+            [["sh", "-c", 'cat "$1" | tar -tf -', "sh", path]])
+
+
+def hashing(program, folder, gibibytes):
+    path = folder / "hash.tar"
+    with tarfile.open(path, "w") as archive:
+        archive.add(sample(program, folder), ".")
+    with open(path, "ab") as file:
+        for _ in range(gibibytes << 10):
+            file.write(os.urandom(1 << 20))
+    case = folder / "case"
+    subprocess.run([program, "extract", "-q", "-i", path, "-o", case], check=True, stderr=subprocess.DEVNULL)
+    compare(f"hash of {gibibytes} GiB, verify --containers against openssl",
+            [[program, "-q", "verify", case, "--containers"]], [["openssl", "dgst", "-sha256", path]])
+
+
+if __name__ == "__main__":
+    works = {"image": (image, 20), "tar": (tar, 4), "hash": (hashing, 2)}
+    if len(sys.argv) < 3 or sys.argv[2] not in works:
+        sys.exit(f"usage: {sys.argv[0]} PROGRAM image|tar|hash [GIB]")
+    work, gibibytes = works[sys.argv[2]]
+    with tempfile.TemporaryDirectory() as temporary:
+        work(pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(temporary), int(sys.argv[3]) if len(sys.argv) > 3 else gibibytes)

@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+# SPDX-License-Identifier: MIT
+#
+# scripts/container_mutants.sh [COUNT]  so many mutants of each form of container (2,000) under the sanitizers. Those that
+#                                       bring a process down are named by their numbers.
+
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/setup.sh
+
+set_up "${debian_test_packages[@]}"
+build asan --target bluetooth-logs bluetooth_logs container_mutants write_hive
+folder=build/asan/tests/host/container
+exec python3 -B tests/host/container/test_container_mutants.py build/asan/bluetooth-logs \
+    "$folder/write_hive" "$folder/container_mutants" "${1:-2000}"
