@@ -3,7 +3,8 @@
 # SPDX-License-Identifier: MIT
 #
 # ./scripts/check.sh         builds, attacks the program with a sample of each kind, and writes docs/reliability.md
-# ./scripts/check.sh --long  tries every fault of every call and kills the program at each of them, which takes hours
+# ./scripts/check.sh --long  tries every fault of every call and kills the program at each of them, and 2,000 mutants of each
+#                            form of container under the sanitizers, which takes hours
 #
 # The environment may say how many are tried: CHECK_FAULTS, CHECK_KILLS, CHECK_OTHERS (empty: all faults, all kills).
 
@@ -37,5 +38,8 @@ python3 -B tests/faults/test_faults.py "$CHECK_PROGRAM" "$CHECK_SHIM" --jobs "$j
     --json "$figures/killed at a call of the system.json" || code=1
 python3 -B tests/faults/test_attacks.py "$CHECK_PROGRAM" "$CHECK_SHIM" --sample "$others" --json "$figures/other.json" ||
     code=1
+if [ "${1:-}" = --long ]; then
+    scripts/container_mutants.sh || code=1
+fi
 python3 -B tests/faults/write_reliability.py "$CHECK_PROGRAM" "$figures" >docs/reliability.md
 exit "$code"
