@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/command_line.h"
+#include "host/worker/reading_process.h"
 #include "host/worker/worker.h"
 
 #include <QCoreApplication>
@@ -19,19 +20,26 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+exit_code run(const command_line &line, console &out)
+{
+    exit_code code = line.command(out);
+    if (code == exit_code::done && out.has_told_error()) // whoever told it: 0 promises that there was none
+        code = exit_code::partial;
+    if (out.finish())
+        return code;
+    out.error(u"standard output cannot be written"_s);
+    return code == exit_code::done ? exit_code::internal_error : code;
+}
+
 exit_code run_reporting_errors(const command_line &line)
 {
     console out(line.output);
     try {
         if (line.problem)
             throw *line.problem;
-        exit_code code = line.command(out);
-        if (code == exit_code::done && out.has_told_error()) // whoever told it: 0 promises that there was none
-            code = exit_code::partial;
-        if (out.finish())
-            return code;
-        out.error(u"standard output cannot be written"_s);
-        return code == exit_code::done ? exit_code::internal_error : code;
+        if (!line.reading)
+            return run(line, out);
+        return exit_code(run_in_reading_process(*line.reading, [&line, &out] { return int(run(line, out)); }));
     } catch (const host_error &error) {
         out.error(error.message());
         return exit_code_of(error.kind());

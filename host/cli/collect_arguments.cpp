@@ -4,10 +4,13 @@
 #include "host/cli/arguments.h"
 #include "host/cli/collect_command.h"
 #include "host/cli/commands.h"
+#include "host/cli/reading_arguments.h"
 
 #include <memory>
 
 namespace {
+
+constexpr qint64 usual_seconds = 3600;
 
 constexpr example examples[] = {
     {"bluetooth-logs extract --sources list.json -o case --only 1", "on one machine"},
@@ -24,6 +27,10 @@ void add_collect_command(CLI::App &app, command_line &line)
     for (const example &shown : examples)
         add_example(collect, shown);
     add_place(collect, {"CASE", "PATH", "The case's folder"}, *directory)->required();
-    collect.final_callback(
-        [directory, &line] { line.command = [directory](console &out) { return run_collect(*directory, out); }; });
+    const auto limits = add_reading_limits(collect, usual_seconds);
+    collect.final_callback([directory, limits, &line] {
+        limits->writable = {*directory};
+        line.reading = *limits;
+        line.command = [directory](console &out) { return run_collect(*directory, out); };
+    });
 }

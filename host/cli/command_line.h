@@ -7,6 +7,7 @@
 #include "host/cli/console.h"
 #include "host/cli/exit_code.h"
 #include "host/files/host_error.h"
+#include "host/run/reading_limits.h"
 
 #include <QStringList>
 
@@ -19,6 +20,7 @@ struct command_line
     QStringList arguments; ///< as they were typed
     console_options output;
     std::function<exit_code(console &out)> command; ///< does it; may throw host_error
+    std::optional<reading_limits> reading;          ///< of a command that reads a case in a process of its own
     std::optional<host_error> problem;              ///< what is wrong with it; there is no command then
 };
 

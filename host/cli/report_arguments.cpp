@@ -3,6 +3,7 @@
 
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/reading_arguments.h"
 #include "host/cli/report_command.h"
 #include "host/files/paths.h"
 
@@ -13,6 +14,8 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr qint64 usual_seconds = 3600;
 
 report_format format_named(const argument &what, const QString &name)
 {
@@ -84,12 +87,15 @@ void add_report_command(CLI::App &app, command_line &line)
     add_flag(report, {"--brief", "", "Write brief.html too: the case in short, at most ten sheets of paper"},
              options->brief);
     add_flag(report, {"--force", "", "Replace the files of an earlier report"}, options->force);
-    report.final_callback([options, &line] {
+    const auto limits = add_reading_limits(report, usual_seconds);
+    report.final_callback([options, limits, &line] {
         options->output = options->output.isEmpty()
                               ? QString(options->case_directory + u"/Report"_s)
                               : resolved_down_to(options->case_directory, options->output, u"--output"_s);
         if (options->formats.isEmpty())
             options->formats.append(report_format::html);
+        limits->writable = {options->output};
+        line.reading = *limits;
         line.command = [options](console &out) { return run_report(*options, out); };
     });
 }

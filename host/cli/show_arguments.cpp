@@ -5,6 +5,7 @@
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
 #include "host/cli/host_device_view.h"
+#include "host/cli/reading_arguments.h"
 #include "host/cli/show_command.h"
 
 #include <memory>
@@ -83,8 +84,10 @@ void add_show_command(CLI::App &app, command_line &line)
                           "csv, tsv or jsonl: the rows of --table for a program, as \"report\" writes them to a file",
                           {"bluetooth-logs show case --table devices -f jsonl"}};
     add_value(show, format, [options, format](const QString &name) { take_format(*options, format, name); });
-    show.final_callback([options, &line] {
+    const auto limits = add_reading_limits(show, 0); // a pager may hold it for hours
+    show.final_callback([options, limits, &line] {
         refuse_contradictions(*options);
+        line.reading = *limits;
         line.command = [options](console &out) { return run_show(*options, out); };
     });
 }

@@ -68,7 +68,7 @@ void for_each_row(const result_database &database, const QString &table, std::op
         for (qint64 i = 0; (!limit || i < *limit) && row.next(); ++i)
             look(row);
     } catch (const sqlite_error &error) {
-        throw host_error(error_kind::not_found,
+        throw host_error(error.is_out_of_memory() ? error_kind::incomplete : error_kind::not_found,
                          u"the table "_s + table + u" cannot be read to its end: "_s + error.message());
     }
 }

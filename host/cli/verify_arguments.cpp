@@ -3,9 +3,11 @@
 
 #include "host/cli/arguments.h"
 #include "host/cli/commands.h"
+#include "host/cli/reading_arguments.h"
 #include "host/cli/verify_command.h"
 #include "host/files/paths.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <memory>
@@ -56,6 +58,12 @@ void add_verify_command(CLI::App &app, command_line &line)
                "Write the same into a file that is not there yet",
                {"bluetooth-logs verify case --record verified.json"}},
               options->record_file);
-    verify.final_callback(
-        [options, &line] { line.command = [options](console &out) { return run_verify(*options, out); }; });
+    const auto limits = add_reading_limits(verify, 0); // evidence may be terabytes
+    verify.final_callback([options, request, limits, &line] {
+        if (!options->record_file.isEmpty())
+            limits->writable = {QFileInfo(options->record_file).path()};
+        limits->is_confined = !request->hashes_containers; // that is left to workers
+        line.reading = *limits;
+        line.command = [options](console &out) { return run_verify(*options, out); };
+    });
 }

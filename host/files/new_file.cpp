@@ -28,6 +28,7 @@ new_file::new_file(const QString &target)
     file = open_without_links(temporary, O_WRONLY | O_CREAT | O_EXCL, 0644);
     if (!file.is_open())
         fail(errno);
+    unfinished.emplace(QFile::encodeName(temporary));
     buffer.reserve(buffer_bytes);
 }
 
@@ -56,6 +57,7 @@ void new_file::commit()
         fail(errno);
     if (const int error = give_name(temporary, path); error != 0)
         fail(error);
+    unfinished.reset();
     file.close();
 }
 

@@ -5,9 +5,12 @@
 #define HOST_FILES_NEW_FILE_H
 
 #include "host/files/descriptor.h"
+#include "host/files/unfinished_file.h"
 
 #include <QByteArray>
 #include <QString>
+
+#include <optional>
 
 /**
  * A file that is written piece by piece and has its name only when it is whole: until then it stands beside it as
@@ -33,6 +36,7 @@ private:
     QString temporary;
     QByteArray buffer;
     descriptor file;
+    std::optional<unfinished_file> unfinished; ///< while the file stands as "<name>.new"
 };
 
 #endif

@@ -10,8 +10,11 @@
 #include <QFile>
 #include <QSet>
 
+#include <csignal>
+
 #include <link.h>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -44,7 +47,7 @@ QSet<QString> library_folders()
 
 } // namespace
 
-confinement confine_process(const QStringList &readable, const QString &writable)
+confinement confine_process(const QStringList &readable, const QStringList &writable)
 {
     confinement result;
     ::prctl(PR_SET_DUMPABLE, 0);
@@ -56,8 +59,16 @@ confinement confine_process(const QStringList &readable, const QString &writable
             rules.allow_reading(place);
     }
     rules.allow_reading_and_writing(u"/dev/null"_s);
-    rules.allow_everything_below(writable);
+    for (const QString &folder : writable)
+        rules.allow_everything_below(folder);
     result.landlock = rules.put_in_force();
     result.seccomp = refuse_needless_calls();
     return result;
+}
+
+void end_with(pid_t parent)
+{
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (::getppid() != parent) // it was gone before
+        ::raise(SIGTERM);
 }

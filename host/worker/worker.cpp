@@ -12,6 +12,7 @@
 #include "host/worker/cancellation.h"
 #include "host/worker/confinement.h"
 #include "host/worker/extraction.h"
+#include "host/worker/memory_limit.h"
 #include "host/worker/plugin_loader.h"
 #include "plugin/bluetooth_logs.h"
 
@@ -27,7 +28,6 @@
 #include <string>
 #include <thread>
 
-#include <sys/resource.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -35,13 +35,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 bytes_between_events = qint64(64) << 20;
-
-// Sanitizers reserve terabytes of addresses.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool can_limit_memory = false;
-#else
-constexpr bool can_limit_memory = true;
-#endif
 
 int events = -1; // the descriptor that the watching process reads
 
@@ -116,7 +109,7 @@ void confine(const source_request &request, const QString &writable)
             readable.append(QFileInfo(request.source.path).path());
         if (request.source.follow_links)
             readable.append(u"/"_s);
-        in_force = confine_process(readable, writable);
+        in_force = confine_process(readable, {writable});
     }
     send(confined_line(in_force.to_json()));
     end_with_the_watcher(false).detach();
@@ -130,13 +123,8 @@ void confine_to_source(const source_request &request)
 
 void set_limits(qint64 mebibytes)
 {
-    const rlimit no_core{0, 0}; // evidence would be in it, outside the case
-    ::setrlimit(RLIMIT_CORE, &no_core);
+    limit_memory(mebibytes);
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is told by what writes it
-    if (!can_limit_memory)
-        return;
-    const rlimit limit{rlim_t(mebibytes) << 20, rlim_t(mebibytes) << 20};
-    ::setrlimit(RLIMIT_AS, &limit);
 }
 
 /** Sends how many bytes were hashed or read, not too often. */

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/worker/memory_limit.h"
+
+#include <sys/resource.h>
+
+namespace {
+
+// Sanitizers reserve terabytes of addresses.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool can_limit_memory = false;
+#else
+constexpr bool can_limit_memory = true;
+#endif
+
+} // namespace
+
+bool limit_memory(qint64 mebibytes)
+{
+    const rlimit no_core{0, 0};
+    ::setrlimit(RLIMIT_CORE, &no_core);
+    rlimit present = {};
+    const rlim_t bytes = rlim_t(mebibytes) << 20;
+    if (!can_limit_memory || ::getrlimit(RLIMIT_AS, &present) != 0 || present.rlim_cur < bytes)
+        return false;
+    const rlimit limit{bytes, bytes};
+    return ::setrlimit(RLIMIT_AS, &limit) == 0;
+}

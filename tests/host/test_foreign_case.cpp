@@ -1,0 +1,283 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "tests/host/host_program.h"
+#include "tests/support/file_content.h"
+#include "tests/support/sqlite_file.h"
+#include "tests/support/strict_test.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTest>
+
+#include <csignal>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int longest = 60000; // milliseconds; one that hangs takes for ever
+
+// A sanitizer reserves more addresses than any limit leaves.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool has_memory_limit = false;
+#else
+constexpr bool has_memory_limit = true;
+#endif
+
+/** Takes half a second a row, and gives a small number. */
+const QString slow_column = u"length(hex(zeroblob(60000000)))"_s;
+
+/** The processes that a process made, and that still run. */
+QList<qint64> children_of(qint64 process)
+{
+    const QString number = QString::number(process);
+    QList<qint64> children;
+    for (const QByteArray &child :
+         content_of(u"/proc/"_s + number + u"/task/"_s + number + u"/children"_s).simplified().split(' '))
+        children.append(child.toLongLong());
+    return children;
+}
+
+/** The value of a line of /proc/PROCESS/status. */
+QByteArray status_of(qint64 process, const QByteArray &name)
+{
+    for (const QByteArray &line : content_of(u"/proc/"_s + QString::number(process) + u"/status"_s).split('\n')) {
+        if (line.startsWith(name) && line.at(name.size()) == ':')
+            return line.sliced(name.size() + 1).trimmed();
+    }
+    return {};
+}
+
+} // namespace
+
+/** A case that a stranger wrote is read in a process of its own, which limits, signals and faults end. */
+class test_foreign_case : public strict_test
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init() override;
+    void memory_data();
+    void memory();
+    void time_data();
+    void time();
+    void file_that_is_none_data();
+    void file_that_is_none();
+    void signal_data();
+    void signal();
+    void killed_program();
+    void process_that_reads_data();
+    void process_that_reads();
+
+private:
+    /** The rows of the table "devices" of the case are made by @p expression. */
+    void make_rows(const QString &expression, int count) const;
+    /** Starts a report that takes minutes, and waits until it writes. */
+    void start_report(QProcess &process) const;
+    QStringList unfinished_files() const;
+
+    host_program host;
+};
+
+void test_foreign_case::initTestCase()
+{
+    host.write_sample();
+    QCOMPARE(host.run({u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"original"_s}).exit_code, 0);
+}
+
+void test_foreign_case::init()
+{
+    strict_test::init();
+    QVERIFY(QDir(host.path(u"case"_s)).removeRecursively());
+    QVERIFY(QDir(host.path(u"report"_s)).removeRecursively());
+    QCOMPARE(QProcess::execute(u"cp"_s, {u"-r"_s, host.path(u"original"_s), host.path(u"case"_s)}), 0);
+}
+
+void test_foreign_case::make_rows(const QString &expression, int count) const
+{
+    const sqlite_file result(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s));
+    QStringList columns;
+    for (const QVariantList &column : result.rows(u"SELECT name FROM pragma_table_info('devices')"_s))
+        columns.append(column.first().toString());
+    QStringList definitions = columns;
+    definitions[columns.indexOf(u"device_name"_s)] += u" AS ("_s + expression + u')';
+    result.execute(u"DROP TABLE devices"_s);
+    result.execute(u"CREATE TABLE devices("_s + definitions.join(u',') + u')');
+    result.execute(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < ?) "
+                   "INSERT INTO devices(uuid) SELECT i FROM n"_s,
+                   {count});
+}
+
+void test_foreign_case::start_report(QProcess &process) const
+{
+    make_rows(slow_column, 1000);
+    host.start(process, {u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-o"_s, host.path(u"report"_s)});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"report/devices.jsonl.new"_s)), longest);
+}
+
+QStringList test_foreign_case::unfinished_files() const
+{
+    QStringList names;
+    QDirIterator files(host.path(QString()), {u"*.new"_s}, QDir::AllEntries, QDirIterator::Subdirectories);
+    while (files.hasNext())
+        names.append(files.next());
+    return names;
+}
+
+void test_foreign_case::memory_data()
+{
+    QTest::addColumn<QString>("command");
+
+    QTest::newRow("show") << u"show case"_s;
+    QTest::newRow("show for programs") << u"show case --table devices -f jsonl"_s;
+    QTest::newRow("report for programs") << u"report case -f jsonl -o report"_s;
+    QTest::newRow("pages") << u"report case -o report"_s;
+    QTest::newRow("database") << u"report case -f sqlite -o report"_s;
+}
+
+void test_foreign_case::memory()
+{
+    QFETCH(QString, command);
+    if (!has_memory_limit)
+        QSKIP("a sanitizer needs all addresses");
+    make_rows(u"hex(zeroblob(400000000))"_s, 3);
+    const host_result result = host.run_in_shell(command + u" --memory-limit 512"_s);
+    QCOMPARE(result.exit_code, 4);
+    QVERIFY2(result.errors.contains(u"out of memory"_s), qPrintable(result.errors));
+    QCOMPARE(unfinished_files(), QStringList());
+}
+
+void test_foreign_case::time_data()
+{
+    QTest::addColumn<QString>("command");
+
+    QTest::newRow("show") << u"show case"_s;
+    QTest::newRow("report for programs") << u"report case -f csv -o report"_s;
+    QTest::newRow("pages") << u"report case -o report"_s;
+}
+
+void test_foreign_case::time()
+{
+    QFETCH(QString, command);
+    make_rows(slow_column, 1000);
+    QElapsedTimer clock;
+    clock.start();
+    const host_result result = host.run_in_shell(command + u" --timeout 1"_s);
+    QCOMPARE(result.exit_code, 4);
+    QVERIFY2(result.errors.endsWith(u"error: reading the case took longer than the 1 s of --timeout\n"_s),
+             qPrintable(result.errors));
+    QVERIFY2(clock.elapsed() < longest, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(unfinished_files(), QStringList());
+}
+
+void test_foreign_case::file_that_is_none_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<bool>("is_pipe"); // else it is a sparse file
+
+    for (const char *file :
+         {"manifest.json", "manifest.json.sha256", "notes.jsonl", "Source1/source.json", "Source1/plugin.log",
+          "Source1/wal_changes.jsonl", "Source1/host_devices.jsonl",
+          "Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite",
+          "Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite-wal", "Source1/run.lock", "Report"}) {
+        QTest::addRow("pipe %s", file) << QString::fromLatin1(file) << true;
+    }
+    for (const char *file : {"manifest.json", "notes.jsonl", "Source1/source.json",
+                             "Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"})
+        QTest::addRow("sparse %s", file) << QString::fromLatin1(file) << false;
+}
+
+/** Whatever they say of it: all commands end by themselves. */
+void test_foreign_case::file_that_is_none()
+{
+    QFETCH(QString, file);
+    QFETCH(bool, is_pipe);
+    const QString path = host.path(u"case/"_s + file);
+    QFile::remove(path);
+    if (is_pipe)
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0644), 0);
+    else
+        QVERIFY(QFile(path).open(QIODevice::WriteOnly) && QFile::resize(path, qint64(1) << 33));
+    for (const QString &command : {u"verify case --results-only"_s, u"show case"_s, u"report case -o report"_s,
+                                   u"report case -f sqlite -o report"_s, u"collect case"_s}) {
+        QElapsedTimer clock;
+        clock.start();
+        const host_result result = host.run_in_shell(command + u" --timeout 3"_s);
+        QVERIFY2(clock.elapsed() < longest, qPrintable(command));
+        QVERIFY2(result.exit_code >= 0 && result.exit_code <= 5, qPrintable(command + result.errors));
+        QVERIFY2(result.exit_code == 0 || !result.errors.isEmpty(), qPrintable(command));
+        QVERIFY2(!result.errors.contains(u"crashed"_s), qPrintable(command + result.errors));
+    }
+}
+
+void test_foreign_case::signal_data()
+{
+    QTest::addColumn<int>("signal");
+
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
+}
+
+void test_foreign_case::signal()
+{
+    QFETCH(int, signal);
+    QProcess process;
+    start_report(process);
+    const QList<qint64> children = children_of(process.processId());
+    QCOMPARE(::kill(pid_t(process.processId()), signal), 0);
+    const host_result result = host_program::finish(process);
+    QCOMPARE(result.exit_code, 130);
+    QCOMPARE(result.errors, u"error: interrupted\n"_s);
+    QCOMPARE(unfinished_files(), QStringList());
+    QCOMPARE(children.size(), 1);
+    QVERIFY(::kill(pid_t(children.first()), 0) == -1);
+}
+
+void test_foreign_case::killed_program()
+{
+    QProcess process;
+    start_report(process);
+    const QList<qint64> children = children_of(process.processId());
+    QCOMPARE(children.size(), 1);
+    process.kill();
+    QVERIFY(process.waitForFinished(longest));
+    QTRY_COMPARE_WITH_TIMEOUT(unfinished_files(), QStringList(), longest);
+    QTRY_VERIFY_WITH_TIMEOUT(status_of(children.first(), "State").isEmpty()
+                                 || status_of(children.first(), "State").startsWith('Z'),
+                             longest);
+}
+
+void test_foreign_case::process_that_reads_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("crash") << SIGSEGV << u"error: the process that read the case crashed with SIGSEGV\n"_s;
+    QTest::newRow("killed") << SIGKILL << u"error: the process that read the case crashed with SIGKILL\n"_s;
+}
+
+void test_foreign_case::process_that_reads()
+{
+    QFETCH(int, signal);
+    QFETCH(QString, message);
+    QProcess process;
+    start_report(process);
+    const QList<qint64> children = children_of(process.processId());
+    QCOMPARE(children.size(), 1);
+    QCOMPARE(status_of(children.first(), "NoNewPrivs"), "1");
+    QCOMPARE(status_of(children.first(), "Seccomp"), "2");
+    QCOMPARE(::kill(pid_t(children.first()), signal), 0);
+    const host_result result = host_program::finish(process);
+    QCOMPARE(result.errors, message);
+    QCOMPARE(result.exit_code, 4);
+}
+
+QTEST_GUILESS_MAIN(test_foreign_case)
+#include "test_foreign_case.moc"
