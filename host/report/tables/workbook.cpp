@@ -55,6 +55,8 @@ public:
             fail(system_error_text(errno));
         lxw_workbook_options options = {};
         options.constant_memory = LXW_TRUE; // rows go to the disk one after the other
+        QByteArray folder = QFile::encodeName(temporary.left(temporary.lastIndexOf(u'/')));
+        options.tmpdir = folder.data(); // the process that reads a case writes nowhere else
         book = workbook_new_opt(QFile::encodeName(temporary).constData(), &options);
         if (!book)
             fail(u"libxlsxwriter cannot begin it"_s);
