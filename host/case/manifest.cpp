@@ -6,6 +6,7 @@
 #include "host/case/case_sources.h"
 #include "host/case/kept_file.h"
 #include "host/case/record_objections.h"
+#include "host/files/doubled_member.h"
 #include "host/files/file_lock.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
@@ -245,6 +246,9 @@ QJsonObject manifest_members(const manifest_file &file)
         throw host_error(error_kind::not_found, u"manifest.json is no manifest of this program"_s);
     if (!is_known_version(members))
         throw host_error(error_kind::not_found, u"manifest.json is of another version of this program"_s);
+    if (const std::optional<QString> name = doubled_member(file.bytes))
+        throw host_error(error_kind::not_found,
+                         u"manifest.json is forged: it gives the member \""_s + *name + u"\" twice"_s);
     const QString objection = objection_to_sources(members);
     if (!objection.isEmpty())
         throw host_error(error_kind::not_found, u"manifest.json is forged: "_s + objection);

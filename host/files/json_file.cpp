@@ -3,6 +3,7 @@
 
 #include "host/files/json_file.h"
 
+#include "host/files/doubled_member.h"
 #include "host/files/host_error.h"
 #include "host/files/new_file.h"
 #include "host/files/open_without_links.h"
@@ -55,11 +56,14 @@ QByteArray read_whole_file(const QString &path, qint64 most_bytes)
 QJsonObject read_json_file(const QString &path)
 {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(read_whole_file(path, most_json_bytes), &error);
+    const QByteArray text = read_whole_file(path, most_json_bytes);
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError)
         throw host_error(error_kind::not_found, path + u" is no JSON file: "_s + error.errorString() + u" at byte "_s
                                                     + QString::number(error.offset));
     if (!document.isObject())
         throw host_error(error_kind::not_found, path + u" holds no JSON object"_s);
+    if (const std::optional<QString> name = doubled_member(text))
+        throw host_error(error_kind::not_found, path + u" gives the member \""_s + *name + u"\" twice"_s);
     return document.object();
 }

@@ -22,7 +22,9 @@ void write_json_file(const QString &path, const QJsonObject &content);
 /** The bytes of a regular file of at most @p most_bytes, which is no link. Throws host_error (not_found). */
 QByteArray read_whole_file(const QString &path, qint64 most_bytes);
 
-/** The JSON object in a file of this program. Throws host_error (not_found), naming the file and the place of an error.
+/**
+ * The JSON object in a file of this program. Throws host_error (not_found), naming the file and the place of an error,
+ * or the member that an object has twice.
  */
 QJsonObject read_json_file(const QString &path);
 
