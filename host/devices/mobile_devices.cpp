@@ -32,14 +32,16 @@ void add_last_seen(host_device &device, const QVariant &value)
 {
     const QString name = u"LastSeenTime"_s;
     const std::optional<qint64> seconds = whole_number(value);
+    bool has_reading = false;
     const bool is_small = seconds && *seconds >= 0 && *seconds < year_2035;
     for (const epoch &start : epochs) {
         const qint64 time = is_small ? *seconds + start.seconds : 0;
-        if (time >= year_2000 && time < year_2035)
-            device.times.append(
-                {name, value, utc_of(QDateTime::fromSecsSinceEpoch(time, Qt::UTC)), false, start.words});
+        if (time < year_2000 || time >= year_2035)
+            continue;
+        has_reading = true;
+        device.times.append({name, value, utc_of(QDateTime::fromSecsSinceEpoch(time, Qt::UTC)), false, start.words});
     }
-    if (device.times.isEmpty())
+    if (!has_reading)
         device.times.append({name, value, QString(), false, u"LastSeenTime of the mobile list"_s});
 }
 

@@ -113,9 +113,29 @@ private:
     void read_lists(const report_source &source)
     {
         note(source, for_each_host_device(that_case, source, [this](const host_device_line &device) {
-                 for (const auto time : device.kept.json.value("times"_L1).toArray())
-                     add_list_time(device, time.toObject());
+                 QJsonObject last;
+                 for (const auto time : device.kept.json.value("times"_L1).toArray()) {
+                     if (!is_another_reading(last, time.toObject()))
+                         add_list_time(device, time.toObject());
+                     last = time.toObject();
+                 }
              }));
+    }
+
+    /** A number of unknown start stands in the list once for each reading, and is one time. */
+    static bool is_another_reading(const QJsonObject &one, const QJsonObject &next)
+    {
+        return next.value("clock"_L1) == "unknown"_L1 && one.value("name"_L1) == next.value("name"_L1)
+               && one.value("raw"_L1) == next.value("raw"_L1);
+    }
+
+    /** What the time is; of a number of unknown start by the start that was given. */
+    QByteArray meaning_of(const QJsonObject &time) const
+    {
+        if (time.value("clock"_L1) == "utc"_L1)
+            return bytes_of_json(time.value("meaning"_L1));
+        return bytes_of_json(time.value("name"_L1)) + " of the mobile list, taken as seconds since "
+               + QByteArray::number(options.mobile_epoch.value_or(0));
     }
 
     void add_list_time(const host_device_line &device, const QJsonObject &time)
@@ -126,7 +146,7 @@ private:
         timeline_event event;
         event.timestamp = timestamp_of(iso);
         event.datetime = iso_text(QDateTime::fromString(QString::fromLatin1(iso), Qt::ISODateWithMs));
-        event.description = bytes_of_json(time.value("meaning"_L1));
+        event.description = meaning_of(time);
         event.source = device.source.record.number;
         event.address = device.address_normal.isEmpty() ? device.address : device.address_normal;
         event.device = event.address;

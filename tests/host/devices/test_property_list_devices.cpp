@@ -220,6 +220,14 @@ void test_property_list_devices::mobile_data()
                                         R"("name":"LastSeenTime","raw":"2024-05-17T10:11:05Z",)"
                                         R"("utc":"2024-05-17T10:11:05Z"})",
                                         R"({"LastSeenTime":"2024-05-17T10:11:05Z"})");
+    QTest::newRow("a date before it, and no reading")
+        << entry(address,
+                 dictionary(entry("Added", "<date>2024-05-17T10:11:05Z</date>") + entry("LastSeenTime", integer(-5))))
+        << expected("", nothing_decoded,
+                    R"({"clock":"utc","meaning":"Added of the mobile list","name":"Added",)"
+                    R"("raw":"2024-05-17T10:11:05Z","utc":"2024-05-17T10:11:05Z"},)"
+                        + reading("-5", "null", ""),
+                    R"({"Added":"2024-05-17T10:11:05Z","LastSeenTime":-5})");
     QTest::newRow("no dictionary") << entry(address, integer(7)) << expected("", nothing_decoded, "", "7");
 }
 

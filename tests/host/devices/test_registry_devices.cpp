@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QtEndian>
 #include <QTest>
 
 #include <limits>
@@ -88,6 +89,9 @@ private Q_SLOTS:
     void dirty();
     void damaged_data();
     void damaged();
+    void hostile_shapes_data();
+    void hostile_shapes();
+    void loop_below_a_device();
     void values_that_are_no_good();
     void filetimes_data();
     void filetimes();
@@ -303,6 +307,65 @@ void test_registry_devices::damaged()
     const device_list list = read_registry_devices(bytes);
     QCOMPARE(list.devices.size(), devices);
     QCOMPARE(list.problems, QStringList{problem});
+}
+
+/** Each leads a reader that follows it astray; what is intact around it is read. */
+void test_registry_devices::hostile_shapes_data()
+{
+    QTest::addColumn<QByteArray>("hive");
+    QTest::addColumn<QByteArrayList>("addresses");
+    QTest::addColumn<int>("problems");
+
+    const QByteArray other = "001122334455";
+    const QByteArray hive = hive_bytes(hive_with({devices({{address, {{"Name", hive_binary, "abcdefgh"}}}, {other}})}));
+    const qsizetype key = hive.indexOf(address) - 76;
+    const auto changed = [&hive](qsizetype at, const QByteArray &bytes) {
+        QByteArray result = hive;
+        result.replace(at, bytes.size(), bytes);
+        return result;
+    };
+    const QByteArray root_cell = hive.sliced(36, 4);
+    const QByteArray outside("\0\xff\xff\x7f", 4);
+    const qsizetype devices_list = hive.indexOf("lf", hive.indexOf(other));
+    QVERIFY(key > 0 && devices_list > 0);
+
+    // clang-format off
+    QTest::newRow("a key that is its own ancestor") << changed(devices_list + 4, root_cell)            << QByteArrayList{other} << 0;
+    QTest::newRow("a key beyond the end")           << changed(devices_list + 4, outside)              << QByteArrayList{} << 1;
+    QTest::newRow("a key inside another cell")      << changed(devices_list + 4, QByteArray("\x21\0\0\0", 4)) << QByteArrayList{} << 1;
+    QTest::newRow("a list that says it has 65,535") << changed(devices_list + 2, "\xff\xff")           << QByteArrayList{} << 1;
+    QTest::newRow("a list that is none")            << changed(devices_list, "xx")                     << QByteArrayList{} << 1;
+    QTest::newRow("values beyond the end")          << changed(key + 40, outside)                      << QByteArrayList{address, other} << 1;
+    QTest::newRow("a million values")               << changed(key + 36, QByteArray("\x40\x42\x0f\0", 4)) << QByteArrayList{address, other} << 1;
+    QTest::newRow("a name longer than its cell")    << changed(key + 72, "\xff\x7f")                   << QByteArrayList{other} << 1;
+    QTest::newRow("a name that is no UTF-16")       << changed(key + 2, QByteArray("\0\0", 2)) .replace(key + 76, 12, QByteArray("\0\xd8\0\xd8\0\xd8\0\xd8\0\xd8\0\xd8", 12)) << QByteArrayList{other} << 1;
+    QTest::newRow("a cell without a size")          << changed(key - 4, QByteArray(4, '\0'))           << QByteArrayList{} << 1;
+    // clang-format on
+}
+
+void test_registry_devices::hostile_shapes()
+{
+    QFETCH(QByteArray, hive);
+    QFETCH(QByteArrayList, addresses);
+    const device_list list = read_registry_devices(hive);
+    QByteArrayList found;
+    for (const host_device &device : list.devices)
+        found.append(device.address.toLatin1());
+    QCOMPARE(found, addresses);
+    QTEST(int(list.problems.size()), "problems");
+}
+
+/** A key below a device that leads back to the device. */
+void test_registry_devices::loop_below_a_device()
+{
+    QByteArray hive = hive_bytes(hive_with({devices({{address, {}, {{"below", {}, {{"deeper"}}}}}})}));
+    const qsizetype device = hive.indexOf(address) - 76;
+    const qsizetype below_list = hive.lastIndexOf("lf", hive.indexOf("below"));
+    QVERIFY(device > 0 && below_list > 0);
+    qToLittleEndian(quint32(device - 4 - 4096), hive.data() + below_list + 4);
+    const device_list list = read_registry_devices(hive);
+    QCOMPARE(list.devices.size(), 1);
+    QVERIFY(host_device_line(list.devices.first(), {1, "registry"_L1, u"SYSTEM"_s}).size() < 4096);
 }
 
 void test_registry_devices::values_that_are_no_good()

@@ -66,8 +66,10 @@ QByteArray kept(int line, const QByteArray &text)
 
 constexpr const char *phone_line =
     R"({"source":4,"list":"mobile_devices","address":"B4:C2:6A:7F:D3:7A","address_normal":"b4:c2:6a:7f:d3:7a",)"
-    R"("names":["Car"],"kind":"classic","times":[{"name":"LastSeenTime","raw":737633465,"utc":null,"clock":"unknown",)"
-    R"("meaning":"LastSeenTime of the mobile list"},{"name":"LastConnected","raw":0,"utc":null,"clock":"utc",)"
+    R"("names":["Car"],"kind":"classic","times":[{"name":"LastSeenTime","raw":737633465,"utc":"1993-05-17T10:11:05Z",)"
+    R"("clock":"unknown","meaning":"LastSeenTime of the mobile list, if it is seconds since 1970"},{"name":"LastSeenTime",)"
+    R"("raw":737633465,"utc":"2024-05-17T10:11:05Z","clock":"unknown",)"
+    R"("meaning":"LastSeenTime of the mobile list, if it is seconds since 2001"},{"name":"LastConnected","raw":0,"utc":null,"clock":"utc",)"
     R"("meaning":"LastConnected of the registry"},{"name":"LastNameUpdate","raw":"x","utc":"2024-05-17T10:11:05.25Z",)"
     R"("clock":"utc","meaning":"LastNameUpdate of the preferences"}],"raw":{},"locator":{"file":"a.plist","path":"x"}})"
     "\n";
@@ -296,11 +298,11 @@ void test_report_tables::times_of_lists_data()
     const QString never = u"left out of the timeline: 1 times that say never"_s;
     const QString no_epoch =
         u"left out of the timeline: 1 times of mobile lists whose start is not known: --mobile-epoch says it"_s;
-    const QString seen = u" | LastSeenTime of the mobile list | Car | a.plist x | "_s;
+    const QString seen = u" | LastSeenTime of the mobile list, taken as seconds since %1 | Car | a.plist x | "_s;
     // clang-format off
     QTest::newRow("not said") << 0    << QStringList{update} << QStringList{no_epoch, never};
-    QTest::newRow("2001")     << 2001 << QStringList{u"2024-05-17T10:11:05+00:00"_s + seen + u"1715940665000000"_s, update} << QStringList{never};
-    QTest::newRow("1970")     << 1970 << QStringList{u"1993-05-17T10:11:05+00:00"_s + seen + u"737633465000000"_s, update} << QStringList{never};
+    QTest::newRow("2001")     << 2001 << QStringList{u"2024-05-17T10:11:05+00:00"_s + seen.arg(2001) + u"1715940665000000"_s, update} << QStringList{never};
+    QTest::newRow("1970")     << 1970 << QStringList{u"1993-05-17T10:11:05+00:00"_s + seen.arg(1970) + u"737633465000000"_s, update} << QStringList{never};
     // clang-format on
 }
 
