@@ -5,6 +5,7 @@
 
 #include "host/files/host_error.h"
 #include "host/report/reading/host_device_line.h"
+#include "host/text/count_text.h"
 #include "host/text/utf8_text.h"
 
 #include <QFileInfo>
@@ -44,17 +45,18 @@ exit_code show_host_devices(const show_options &options, console &out)
         if (options.source && *options.source != source.record.number)
             continue;
         qint64 count = 0;
+        qint64 shown = 0;
         const QString problem = for_each_host_device(that_case, source, [&](const host_device_line &device) {
-            if (options.most_rows && count >= *options.most_rows)
+            if (++count; options.most_rows && count > *options.most_rows)
                 return;
-            out.print_line(u"row "_s + QString::number(++count));
+            out.print_line(u"row "_s + QString::number(++shown));
             print_device(device, out);
             out.print_line({});
         });
         if (!problem.isEmpty())
             shortcomings.append(source.problem_text(problem));
-        counts.append(source.name + u"  host_devices  "_s + QString::number(count)
-                      + (count == 1 ? u" row"_s : u" rows"_s));
+        counts.append(source.name + u"  host_devices  "_s + rows_text(count)
+                      + (count > shown ? u", "_s + count_text(shown) + u" shown"_s : QString()));
     }
     out.print(counts);
     for (const QString &text : std::as_const(shortcomings))

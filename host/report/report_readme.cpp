@@ -3,6 +3,10 @@
 
 #include "host/report/report_readme.h"
 
+#include "host/source/source_kinds.h"
+
+#include <algorithm>
+
 namespace {
 
 QByteArray about_cells(const cell_options &cells, const changed_cells &changes)
@@ -39,6 +43,11 @@ QByteArray readme(const report_case &that_case, const report_options &options, c
         text += "SHA-256 of the case's manifest.json: " + that_case.manifest_sha256.toLatin1() + "\n\n";
     if (!that_case.vendors.description().isEmpty())
         text += "Vendors of public addresses by the list " + that_case.vendors.description().toUtf8() + "\n\n";
+    const auto has_hive = [](const report_source &source) { return source.record.type == winos_kind.name; };
+    if (std::any_of(that_case.sources.cbegin(), that_case.sources.cend(), has_hive))
+        text +=
+            "Keys of pairings (link keys, LTKs) are in no report. The copies of registry hives in the case's folders "
+            "Evidence/ hold them, and with them a device can be impersonated.\n\n";
     for (const QString &shortcoming : that_case.shortcomings)
         text += "This case is not complete: " + shortcoming.toUtf8() + "\n\n";
     for (const QString &note : notes)
