@@ -3,6 +3,7 @@
 
 #include "host/case/case_check.h"
 
+#include "host/case/case_sources.h"
 #include "host/case/kept_file.h"
 #include "host/case/manifest.h"
 #include "host/case/report_record.h"
@@ -75,6 +76,7 @@ public:
         check_sources(manifest);
         check_other_folders(manifest);
         check_reports();
+        check_source_list(manifest);
         check_notes(manifest);
         check_entries();
         return outcome;
@@ -314,6 +316,20 @@ private:
         }
     }
 
+    /** The list that --resume goes by says the same as the manifest. */
+    void check_source_list(const QJsonObject &manifest)
+    {
+        if (!path_exists(layout.source_list()))
+            return;
+        try {
+            const QJsonObject listed = sources_identity(read_source_list(layout.source_list()));
+            if (listed != manifest.value("case_sources"_L1).toObject())
+                outcome.differences.append(u"sources.json lists other sources than the manifest"_s);
+        } catch (const host_error &error) {
+            outcome.differences.append(u"sources.json is no list of sources: "_s + error.message());
+        }
+    }
+
     /** Notes may be made at any time. */
     void check_notes(const QJsonObject &manifest)
     {
@@ -327,7 +343,8 @@ private:
     /** What else lies beside the manifest is nobody's fault, and nothing that it vouches for. */
     void check_entries()
     {
-        QStringList known{u"manifest.json"_s, u"manifest.json.sha256"_s, u"notes.jsonl"_s, u".lock"_s};
+        QStringList known{u"manifest.json"_s, u"manifest.json.sha256"_s, u"notes.jsonl"_s,
+                          QFileInfo(layout.source_list()).fileName(), u".lock"_s};
         known += report_folders_of(layout);
         for (const int number : layout.source_numbers())
             known.append(source_name(number));
@@ -354,9 +371,7 @@ private:
             const report_record report = read_report_record(folder);
             const QString name = source_layout(layout.directory(), 0).relative_to_case(folder);
             if (report.manifest_sha256 != outcome.manifest_sha256)
-                outcome.notes.append(u"the report in "_s + name
-                                     + u" is older than the manifest, or of another case: "
-                                       "\"report\" makes it anew"_s);
+                outcome.notes.append(older_report_text(name));
             QSet<QString> listed{QString(report_record_name)};
             for (const kept_file &file : report.files) {
                 listed.insert(file.path);

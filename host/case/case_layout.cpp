@@ -217,6 +217,11 @@ QString case_layout::notes() const
     return case_directory + u"/notes.jsonl"_s;
 }
 
+QString case_layout::source_list() const
+{
+    return case_directory + u"/sources.json"_s;
+}
+
 source_layout case_layout::source(int number) const
 {
     return source_layout(case_directory, number);

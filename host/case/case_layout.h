@@ -61,7 +61,8 @@ public:
     QString lock() const;
     QString manifest() const;
     QString manifest_hash() const;
-    QString notes() const; ///< what examiners add
+    QString notes() const;       ///< what examiners add
+    QString source_list() const; ///< the sources of a case that has several, as --sources takes them
     source_layout source(int number) const;
 
     /** The numbers of the source folders that are there, in order. */

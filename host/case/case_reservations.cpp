@@ -5,6 +5,7 @@
 
 #include "host/case/case_sources.h"
 #include "host/case/manifest.h"
+#include "host/case/report_record.h"
 #include "host/files/host_error.h"
 #include "host/files/paths.h"
 
@@ -47,7 +48,10 @@ case_reservations reservations_of(const case_layout &layout)
     if (!path_exists(layout.manifest()))
         return result;
     try {
-        const QList<int> newer = sources_unlike_manifest(layout, manifest_members(read_manifest_file(layout)));
+        const manifest_file manifest = read_manifest_file(layout);
+        for (const QString &report : outdated_reports(layout, manifest.sha256))
+            result.reports.append(older_report_text(report));
+        const QList<int> newer = sources_unlike_manifest(layout, manifest_members(manifest));
         if (!newer.isEmpty())
             result.manifest.append(u"the manifest is older than "_s + source_or_sources(newer)
                                    + u": \"collect\" makes it anew"_s);

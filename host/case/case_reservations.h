@@ -13,6 +13,7 @@ struct case_reservations
 {
     QStringList incomplete; ///< sources of the case that no run began
     QStringList manifest;   ///< sources whose records are not what it says, or why it cannot be read
+    QStringList reports;    ///< reports in the case that were made of another manifest
 };
 
 /** Nothing of a folder that holds no record of a source. Throws host_error (not_found) when one cannot be read. */

@@ -143,6 +143,24 @@ QList<named_source> read_source_list(const QString &file)
     return sources;
 }
 
+void write_source_list(const QString &file, const QList<named_source> &sources)
+{
+    QJsonArray entries;
+    for (const named_source &source : sources) {
+        QJsonObject entry{{u"path"_s, source.path}, {u"number"_s, source.number}};
+        if (!source.name.isEmpty())
+            entry.insert("name"_L1, source.name);
+        if (source.kind)
+            entry.insert("type"_L1, QString(source.kind->name));
+        if (source.volume > 0)
+            entry.insert("volume"_L1, source.volume);
+        if (!source.member.isEmpty())
+            entry.insert("member"_L1, source.member);
+        entries.append(entry);
+    }
+    write_json_file(file, {{u"sources"_s, entries}});
+}
+
 void number_sources(QList<named_source> &sources)
 {
     QHash<int, QString> places;

@@ -29,6 +29,12 @@ struct named_source
 QList<named_source> read_source_list(const QString &file);
 
 /**
+ * Writes such a file, with absolute paths: a run that is continued needs them of sources that never began, too. Throws
+ * host_error (io).
+ */
+void write_source_list(const QString &file, const QList<named_source> &sources);
+
+/**
  * Gives each source without a number the lowest one that is free above all others before it: 1, 2, … Throws host_error
  * (refused) when a number or a source is there twice, or one source lies inside another.
  */

@@ -44,6 +44,12 @@ QStringList report_folders_of(const case_layout &layout)
     return folders;
 }
 
+QString older_report_text(const QString &folder)
+{
+    return u"the report in "_s + folder
+           + u" is older than the manifest, or of another case: \"report --force\" makes it anew"_s;
+}
+
 QStringList outdated_reports(const case_layout &layout, const QString &manifest_sha256)
 {
     QStringList folders = report_folders_of(layout);

@@ -26,6 +26,9 @@ report_record read_report_record(const QString &folder);
 /** The folders right below the case that hold a report.json, by name. */
 QStringList report_folders_of(const case_layout &layout);
 
+/** What is said of such a report that was made from another manifest than the case has now. */
+QString older_report_text(const QString &folder);
+
 /** Those of them whose report was made from another manifest than the one with this hash. */
 QStringList outdated_reports(const case_layout &layout, const QString &manifest_sha256);
 

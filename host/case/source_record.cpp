@@ -4,6 +4,7 @@
 #include "host/case/source_record.h"
 
 #include "host/case/outcome_code.h"
+#include "host/text/count_text.h"
 #include "host/text/json_member.h"
 
 #include <QJsonArray>
@@ -50,6 +51,14 @@ std::optional<source_status> status_named(const QString &name)
     if (found == std::end(status_names))
         return {};
     return source_status(found - std::begin(status_names));
+}
+
+QString sightings_text(const table_rows &rows)
+{
+    if (!rows.devices)
+        return {};
+    return count_text(rows.stored) + (rows.stored == 1 ? u" sighting of "_s : u" sightings of "_s)
+           + count_text(*rows.devices) + (rows.devices == 1 ? u" device"_s : u" devices"_s);
 }
 
 QJsonObject rows_to_json(const QList<table_rows> &rows)

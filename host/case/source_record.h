@@ -26,6 +26,9 @@ struct table_rows
     std::optional<qint64> devices{}; ///< of a log, whose rows are sightings: how many devices they name
 };
 
+/** "50 sightings of 12 devices", of rows that are sightings; else empty. */
+QString sightings_text(const table_rows &rows);
+
 /**
  * {"devices": {"found": 5, "announced": 5, "stored": 5}}: null for a number that is not known; with "devices" where
  * rows are sightings of them.

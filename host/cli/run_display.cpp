@@ -6,6 +6,7 @@
 #include "host/case/wal_counts.h"
 #include "host/cli/time_left.h"
 #include "host/source/evidence_files.h"
+#include "host/source/source_kinds.h"
 #include "host/text/count_text.h"
 
 #include <QElapsedTimer>
@@ -47,18 +48,12 @@ QString kind_text(const source_request &request)
     return kind ? QString(kind->display_name) : request.source.is_taken_out ? u"container"_s : u"unknown kind"_s;
 }
 
-/** "macOS: /evidence/laptop", before it the name that the examiner gave. */
-QString source_text(const source_request &request)
+/** "macOS: /evidence/laptop", before it the name that the examiner gave. The record knows what was found inside. */
+QString source_text(const source_request &request, const source_record &record)
 {
-    return (request.name.isEmpty() ? QString() : QString(request.name + u"  "_s)) + kind_text(request) + u": "_s
-           + request.source.path;
-}
-
-/** "50 sightings of 12 devices". */
-QString sightings_text(const table_rows &rows)
-{
-    return count_text(rows.stored) + (rows.stored == 1 ? u" sighting of "_s : u" sightings of "_s)
-           + count_text(rows.devices) + (rows.devices == 1 ? u" device"_s : u" devices"_s);
+    const source_kind *kind = source_kind_named(record.type);
+    return (request.name.isEmpty() ? QString() : QString(request.name + u"  "_s))
+           + (kind ? QString(kind->display_name) : kind_text(request)) + u": "_s + request.source.path;
 }
 
 /** "Source3  done  1,000 devices, 20 paired_devices, 12 host devices". */
@@ -77,7 +72,7 @@ QString state_and_counts(const source_request &request, const source_record &rec
 /** Where the result is and how many rows each table of this run got. */
 terminal_texts result_lines(const source_request &request, const source_record &record)
 {
-    terminal_texts lines{u"Source  "_s + source_text(request)};
+    terminal_texts lines{u"Source  "_s + source_text(request, record)};
     if (record.result_path.isEmpty())
         return lines; // a run that ended early may have none
     lines.append(u"Result  "_s + request.layout().result_database());
@@ -93,7 +88,7 @@ terminal_texts result_lines(const source_request &request, const source_record &
 /** "Source3  done  1,000 devices, 20 paired_devices, 12 host devices  macOS: /evidence/laptop". */
 QString result_line(const source_request &request, const source_record &record)
 {
-    return state_and_counts(request, record) + u"  "_s + source_text(request);
+    return state_and_counts(request, record) + u"  "_s + source_text(request, record);
 }
 
 QString duration_text(qint64 seconds)

@@ -64,6 +64,7 @@ public:
             const qint64 rows = options.most_rows ? result.row_count(table) : view.row_count();
             counts.append(
                 (has_several ? source.name + u"  "_s : QString()) + table.leftJustified(14) + u"  "_s + rows_text(rows)
+                + sightings_in(source, table)
                 + (rows > view.row_count() ? u", "_s + count_text(view.row_count()) + u" shown"_s : QString()));
             if (view.row_count() == 0)
                 continue;
@@ -91,6 +92,17 @@ private:
         return {options.table};
     }
 
+    /** ", 50 sightings of 12 devices" of a log, as its record has counted them. */
+    static QString sightings_in(const stored_source &source, const QString &table)
+    {
+        const QList<table_rows> counted = source.record ? source.record->rows : QList<table_rows>();
+        for (const table_rows &rows : counted) {
+            if (rows.table == table && rows.devices)
+                return u", "_s + sightings_text(rows);
+        }
+        return {};
+    }
+
     const show_options &options;
     bool has_several;
     console &out;
@@ -99,7 +111,7 @@ private:
 
 exit_code print_reservations(const case_reservations &reservations, console &out)
 {
-    for (const QString &text : reservations.incomplete + reservations.manifest)
+    for (const QString &text : reservations.incomplete + reservations.manifest + reservations.reports)
         out.warning(text);
     return reservations.incomplete.isEmpty() ? exit_code::done : exit_code::partial;
 }

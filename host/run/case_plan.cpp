@@ -102,17 +102,29 @@ source_choice added_sources(const case_request &request, const QList<earlier_sou
     return choice;
 }
 
-/** --resume without a source: all of the case, where each was begun; a source that was not stands in no record. */
-QList<named_source> sources_of_the_first_run(const case_request &request, const QList<earlier_source> &earlier)
+/** Whether the first run had these sources, by all that it left of them. */
+bool are_of_the_first_run(const QList<named_source> &sources, const QList<earlier_source> &earlier)
+{
+    const QString list_hash = sources_identity(sources).value("sha256"_L1).toString();
+    return std::all_of(earlier.cbegin(), earlier.cend(), [&list_hash](const earlier_source &source) {
+        return !source.has_record || source.list_sha256 == list_hash;
+    });
+}
+
+/**
+ * --resume without a source: all of the case. A source that never began stands in the case's list alone, which cases
+ * that were run source by source have not.
+ */
+QList<named_source> sources_of_the_first_run(const case_request &request, const QList<earlier_source> &earlier,
+                                             const QList<named_source> &listed)
 {
     const QList<named_source> recorded = recorded_sources_of(earlier, u"--resume"_s);
-    if (recorded.isEmpty())
+    if (recorded.isEmpty() && listed.isEmpty())
         refuse(u"there is no case to continue: "_s + request.directory);
-    const QString list_hash = sources_identity(recorded).value("sha256"_L1).toString();
-    for (const earlier_source &source : earlier) {
-        if (source.has_record && source.list_sha256 != list_hash)
-            refuse(u"no run of some sources began, and no record has their paths: name all sources again"_s);
-    }
+    if (!listed.isEmpty() && are_of_the_first_run(listed, earlier))
+        return listed;
+    if (!are_of_the_first_run(recorded, earlier))
+        refuse(u"no run of some sources began, and nothing in the case has their paths: name all sources again"_s);
     return recorded;
 }
 
@@ -172,6 +184,14 @@ QList<earlier_source> earlier_sources(const case_request &request)
     if (request.earlier == case_request::earlier_run::removed)
         return {};
     return read_earlier_sources(layout);
+}
+
+/** What the case's own list says, for a run that is continued without naming its sources; else nothing. */
+QList<named_source> listed_sources(const case_request &request)
+{
+    const QString list = case_layout(request.directory).source_list();
+    const bool is_needed = request.earlier == case_request::earlier_run::continued && request.sources.isEmpty();
+    return is_needed && path_exists(list) ? read_source_list(list) : QList<named_source>();
 }
 
 /** The places of the case and of a source of it must not meet. */
@@ -246,7 +266,8 @@ void require_readable_source(const case_request &request, const case_plan &plan)
 
 } // namespace
 
-source_choice choose_sources(const case_request &request, const QList<earlier_source> &earlier)
+source_choice choose_sources(const case_request &request, const QList<earlier_source> &earlier,
+                             const QList<named_source> &listed)
 {
     using earlier_run = case_request::earlier_run;
     source_choice choice;
@@ -254,7 +275,7 @@ source_choice choose_sources(const case_request &request, const QList<earlier_so
         choice = added_sources(request, earlier);
     } else {
         const bool is_named = request.earlier != earlier_run::continued || !request.sources.isEmpty();
-        choice.all = is_named ? request.sources : sources_of_the_first_run(request, earlier);
+        choice.all = is_named ? request.sources : sources_of_the_first_run(request, earlier, listed);
         number_sources(choice.all);
         choice.to_run = choice.all;
         if (request.only)
@@ -289,7 +310,7 @@ void refuse_earlier_results(const case_request &request, const source_choice &ch
 case_plan plan_case(const case_request &request)
 {
     const QList<earlier_source> earlier = earlier_sources(request);
-    const source_choice choice = choose_sources(request, earlier);
+    const source_choice choice = choose_sources(request, earlier, listed_sources(request));
     refuse_overlaps(choice.all, request.only ? path_comparison::texts : path_comparison::places);
     refuse_long_path(request, choice.to_run);
     case_plan plan;
@@ -305,7 +326,7 @@ case_plan plan_case(const case_request &request)
 void check_plan(const case_request &request, const case_plan &plan)
 {
     const QList<earlier_source> earlier = earlier_sources(request);
-    const source_choice choice = choose_sources(request, earlier);
+    const source_choice choice = choose_sources(request, earlier, listed_sources(request));
     refuse_earlier_results(request, choice, earlier);
     const bool is_same = std::equal(choice.to_run.cbegin(), choice.to_run.cend(), plan.to_run.cbegin(),
                                     plan.to_run.cend(), [](const named_source &now, const planned_source &then) {

@@ -16,10 +16,12 @@ struct source_choice
 };
 
 /**
- * Chooses by what is asked for and by what stands in the case, without a look at anything. Throws host_error (refused)
- * when the request does not fit the case, and what is wrong with a record that is needed.
+ * Chooses by what is asked for and by what stands in the case, without a look at anything; @p listed are the sources
+ * that the case itself lists. Throws host_error (refused) when the request does not fit the case, and what is wrong
+ * with a record that is needed.
  */
-source_choice choose_sources(const case_request &request, const QList<earlier_source> &earlier);
+source_choice choose_sources(const case_request &request, const QList<earlier_source> &earlier,
+                             const QList<named_source> &listed = {});
 
 /**
  * Throws host_error (refused) when something stands where the request neither removes nor continues it. What a run that

@@ -81,6 +81,8 @@ void case_preparation::make_room()
         lock = std::make_unique<file_lock>(layout.lock());
     check_plan(request, plan); // another run may have been here meanwhile
     remove_earlier_runs(layout);
+    if (!request.only && plan.all.size() > 1)
+        write_source_list(layout.source_list(), plan.all);
 }
 
 void case_preparation::remove_earlier_runs(const case_layout &layout) const
@@ -110,6 +112,7 @@ void case_preparation::remove_earlier_runs(const case_layout &layout) const
     if (is_forced && !request.only) {
         remove_file(layout.manifest());
         remove_file(layout.manifest_hash());
+        remove_file(layout.source_list());
         remove_other_folders(layout);
     }
 }

@@ -146,6 +146,10 @@ void test_case_check::differences_data()
     QTest::newRow("unknown status")   << forge("\"status\":\"done\"", "\"status\":\"fine\"") << u"manifest.json is forged: Source1: there is no status \"fine\""_s;
     QTest::newRow("unknown code")     << forge("\"exit_code\":0", "\"exit_code\":42") << u"manifest.json is forged: Source1: no run ends with the exit code 42"_s;
     QTest::newRow("another version")  << forge("\"version\":2", "\"version\":3")    << u"manifest.json is of another version of this program"_s;
+    QTest::newRow("a member twice")   << forge("\"status\":\"done\"", "\"status\":\"failed\",\"status\":\"done\"") << u"manifest.json is forged: it gives the member \"status\" twice"_s;
+    QTest::newRow("record, a member twice") << edit(u"Source1/source.json"_s, "{\n", "{ \"number\": 1,\n") << u"Source1/source.json cannot be read as a record of this program"_s;
+    QTest::newRow("another list")     << put(u"sources.json"_s, R"({"sources": [{"path": "/evidence/1"}]})") << u"sources.json lists other sources than the manifest"_s;
+    QTest::newRow("list, no JSON")    << put(u"sources.json"_s, "{")                << u"sources.json is no list of sources: "_s;
     QTest::newRow("hash emptied")     << put(u"manifest.json.sha256"_s, "")         << u"manifest.json.sha256 holds no hash of manifest.json"_s;
     QTest::newRow("hash, gigabytes")  << put(u"manifest.json.sha256"_s, QByteArray(5000, 'a')) << u"manifest.json.sha256 holds no hash of manifest.json"_s;
     QTest::newRow("another source")   << put(u"Source3/x"_s, "x")                   << u"Source3 is not in the manifest"_s;
@@ -318,7 +322,7 @@ void test_case_check::older_reports_are_named()
     const check_outcome outcome = check(that_case, hash);
     QCOMPARE(outcome.code(), outcome_code::done);
     QCOMPARE(outcome.notes, QStringList({u"the report in Report is older than the manifest, or of another case: "
-                                         "\"report\" makes it anew"_s}));
+                                         "\"report --force\" makes it anew"_s}));
 }
 
 void test_case_check::special_files_hang_nobody()

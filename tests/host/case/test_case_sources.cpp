@@ -57,6 +57,7 @@ private Q_SLOTS:
     void overlaps();
     void links_are_followed_where_places_are_compared();
     void list_of_sources();
+    void a_written_list_reads_the_same();
     void faults_of_a_list_data();
     void faults_of_a_list();
     void identity_and_its_numbers();
@@ -127,6 +128,23 @@ void test_case_sources::list_of_sources()
     QVERIFY(!sources.at(0).kind);
     QCOMPARE(sources.at(0).place, u"list.json: sources[0]"_s);
     QCOMPARE(sources.at(1).path, u"/log"_s);
+}
+
+void test_case_sources::a_written_list_reads_the_same()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath(u"sources.json"_s);
+    QList<named_source> sources{source_at(u"/a"_s, 7), source_at(u"/image.dd"_s, 2), source_at(u"/x.zip"_s, 3)};
+    sources[0].name = u"it's \"the\" laptop"_s;
+    sources[0].kind = &macos_kind;
+    sources[1].volume = 4;
+    sources[2].member = u"a/b"_s;
+    write_source_list(file, sources);
+    const QList<named_source> read = read_source_list(file);
+    QCOMPARE(numbers_of(read), QList<int>({7, 2, 3}));
+    QCOMPARE(sources_identity(read), sources_identity(sources));
+    QCOMPARE(read.at(0).kind, &macos_kind);
+    QCOMPARE(read.at(1).kind, nullptr);
 }
 
 void test_case_sources::faults_of_a_list_data()

@@ -34,6 +34,8 @@ private Q_SLOTS:
     void database_is_shown_too();
     void every_source_of_a_case_is_shown();
     void an_older_manifest_is_said_to_be_so();
+    void an_older_report_is_said_to_be_so();
+    void sightings_are_called_so();
     void one_source_on_request();
     void what_became_of_the_run_is_told_data();
     void what_became_of_the_run_is_told();
@@ -301,6 +303,41 @@ void test_show::an_older_manifest_is_said_to_be_so()
     const host_result older = host.run(show);
     QCOMPARE(older.errors, u"warning: the manifest is older than source 2: \"collect\" makes it anew\n"_s);
     QCOMPARE(older.exit_code, 0);
+}
+
+void test_show::an_older_report_is_said_to_be_so()
+{
+    const host_program host;
+    host.write_sample();
+    const QStringList extract{u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s, u"case"_s};
+    const QStringList show{u"show"_s, u"case"_s, u"--rows"_s, u"1"_s};
+    QCOMPARE(host.run(extract).exit_code, 0);
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"csv"_s}).exit_code, 0);
+    QCOMPARE(host.run(show).errors, QString());
+    QCOMPARE(host.run(extract + QStringList{u"--force"_s}).exit_code, 0);
+    const host_result older = host.run(show);
+    QCOMPARE(older.errors, u"warning: the report in Report is older than the manifest, or of another case: "
+                           "\"report --force\" makes it anew\n"_s);
+    QCOMPARE(older.exit_code, 0);
+    QVERIFY(host.run({u"verify"_s, u"case"_s}).errors.contains(older.errors.sliced(sizeof "warning:")));
+    QCOMPARE(host.run({u"report"_s, u"case"_s, u"-f"_s, u"csv"_s, u"--force"_s}).exit_code, 0);
+    QCOMPARE(host.run(show).errors, QString());
+}
+
+/** Rows of a log are sightings; how many devices they are of was counted when they were extracted. */
+void test_show::sightings_are_called_so()
+{
+    const host_program host;
+    host.write_sample();
+    const host_result extraction = host.run({u"extract"_s, u"-i"_s, u"sample/ios/system.log"_s, u"-o"_s, u"case"_s});
+    static const QRegularExpression sightings(u"  50 rows(, 50 sightings of \\d+ devices)\\n"_s);
+    const QRegularExpressionMatch match = sightings.match(extraction.output);
+    QVERIFY2(match.hasMatch(), qPrintable(extraction.output));
+    QVERIFY(host.run({u"show"_s, u"case"_s})
+                .output.endsWith(
+                    QString(u"\ndevices         50 rows"_s + match.captured(1) + u"\npaired_devices  31 rows\n"_s)));
+    QVERIFY(host.run({u"show"_s, u"case"_s, u"--rows"_s, u"2"_s})
+                .output.contains(QString(u"\ndevices         50 rows"_s + match.captured(1) + u", 2 shown\n"_s)));
 }
 
 void test_show::one_source_on_request()

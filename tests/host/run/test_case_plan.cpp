@@ -56,6 +56,12 @@ earlier_source left(int number, source_status status)
     return source;
 }
 
+earlier_source of_version_1(earlier_source source)
+{
+    source.version = 1;
+    return source;
+}
+
 earlier_source left_without_record(int number)
 {
     earlier_source source;
@@ -98,6 +104,7 @@ private Q_SLOTS:
     void choice_data();
     void choice();
     void added_sources_are_numbered_behind_all_others();
+    void sources_that_never_began_are_listed();
     void record_that_cannot_be_read_is_no_leftover();
 };
 
@@ -149,7 +156,10 @@ void test_case_plan::choice_data()
     QTest::newRow("continued, other limits")  << other_limits << QList{left(1, done)} << u"2 /b, 3 /c"_s;
     QTest::newRow("continued, other sources") << other_sources << QList{left(1, interrupted)} << u"the sources are not those of the first run, by the record of source 1: --resume takes the same ones"_s;
     QTest::newRow("continued, none named")    << unnamed << QList{left(1, done), left(2, interrupted), left(3, failed)} << u"2 /b, 3 /c"_s;
-    QTest::newRow("none named, one unknown")  << unnamed << QList{left(1, done), left(2, interrupted)} << u"no run of some sources began, and no record has their paths: name all sources again"_s;
+    QTest::newRow("none named, one unknown")  << unnamed << QList{left(1, done), left(2, interrupted)} << u"no run of some sources began, and nothing in the case has their paths: name all sources again"_s;
+    QTest::newRow("added to version 1")       << added << QList{of_version_1(left(1, done))} << u"the record of source 1 is of version 1 of its format, and this program writes version 2: --add cannot go on with it, --force starts anew"_s;
+    QTest::newRow("continued, version 1")     << continued << QList{of_version_1(left(1, done))} << u"the record of source 1 is of version 1 of its format, and this program writes version 2: --resume cannot go on with it, --force starts anew"_s;
+    QTest::newRow("version 1, none named")    << unnamed << QList{of_version_1(left(1, done))} << u"the record of source 1 is of version 1 of its format, and this program writes version 2: --resume cannot go on with it, --force starts anew"_s;
     QTest::newRow("none named, no case")      << unnamed << QList<earlier_source>() << u"there is no case to continue: /case"_s;
     QTest::newRow("added to nothing")         << added << QList<earlier_source>() << u"there is no case to add to: /case"_s;
     QTest::newRow("added")                    << added << QList{left(1, done), left(3, failed)} << u"4 /d"_s;
@@ -170,6 +180,19 @@ void test_case_plan::added_sources_are_numbered_behind_all_others()
     const case_request request = request_for(earlier_run::added_to, {source_at(u"/d"_s), source_at(u"/e"_s)});
     const source_choice choice = choose_sources(request, {left(1, source_status::done), left(3, source_status::done)});
     QCOMPARE(described(choice.all), u"1 /a, 3 /c, 4 /d, 5 /e"_s);
+}
+
+/** What the case lists counts only where it is the list that its records are of. */
+void test_case_plan::sources_that_never_began_are_listed()
+{
+    const case_request request = request_for(earlier_run::continued, {});
+    const QList<earlier_source> earlier{left(1, source_status::done), left(2, source_status::interrupted)};
+    QList<named_source> listed = three;
+    number_sources(listed);
+    QCOMPARE(described(choose_sources(request, earlier, listed).to_run), u"2 /b, 3 /c"_s);
+    listed[2].path = u"/elsewhere"_s;
+    QVERIFY_EXCEPTION_THROWN(choose_sources(request, earlier, listed), host_error);
+    QCOMPARE(choose_sources(request, {}, listed).to_run.size(), 3); // the run ended before the first one began
 }
 
 void test_case_plan::record_that_cannot_be_read_is_no_leftover()
