@@ -6,6 +6,9 @@
 #                                               puppeteer-core in MODULES, to open, to filter and to sort
 # bench_report.py PROGRAM lines ROWS            JSON Lines of so many rows against "sqlite3 -json" on the same tables, by
 #                                               turns, with the peak memory of each
+# bench_report.py PROGRAM database ROWS         report.sqlite of so many rows against sqlite3's ".import" of the report's own
+#                                               CSV, by turns, with the peak memory of each
+# bench_report.py PROGRAM timeline EVENTS       a timeline of so many lines of a log
 # The case stands in the temporary folder meanwhile.
 
 import os
@@ -40,6 +43,16 @@ def make_source(root, rows):
                          "iCloudIdentifier TEXT)")
         database.executemany("INSERT INTO OtherDevices VALUES(?,?,?,?,?,?,?,?,?,?)", map(device, range(rows)))
     database.close()
+
+
+def make_log(path, lines):
+    """Two lines a second, by a clock that runs backwards from hour to hour: they are to be sorted."""
+    with open(path, "w") as log:
+        for line in range(lines):
+            second = line // 2 % 3600
+            hour = 23 - line // 7200 % 24
+            log.write(f"May {17 + line // 172800 % 14} {hour:02}:{second // 60:02}:{second % 60:02} phone sharingd[102] <Notice>: "
+                      f"BLE device found: SFDevice ID {line % 5000}, IDS 1, RSSI -60, Nm 'device', Md 'Model1,1', AID 7F\n")
 
 
 def measured(command, output=subprocess.DEVNULL):
@@ -102,20 +115,53 @@ def bench_lines(program, folder):
         print(f"speed against {name}: {wall:.2f} by the clock, {cpu:.2f} of the processor", flush=True)
 
 
+def bench_database(program, folder):
+    report = [program, "-q", "report", folder / "case", "--force"]
+    subprocess.run([*report, "-f", "csv"], check=True, stdout=subprocess.DEVNULL)
+    works = {"report -f sqlite": lambda: measured([*report, "-f", "sqlite"])}
+    if shutil.which("sqlite3"):
+        def imported():
+            (folder / "imported.sqlite").unlink(missing_ok=True)
+            return measured(["sqlite3", folder / "imported.sqlite", ".mode csv",
+                             f".import {folder / 'case/Report/devices.csv'} devices"])
+        works |= {"sqlite3 .import": imported}
+    results = dict(zip(works, all_rounds(*works.values())))
+    for name, runs in results.items():
+        told(name, runs)
+    if len(results) == 2:
+        ours, theirs = results.values()
+        wall, cpu = (statistics.median(other[i] / own[i] for other, own in zip(theirs, ours)) for i in (0, 1))
+        print(f"speed against sqlite3 .import: {wall:.2f} by the clock, {cpu:.2f} of the processor", flush=True)
+
+
+def bench_timeline(program, folder):
+    making, = all_rounds(lambda: measured([program, "-q", "report", folder / "case", "-f", "timeline", "--force",
+                                           "--log-year", "2024", "--log-zone", "+02:00"]))
+    with open(folder / "case/Report/timeline.jsonl") as events:
+        told(f"timeline of {sum(1 for _ in events)} events", making)
+
+
 def main():
     program, kind, rows, *modules = sys.argv[1:]
     program = os.path.abspath(program)
     with tempfile.TemporaryDirectory() as place:
         folder = pathlib.Path(place)
-        make_source(folder / "source", int(rows))
+        if kind == "timeline":
+            make_log(folder / "source", int(rows))
+        else:
+            make_source(folder / "source", int(rows))
         subprocess.run([program, "-q", "extract", "-i", folder / "source", "-o", folder / "case"],
                        stdout=subprocess.DEVNULL, check=True)
         if kind == "page":
             bench_page(program, folder, os.path.abspath(modules[0]) if modules else None)
         elif kind == "lines":
             bench_lines(program, folder)
+        elif kind == "database":
+            bench_database(program, folder)
+        elif kind == "timeline":
+            bench_timeline(program, folder)
         else:
-            sys.exit("the kind is page or lines")
+            sys.exit("the kind is page, lines, database or timeline")
 
 
 main()

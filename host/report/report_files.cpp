@@ -198,6 +198,7 @@ private:
         for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
             const report_source &source = that_case.sources.at(i);
             const table_reading reading = read_rows(that_case, source, table, [&](const report_row &row) {
+                counters += (row.rank_last_seen ? 1 : 0) + (row.rank_last_connection ? 1 : 0);
                 for (const row_writer &write_row : writers)
                     write_row(row);
                 if (is_one_page())
@@ -324,7 +325,7 @@ private:
     {
         if (!has(report_format::timeline) && !has(report_format::sqlite) && !has(report_format::xlsx))
             return;
-        const timeline events = read_timeline(that_case, options.times);
+        const timeline events = read_timeline(that_case, options.times, counters);
         add_shortcomings(events.problems);
         outcome.notes += events.left_out_texts();
         if (has(report_format::timeline))
@@ -464,6 +465,7 @@ private:
     bool is_split;
     report_outcome outcome;
     changed_cells changes;
+    qint64 counters = 0; ///< of all rows; a timeline leaves them out
     device_join join;
     QMap<qsizetype, row_devices> device_of_row; ///< by place of the source; for pages
     qint64 device_count = 0;                    ///< of the whole case

@@ -7,7 +7,6 @@
 #include "host/report/reading/kept_lines.h"
 #include "host/report/reading/log_date.h"
 #include "host/report/reading/log_line.h"
-#include "host/report/reading/report_row.h"
 #include "host/report/reading/unparsed_line.h"
 
 #include <QJsonArray>
@@ -82,7 +81,6 @@ public:
         for (const report_source &source : that_case.sources) {
             if (source.is_locked)
                 continue;
-            count_counters(source);
             read_lists(source);
             read_log(source);
         }
@@ -98,16 +96,6 @@ private:
     {
         if (!problem.isEmpty())
             result.problems.append(source.problem_text(problem));
-    }
-
-    void count_counters(const report_source &source)
-    {
-        for (const table_rows &table : source.record.rows) {
-            const table_reading reading = read_rows(that_case, source, table.table, [this](const report_row &row) {
-                result.left_out[no_dates] += (row.rank_last_seen ? 1 : 0) + (row.rank_last_connection ? 1 : 0);
-            });
-            note(source, reading.problem);
-        }
     }
 
     void read_lists(const report_source &source)
@@ -291,7 +279,9 @@ QStringList timeline::left_out_texts() const
     return texts;
 }
 
-timeline read_timeline(const report_case &that_case, const timeline_options &options)
+timeline read_timeline(const report_case &that_case, const timeline_options &options, qint64 counters)
 {
-    return timeline_reader(that_case, options).read();
+    timeline result = timeline_reader(that_case, options).read();
+    result.left_out[no_dates] = counters;
+    return result;
 }

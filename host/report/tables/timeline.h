@@ -50,7 +50,7 @@ struct timeline
     QStringList left_out_texts() const;
 };
 
-/** All times of a case. Every event is held. */
-timeline read_timeline(const report_case &that_case, const timeline_options &options);
+/** All times of a case. Every event is held. @p counters: how many the rows of its results have, which are no dates. */
+timeline read_timeline(const report_case &that_case, const timeline_options &options, qint64 counters = 0);
 
 #endif
