@@ -297,7 +297,8 @@ void test_cases::killed_run_is_continued()
 {
     QFETCH(QString, moment);
     static host_program host; // where the run of all moments was not disturbed
-    const QStringList options{u"--jobs"_s, u"2"_s, u"--plugin"_s, host_program::faulty_plugin_file()};
+    const QStringList options{u"--jobs"_s, u"2"_s, u"--no-confinement"_s, u"--plugin"_s,
+                              host_program::faulty_plugin_file()};
     const QStringList arguments = three_sources + options;
     static const auto [whole, files] = [&arguments] {
         write_sources(host);
