@@ -9,7 +9,9 @@
 #include "host/files/system_error.h"
 #include "host/report/tables/separated_cell.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <ctime>
@@ -56,6 +58,7 @@ public:
         lxw_workbook_options options = {};
         options.constant_memory = LXW_TRUE; // rows go to the disk one after the other
         QByteArray folder = QFile::encodeName(temporary.left(temporary.lastIndexOf(u'/')));
+        others = temporary_files();
         options.tmpdir = folder.data(); // the process that reads a case writes nowhere else
         book = workbook_new_opt(QFile::encodeName(temporary).constData(), &options);
         if (!book)
@@ -104,11 +107,28 @@ public:
         end_sheet();
         lxw_workbook *finished = std::exchange(book, nullptr);
         check(workbook_close(finished));
+        remove_temporary_files();
         put_in_place(temporary, path);
         temporary.clear();
     }
 
 private:
+    /** As the library names them; it removes them as soon as it has made them, and does not tell when that fails. */
+    QStringList temporary_files() const
+    {
+        return QDir(QFileInfo(path).path()).entryList({u"tmp.*"_s}, QDir::Files | QDir::Hidden);
+    }
+
+    void remove_temporary_files() const
+    {
+        for (const QString &name : temporary_files()) {
+            if (others.contains(name))
+                continue;
+            if (const int error = folder_entry(QFileInfo(path).path() + u'/' + name).remove(); error != 0)
+                fail(u"a temporary file stays: "_s + system_error_text(error));
+        }
+    }
+
     [[noreturn]] void fail(const QString &reason) const
     {
         throw host_error(error_kind::io, path + u" cannot be written: "_s + reason);
@@ -177,6 +197,7 @@ private:
 
     QString path;
     QString temporary;
+    QStringList others; ///< that were there before
     workbook_notes &notes;
     lxw_workbook *book = nullptr;
     lxw_format *heading = nullptr;
