@@ -12,6 +12,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
+
+#include <sys/stat.h>
 
 namespace filesystem = std::filesystem;
 using namespace Qt::StringLiterals;
@@ -75,8 +78,14 @@ QString resolved_down_to(const QString &folder, const QString &path, const QStri
 
 bool path_exists(const QString &path)
 {
-    std::error_code error;
-    return filesystem::exists(filesystem::symlink_status(to_std_path(path), error));
+    struct stat status = {};
+    if (::lstat(QFile::encodeName(path).constData(), &status) == 0)
+        return true;
+    constexpr int answers[] = {ENOENT, ENOTDIR, EACCES, ELOOP, ENAMETOOLONG};
+    if (std::find(std::begin(answers), std::end(answers), errno) == std::end(answers))
+        throw host_error(error_kind::io,
+                         u"whether "_s + path + u" exists cannot be seen: "_s + system_error_text(errno));
+    return false;
 }
 
 bool is_inside(const QString &path, const QString &folder)

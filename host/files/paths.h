@@ -27,7 +27,10 @@ QString resolved_path(const QString &path, const QString &name);
 /** The same, but what lies in @p folder, which has no links in its path, stays as it is from there on. */
 QString resolved_down_to(const QString &folder, const QString &path, const QString &name);
 
-/** Whether anything stands at the path; a link that leads nowhere counts. False also where the system denies a look. */
+/**
+ * Whether anything stands at the path; a link that leads nowhere counts. False also where the system denies a look.
+ * Throws host_error (io) when the system fails: what it cannot see is not absent.
+ */
 bool path_exists(const QString &path);
 
 /**

@@ -84,6 +84,7 @@ public:
         }
         if (options.brief)
             write_brief(page, devices);
+        add_shortcomings(page.problems());
         write_report_record(options.output, that_case.manifest_sha256, outcome.files);
         outcome.files.append(report_record_name);
         return outcome;
@@ -260,7 +261,7 @@ private:
                                                         [&](const report_row &row) { tell(appearance_of(row, i)); });
                 add_shortcoming(source, reading.problem);
             }
-            for_each_other_appearance(that_case, i, tell);
+            add_shortcoming(source, for_each_other_appearance(that_case, i, tell));
         }
         device_count = numbers.count();
     }
@@ -437,12 +438,15 @@ private:
         }
         const std::vector<qint64> of_changes = numbers.value(wal_changes_list);
         const std::vector<qint64> of_lists = numbers.value(host_devices_list);
-        for_each_other_appearance(part, 0, [&](const device_appearance &appearance) {
+        const QString problem = for_each_other_appearance(part, 0, [&](const device_appearance &appearance) {
             const std::vector<qint64> &known = list_of(appearance) == wal_changes_list ? of_changes : of_lists;
             const auto line = std::size_t(appearance.line); // -1 is beyond every list
             if (appearance.found_in != wal_deleted && line < known.size())
                 list.add(appearance, known[line]);
         });
+        if (!problem.isEmpty())
+            part.shortcomings.append(part.sources.first().problem_text(problem));
+        add_shortcoming(part.sources.first(), problem);
         QList<joined_device> devices = list.devices();
         std::sort(devices.begin(), devices.end(),
                   [](const joined_device &one, const joined_device &two) { return one.number < two.number; });
@@ -453,6 +457,7 @@ private:
                           {devices, numbers, part.shortcomings, is_all_compared(), qint64(devices.size()),
                            qint64(named)},
                           page_name);
+        add_shortcomings(page.problems());
     }
 
     static bool is_device_named(const joined_device &device)

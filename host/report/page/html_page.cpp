@@ -121,6 +121,17 @@ void html_page::count(const report_row &row)
     (*tables.find(row.table))->count(row);
 }
 
+/** Of the content, and of what was read for the page after it was gathered. */
+QStringList html_page::shortcomings(const page_content &content) const
+{
+    QStringList texts = content.shortcomings;
+    for (const QString &problem : problems_of_lists) {
+        if (!texts.contains(problem))
+            texts.append(problem);
+    }
+    return texts;
+}
+
 /** Once, whichever page is written first: the lists are read for it. */
 void html_page::count_rows(const page_content &content)
 {
@@ -138,10 +149,10 @@ void html_page::count_rows(const page_content &content)
     counts->devices = content.device_count;
     counts->named = content.named_count;
     const row_devices &numbers = content.device_of_row;
-    lists.push_back(wal_table(facts_of_case, numbers.value(wal_changes_list), *counts));
-    lists.push_back(host_device_table(facts_of_case, numbers.value(host_devices_list)));
-    lists.push_back(unparsed_table(facts_of_case));
-    lists.push_back(salvage_table(facts_of_case));
+    lists.push_back(wal_table(facts_of_case, numbers.value(wal_changes_list), *counts, problems_of_lists));
+    lists.push_back(host_device_table(facts_of_case, numbers.value(host_devices_list), problems_of_lists));
+    lists.push_back(unparsed_table(facts_of_case, problems_of_lists));
+    lists.push_back(salvage_table(facts_of_case, problems_of_lists));
 }
 
 QList<const html_table *> html_page::finished_tables(const page_content &content)
@@ -206,7 +217,7 @@ void html_page::write(const QString &path, const page_content &content)
     };
     for (const html_table *table : rows)
         sections.append({{table->id(), table->title()}, {}, table});
-    write_page(path, facts_of_case, content.shortcomings, sections + last_sections(facts_of_case));
+    write_page(path, facts_of_case, shortcomings(content), sections + last_sections(facts_of_case));
 }
 
 void html_page::write_brief(const QString &path, const page_content &content, const QString &report_sha256)
@@ -221,7 +232,7 @@ void html_page::write_brief(const QString &path, const page_content &content, co
     new_file file(path);
     file.add(document_start(facts_of_case, "Bluetooth evidence in brief", false));
     file.add("<header class=\"brief\">");
-    file.add(case_heading(facts_of_case, "Bluetooth evidence in brief", content.shortcomings, 20));
+    file.add(case_heading(facts_of_case, "Bluetooth evidence in brief", shortcomings(content), 20));
     file.add("</header>\n<main id=\"content\">\n");
     file.add(html_section("findings", "Findings", annex + figures(facts_of_case, facts, *counts, form)));
     file.add(flagged_section(facts_of_case, facts, form));
@@ -254,7 +265,7 @@ void html_page::write_index(const QString &path, const page_content &content, co
         {{"timeline", "Timeline"}, timeline_section(content, facts, times)},
         {{"pages", "Rows of the sources"}, pages_section(facts_of_case, pages)},
     };
-    write_page(path, facts_of_case, content.shortcomings, sections + last_sections(facts_of_case));
+    write_page(path, facts_of_case, shortcomings(content), sections + last_sections(facts_of_case));
 }
 
 void html_page::write_source(const QString &path, const page_content &content, const QString &index)
@@ -272,5 +283,5 @@ void html_page::write_source(const QString &path, const page_content &content, c
     };
     for (const html_table *table : rows)
         sections.append({{table->id(), table->title()}, {}, table});
-    write_page(path, facts_of_case, content.shortcomings, sections + last_sections(facts_of_case));
+    write_page(path, facts_of_case, shortcomings(content), sections + last_sections(facts_of_case));
 }

@@ -58,7 +58,14 @@ public:
     /** The page of the only source of the case that it was made for. @p index is the file name of the page above. */
     void write_source(const QString &path, const page_content &content, const QString &index);
 
+    /** What could not be read for the pages that were written, in plain words. */
+    const QStringList &problems() const
+    {
+        return problems_of_lists;
+    }
+
 private:
+    QStringList shortcomings(const page_content &content) const;
     void count_rows(const page_content &content);
     QList<const html_table *> finished_tables(const page_content &content);
     QByteArray timeline_section(const page_content &content, const QList<device_facts> &facts,
@@ -67,6 +74,7 @@ private:
     const report_case &facts_of_case;
     QMap<QString, std::shared_ptr<row_table>> tables;
     std::vector<html_table> lists; ///< of the host's own reading
+    QStringList problems_of_lists;
     std::optional<row_figures> counts;
 };
 

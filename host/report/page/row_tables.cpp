@@ -154,7 +154,8 @@ template<typename Line>
 html_table list_table(const report_case &that_case, const list_words &words, const line_columns<Line> &list,
                       QString (*for_each_line)(const report_case &, const report_source &,
                                                const std::function<void(const Line &)> &),
-                      const std::vector<qint64> *devices, const std::function<void(const Line &)> &look = {})
+                      const std::vector<qint64> *devices, QStringList &problems,
+                      const std::function<void(const Line &)> &look = {})
 {
     html_table table(words.id, words.heading, words.caption);
     page_column *device = devices ? &table.add_column(about_own_column("device")) : nullptr;
@@ -164,7 +165,7 @@ html_table list_table(const report_case &that_case, const list_words &words, con
                                                               : nullptr);
     std::size_t next = 0;
     for (const report_source &source : that_case.sources) {
-        for_each_line(that_case, source, [&](const Line &line) {
+        const QString problem = for_each_line(that_case, source, [&](const Line &line) {
             for (std::size_t i = 0; i < columns.size(); ++i) {
                 if (columns[i])
                     columns[i]->add(cell_of_page(list.at(qsizetype(i)).about, list.at(qsizetype(i)).value(line)));
@@ -175,15 +176,18 @@ html_table list_table(const report_case &that_case, const list_words &words, con
             if (look)
                 look(line);
         });
+        if (!problem.isEmpty())
+            problems.append(source.problem_text(problem));
     }
     return table;
 }
 
 } // namespace
 
-html_table wal_table(const report_case &that_case, const std::vector<qint64> &devices, row_figures &counts)
+html_table wal_table(const report_case &that_case, const std::vector<qint64> &devices, row_figures &counts,
+                     QStringList &problems)
 {
-    return list_table<wal_change>(that_case, wal_words, wal_columns(), for_each_wal_change, &devices,
+    return list_table<wal_change>(that_case, wal_words, wal_columns(), for_each_wal_change, &devices, problems,
                                   [&counts](const wal_change &change) {
                                       ++(change.change == "added"     ? counts.added_by_logs
                                          : change.change == "deleted" ? counts.deleted_by_logs
@@ -191,18 +195,20 @@ html_table wal_table(const report_case &that_case, const std::vector<qint64> &de
                                   });
 }
 
-html_table host_device_table(const report_case &that_case, const std::vector<qint64> &devices)
+html_table host_device_table(const report_case &that_case, const std::vector<qint64> &devices, QStringList &problems)
 {
     return list_table<host_device_line>(that_case, host_device_words, host_device_columns(), for_each_host_device,
-                                        &devices);
+                                        &devices, problems);
 }
 
-html_table unparsed_table(const report_case &that_case)
+html_table unparsed_table(const report_case &that_case, QStringList &problems)
 {
-    return list_table<unparsed_line>(that_case, unparsed_words, unparsed_columns(), for_each_unparsed_line, nullptr);
+    return list_table<unparsed_line>(that_case, unparsed_words, unparsed_columns(), for_each_unparsed_line, nullptr,
+                                     problems);
 }
 
-html_table salvage_table(const report_case &that_case)
+html_table salvage_table(const report_case &that_case, QStringList &problems)
 {
-    return list_table<salvage_line>(that_case, salvage_words, salvage_columns(), for_each_salvaged_row, nullptr);
+    return list_table<salvage_line>(that_case, salvage_words, salvage_columns(), for_each_salvaged_row, nullptr,
+                                    problems);
 }

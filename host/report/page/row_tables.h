@@ -45,15 +45,16 @@ private:
     page_column *device = nullptr;
 };
 
-// Lists of the host's own reading, of all sources.
+// Lists of the host's own reading, of all sources. What cannot be read is added to @p problems, in plain words.
 
 /** What write-ahead logs make of rows; counts what it finds. @p devices are the numbers of the lines' devices. */
-html_table wal_table(const report_case &that_case, const std::vector<qint64> &devices, row_figures &counts);
+html_table wal_table(const report_case &that_case, const std::vector<qint64> &devices, row_figures &counts,
+                     QStringList &problems);
 
 /** The devices of lists; @p devices are their numbers, in the order of the lines. */
-html_table host_device_table(const report_case &that_case, const std::vector<qint64> &devices);
+html_table host_device_table(const report_case &that_case, const std::vector<qint64> &devices, QStringList &problems);
 
-html_table unparsed_table(const report_case &that_case);
-html_table salvage_table(const report_case &that_case);
+html_table unparsed_table(const report_case &that_case, QStringList &problems);
+html_table salvage_table(const report_case &that_case, QStringList &problems);
 
 #endif
