@@ -23,7 +23,7 @@ namespace {
 exit_code run(const command_line &line, console &out)
 {
     exit_code code = line.command(out);
-    if (code == exit_code::done && out.has_told_error()) // whoever told it: 0 promises that there was none
+    if (code == exit_code::done && out.has_printed_error()) // whoever printed it: 0 promises that there was none
         code = exit_code::partial;
     if (out.finish())
         return code;

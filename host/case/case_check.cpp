@@ -247,7 +247,7 @@ private:
         for (const QLatin1StringView ending : {"-wal"_L1, "-journal"_L1, "-shm"_L1}) {
             const QString path = source.result_path + ending;
             if (!source.result_path.isEmpty() && path_exists(layout.directory() + u'/' + path))
-                tell_added(path, place::result);
+                add_new_file(path, place::result);
         }
     }
 
@@ -294,11 +294,11 @@ private:
     {
         for (const QString &path : paths) {
             if (!known.contains(path))
-                tell_added(shown(root, path), kind);
+                add_new_file(shown(root, path), kind);
         }
     }
 
-    void tell_added(const QString &path, place kind)
+    void add_new_file(const QString &path, place kind)
     {
         add({kind, path, finding::added, {}, {}});
         outcome.differences.append(path + u" is new: nothing lists it"_s);
@@ -520,11 +520,12 @@ private:
     void compare_listings(const QString &name, const evidence_state &recorded, const evidence_state &now)
     {
         const QStringList &before = recorded.listing_after.isEmpty() ? recorded.listing_before : recorded.listing_after;
-        tell_entries(name, now.listing_after, set_of(before), u" was not there before"_s);
-        tell_entries(name, before, set_of(now.listing_after), u" is gone"_s);
+        compare_entries(name, now.listing_after, set_of(before), u" was not there before"_s);
+        compare_entries(name, before, set_of(now.listing_after), u" is gone"_s);
     }
 
-    void tell_entries(const QString &name, const QStringList &entries, const QSet<QString> &others, const QString &what)
+    void compare_entries(const QString &name, const QStringList &entries, const QSet<QString> &others,
+                         const QString &what)
     {
         for (const QString &entry : entries) {
             if (!others.contains(entry))

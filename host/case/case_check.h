@@ -19,7 +19,7 @@
 struct check_request
 {
     QString directory;           ///< absolute
-    QString manifest_sha256;     ///< from the examiner's notes; empty: the file beside the manifest tells
+    QString manifest_sha256;     ///< from the examiner's notes; empty: the file beside the manifest has it
     QMap<int, QString> moved_to; ///< where the evidence of a source lies now
     QStringList report_folders;  ///< absolute; of reports that lie elsewhere
     bool leaves_out_evidence = false;

@@ -10,8 +10,8 @@
 #include <QStringList>
 
 /**
- * A result database that is there, read as it was when the first of it was read, whoever writes to it meanwhile. It may
- * come from a stranger. Every function throws host_error (not_found) when the file cannot be read.
+ * A read-only snapshot; later writes are not seen. The file is not trusted. Every function throws host_error
+ * (not_found) when it cannot be read.
  */
 class result_database
 {

@@ -50,7 +50,7 @@ enum class source_status {
     not_run,
 };
 
-/** Whether the run came to its end, so that its result is all that it will ever be. */
+/** Whether the run finished: its result is final. */
 bool is_complete(source_status status);
 
 QLatin1StringView status_name(source_status status);

@@ -39,7 +39,7 @@ public:
 
     /** Messages, on standard error. */
     void error(const terminal_text &text);
-    bool has_told_error() const
+    bool has_printed_error() const
     {
         return is_error_told;
     }
@@ -52,7 +52,7 @@ public:
     /** A line of the plug-in's log, on standard error. */
     void log_line(const terminal_text &line);
 
-    /** Tells how far a run has come; messages clear it. */
+    /** Shows how far a run has come; messages clear it. */
     progress_lines &progress()
     {
         return run_progress;

@@ -121,7 +121,7 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
              arguments.member);
     add_number(extract, {"--source-number", "N", "Number of the source in the case (default 1)"}, 0, highest_number,
                arguments.number);
-    add_example(extract, {"bluetooth-logs extract -i backups/0000 -t ios-backup -o case", "a backup of an iOS device"});
+    add_example(extract, {"bluetooth-logs extract -i backup -t ios-backup -o case", "a backup of an iOS device"});
     add_flag(extract,
              {"--live",
               "",

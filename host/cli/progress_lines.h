@@ -6,7 +6,7 @@
 
 #include "host/text/terminal_text.h"
 
-/** The last lines of the terminal that standard error is; they tell how far a run has come. */
+/** The last lines of the terminal that standard error is; they show how far a run has come. */
 class progress_lines
 {
 public:

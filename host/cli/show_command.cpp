@@ -124,8 +124,8 @@ exit_code show_file(const show_options &options, console &out)
             error_kind::refused,
             u"csv and tsv hold texts as they are, which could act on this terminal: send them to a file or "
             "a program, or ask for jsonl"_s);
-    const QStringList shortcomings = tell_table({options.place, options.table, *options.format, options.source},
-                                                [&out](QByteArrayView bytes) { out.print_bytes(bytes); });
+    const QStringList shortcomings = write_table({options.place, options.table, *options.format, options.source},
+                                                 [&out](QByteArrayView bytes) { out.print_bytes(bytes); });
     for (const QString &text : shortcomings)
         out.warning(text);
     return shortcomings.isEmpty() ? exit_code::done : exit_code::partial;

@@ -24,7 +24,7 @@ struct show_options
 };
 
 /**
- * Prints the rows of a case's result databases. What stands between them and the whole of the evidence is told as
+ * Prints the rows of a case's result databases. What stands between them and the whole of the evidence is reported as
  * warnings; partial where a source is incomplete. Throws host_error (not_found) when there are no rows to be had.
  */
 exit_code run_show(const show_options &options, console &out);

@@ -15,7 +15,7 @@ struct verify_options
     bool json = false;   ///< the outcome as JSON on standard output, in place of words
 };
 
-/** Compares a case with its manifest and tells what is different. Throws host_error. */
+/** Compares a case with its manifest and reports what is different. Throws host_error. */
 exit_code run_verify(const verify_options &options, console &out);
 
 #endif

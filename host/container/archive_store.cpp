@@ -107,7 +107,7 @@ public:
         int result = ARCHIVE_RETRY;
         for (int tries = 0; result == ARCHIVE_RETRY && tries < 100; ++tries)
             result = archive_read_next_header(opened.get(), &entry);
-        tell_progress();
+        report_progress();
         if (result == ARCHIVE_EOF)
             return nullptr;
         if (result < ARCHIVE_WARN) {
@@ -131,7 +131,7 @@ public:
         if (count < 0)
             throw stream_failure(words_of(opened.get()));
         all_delivered += count;
-        tell_progress();
+        report_progress();
         check_ratio();
         return qsizetype(count);
     }
@@ -167,7 +167,7 @@ private:
         size_t size = 0;
         la_int64_t place = 0;
         while (archive_read_data_block(opened.get(), &block, &size, &place) == ARCHIVE_OK) {
-            tell_progress();
+            report_progress();
             try {
                 check_ratio();
             } catch (const stream_failure &failure) {
@@ -187,11 +187,11 @@ private:
                                  true);
     }
 
-    void tell_progress()
+    void report_progress()
     {
         const qint64 now = archive_filter_bytes(opened.get(), -1);
-        if (now > told)
-            observe(now - std::exchange(told, now));
+        if (now > reported)
+            observe(now - std::exchange(reported, now));
     }
 
     QString path;
@@ -202,7 +202,7 @@ private:
     QString damage;
     qint64 members = 0;
     qint64 all_delivered = 0;
-    qint64 told = 0;
+    qint64 reported = 0;
     bool is_at_a_member = false;
 };
 

@@ -6,7 +6,7 @@
 
 #include "host/container/evidence_store.h"
 
-/** Tells how many more bytes of a container were read. */
+/** Called with how many more bytes of a container were read. */
 using read_observer = std::function<void(qint64 bytes)>;
 
 /** How far an archive may go before it counts as made to overwhelm its reader. */

@@ -71,7 +71,7 @@ struct exported_source
 exported_source export_evidence(const container_choice &choice, const export_places &places, bool hash_container,
                                 const read_observer &hashed, const read_observer &read);
 
-/** SHA-256 of every file of a container, told on the way; empty for one that cannot be read. */
+/** SHA-256 of every file of a container, reported on the way; empty for one that cannot be read. */
 void hash_files(container_facts &container, const read_observer &hashed);
 
 #endif

@@ -12,7 +12,7 @@
 
 #include <optional>
 
-/** What a file of a container is evidence of, told by its path. docs/formats.md has the paths. */
+/** What a file of a container is evidence of, by its path. docs/formats.md has the paths. */
 struct evidence_match
 {
     const source_kind *kind = nullptr;

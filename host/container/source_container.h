@@ -66,7 +66,7 @@ public:
     }
     /** The files of a volume; @p number is without a meaning where there are none. */
     virtual std::unique_ptr<evidence_store> store(int number) = 0;
-    /** The kind of source that it is by itself; null: its files tell. */
+    /** The kind of source that it is by itself; null: its files decide. */
     virtual const source_kind *kind() const
     {
         return nullptr;
@@ -87,7 +87,7 @@ struct opening
  */
 std::unique_ptr<source_container> open_container(const QString &path, const opening &how);
 
-/** Whether a source at @p path is a container, by what can be told without opening it. */
+/** Whether a source at @p path is a container, by what can be seen without opening it. */
 bool is_container(const QString &path, const source_kind *kind);
 
 /** The state of the files of a container now; empty members where one is gone. */

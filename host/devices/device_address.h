@@ -19,7 +19,7 @@ struct device_address
     QLatin1StringView kind() const;
 
     /**
-     * Whether it can tell that two sources know the same device: a random one cannot, nor can one of zeros alone. Six
+     * Whether it shows that two sources know the same device: a random one cannot, nor can one of zeros alone. Six
      * bytes alone count as public.
      */
     bool joins_sources() const;

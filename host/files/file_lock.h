@@ -17,7 +17,7 @@
 class file_lock
 {
 public:
-    /** Throws host_error: refused, telling the holder, when somebody else holds it; else io. */
+    /** Throws host_error: refused, naming the holder, when somebody else holds it; else io. */
     explicit file_lock(const QString &path);
 
     /** Whether somebody holds the lock of this file, as far as can be seen. False where there is no such file. */

@@ -35,14 +35,14 @@ void remove_unless_folder(const QString &path)
         remove_file(path);
 }
 
-/** Adds what lies in a folder, unless something below it is told already. */
+/** Adds what lies in a folder, unless something below it is listed already. */
 void add_entries(const QString &folder, QStringList &kept)
 {
     std::error_code error;
     for (const auto &entry : filesystem::directory_iterator(to_std_path(folder), error)) {
         const QString path = QFile::decodeName(entry.path().c_str());
         const bool is_told = std::any_of(kept.cbegin(), kept.cend(),
-                                         [&path](const QString &told) { return told.startsWith(path + u'/'); });
+                                         [&path](const QString &listed) { return listed.startsWith(path + u'/'); });
         if (!is_told)
             kept.append(path);
     }

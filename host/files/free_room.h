@@ -8,7 +8,7 @@
 
 /**
  * Throws host_error (incomplete) when the file system of the case's @p folder has no room for so many bytes of
- * evidence. Says nothing where the system does not tell.
+ * evidence. Says nothing where the system does not.
  */
 void require_room(const QString &folder, qint64 bytes);
 

@@ -13,8 +13,8 @@
 #include <optional>
 
 /**
- * A file that is written piece by piece and has its name only when it is whole: until then it stands beside it as
- * "<name>.new", and goes if it is given up. Every function throws host_error (io) with the system's reason.
+ * Writes "<path>.new"; commit() renames it; else it is removed. Every function throws host_error (io) with the system's
+ * reason.
  */
 class new_file
 {

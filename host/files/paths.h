@@ -12,9 +12,9 @@
 std::filesystem::path to_std_path(const QString &path);
 
 /**
- * The absolute form of a path that the examiner gave, links not followed but before a "..". Throws host_error (refused)
- * for an empty path, and for a relative one when the working folder is gone or has a name that is no UTF-8. @p name
- * says in the message what the path is for.
+ * Makes a path absolute; follows links only before "..". Throws host_error (refused) for an empty path, and for a
+ * relative one when the working folder is gone or has a name that is no UTF-8. @p name says in the message what the
+ * path is for.
  */
 QString absolute_path(const QString &path, const QString &name);
 
@@ -34,8 +34,8 @@ QString resolved_down_to(const QString &folder, const QString &path, const QStri
 bool path_exists(const QString &path);
 
 /**
- * Whether @p path, which need not exist, is @p folder or lies below it once every link is followed. Folders are
- * compared by what they are, not by their names: capitals, links and second mounts deceive nobody.
+ * Whether @p path, which need not exist, is @p folder or lies below it. Compared by identity, so case, links and second
+ * mounts do not matter.
  */
 bool is_inside(const QString &path, const QString &folder);
 

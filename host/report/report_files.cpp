@@ -215,7 +215,7 @@ private:
             file->commit();
     }
 
-    /** Rows come first: what else a source knows of a device is told behind them. */
+    /** Rows come first: what else a source knows of a device comes behind them. */
     void learn_other_appearances()
     {
         if (!needs_join())
@@ -250,18 +250,18 @@ private:
     }
 
     /** Every appearance of the case with the number of its device, source by source. */
-    void tell_appearances(const std::function<void(const device_appearance &appearance, qint64 number)> &take)
+    void for_each_appearance(const std::function<void(const device_appearance &appearance, qint64 number)> &take)
     {
         device_numbers numbers(join);
-        const auto tell = [&](const device_appearance &appearance) { take(appearance, numbers.next(appearance)); };
+        const auto give = [&](const device_appearance &appearance) { take(appearance, numbers.next(appearance)); };
         for (int i = 0; i < int(that_case.sources.size()); ++i) {
             const report_source &source = that_case.sources.at(i);
             for (const QString &table : result_tables()) {
                 const table_reading reading = read_rows(that_case, source, table,
-                                                        [&](const report_row &row) { tell(appearance_of(row, i)); });
+                                                        [&](const report_row &row) { give(appearance_of(row, i)); });
                 add_shortcoming(source, reading.problem);
             }
-            add_shortcoming(source, for_each_other_appearance(that_case, i, tell));
+            add_shortcoming(source, for_each_other_appearance(that_case, i, give));
         }
         device_count = numbers.count();
     }
@@ -277,7 +277,7 @@ private:
         if (!has_pages() && !join.is_any_shared())
             return {};
         QSet<qint64> wanted;
-        tell_appearances([&](const device_appearance &appearance, qint64 number) {
+        for_each_appearance([&](const device_appearance &appearance, qint64 number) {
             note_number(appearance, number);
             const bool is_row_once_more = appearance.found_in == wal_deleted;
             if (!is_row_once_more && (is_one_page() || (!has_pages() && join.is_shared(appearance))))
@@ -286,7 +286,7 @@ private:
                 wanted.insert(number);
         });
         if (has_pages() && is_split)
-            tell_appearances([&](const device_appearance &appearance, qint64 number) {
+            for_each_appearance([&](const device_appearance &appearance, qint64 number) {
                 if (appearance.found_in != wal_deleted && wanted.contains(number))
                     devices.add(appearance, number);
             });

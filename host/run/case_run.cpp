@@ -195,7 +195,7 @@ case_tally run_case(const case_request &request, run_observer &observer)
         case_tally tally = collect_case(layout);
         tally.is_interrupted = interruption::was_asked_for();
         if (tally.code() == outcome_code::done && of_this_run.code() != outcome_code::done)
-            ++tally.codes[outcome_code::partial]; // a record on the disk says less than what was told
+            ++tally.codes[outcome_code::partial]; // a record on the disk says less than what was printed
         return tally;
     } catch (const host_error &error) {
         // What became of the sources counts more than their list.

@@ -160,7 +160,7 @@ void compare_ios_rows(inspection &result, const source_request &request)
 
 /**
  * Copies of the evidence, the host's and the plug-in's, that hold something else than what was hashed. One that is cut
- * off, on a full disk for instance, tells nothing of the evidence: the plug-in's log and the rows that are missing do.
+ * off, on a full disk for instance, says nothing of the evidence: the plug-in's log and the rows that are missing do.
  */
 QStringList unlike_copies(const source_request &request, const evidence_state &evidence)
 {
@@ -242,7 +242,7 @@ void settle_result(const source_request &request)
         sqlite_statement statement(database, "SELECT count(*) FROM sqlite_master");
         statement.next(); // the first reader rolls back what was not finished
     } catch (const sqlite_error &) {
-        // What cannot be rolled back cannot be counted either, which is told.
+        // What cannot be rolled back cannot be counted either, which is said.
     }
 }
 

@@ -18,7 +18,7 @@ struct logged_failure
     bool is_insert = false; ///< a row that the result table did not take
 };
 
-/** What the plug-in's log tells. The plug-in reports failures nowhere else. */
+/** What the plug-in's log reports. The plug-in reports failures nowhere else. */
 struct log_findings
 {
     QList<logged_failure> failures; ///< in the order of their first appearance

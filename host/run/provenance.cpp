@@ -25,7 +25,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/** CLI11 is headers alone, and libplist tells no version before 2.3: theirs are those of the build. */
+/** CLI11 is headers alone, and libplist has no version to ask for before 2.3: theirs are those of the build. */
 QJsonObject libraries()
 {
     return {

@@ -13,7 +13,7 @@
  */
 QJsonObject tool_facts(const QString &plugin_file);
 
-/** Where it was made: operating system, kernel, host, user and time zone; null for what the system does not tell. */
+/** Where it was made: operating system, kernel, host, user and time zone; null for what the system does not give. */
 QJsonObject system_facts();
 
 /** The folder that relative paths of the command line started from; null when it is gone. */

@@ -63,6 +63,8 @@ void create_plugin_log(const QString &path)
 void sync_plugin_log(const source_layout &layout, source_record &judged)
 {
     const descriptor file = open_without_links(layout.plugin_log(), O_RDONLY | O_NONBLOCK);
+    if (!file.is_open() && errno == ENOENT)
+        return; // it does not hold what the plug-in wrote, which is said
     if (!file.is_open() || ::fsync(file.number()) != 0)
         judged.add_error(u"plugin.log is not on the disk: "_s + system_error_text(errno));
 }

@@ -47,7 +47,7 @@ evidence_source source_taken_out(const source_request &request, const exported_s
     return source;
 }
 
-void tell_origins(evidence_state &evidence, const exported_source &taken)
+void add_origins(evidence_state &evidence, const exported_source &taken)
 {
     for (const collected_file &file : taken.files) {
         const auto known = std::find_if(evidence.files.begin(), evidence.files.end(),

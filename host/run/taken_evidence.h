@@ -22,7 +22,7 @@ evidence_source source_taken_out(const source_request &request, const exported_s
  * Completes what was seen of the files in the case with what is known of them in the container: where they stood, and
  * why one is not there. Throws host_error (io) when the case does not hold what was written into it.
  */
-void tell_origins(evidence_state &evidence, const exported_source &taken);
+void add_origins(evidence_state &evidence, const exported_source &taken);
 
 /** What is different of the files of the container that a record names, in plain words. */
 QStringList container_changes(const QJsonValue &container);

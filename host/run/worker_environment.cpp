@@ -13,7 +13,7 @@ namespace {
 
 /**
  * All that passes: the zone of the plug-in's log, settings of the compiler's checks, which change no result, and what
- * doubles of the plug-in are told. Others make libraries load code, write files or convert texts otherwise.
+ * doubles of the plug-in read. Others make libraries load code, write files or convert texts otherwise.
  */
 constexpr QByteArrayView passed_on[] = {"TZ=", "ASAN_OPTIONS=", "LSAN_OPTIONS=", "UBSAN_OPTIONS=", "BLUETOOTH_LOGS_"};
 

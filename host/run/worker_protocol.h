@@ -94,7 +94,7 @@ struct worker_report
 {
     bool is_loaded = false;
     bool is_out_of_memory = false;
-    QJsonValue confinement; ///< of the first process that told; null before
+    QJsonValue confinement; ///< of the first process that reported it; null before
     std::optional<evidence_state> looked;
     QHash<QString, qint64> announced;
     std::optional<plugin_log_end> extracted;

@@ -7,8 +7,7 @@
 #include <QStringView>
 
 /**
- * Names as devices in the street have them, and as somebody would choose them who wants to trouble an examiner's tools.
- * What cannot be seen in a source text is written as an escape.
+ * Ordinary names, and names chosen to break tools. What cannot be seen in a source text is written as an escape.
  */
 inline constexpr QStringView other_device_names[] = {
     u"Living Room TV",

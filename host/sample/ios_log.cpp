@@ -48,7 +48,7 @@ struct seen_device
     QString identifier;
     QString account_identifier;
     QString advertised;
-    QString name; ///< empty: it tells none
+    QString name; ///< empty: it gives none
     QString model;
 };
 

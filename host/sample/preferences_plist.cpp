@@ -35,7 +35,7 @@ void set_date(plist_t dictionary, const char *key, qint64 seconds)
 struct listed_device
 {
     qint64 paired_row = -1; ///< its row among the paired devices; -1: a classic device, which no database knows
-    QStringView name = {};  ///< not every device has told its name
+    QStringView name = {};  ///< not every device has given its name
 };
 
 // The list keeps a name for the device that has none in the database, and another one for the car kit.

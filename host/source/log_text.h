@@ -20,7 +20,7 @@ std::optional<QString> why_no_log_text(QByteArrayView start);
  */
 bool is_device_log_line(QByteArrayView line);
 
-/** Tells whether a stream of bytes is the log text of a device: it has a line that could be of one. */
+/** Whether a stream of bytes is the log text of a device: it has a line that could be of one. */
 class device_log_check
 {
 public:

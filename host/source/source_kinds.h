@@ -29,7 +29,7 @@ inline constexpr source_kind winos_kind = {QLatin1StringView("winOS"), QLatin1St
 inline constexpr const source_kind *source_kinds[] = {&macos_kind, &ios_uid_kind, &ios_files_kind, &ios_backup_kind,
                                                       &winos_kind};
 
-/** The kind that the plug-in is told. */
+/** The kind that the plug-in is given. */
 inline const source_kind &plugin_kind(const source_kind &kind)
 {
     return kind.driven_as ? *kind.driven_as : kind;

@@ -72,9 +72,7 @@ public:
     void execute(const char *statements);
 
     /**
-     * For a file that a stranger wrote, before anything is read from it: whatever its schema names, only rows of
-     * tables are read, SQLite works no longer than some minutes on all of them (what the caller does with a row in
-     * the meantime does not count), and no value may be larger than SQLite's usual limit.
+     * Call before reading an untrusted file: allows plain table reads, five minutes of SQLite's own work.
      * https://www.sqlite.org/security.html
      */
     void distrust();

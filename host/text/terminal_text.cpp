@@ -51,7 +51,7 @@ bool is_unseen(char32_t character)
     }
 }
 
-/** Walks through a text and tells which of its characters can be shown as they are. */
+/** Walks through a text and says which of its characters can be shown as they are. */
 class visibility
 {
 public:

@@ -124,7 +124,7 @@ void confine_to_source(const source_request &request)
 void set_limits(qint64 mebibytes)
 {
     limit_memory(mebibytes);
-    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is told by what writes it
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is reported by what writes it
 }
 
 /** Sends how many bytes were hashed or read, not too often. */
@@ -201,7 +201,7 @@ void extract(source_request request)
                                request.options.max_database << 20, [&hashed](qint64 bytes) { hashed(bytes); });
     }
     if (taken)
-        tell_origins(evidence, *taken);
+        add_origins(evidence, *taken);
     send(looked_line(evidence));
 
     const QStringList all_tables = request.options.tables;

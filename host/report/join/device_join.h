@@ -50,7 +50,7 @@ struct device_appearance
     QByteArray icloud_identifier;
     QByteArray vendor;
     QByteArray address_kind;
-    QByteArray local_name;          ///< without UUID and keys: what else tells the device apart within its source
+    QByteArray local_name;          ///< without UUID and keys: by what else the device is known within its source
     bool is_deleted_by_log = false; ///< a row that the write-ahead log deletes
     bool is_paired = false;         ///< the source has it as paired: in that table, or its list says so
     qsizetype line = -1;            ///< its place among the lines of its list; -1: it is a row
@@ -95,7 +95,7 @@ public:
     void learn(const device_appearance &row);
 
     /**
-     * What all rows of a device have in common, when all rows are learnt: a text without a meaning of its own. Empty:
+     * An opaque key, equal for all rows of a device, when all rows are learnt. Empty:
      * the row is joined with no other.
      */
     QByteArray device_of(const device_appearance &row) const;

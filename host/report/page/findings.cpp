@@ -139,7 +139,7 @@ QByteArray short_name(const device_facts &facts)
     return QByteArray::number(facts.number) + ' ' + (shown.isEmpty() ? QByteArray("no name") : html_shown(shown));
 }
 
-/** A square where a source has the device as paired, a ring where it has seen it: no colour is needed to tell them. */
+/** A square where a source has the device as paired, a ring where it has seen it: no colour is needed. */
 QByteArray mark(int x, int y, bool is_paired)
 {
     const QByteArray left = QByteArray::number(x);

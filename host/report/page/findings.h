@@ -9,7 +9,7 @@
 #include <QByteArray>
 #include <QStringList>
 
-/** Numbers of rows that the findings tell. */
+/** Numbers of rows that the findings show. */
 struct row_figures
 {
     qint64 sightings = 0;       ///< rows of logs in the table of devices

@@ -71,7 +71,7 @@ void write_page(const QString &path, const report_case &that_case, const QString
     file.commit();
 }
 
-/** What is always there, behind what the page tells of its rows. */
+/** What is always there, behind the rows. */
 QList<page_section> last_sections(const report_case &that_case)
 {
     return {

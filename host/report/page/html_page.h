@@ -20,7 +20,7 @@ inline const QString host_devices_list = QStringLiteral("host_devices");
 /** The numbers of the devices of a case's rows, by result table or list and in the order in which a page gets them. */
 using row_devices = QMap<QString, std::vector<qint64>>;
 
-/** What pages tell of a case besides its rows. */
+/** What pages hold of a case besides its rows. */
 struct page_content
 {
     const QList<joined_device> &devices; ///< in the order of their numbers

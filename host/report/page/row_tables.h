@@ -35,7 +35,7 @@ public:
     qint64 differing = 0;
     qint64 left_out = 0; ///< rows of which the plug-in leaves something out by design
     qint64 sightings = 0;
-    QSet<QByteArray> sighted; ///< what tells the devices of logs apart
+    QSet<QByteArray> sighted; ///< by what the devices of logs differ
 
 private:
     void add_sighting(const report_row &row);

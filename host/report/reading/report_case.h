@@ -36,7 +36,7 @@ struct report_source
     }
 };
 
-/** What reports tell of a case as a whole. */
+/** What reports say of a case as a whole. */
 struct report_case
 {
     case_layout layout;

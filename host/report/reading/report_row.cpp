@@ -36,7 +36,7 @@ QStringList columns_of_source(const report_case &that_case, const report_source 
 {
     QStringList names;
     const QString file = result_file(that_case, source);
-    if (source.is_locked || !path_exists(file)) // which is told with the rows
+    if (source.is_locked || !path_exists(file)) // which is said with the rows
         return names;
     const result_database result(file);
     if (!has_table(result, table))
@@ -107,7 +107,7 @@ notes_of_one notes_on(const report_case &that_case, const report_source &source,
 
 /** Throws host_error and sqlite_error. */
 void read_result(const report_case &that_case, const report_source &source, const QString &table,
-                 const std::function<void(const report_row &row)> &tell, table_reading &reading)
+                 const std::function<void(const report_row &row)> &take, table_reading &reading)
 {
     const result_database result(result_file(that_case, source));
     if (!has_table(result, table))
@@ -119,19 +119,19 @@ void read_result(const report_case &that_case, const report_source &source, cons
     while (row.next()) {
         host->next(row);
         const counter_pair counters = counters_of(row, host->values());
-        report_row told{source,
-                        table,
-                        row,
-                        host->values(),
-                        utf8_table,
-                        ranks.seen.rank_of(counters.seen),
-                        ranks.connected.rank_of(counters.connected),
-                        counter_readings(counters.seen)};
+        report_row given{source,
+                         table,
+                         row,
+                         host->values(),
+                         utf8_table,
+                         ranks.seen.rank_of(counters.seen),
+                         ranks.connected.rank_of(counters.connected),
+                         counter_readings(counters.seen)};
         if (!that_case.notes->is_empty()) {
-            told.notes = notes_on(that_case, source, table, row, host->values());
-            told.marks = note_marks(told.notes);
+            given.notes = notes_on(that_case, source, table, row, host->values());
+            given.marks = note_marks(given.notes);
         }
-        tell(told);
+        take(given);
         ++reading.rows;
     }
     reading.problem = host->problem().isEmpty() ? ranks.problem : host->problem();
@@ -155,7 +155,7 @@ column_names result_columns(const report_case &that_case, const QString &table)
 }
 
 table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,
-                        const std::function<void(const report_row &row)> &tell)
+                        const std::function<void(const report_row &row)> &take)
 {
     table_reading reading;
     if (source.is_locked)
@@ -166,7 +166,7 @@ table_reading read_rows(const report_case &that_case, const report_source &sourc
         return reading;
     }
     try {
-        read_result(that_case, source, table, tell, reading);
+        read_result(that_case, source, table, take, reading);
     } catch (const host_error &error) {
         reading.problem = problem_text(that_case, source, error);
     } catch (const sqlite_error &error) {
@@ -191,7 +191,7 @@ qint64 row_count(const report_case &that_case)
             for (const QString &table : tables)
                 count += result.row_count(table);
         } catch (const host_error &) {
-            // told with the rows
+            // said with the rows
         }
     }
     return count;

@@ -11,7 +11,7 @@
 
 #include <functional>
 
-/** A row of a result table with what the host knows of it. Valid while it is told. */
+/** A row of a result table with what the host knows of it. Valid during the call that it is given to. */
 struct report_row
 {
     const report_source &source;
@@ -52,11 +52,11 @@ struct column_names
 column_names result_columns(const report_case &that_case, const QString &table);
 
 /**
- * Tells the rows of a result table in their order. When there are not as many as the case's records say, that is the
- * problem of the reading.
+ * Calls @p take for each row of a result table, in their order. When there are not as many as the case's records say,
+ * that is the problem of the reading.
  */
 table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,
-                        const std::function<void(const report_row &row)> &tell);
+                        const std::function<void(const report_row &row)> &take);
 
 /** How many rows all result tables of the case hold, as far as they can be counted; reading them says what cannot. */
 qint64 row_count(const report_case &that_case);

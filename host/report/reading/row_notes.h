@@ -18,7 +18,7 @@ using notes_of_one = QList<const case_note *>;
 /** Adds those that are not there. */
 void add_notes(notes_of_one &notes, const notes_of_one &others);
 
-/** What formats tell of the notes on a line. */
+/** What formats hold of the notes on a line. */
 struct note_marks
 {
     note_marks() = default;

@@ -24,7 +24,7 @@ struct counter_pair
 
 counter_pair counters_of(const sqlite_statement &row, const host_values &host);
 
-/** Counters, to tell the place of each among all of them: the largest is 1, equal ones share theirs. */
+/** The place of each counter among all of them: the largest is 1, equal ones share theirs. */
 class counter_ranks
 {
 public:

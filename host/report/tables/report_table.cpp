@@ -18,7 +18,7 @@ void keep_source(report_case &that_case, qint64 number)
         throw host_error(error_kind::refused, u"the case has no source "_s + QString::number(number));
 }
 
-QStringList tell_list(const case_list &list, const program_format &format, const byte_sink &sink)
+QStringList write_list(const case_list &list, const program_format &format, const byte_sink &sink)
 {
     changed_cells changes;
     if (format.separator == 0) {
@@ -31,7 +31,7 @@ QStringList tell_list(const case_list &list, const program_format &format, const
 
 } // namespace
 
-QStringList tell_table(const table_request &request, const byte_sink &sink)
+QStringList write_table(const table_request &request, const byte_sink &sink)
 {
     report_case that_case = read_report_case(request.case_directory);
     if (request.source)
@@ -40,7 +40,7 @@ QStringList tell_table(const table_request &request, const byte_sink &sink)
     changed_cells changes;
     for (const case_list &list : case_lists(that_case)) {
         if (list.name == request.table)
-            return shortcomings + tell_list(list, request.format, sink);
+            return shortcomings + write_list(list, request.format, sink);
     }
     const column_names columns = result_columns(that_case, request.table);
     shortcomings += columns.problems;

@@ -24,6 +24,6 @@ struct table_request
  * Gives @p sink the bytes that a report's file of that table and format has. Returns what the case or the table lacks,
  * in plain words. Throws host_error: input when there is no case, usage when it has no such source.
  */
-QStringList tell_table(const table_request &request, const byte_sink &sink);
+QStringList write_table(const table_request &request, const byte_sink &sink);
 
 #endif

@@ -59,8 +59,8 @@ separated_form form_of(const program_format &format, const cell_options &options
 using row_writer = std::function<void(const report_row &row)>;
 
 /**
- * Writes the rows of a result table, of all sources of the case one after the other: what it is called with goes to
- * @p sink. The header, if there is one, goes there at once. @p columns are those of the result.
+ * Returns a function that writes each row of a result table to @p sink. Writes the header at once. @p columns are those
+ * of the result.
  */
 row_writer make_row_writer(const program_format &format, const cell_options &options, const QStringList &columns,
                            const QString &table, const byte_sink &sink, changed_cells &changes);

@@ -113,7 +113,7 @@ public:
     }
 
 private:
-    /** As the library names them; it removes them as soon as it has made them, and does not tell when that fails. */
+    /** As the library names them; it removes them as soon as it has made them, and says nothing when that fails. */
     QStringList temporary_files() const
     {
         return QDir(QFileInfo(path).path()).entryList({u"tmp.*"_s}, QDir::Files | QDir::Hidden);
