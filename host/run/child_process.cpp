@@ -187,8 +187,10 @@ child_end child_process::wait(const std::function<void(const QByteArray &line)> 
         pollfd pipes[] = {{output.number(), POLLIN, 0}, {errors.number(), POLLIN, 0}};
         const bool is_silent = !output.is_open() && !errors.is_open(); // it is about to end
         const int ready = ::poll(pipes, 2, is_silent ? 1 : milliseconds_between_looks);
-        if (ready > 0 && pipes[0].revents != 0 && !output_lines.read(output.number(), on_output))
+        if (ready > 0 && pipes[0].revents != 0 && !output_lines.read(output.number(), on_output)) {
             output.close();
+            input.close(); // whoever cannot be heard any more is not waited for: it ends without its input
+        }
         if (ready > 0 && pipes[1].revents != 0 && !error_lines.read(errors.number(), on_error))
             errors.close();
         if (is_ended && ready <= 0)

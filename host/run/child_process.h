@@ -46,7 +46,7 @@ public:
 
     /**
      * Passes every line to one of the two until the child has ended; kills it after @p seconds (0: never). When
-     * @p cancellations gives 1 the child gets SIGINT, from 2 on it is killed.
+     * @p cancellations gives 1 the child gets SIGINT, from 2 on it is killed. Its input closes with its output.
      */
     child_end wait(const std::function<void(const QByteArray &line)> &on_output,
                    const std::function<void(const QByteArray &line)> &on_error, qint64 seconds,

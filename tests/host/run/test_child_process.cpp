@@ -67,6 +67,7 @@ void test_child_process::account_data()
     QTest::newRow("empty lines")        << u"printf '\\n\\n'"_s          << u"out , out , 0"_s;
     QTest::newRow("errors")             << u"echo e >&2; exit 1"_s           << u"err e, 1"_s;
     QTest::newRow("output, closed")     << u"exec >&- 2>&-; exit 3"_s        << u"3"_s;
+    QTest::newRow("waits without output") << u"exec >&-; read -r line; exit 5"_s << u"5"_s;
     QTest::newRow("killed")             << u"kill -SEGV $$"_s                << u"SIGSEGV"_s;
     QTest::newRow("output, then killed") << u"printf last; kill -KILL $$"_s  << u"out last, SIGKILL"_s;
     QTest::newRow("environment")        << u"echo $NAME; env | grep -c HOME"_s << u"out value, out 0, 1"_s;
