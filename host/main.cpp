@@ -9,6 +9,7 @@
 
 #include <clocale>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <new>
@@ -93,5 +94,10 @@ int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown
     std::setlocale(LC_ALL, "C.UTF-8"); // evidence is Unicode, whatever the terminal claims
     int application_argc = 1;
     const QCoreApplication application(application_argc, argv);
-    return int(run_reporting_errors(parse_command_line(argc, argv)));
+    const exit_code code = run_reporting_errors(parse_command_line(argc, argv));
+    if (is_reading_process()) {
+        std::fflush(nullptr);
+        ::_exit(int(code));
+    }
+    return int(code);
 }

@@ -33,6 +33,7 @@ constexpr int milliseconds_to_end = 2000; // once it was asked to
 constexpr int code_without_memory = 254;  // no command ends with it
 
 std::terminate_handler usual_terminate = nullptr;
+bool is_child = false;
 
 [[noreturn]] void on_terminate()
 {
@@ -58,6 +59,7 @@ QString present_folder(QString path)
 /** From here on this process is the child. */
 int read_confined(const reading_limits &limits, pid_t parent, const std::function<int()> &read)
 {
+    is_child = true;
     end_with(parent);
     unfinished_file::remove_on_signals();
     const bool is_limited = limit_memory(limits.memory);
@@ -160,6 +162,11 @@ int code_of(const child_end &end, const reading_limits &limits)
 }
 
 } // namespace
+
+bool is_reading_process()
+{
+    return is_child;
+}
 
 int run_in_reading_process(const reading_limits &limits, const std::function<int()> &read)
 {

@@ -17,4 +17,7 @@
  */
 int run_in_reading_process(const reading_limits &limits, const std::function<int()> &read);
 
+/** Whether this process is that child. Its end runs nothing more: what libraries do there it may not do. */
+bool is_reading_process();
+
 #endif
