@@ -118,7 +118,7 @@ void test_foreign_case::make_rows(const QString &expression, int count) const
 
 void test_foreign_case::start_report(QProcess &process) const
 {
-    make_rows(slow_column, 20);
+    make_rows(slow_column, 8);
     host.start(process, {u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-o"_s, host.path(u"report"_s)});
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"report/devices.jsonl.new"_s)), longest);
 }
@@ -167,7 +167,7 @@ void test_foreign_case::time_data()
 void test_foreign_case::time()
 {
     QFETCH(QString, command);
-    make_rows(slow_column, 20);
+    make_rows(slow_column, 8);
     QElapsedTimer clock;
     clock.start();
     const host_result result = host.run_in_shell(command + u" --timeout 1"_s);
