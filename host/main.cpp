@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/command_line.h"
+#include "host/files/uncaught_exception.h"
 #include "host/worker/reading_process.h"
 #include "host/worker/worker.h"
 
@@ -67,14 +68,8 @@ void keep_standard_streams()
 /** For exceptions that nobody catches, bad_alloc out of noexcept code for instance. Nothing is allocated here. */
 [[noreturn]] void on_terminate()
 {
-    const char *text = "error: the program cannot go on\n";
-    try {
-        if (std::current_exception())
-            std::rethrow_exception(std::current_exception());
-    } catch (const std::bad_alloc &) {
-        text = "error: there is not enough memory\n";
-    } catch (...) {
-    }
+    const char *text = is_uncaught_bad_alloc() ? "error: there is not enough memory\n"
+                                               : "error: the program cannot go on\n";
     static_cast<void>(::write(STDERR_FILENO, text, std::strlen(text)) > 0);
     ::_exit(int(exit_code::internal_error));
 }

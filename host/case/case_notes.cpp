@@ -188,7 +188,7 @@ void remove_case_note(const case_layout &layout, int number, const QString &auth
 QString default_author(const case_layout &layout)
 {
     for (const int number : recorded_sources(layout)) {
-        const QString examiner = read_source_record(layout, number).members.value("examiner"_L1).toString();
+        QString examiner = read_source_record(layout, number).members.value("examiner"_L1).toString();
         if (!examiner.isEmpty())
             return examiner;
         break; // all records of a case have the same

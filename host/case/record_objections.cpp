@@ -92,7 +92,7 @@ constexpr QString (*objections[])(const QJsonObject &record, int number) = {
 QString objection_to_record(const QJsonObject &record, int number)
 {
     for (const auto objection : objections) {
-        const QString text = objection(record, number);
+        QString text = objection(record, number);
         if (!text.isEmpty())
             return text;
     }

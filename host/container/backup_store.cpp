@@ -5,6 +5,7 @@
 
 #include "common/platform/property_list.h"
 #include "common/property_list/property_list_guard.h"
+#include "host/container/file_stream.h"
 #include "host/files/file_times.h"
 #include "host/files/host_error.h"
 #include "host/files/system_error.h"
@@ -47,29 +48,6 @@ public:
     virtual ~backup_files() = default;
     virtual void take(const QStringList &paths, const file_taker &take) = 0;
     virtual container_facts facts() const = 0;
-};
-
-class stored_stream : public byte_stream
-{
-public:
-    explicit stored_stream(descriptor opened)
-        : file(std::move(opened))
-    {
-    }
-
-    qsizetype read(char *bytes, qsizetype most) override
-    {
-        for (;;) {
-            const auto count = ::read(file.number(), bytes, size_t(most));
-            if (count >= 0)
-                return count;
-            if (errno != EINTR)
-                throw stream_failure(system_error_text(errno));
-        }
-    }
-
-private:
-    descriptor file;
 };
 
 class folder_files : public backup_files
@@ -115,7 +93,7 @@ private:
         } else if (opened = open_evidence(place); !opened.is_open()) {
             file.objection = system_error_text(errno);
         }
-        stored_stream stream(std::move(opened));
+        file_stream stream(std::move(opened));
         take(file, file.objection.isEmpty() ? &stream : nullptr);
     }
 

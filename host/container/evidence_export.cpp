@@ -7,6 +7,7 @@
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
 #include "host/files/system_error.h"
+#include "host/files/transfer.h"
 #include "host/source/evidence_folder.h"
 #include "host/source/working_copy.h"
 

@@ -3,6 +3,7 @@
 
 #include "host/container/folder_store.h"
 
+#include "host/container/file_stream.h"
 #include "host/container/file_tree.h"
 #include "host/files/file_times.h"
 #include "host/files/system_error.h"
@@ -19,29 +20,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-class file_stream : public byte_stream
-{
-public:
-    explicit file_stream(descriptor opened)
-        : file(std::move(opened))
-    {
-    }
-
-    qsizetype read(char *bytes, qsizetype most) override
-    {
-        for (;;) {
-            const auto count = ::read(file.number(), bytes, size_t(most));
-            if (count >= 0)
-                return count;
-            if (errno != EINTR)
-                throw stream_failure(system_error_text(errno));
-        }
-    }
-
-private:
-    descriptor file;
-};
 
 class folder_tree : public file_tree
 {

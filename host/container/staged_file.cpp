@@ -7,6 +7,7 @@
 #include "host/files/host_error.h"
 #include "host/files/open_without_links.h"
 #include "host/files/system_error.h"
+#include "host/files/transfer.h"
 
 #include <cerrno>
 
@@ -38,14 +39,8 @@ staged_file::~staged_file()
 void staged_file::add(QByteArrayView bytes)
 {
     hash.add(bytes);
-    while (!bytes.isEmpty()) {
-        const auto count = ::write(file.number(), bytes.data(), size_t(bytes.size()));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            fail(errno);
-        bytes = bytes.sliced(count);
-    }
+    if (!write_all(file.number(), bytes))
+        fail(errno);
 }
 
 QString staged_file::keep()

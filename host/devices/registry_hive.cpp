@@ -3,6 +3,8 @@
 
 #include "host/devices/registry_hive.h"
 
+#include "host/files/transfer.h"
+
 #include <QtEndian>
 
 #include <cerrno>
@@ -32,14 +34,8 @@ using c_array = std::unique_ptr<Item, c_deleter>;
 descriptor file_in_memory(const QByteArray &bytes)
 {
     descriptor file(::memfd_create("hive", MFD_CLOEXEC));
-    for (qsizetype done = 0; file.is_open() && done < bytes.size();) {
-        const auto count = ::write(file.number(), bytes.constData() + done, size_t(bytes.size() - done));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return {};
-        done += count;
-    }
+    if (!file.is_open() || !write_all(file.number(), bytes))
+        return {};
     return file;
 }
 

@@ -6,17 +6,12 @@
 #include "host/files/access_time.h"
 #include "host/files/open_without_links.h"
 #include "host/files/sha256.h"
+#include "host/files/transfer.h"
 
 #include <cerrno>
 
 #include <fcntl.h>
 #include <sys/stat.h>
-
-namespace {
-
-constexpr qsizetype block_bytes = 1 << 20;
-
-} // namespace
 
 std::optional<file_content> content_of_file(const QString &path)
 {
@@ -26,22 +21,16 @@ std::optional<file_content> content_of_file(const QString &path)
     struct stat status = {};
     if (!file.is_open() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))
         return {};
-    QByteArray buffer(block_bytes, Qt::Uninitialized);
     sha256 hash;
     file_content content;
-    for (;;) {
-        const auto count = ::read(file.number(), buffer.data(), size_t(buffer.size()));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return {};
-        if (count == 0) {
-            content.sha256 = hash.result();
-            return content;
-        }
-        content.size += count;
-        hash.add(QByteArrayView(buffer.constData(), count));
-    }
+    const bool is_read = read_blocks(file.number(), [&](QByteArrayView block) {
+        content.size += block.size();
+        hash.add(block);
+    });
+    if (!is_read)
+        return {};
+    content.sha256 = hash.result();
+    return content;
 }
 
 std::optional<QString> hash_of_file(const QString &path)

@@ -7,6 +7,7 @@
 #include "host/files/host_error.h"
 #include "host/files/open_without_links.h"
 #include "host/files/system_error.h"
+#include "host/files/transfer.h"
 
 #include <cerrno>
 
@@ -68,12 +69,6 @@ void new_file::fail(int error) const
 
 void new_file::write(QByteArrayView bytes)
 {
-    while (!bytes.isEmpty()) {
-        const auto count = ::write(file.number(), bytes.data(), size_t(bytes.size()));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            fail(errno);
-        bytes = bytes.sliced(count);
-    }
+    if (!write_all(file.number(), bytes))
+        fail(errno);
 }

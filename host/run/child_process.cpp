@@ -5,6 +5,7 @@
 
 #include "host/files/host_error.h"
 #include "host/files/system_error.h"
+#include "host/files/transfer.h"
 #include "host/run/process_platform.h"
 
 #include <QDeadlineTimer>
@@ -95,9 +96,7 @@ public:
     bool read(int file, const std::function<void(const QByteArray &line)> &on_line)
     {
         char bytes[65536];
-        const auto count = ::read(file, bytes, sizeof bytes);
-        if (count < 0 && errno == EINTR)
-            return true;
+        const qsizetype count = read_some(file, bytes, sizeof bytes);
         if (count <= 0) {
             if (!rest.isEmpty())
                 on_line(rest);
@@ -162,12 +161,8 @@ child_process::~child_process()
 
 void child_process::write(QByteArrayView lines)
 {
-    while (!lines.isEmpty()) {
-        const auto count = ::write(input.number(), lines.data(), size_t(lines.size()));
-        if (count < 0 && errno != EINTR)
-            return input.close(); // a child that got half of it must not wait for the rest
-        lines = lines.sliced(qMax<qsizetype>(0, count));
-    }
+    if (!write_all(input.number(), lines))
+        input.close(); // a child that got half of it must not wait for the rest
 }
 
 child_end child_process::wait(const std::function<void(const QByteArray &line)> &on_output,

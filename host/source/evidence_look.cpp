@@ -8,6 +8,7 @@
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
 #include "host/files/system_error.h"
+#include "host/files/transfer.h"
 #include "host/files/utc_time.h"
 #include "host/source/evidence_files.h"
 #include "host/source/evidence_folder.h"

@@ -4,6 +4,7 @@
 #include "host/source/log_text.h"
 
 #include "host/files/system_error.h"
+#include "host/files/transfer.h"
 #include "host/source/device_phrases.h"
 #include "host/source/evidence_folder.h"
 
@@ -131,9 +132,7 @@ std::optional<QString> why_no_device_log(const QString &path)
     QByteArray block(block_bytes, Qt::Uninitialized);
     device_log_check check;
     for (;;) {
-        const auto count = ::read(file.number(), block.data(), size_t(block.size()));
-        if (count < 0 && errno == EINTR)
-            continue;
+        const qsizetype count = read_some(file.number(), block.data(), block.size());
         if (count < 0)
             return system_error_text(errno);
         const bool is_log = count == 0 ? check.finish() : check.add(QByteArrayView(block.constData(), count));

@@ -8,6 +8,7 @@
 #include "host/files/open_without_links.h"
 #include "host/files/paths.h"
 #include "host/files/system_error.h"
+#include "host/files/transfer.h"
 #include "host/source/macos_databases.h"
 #include "host/source/working_copy.h"
 #include "host/sqlite/sqlite.h"

@@ -9,6 +9,7 @@
 #include "host/files/paths.h"
 #include "host/files/sha256.h"
 #include "host/files/system_error.h"
+#include "host/files/transfer.h"
 
 #include <QByteArray>
 #include <QFileInfo>
@@ -19,26 +20,6 @@
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr qsizetype block_bytes = 1 << 16; // what was read is hashed from the cache
-
-} // namespace
-
-/** Reads a file to its end and gives every block to @p take. False with errno set when it cannot be read. */
-bool read_blocks(int file, const std::function<void(QByteArrayView block)> &take)
-{
-    QByteArray buffer(block_bytes, Qt::Uninitialized);
-    for (;;) {
-        const auto count = ::read(file, buffer.data(), size_t(buffer.size()));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return count == 0;
-        take(QByteArrayView(buffer.constData(), count));
-    }
-}
 
 working_copy::working_copy(const QString &copy_path, mode_t mode)
     : path(copy_path)
@@ -51,14 +32,8 @@ working_copy::working_copy(const QString &copy_path, mode_t mode)
 
 void working_copy::add(QByteArrayView block)
 {
-    while (!block.isEmpty()) {
-        const auto count = ::write(file.number(), block.data(), size_t(block.size()));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            fail();
-        block = block.sliced(count);
-    }
+    if (!write_all(file.number(), block))
+        fail();
 }
 
 QString working_copy::hash()

@@ -9,12 +9,7 @@
 #include <QByteArrayView>
 #include <QString>
 
-#include <functional>
-
 #include <sys/types.h>
-
-/** Reads an open file to its end and gives every block to @p take. False with errno set when it cannot be read. */
-bool read_blocks(int file, const std::function<void(QByteArrayView block)> &take);
 
 /**
  * A working copy while it is written: readable by nobody who may not read the original, writable by its owner. Every

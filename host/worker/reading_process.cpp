@@ -6,6 +6,7 @@
 #include "host/files/host_error.h"
 #include "host/files/paths.h"
 #include "host/files/system_error.h"
+#include "host/files/uncaught_exception.h"
 #include "host/files/unfinished_file.h"
 #include "host/run/child_process.h"
 #include "host/run/interruption.h"
@@ -37,13 +38,8 @@ bool is_child = false;
 
 [[noreturn]] void on_terminate()
 {
-    try {
-        if (std::current_exception())
-            std::rethrow_exception(std::current_exception());
-    } catch (const std::bad_alloc &) { // out of noexcept code
+    if (is_uncaught_bad_alloc())
         ::_exit(code_without_memory);
-    } catch (...) {
-    }
     usual_terminate();
     std::abort();
 }

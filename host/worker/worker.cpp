@@ -4,6 +4,8 @@
 #include "host/worker/worker.h"
 
 #include "host/files/host_error.h"
+#include "host/files/transfer.h"
+#include "host/files/uncaught_exception.h"
 #include "host/run/inspection.h"
 #include "host/run/source_survey.h"
 #include "host/run/taken_evidence.h"
@@ -48,24 +50,15 @@ int events = -1; // the descriptor that the watching process reads
 /** Handles uncaught exceptions, also bad_alloc out of noexcept code. */
 [[noreturn]] void on_terminate()
 {
-    try {
-        if (std::current_exception())
-            std::rethrow_exception(std::current_exception());
-    } catch (const std::bad_alloc &) {
+    if (is_uncaught_bad_alloc())
         end_without_memory();
-    } catch (...) {
-    }
     std::abort();
 }
 
 void send(QByteArrayView line)
 {
-    while (!line.isEmpty()) {
-        const auto count = ::write(events, line.data(), size_t(line.size()));
-        if (count < 0 && errno != EINTR)
-            ::_exit(int(worker_end::failed)); // nobody listens any more
-        line = line.sliced(qMax<qsizetype>(0, count));
-    }
+    if (!write_all(events, line))
+        ::_exit(int(worker_end::failed)); // nobody listens any more
 }
 
 /** Standard output becomes a line to the watching process alone: whatever else is printed goes to standard error. */
