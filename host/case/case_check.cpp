@@ -449,18 +449,21 @@ private:
         const QString hash = recorded.value("sha256"_L1).toString();
         const bool is_hashed = request.hashes_containers && !hash.isEmpty();
         const QFileInfo behind_links(QFileInfo(file).canonicalFilePath());
+        const qint64 size = recorded.value("size"_L1).toInteger();
+        const bool is_resized = qint64(status.st_size) != size;
+        const bool has_other_times = utc_text(modification_time(status)) != recorded.value("modified"_L1).toString();
+        const bool is_modified = has_other_times && !is_hashed && request.moved_to.isEmpty();
         if (is_hashed)
             check_file(behind_links.path(), {behind_links.fileName(), unknown_size, hash}, place::evidence);
         else
-            add({place::evidence, file, finding::unchanged, {}, {}});
+            add({place::evidence, file, is_resized || is_modified ? finding::changed : finding::unchanged, {}, {}});
         if (request.hashes_containers && hash.isEmpty())
             outcome.notes.append(file + u" was not hashed when its evidence was taken out"_s);
-        const qint64 size = recorded.value("size"_L1).toInteger();
-        if (qint64(status.st_size) != size)
+        if (is_resized)
             outcome.differences.append(file + u" was changed: it had "_s + QString::number(size) + u" bytes, and has "_s
                                        + QString::number(qint64(status.st_size)));
-        else if (utc_text(modification_time(status)) != recorded.value("modified"_L1).toString())
-            (is_hashed || !request.moved_to.isEmpty() ? outcome.notes : outcome.differences)
+        else if (has_other_times)
+            (is_modified ? outcome.differences : outcome.notes)
                 .append(file
                         + (is_hashed ? u" has other times, and the same size"_s : u" was modified, by its time"_s));
     }

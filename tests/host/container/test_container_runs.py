@@ -335,6 +335,19 @@ class ContainerRuns(container_case):
         self.assertNotEqual(run("verify", case, "--containers").returncode, run("verify", case).returncode)
         self.assertEqual(run("verify", case, "--containers").returncode, 5)
 
+    def test_longer_container_is_a_changed_file(self):
+        path = self.tar_of_databases("longer.tar", ["Library/Bluetooth/" + other])
+        case = self.folder / "case_longer"
+        run("extract", "-q", "-i", path, "-o", case)
+        for content, code, outcome in ((b"", 0, "unchanged"), (b"x", 5, "changed")):
+            state = path.stat()
+            path.write_bytes(path.read_bytes() + content)
+            os.utime(path, ns=(state.st_atime_ns, state.st_mtime_ns))
+            result = run("verify", case, "--json")
+            self.assertEqual(result.returncode, code, result.stderr)
+            compared = {file["path"]: file["outcome"] for file in json.loads(result.stdout)["files"]}
+            self.assertEqual(compared[str(path)], outcome)
+
     def test_access_times_stay(self):
         needs("mke2fs", "ewfacquirestream", "qemu-img")
         ext = self.folder / "times.dd"
