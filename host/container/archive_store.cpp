@@ -3,6 +3,7 @@
 
 #include "host/container/archive_store.h"
 
+#include "host/container/archive_input.h"
 #include "host/container/member_name.h"
 #include "host/files/host_error.h"
 #include "host/files/system_error.h"
@@ -15,6 +16,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -23,7 +26,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr size_t block_bytes = 1 << 15; // behind each member that is passed over one is read
 constexpr int most_link_passes = 8;
 constexpr qsizetype most_warnings = 20;
 
@@ -69,15 +71,43 @@ QByteArrayView bytes_of(const char *utf8, const char *raw)
     return utf8 ? QByteArrayView(utf8) : raw ? QByteArrayView(raw) : QByteArrayView();
 }
 
+archive_input &input_of(void *data)
+{
+    return *static_cast<archive_input *>(data);
+}
+
+la_ssize_t give_next(archive *opened, void *data, const void **bytes)
+{
+    const std::optional<QByteArrayView> block = input_of(data).next();
+    if (!block) {
+        archive_set_error(opened, errno, "%s", std::strerror(errno));
+        return ARCHIVE_FATAL;
+    }
+    *bytes = block->data();
+    return la_ssize_t(block->size());
+}
+
+la_int64_t skip_bytes(archive *, void *data, la_int64_t bytes)
+{
+    return input_of(data).skip(bytes);
+}
+
+la_int64_t go_to_place(archive *, void *data, la_int64_t place, int from)
+{
+    archive_input &input = input_of(data);
+    input.go_to(place + (from == SEEK_CUR ? input.position() : from == SEEK_END ? input.size() : 0));
+    return input.position();
+}
+
 /** One pass over an archive: the library's handle, and the limits that it is held to. */
 class archive_pass
 {
 public:
-    archive_pass(const QString &archive_path, const read_observer &observer, const archive_limits &most)
+    archive_pass(const QString &archive_path, const container_observers &observers, const archive_limits &most)
         : path(archive_path)
-        , observe(observer)
+        , observe(observers.read)
         , limits(most)
-        , file(open_evidence(archive_path))
+        , input(archive_path, observers.hashed)
         , opened(archive_read_new(), archive_read_free)
     {
         // Filters and formats one by one: others run programs, or take any text for a list of files.
@@ -91,8 +121,14 @@ public:
         archive_read_support_format_7zip(a);
         archive_read_support_format_cpio(a);
         archive_read_support_format_raw(a);
-        if (!file.is_open() || archive_read_open_fd(a, file.number(), block_bytes) != ARCHIVE_OK)
-            fail(file.is_open() ? words_of(a) : system_error_text(errno));
+        if (!input.is_open())
+            fail(system_error_text(errno));
+        archive_read_set_read_callback(a, give_next);
+        archive_read_set_skip_callback(a, skip_bytes);
+        archive_read_set_seek_callback(a, go_to_place);
+        archive_read_set_callback_data(a, &input);
+        if (archive_read_open1(a) != ARCHIVE_OK)
+            fail(words_of(a));
         if (archive_filter_count(a) > 2)
             fail(u"it is compressed more than once"_s);
     }
@@ -107,7 +143,7 @@ public:
         int result = ARCHIVE_RETRY;
         for (int tries = 0; result == ARCHIVE_RETRY && tries < 100; ++tries)
             result = archive_read_next_header(opened.get(), &entry);
-        report_progress();
+        report_progress(result == ARCHIVE_EOF ? input.size() : archive_filter_bytes(opened.get(), -1));
         if (result == ARCHIVE_EOF)
             return nullptr;
         if (result < ARCHIVE_WARN) {
@@ -131,7 +167,7 @@ public:
         if (count < 0)
             throw stream_failure(words_of(opened.get()));
         all_delivered += count;
-        report_progress();
+        report_progress(archive_filter_bytes(opened.get(), -1));
         check_ratio();
         return qsizetype(count);
     }
@@ -152,6 +188,11 @@ public:
         return damage;
     }
 
+    void finish_hash(container_file &file)
+    {
+        input.finish_hash(file);
+    }
+
     [[noreturn]] void fail(const QString &reason) const
     {
         throw host_error(error_kind::not_found, u"the archive cannot be read: "_s + path + u": "_s + reason);
@@ -167,7 +208,7 @@ private:
         size_t size = 0;
         la_int64_t place = 0;
         while (archive_read_data_block(opened.get(), &block, &size, &place) == ARCHIVE_OK) {
-            report_progress();
+            report_progress(archive_filter_bytes(opened.get(), -1));
             try {
                 check_ratio();
             } catch (const stream_failure &failure) {
@@ -187,9 +228,8 @@ private:
                                  true);
     }
 
-    void report_progress()
+    void report_progress(qint64 now)
     {
-        const qint64 now = archive_filter_bytes(opened.get(), -1);
         if (now > reported)
             observe(now - std::exchange(reported, now));
     }
@@ -197,7 +237,7 @@ private:
     QString path;
     const read_observer &observe;
     const archive_limits &limits;
-    descriptor file;
+    archive_input input; // before the handle, which reads from it
     archive_handle opened;
     QString damage;
     qint64 members = 0;
@@ -261,12 +301,13 @@ std::optional<QStringList> link_target(const QStringList &parts, const QString &
 class library_archive : public archive_store
 {
 public:
-    library_archive(const QString &archive_path, bool give_others, const read_observer &observer,
+    library_archive(const QString &archive_path, bool give_others, const container_observers &who,
                     const archive_limits &most)
         : path(archive_path)
         , others(give_others)
-        , observe(observer)
+        , observers(who)
         , limits(most)
+        , archive_file(file_now(archive_path))
     {
     }
 
@@ -305,6 +346,11 @@ public:
         return is_raw;
     }
 
+    container_file file() const override
+    {
+        return archive_file;
+    }
+
 private:
     /** What a visit is after. */
     struct wish
@@ -316,9 +362,11 @@ private:
 
     void read(const wish &wanted, const file_taker &take)
     {
-        archive_pass pass(path, observe, limits);
+        archive_pass pass(path, observers, limits);
         while (archive_entry *const entry = pass.next())
             meet(pass, entry, wanted, take);
+        if (std::exchange(observers.hashed, {}))
+            pass.finish_hash(archive_file);
         container_format = pass.format();
         end_reason = pass.end_reason();
         if (container_format.isEmpty())
@@ -416,7 +464,7 @@ private:
         QHash<QStringList, stored_file> wanted;
         wanted.swap(links);
         QHash<QStringList, stored_file> left = wanted;
-        archive_pass pass(path, observe, limits);
+        archive_pass pass(path, observers, limits);
         while (archive_entry *const entry = pass.next()) {
             const member_name name = take_apart(
                 bytes_of(archive_entry_pathname_utf8(entry), archive_entry_pathname(entry)));
@@ -453,14 +501,16 @@ private:
         file.parts = {has_ending && !container.completeBaseName().isEmpty() ? container.completeBaseName()
                                                                             : container.fileName()};
         file.origin.path = file.parts.first();
+        file.is_alone = true;
         member_stream stream(pass);
         take(file, &stream);
     }
 
     QString path;
     bool others;
-    read_observer observe;
+    container_observers observers;
     archive_limits limits;
+    container_file archive_file;
     QHash<QStringList, stored_file> links; ///< by what they lead to
     QStringList passed_over;
     qsizetype passed_over_count = 0;
@@ -471,10 +521,10 @@ private:
 
 } // namespace
 
-std::unique_ptr<archive_store> open_archive(const QString &path, bool others, const read_observer &read,
+std::unique_ptr<archive_store> open_archive(const QString &path, bool others, const container_observers &observers,
                                             const archive_limits &limits)
 {
-    return std::make_unique<library_archive>(path, others, read, limits);
+    return std::make_unique<library_archive>(path, others, observers, limits);
 }
 
 QString archive_library()

@@ -4,10 +4,8 @@
 #ifndef HOST_CONTAINER_ARCHIVE_STORE_H
 #define HOST_CONTAINER_ARCHIVE_STORE_H
 
+#include "host/container/container_file.h"
 #include "host/container/evidence_store.h"
-
-/** Called with how many more bytes of a container were read. */
-using read_observer = std::function<void(qint64 bytes)>;
 
 /** How far an archive may go before it counts as made to overwhelm its reader. */
 struct archive_limits
@@ -28,13 +26,15 @@ public:
     virtual QLatin1StringView format() const = 0;
     /** Whether it is a compressed file, and no archive. */
     virtual bool is_single_file() const = 0;
+    /** The file as it was before the first visit, with its hash, which the first visit makes. */
+    virtual container_file file() const = 0;
 };
 
 /**
  * The archive in the regular file at @p path. @p others: every other file is given to the taker too. Throws host_error
  * (not_found) in a build without libarchive.
  */
-std::unique_ptr<archive_store> open_archive(const QString &path, bool others, const read_observer &read,
+std::unique_ptr<archive_store> open_archive(const QString &path, bool others, const container_observers &observers,
                                             const archive_limits &limits = {});
 
 /** "libarchive 3.6.2"; empty in a build without it. */

@@ -48,6 +48,10 @@ public:
     virtual ~backup_files() = default;
     virtual void take(const QStringList &paths, const file_taker &take) = 0;
     virtual container_facts facts() const = 0;
+    /** Those that are not hashed while they are read. */
+    virtual void hash_files(const read_observer &)
+    {
+    }
 };
 
 class folder_files : public backup_files
@@ -56,6 +60,8 @@ public:
     explicit folder_files(const QString &path)
         : folder(path)
     {
+        for (const QLatin1StringView name : {index_name, properties_name})
+            manifests.append(file_now(folder + u'/' + name));
     }
 
     void take(const QStringList &paths, const file_taker &take) override
@@ -68,9 +74,14 @@ public:
     {
         container_facts known;
         known.format = u"folder"_s;
-        for (const QLatin1StringView name : {index_name, properties_name})
-            known.files.append(file_now(folder + u'/' + name));
+        known.files = manifests;
         return known;
+    }
+
+    void hash_files(const read_observer &hashed) override
+    {
+        for (container_file &manifest : manifests)
+            hash_file(manifest, hashed);
     }
 
 private:
@@ -98,14 +109,14 @@ private:
     }
 
     QString folder;
+    QList<container_file> manifests;
 };
 
 class archive_files : public backup_files
 {
 public:
-    archive_files(const QString &archive_path, const read_observer &read)
-        : path(archive_path)
-        , archive(open_archive(archive_path, false, read))
+    archive_files(const QString &path, const container_observers &observers)
+        : archive(open_archive(path, false, observers))
     {
         // The folder of the backup is the one of the index; the first one counts.
         archive->visit_named([](const QStringList &parts) { return !parts.isEmpty() && parts.last() == index_name; },
@@ -132,12 +143,11 @@ public:
     {
         container_facts known;
         known.format = archive->format();
-        known.files = {file_now(path)};
+        known.files = {archive->file()};
         return known;
     }
 
 private:
-    QString path;
     std::unique_ptr<archive_store> archive;
     std::optional<QStringList> root;
 };
@@ -172,6 +182,11 @@ public:
         container_facts known = files->facts();
         known.kind = u"backup"_s;
         return known;
+    }
+
+    void hash_files(const read_observer &hashed) override
+    {
+        files->hash_files(hashed);
     }
 
     const source_kind *kind() const override
@@ -299,12 +314,12 @@ bool is_backup_folder(const QString &folder)
     return QFileInfo(folder + u'/' + index_name).isFile() && QFileInfo(folder + u'/' + properties_name).isFile();
 }
 
-std::unique_ptr<source_container> open_backup(const QString &path, const read_observer &read)
+std::unique_ptr<source_container> open_backup(const QString &path, const container_observers &observers)
 {
     std::unique_ptr<backup_files> files;
     if (QFileInfo(path).isDir())
         files = std::make_unique<folder_files>(path);
     else
-        files = std::make_unique<archive_files>(path, read);
+        files = std::make_unique<archive_files>(path, observers);
     return std::make_unique<backup_container>(path, std::move(files));
 }

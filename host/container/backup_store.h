@@ -13,6 +13,6 @@ bool is_backup_folder(const QString &folder);
  * The backup in the folder or archive at @p path; its two manifests are read as copies in memory. Throws host_error
  * (not_found) when it is encrypted or damaged, or is none.
  */
-std::unique_ptr<source_container> open_backup(const QString &path, const read_observer &read);
+std::unique_ptr<source_container> open_backup(const QString &path, const container_observers &observers);
 
 #endif

@@ -160,6 +160,14 @@ image_handle open_any(const QStringList &segments, QLatin1StringView format)
     return open_by_library(segments.first(1), format == "vmdk"_L1 ? TSK_IMG_TYPE_VMDK_VMDK : TSK_IMG_TYPE_VHD_VHD);
 }
 
+QList<container_file> files_now(const QStringList &paths)
+{
+    QList<container_file> files;
+    for (const QString &path : paths)
+        files.append(file_now(path));
+    return files;
+}
+
 /** A volume, and how it is opened. */
 struct known_volume
 {
@@ -175,6 +183,7 @@ public:
         : path(image_path)
         , format(image_format)
         , segments(image_segments(image_path, image_format))
+        , files(files_now(segments))
         , image(open_any(segments, image_format))
     {
         if (!image)
@@ -189,14 +198,19 @@ public:
         container_facts facts;
         facts.kind = u"image"_s;
         facts.format = format;
-        for (const QString &segment : segments)
-            facts.files.append(file_now(segment));
+        facts.files = files;
         if (format == "ewf"_L1) {
             const ewf_hashes hashes = hashes_in_ewf(segments.last());
             facts.md5 = hashes.md5;
             facts.sha1 = hashes.sha1;
         }
         return facts;
+    }
+
+    void hash_files(const read_observer &hashed) override
+    {
+        for (container_file &file : files)
+            hash_file(file, hashed);
     }
 
     QList<volume_facts> volumes() const override
@@ -336,6 +350,7 @@ private:
     QString path;
     QString format;
     QStringList segments;
+    QList<container_file> files; ///< as they were before the image was opened
     image_handle image;
     std::map<qint64, pool_handle> pools;
     QList<known_volume> known;
@@ -343,7 +358,7 @@ private:
 
 } // namespace
 
-std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView format, const read_observer &)
+std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView format)
 {
     return std::make_unique<disk_image>(path, format);
 }

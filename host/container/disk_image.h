@@ -11,7 +11,7 @@
  * The image in the file at @p path and the files that follow it by their names. Throws host_error (not_found) when it
  * cannot be opened, and in a build without The Sleuth Kit.
  */
-std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView format, const read_observer &read);
+std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView format);
 
 /** MD5 and SHA-1 of what the EWF that begins with the file at @p path holds. Throws host_error as open_image(). */
 ewf_hashes hashes_of_ewf_content(const QString &path);

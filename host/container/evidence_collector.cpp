@@ -19,7 +19,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype block_bytes = 1 << 20; // the first one decides whether a text may be a log, as of a plain file
+constexpr qsizetype block_bytes = 1 << 20;     // the first one decides whether a text may be a log, as of a plain file
+constexpr qsizetype bytes_of_a_look = 1 << 12; ///< of a file that nobody asked for show that it is no text
 constexpr qsizetype bytes_before_a_file = 1 << 20; ///< of a text that may be a log are kept in memory
 constexpr qsizetype most_roots = 64;
 constexpr qsizetype most_files_of_a_root = 1000;
@@ -41,6 +42,45 @@ qsizetype fill(byte_stream &stream, QByteArray &buffer)
         filled += count;
     }
     return filled;
+}
+
+/** A stream of which the start was read already. */
+class begun_stream : public byte_stream
+{
+public:
+    begun_stream(const QByteArray &read, byte_stream &more)
+        : start(read)
+        , rest(more)
+    {
+    }
+
+    qsizetype read(char *bytes, qsizetype most) override
+    {
+        const qsizetype count = qMin(most, start.size() - given);
+        if (count == 0)
+            return rest.read(bytes, most);
+        std::copy_n(start.constData() + given, count, bytes);
+        given += count;
+        return count;
+    }
+
+private:
+    QByteArray start;
+    byte_stream &rest;
+    qsizetype given = 0;
+};
+
+/**
+ * Why a file that begins with these bytes needs no further look: it is no text, and its start has no line of a log. An
+ * archive holds millions of those.
+ */
+std::optional<QString> why_passed_over(QByteArrayView start)
+{
+    device_log_check check;
+    if (!start.contains('\0') || check.add(start))
+        return {};
+    check.finish();
+    return check.reason();
 }
 
 QString too_large(qint64 most, QLatin1StringView limit_option)
@@ -224,7 +264,7 @@ void evidence_collector::take_log(const stored_file &stored, byte_stream *stream
     file.origin = stored.origin;
     file.size = stored.origin.size.value_or(0);
     ++other_files;
-    read_log(file, *stream);
+    read_log(file, *stream, stored.is_alone || !asked_for.isEmpty());
     if (file.target.isEmpty())
         return;
     if (asked_for.isEmpty() && !log_names.isEmpty()) { // a choice: none of them is taken
@@ -241,16 +281,25 @@ void evidence_collector::take_log(const stored_file &stored, byte_stream *stream
     log.has_a_sign = true;
 }
 
-void evidence_collector::read_log(collected_file &file, byte_stream &stream)
+void evidence_collector::read_log(collected_file &file, byte_stream &stream, bool is_meant)
 {
     const bool is_listed_only = folder.isEmpty() && file.origin.size.has_value();
     device_log_check check;
     bool is_log = false;
     try {
+        QByteArray start(bytes_of_a_look, Qt::Uninitialized);
+        start.truncate(fill(stream, start));
+        const std::optional<QString> objection = is_meant ? std::nullopt : why_passed_over(start);
+        if (objection) {
+            why_no_log = *objection;
+            file.target.clear();
+            return;
+        }
+        begun_stream whole(start, stream);
         std::optional<staged_file> staged;
         const QString place = next_place();
         QByteArray begun; // what was read before it was known to be a log, or to be long
-        const qint64 bytes = read_all(stream, limits.most_log_bytes, "--max-log"_L1, [&](QByteArrayView block) {
+        const qint64 bytes = read_all(whole, limits.most_log_bytes, "--max-log"_L1, [&](QByteArrayView block) {
             const bool was_log = is_log;
             is_log = is_log || check.add(block);
             if (check.is_decided() && !is_log)

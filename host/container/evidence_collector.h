@@ -70,7 +70,7 @@ public:
 private:
     void take_evidence(const stored_file &file, const evidence_match &match, byte_stream *stream);
     void take_log(const stored_file &file, byte_stream *stream);
-    void read_log(collected_file &log, byte_stream &stream);
+    void read_log(collected_file &log, byte_stream &stream, bool is_meant);
     void read_file(collected_file &file, byte_stream &stream);
     QString next_place();
     void require_room_for(const collected_file &file);

@@ -5,10 +5,7 @@
 
 #include "host/container/backup_store.h"
 #include "host/files/paths.h"
-#include "host/files/sha256.h"
 #include "host/files/system_error.h"
-#include "host/files/transfer.h"
-#include "host/source/evidence_folder.h"
 #include "host/source/working_copy.h"
 
 #include <QFile>
@@ -33,9 +30,9 @@ struct visit_end
 class open_source
 {
 public:
-    open_source(const container_choice &asked, const read_observer &observer)
+    open_source(const container_choice &asked, const container_observers &who)
         : choice(asked)
-        , read(observer)
+        , observers(who)
     {
         open(choice.kind);
     }
@@ -43,6 +40,14 @@ public:
     source_container &container() const
     {
         return *opened;
+    }
+
+    container_facts facts() const
+    {
+        container_facts facts = opened->facts();
+        if (!known_files.isEmpty())
+            facts.files = known_files;
+        return facts;
     }
 
     const source_kind *kind_of(const collected_source &found) const
@@ -66,6 +71,8 @@ public:
     {
         if (opened->kind() || !found.has_found() || found.chosen().kind != &ios_backup_kind)
             return false;
+        known_files = opened->facts().files;
+        observers.hashed = {};
         open(&ios_backup_kind);
         return true;
     }
@@ -76,14 +83,15 @@ private:
         opening how;
         how.kind = kind;
         how.follow_links = choice.follow_links;
-        how.read = read;
+        how.observers = observers;
         opened = open_container(choice.path, how);
         if (!opened)
             throw host_error(error_kind::not_found, u"this is no container that is known: "_s + choice.path);
     }
 
     const container_choice &choice;
-    read_observer read;
+    container_observers observers;
+    QList<container_file> known_files; ///< of an archive that was read and hashed before it was opened again
     std::unique_ptr<source_container> opened;
 };
 
@@ -173,6 +181,40 @@ QStringList unread_volumes(const QList<looked_volume> &volumes)
     return texts;
 }
 
+/** Evidence of which nothing can be read is as good as none, and encrypted where that is why. */
+void refuse_unreadable(const source_kind &kind, const QList<collected_file> &files)
+{
+    QStringList reasons;
+    bool is_any_readable = &kind == &winos_kind;
+    for (const collected_file &file : files) {
+        is_any_readable = is_any_readable || file.objection.isEmpty();
+        if (!file.objection.isEmpty() && file.is_encrypted)
+            reasons.append(file.origin.path + u": "_s + file.objection);
+    }
+    if (!is_any_readable && !reasons.isEmpty())
+        throw host_error(error_kind::not_found, u"the evidence cannot be read: "_s + reasons.join(u"; "_s));
+}
+
+QString damage_text(const evidence_store &store)
+{
+    return store.damage().isEmpty() ? QString() : u"the container cannot be read to its end: "_s + store.damage();
+}
+
+/** Of what would be taken, the files that cannot be read: without them all is missing, or some of it. */
+void find_unreadable(container_survey &found)
+{
+    bool has_rows = found.kind == &winos_kind;
+    QStringList texts;
+    for (const collected_file &file : std::as_const(found.evidence)) {
+        const bool is_of_rows = found.kind == &ios_uid_kind || file.target.endsWith(".db"_L1);
+        has_rows = has_rows || (is_of_rows && file.objection.isEmpty());
+        if (!file.objection.isEmpty())
+            texts.append(file.origin.path + u" is not read: "_s + file.objection);
+    }
+    found.problem = texts.join(u"; "_s);
+    found.reason = has_rows ? error_kind::incomplete : error_kind::not_found;
+}
+
 container_survey survey(open_source &source, const container_choice &choice)
 {
     container_survey found;
@@ -187,23 +229,26 @@ container_survey survey(open_source &source, const container_choice &choice)
             const looked_volume &volume = chosen_volume(found.volumes, choice);
             found.kind = volume.kind;
             found.evidence = volume.evidence;
-            found.container = source.container().facts();
+            found.container = source.facts();
             found.container.volume = volume.facts;
+            refuse_unreadable(*found.kind, found.evidence);
         } else {
             visit_end end = source.visit(0, {});
             if (source.reopen_as_backup(end.collector))
                 end = source.visit(0, {});
             found.warnings += end.store->warnings();
+            found.damage = damage_text(*end.store);
             const collected_source &chosen = end.collector.chosen();
             found.kind = source.kind_of(chosen);
             found.evidence = chosen.files.values();
+            refuse_unreadable(*found.kind, found.evidence);
         }
     } catch (const host_error &error) {
         found.problem = error.message();
         found.reason = error.kind();
     }
     if (found.container.kind.isEmpty())
-        found.container = source.container().facts();
+        found.container = source.facts();
     found.is_in_place = found.container.kind.isEmpty();
     return found;
 }
@@ -233,33 +278,34 @@ QStringList earlier_members(const QList<collected_file> &files)
     return texts;
 }
 
-/** Evidence of which nothing can be read is as good as none, and encrypted where that is why. */
-void refuse_unreadable(const collected_source &source)
+QStringList unhashed_files(const container_facts &container)
 {
-    QStringList reasons;
-    bool is_any_readable = source.kind == &winos_kind;
-    for (const collected_file &file : source.files) {
-        is_any_readable = is_any_readable || file.objection.isEmpty();
-        if (!file.objection.isEmpty() && file.is_encrypted)
-            reasons.append(file.origin.path + u": "_s + file.objection);
+    QStringList texts;
+    for (const container_file &file : container.files) {
+        if (!file.problem.isEmpty())
+            texts.append(u"the container cannot be hashed: "_s + file.path + u": "_s + file.problem);
     }
-    if (!is_any_readable && !reasons.isEmpty())
-        throw host_error(error_kind::not_found, u"the evidence cannot be read: "_s + reasons.join(u"; "_s));
+    return texts;
 }
 
 } // namespace
 
 container_survey survey_container(const container_choice &choice, const read_observer &read)
 {
-    open_source source(choice, read);
-    return survey(source, choice);
+    open_source source(choice, {read, {}});
+    container_survey found = survey(source, choice);
+    if (found.problem.isEmpty())
+        find_unreadable(found);
+    if (!found.damage.isEmpty())
+        found.problem += (found.problem.isEmpty() ? QString() : u"; "_s) + found.damage;
+    return found;
 }
 
-exported_source export_evidence(const container_choice &choice, const export_places &places, bool hash_container,
-                                const read_observer &hashed, const read_observer &read)
+exported_source export_evidence(const container_choice &choice, const export_places &places,
+                                const container_observers &observers)
 {
     make_folder(places.staging);
-    open_source source(choice, read);
+    open_source source(choice, observers);
     exported_source taken;
     std::optional<volume_facts> volume;
     if (!source.container().volumes().isEmpty()) {
@@ -269,6 +315,8 @@ exported_source export_evidence(const container_choice &choice, const export_pla
         volume = looked.container.volume;
         taken.warnings += unread_volumes(looked.volumes);
     }
+    if (observers.hashed) // now that nobody has to choose, and nothing was taken out
+        source.container().hash_files(observers.hashed);
     visit_end end = source.visit(volume ? volume->number : 0, places.staging);
     if (source.reopen_as_backup(end.collector)) {
         const QString staging = places.staging + u"/backup"_s; // what was taken before stands in the other one
@@ -276,14 +324,14 @@ exported_source export_evidence(const container_choice &choice, const export_pla
         end = source.visit(0, staging);
     }
     taken.warnings += end.store->warnings();
-    if (!end.store->damage().isEmpty())
-        taken.errors.append(u"the container cannot be read to its end: "_s + end.store->damage());
+    if (const QString damage = damage_text(*end.store); !damage.isEmpty())
+        taken.errors.append(damage);
 
     try {
         const collected_source &chosen = end.collector.chosen();
-        refuse_unreadable(chosen);
         taken.kind = source.kind_of(chosen);
         taken.files = chosen.files.values();
+        refuse_unreadable(*taken.kind, taken.files);
     } catch (const host_error &error) {
         throw host_error(error.kind(), choice.path + u": "_s + error.message()
                                            + (taken.errors.isEmpty() ? QString() : u"; "_s + taken.errors.first()));
@@ -292,25 +340,11 @@ exported_source export_evidence(const container_choice &choice, const export_pla
     if (taken.kind == &ios_uid_kind)
         taken.log_name = taken.files.first().target;
 
-    container_facts facts = source.container().facts();
+    container_facts facts = source.facts();
     facts.volume = volume;
-    if (hash_container)
-        hash_files(facts, hashed);
+    taken.errors += unhashed_files(facts);
     taken.container = facts.kind.isEmpty() ? QJsonValue() : QJsonValue(facts.to_json());
     make_folder(places.evidence);
     publish(taken.files, places.evidence);
     return taken;
-}
-
-void hash_files(container_facts &container, const read_observer &hashed)
-{
-    for (container_file &file : container.files) {
-        const descriptor opened = open_evidence(file.path);
-        sha256 hash;
-        if (opened.is_open() && read_blocks(opened.number(), [&hash, &hashed](QByteArrayView block) {
-                hash.add(block);
-                hashed(block.size());
-            }))
-            file.sha256 = hash.result();
-    }
 }

@@ -35,7 +35,8 @@ struct container_survey
     container_facts container;
     bool is_in_place = false;          ///< a folder, which is none
     const source_kind *kind = nullptr; ///< of what would be taken
-    QString problem;                   ///< why nothing would be; empty: something would
+    QString problem;                   ///< why nothing would be, or not all; empty: all would
+    QString damage;                    ///< why the container was not read to its end
     error_kind reason = error_kind::not_found;
     QList<looked_volume> volumes;
     QList<collected_file> evidence;
@@ -65,13 +66,11 @@ struct exported_source
 
 /**
  * Takes the evidence out of the container: files are written aside first, and stand in the folder of the evidence only
- * when all are whole. Throws host_error: not_found without evidence, refused with the list when there is something to
- * choose, incomplete when the case's disk does not take it.
+ * when all are whole. The files of an image are hashed before, an archive while it is read. Throws host_error:
+ * not_found without evidence, refused with the list when there is something to choose, incomplete when the case's disk
+ * does not take it.
  */
-exported_source export_evidence(const container_choice &choice, const export_places &places, bool hash_container,
-                                const read_observer &hashed, const read_observer &read);
-
-/** SHA-256 of every file of a container, reported on the way; empty for one that cannot be read. */
-void hash_files(container_facts &container, const read_observer &hashed);
+exported_source export_evidence(const container_choice &choice, const export_places &places,
+                                const container_observers &observers);
 
 #endif

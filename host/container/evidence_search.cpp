@@ -78,7 +78,8 @@ bool is_database(const QString &name)
 
 bool fits_name(const evidence_folder_rule &rule, const QString &name)
 {
-    return rule.name == databases ? is_of_a_database(name) : name.compare(rule.name, case_of(rule)) == 0;
+    return rule.name == databases ? is_of_a_database(name)
+                                  : name.size() == rule.name.size() && name.compare(rule.name, case_of(rule)) == 0;
 }
 
 bool fits_folder(const QStringList &pattern, const QStringList &parts, qsizetype start, Qt::CaseSensitivity sensitivity)
@@ -90,23 +91,40 @@ bool fits_folder(const QStringList &pattern, const QStringList &parts, qsizetype
     return true;
 }
 
-/** How many parts of the folder that a rule fits belong to the root: those up to its "*", or the "mobile" of old. */
-qsizetype parts_of_root(const evidence_folder_rule &rule, const QStringList &pattern)
+/** A rule, and the parts of its folder: archives have millions of names. */
+struct parted_rule
 {
-    return rule.kind == &ios_files_kind ? qMax<qsizetype>(1, pattern.indexOf(any_name) + 1) : 0;
+    const evidence_folder_rule *rule;
+    QStringList folder;
+    qsizetype parts_of_root; ///< so many of the folder belong to the root: up to its "*", or the "mobile" of old
+};
+
+const QList<parted_rule> &parted_rules()
+{
+    static const QList<parted_rule> all = [] {
+        QList<parted_rule> parted;
+        for (const evidence_folder_rule &rule : rules) {
+            const QStringList folder = QString(rule.folder).split(u'/', Qt::SkipEmptyParts);
+            const qsizetype of_root = rule.kind == &ios_files_kind ? qMax<qsizetype>(1, folder.indexOf(any_name) + 1)
+                                                                   : 0;
+            parted.append({&rule, folder, of_root});
+        }
+        return parted;
+    }();
+    return all;
 }
 
-std::optional<evidence_match> fit(const evidence_folder_rule &rule, const QStringList &parts)
+std::optional<evidence_match> fit(const parted_rule &parted, const QStringList &parts)
 {
-    const QStringList pattern = QString(rule.folder).split(u'/', Qt::SkipEmptyParts);
+    const evidence_folder_rule &rule = *parted.rule;
     const qsizetype names = rule.name.isEmpty() ? 0 : 1;
-    const qsizetype start = parts.size() - pattern.size() - names;
-    if (start < 0 || !fits_folder(pattern, parts, start, case_of(rule))
-        || (names == 1 && !fits_name(rule, parts.last())))
+    const qsizetype start = parts.size() - parted.folder.size() - names;
+    if (start < 0 || (names == 1 && !fits_name(rule, parts.last()))
+        || !fits_folder(parted.folder, parts, start, case_of(rule)))
         return {};
     evidence_match match;
     match.kind = rule.kind;
-    match.root = parts.first(start + parts_of_root(rule, pattern)).join(u'/');
+    match.root = parts.first(start + parted.parts_of_root).join(u'/');
     match.is_a_sign = rule.kind == &winos_kind || rule.kind == &ios_backup_kind || is_database(parts.last());
     if (names == 1)
         match.target = rule.target.isEmpty() ? parts.sliced(start).join(u'/') : rule.target + parts.last();
@@ -127,10 +145,10 @@ bool evidence_search::looks_for(const source_kind &kind) const
 
 std::optional<evidence_match> evidence_search::match(const QStringList &parts) const
 {
-    for (const evidence_folder_rule &rule : rules) {
-        if (!looks_for(*rule.kind))
+    for (const parted_rule &parted : parted_rules()) {
+        if (!looks_for(*parted.rule->kind))
             continue;
-        if (std::optional<evidence_match> found = fit(rule, parts))
+        if (std::optional<evidence_match> found = fit(parted, parts))
             return found;
     }
     return {};
@@ -145,7 +163,10 @@ bool evidence_search::nearly_matches(const QStringList &parts) const
                          QString(macos_database_folder).split(u'/', Qt::SkipEmptyParts));
         return names;
     }();
-    const auto known = spellings.constFind(parts.isEmpty() ? QString() : folded_name(parts.last()));
+    constexpr qsizetype shortest = 15; // a character that is folded becomes three at most
+    if (parts.isEmpty() || parts.last().size() < shortest)
+        return false;
+    const auto known = spellings.constFind(folded_name(parts.last()));
     if (known == spellings.cend() || match(parts))
         return false;
     const QStringList &folder = *known;

@@ -70,6 +70,7 @@ struct stored_file
     bool is_refused = false; ///< the objection is the program's; else the file cannot be read
     bool is_encrypted = false;
     bool is_folder = false;
+    bool is_alone = false; ///< the container is this file, compressed
 };
 
 /** Takes a file; the stream is valid during the call, null for a folder and where there is an objection. */

@@ -6,6 +6,7 @@
 #include "host/source/evidence_folder.h"
 
 #include <QByteArray>
+#include <QStringTokenizer>
 
 using namespace Qt::StringLiterals;
 
@@ -30,8 +31,10 @@ QString danger_of(const QString &text, QByteArrayView bytes)
         return u"its name holds a backslash"_s;
     if (starts_with_drive(text))
         return u"its name begins with a drive letter"_s;
-    if (text.split(u'/').contains(u".."_s))
-        return u"its name leads to a folder above"_s;
+    for (const QStringView part : QStringView(text).tokenize(u'/')) {
+        if (part == ".."_L1)
+            return u"its name leads to a folder above"_s;
+    }
     return {};
 }
 
@@ -42,14 +45,16 @@ member_name take_apart(QByteArrayView bytes)
     member_name name;
     name.text = evidence_name_text(bytes.first(qMin(bytes.size(), longest_name)));
     name.danger = danger_of(name.text, bytes);
-    QByteArray slashed = bytes.first(qMin(bytes.size(), longest_name)).toByteArray();
-    slashed.replace('\\', '/');
-    QString path = evidence_name_text(slashed);
+    QString path = name.text;
+    if (bytes.contains('\\')) {
+        QByteArray slashed = bytes.first(qMin(bytes.size(), longest_name)).toByteArray();
+        path = evidence_name_text(slashed.replace('\\', '/'));
+    }
     if (starts_with_drive(path))
         path.remove(0, 2);
-    for (const QString &part : path.split(u'/', Qt::SkipEmptyParts)) {
+    for (const QStringView part : QStringView(path).tokenize(u'/', Qt::SkipEmptyParts)) {
         if (part != "."_L1 && part != ".."_L1)
-            name.parts.append(part);
+            name.parts.append(part.toString());
     }
     return name;
 }

@@ -7,7 +7,8 @@
 
 using namespace Qt::StringLiterals;
 
-std::unique_ptr<archive_store> open_archive(const QString &path, bool, const read_observer &, const archive_limits &)
+std::unique_ptr<archive_store> open_archive(const QString &path, bool, const container_observers &,
+                                            const archive_limits &)
 {
     throw host_error(error_kind::not_found, u"this build reads no archives, it was made without libarchive: "_s + path);
 }

@@ -17,7 +17,7 @@ namespace {
 
 } // namespace
 
-std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView, const read_observer &)
+std::unique_ptr<source_container> open_image(const QString &path, QLatin1StringView)
 {
     refuse(path);
 }

@@ -7,18 +7,11 @@
 #include "host/container/container_format.h"
 #include "host/container/disk_image.h"
 #include "host/container/folder_store.h"
-#include "host/files/file_times.h"
 #include "host/files/host_error.h"
-#include "host/files/utc_time.h"
 #include "host/text/json_member.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
-
-#include <algorithm>
-
-#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -56,8 +49,7 @@ class archive_container : public source_container
 {
 public:
     archive_container(const QString &archive_path, const opening &how)
-        : path(archive_path)
-        , archive(open_archive(archive_path, !how.kind || how.kind == &ios_uid_kind, how.read))
+        : archive(open_archive(archive_path, !how.kind || how.kind == &ios_uid_kind, how.observers))
     {
     }
 
@@ -66,7 +58,7 @@ public:
         container_facts known;
         known.kind = archive->is_single_file() ? u"compressed"_s : u"archive"_s;
         known.format = archive->format();
-        known.files = {file_now(path)};
+        known.files = {archive->file()};
         return known;
     }
 
@@ -76,7 +68,6 @@ public:
     }
 
 private:
-    QString path;
     std::unique_ptr<archive_store> archive;
 };
 
@@ -130,21 +121,13 @@ std::unique_ptr<source_container> open_folder_container(const QString &path, con
     if (is_sparse_bundle(path))
         refuse(path, u"it is a sparse bundle of macOS, which this program does not read"_s);
     if (how.kind == &ios_backup_kind || (!how.kind && is_backup_folder(path)))
-        return open_backup(path, how.read);
+        return open_backup(path, how.observers);
     if (how.kind == &ios_files_kind || (!how.kind && is_ios_folder(path)))
         return std::make_unique<folder_container>(path, how.follow_links);
     return nullptr;
 }
 
 } // namespace
-
-QJsonObject container_file::to_json() const
-{
-    return {{u"path"_s, path},
-            {u"size"_s, size},
-            {u"modified"_s, text_or_null(modified)},
-            {u"sha256"_s, text_or_null(sha256)}};
-}
 
 QJsonObject container_facts::to_json() const
 {
@@ -176,11 +159,11 @@ std::unique_ptr<source_container> open_container(const QString &path, const open
     case guessed::refused:
         refuse(path, refusal_of(guess, path));
     case guessed::image:
-        return open_image(path, guess.format, how.read);
+        return open_image(path, guess.format);
     case guessed::archive:
     case guessed::compressed:
         if (how.kind == &ios_backup_kind)
-            return open_backup(path, how.read);
+            return open_backup(path, how.observers);
         return std::make_unique<archive_container>(path, how);
     case guessed::none:
         break;
@@ -194,16 +177,4 @@ bool is_container(const QString &path, const source_kind *kind)
         return kind ? kind == &ios_files_kind || kind == &ios_backup_kind
                     : is_sparse_bundle(path) || is_backup_folder(path) || is_ios_folder(path);
     return guess_container(path).what != guessed::none;
-}
-
-container_file file_now(const QString &path)
-{
-    struct stat status = {};
-    container_file file;
-    file.path = path;
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0)
-        return file;
-    file.size = qint64(status.st_size);
-    file.modified = utc_text(modification_time(status));
-    return file;
 }

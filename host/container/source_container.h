@@ -27,17 +27,6 @@ struct volume_facts
     QString problem; ///< why it cannot be opened, in plain words
 };
 
-/** A file that a container is made of. */
-struct container_file
-{
-    QString path;
-    qint64 size = 0;
-    QString modified; ///< UTC
-    QString sha256;   ///< empty: it was not hashed
-
-    QJsonObject to_json() const;
-};
-
 /** What a record says of a container. */
 struct container_facts
 {
@@ -57,8 +46,12 @@ class source_container
 public:
     virtual ~source_container() = default;
 
-    /** Complete once its store was visited. */
+    /** Complete once its store was visited. The state of its files is that before it was opened. */
     virtual container_facts facts() const = 0;
+    /** Hashes those of its files that are not hashed while they are read: before anything is taken out of them. */
+    virtual void hash_files(const read_observer &)
+    {
+    }
     /** None for what has none. */
     virtual QList<volume_facts> volumes() const
     {
@@ -78,7 +71,7 @@ struct opening
 {
     const source_kind *kind = nullptr; ///< that was asked for; null: any
     bool follow_links = false;         ///< of a folder: also out of it
-    read_observer read = [](qint64) {};
+    container_observers observers;
 };
 
 /**
@@ -89,8 +82,5 @@ std::unique_ptr<source_container> open_container(const QString &path, const open
 
 /** Whether a source at @p path is a container, by what can be seen without opening it. */
 bool is_container(const QString &path, const source_kind *kind);
-
-/** The state of the files of a container now; empty members where one is gone. */
-container_file file_now(const QString &path);
 
 #endif

@@ -3,6 +3,7 @@
 
 #include "host/run/taken_evidence.h"
 
+#include "host/container/container_file.h"
 #include "host/files/paths.h"
 
 #include <QJsonArray>

@@ -165,10 +165,12 @@ exported_source take_out(source_request &request)
         byte_reporter hashed(hashed_line);
         byte_reporter read(read_line);
         const source_layout layout = request.layout();
-        taken = export_evidence(
-            choice_of(request), {layout.temporary_folder() + u"/taken"_s, layout.evidence_folder()},
-            !request.options.skips_container_hash, [&hashed](qint64 bytes) { hashed(bytes); },
-            [&read](qint64 bytes) { read(bytes); });
+        container_observers observers;
+        observers.read = [&read](qint64 bytes) { read(bytes); };
+        if (!request.options.skips_container_hash)
+            observers.hashed = [&hashed](qint64 bytes) { hashed(bytes); };
+        taken = export_evidence(choice_of(request), {layout.temporary_folder() + u"/taken"_s, layout.evidence_folder()},
+                                observers);
     }
     request.source = source_taken_out(request, taken);
     send(taken_out_line({request.source, taken.warnings, taken.errors}));

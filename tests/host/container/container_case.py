@@ -107,3 +107,11 @@ class container_case(unittest.TestCase):
         self.assertEqual(result.returncode, code, result.stderr)
         self.assertIn(words, result.stderr)
         self.assertFalse(case.exists(), "a refused source leaves nothing")
+
+    def looked_at(self, source, code, words):
+        """What inspect says of the source, with the code that extract would have."""
+        result = run("inspect", "--json", source)
+        self.assertEqual(result.returncode, code, result.stderr)
+        [found] = json.loads(result.stdout)["sources"]
+        self.assertIn(words, found["problem"])
+        return found

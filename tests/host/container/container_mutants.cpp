@@ -91,7 +91,7 @@ int take_out(const QString &container)
     choice.limits.most_log_bytes = 64 << 20;
     const auto ignore = [](qint64) {};
     try {
-        export_evidence(choice, {folder.filePath(u"taken"_s), folder.filePath(u"evidence"_s)}, false, ignore, ignore);
+        export_evidence(choice, {folder.filePath(u"taken"_s), folder.filePath(u"evidence"_s)}, {ignore, ignore});
     } catch (const host_error &) {
         return refused_code;
     } catch (const std::bad_alloc &) {

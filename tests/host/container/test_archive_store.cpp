@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/container/archive_store.h"
+#include "host/files/sha256.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -37,9 +38,11 @@ struct visited
     QString failure; ///< of reading a member
     qint64 bytes = 0;
     qint64 read = 0; ///< of the archive
+    qint64 hashed = 0;
+    QString sha256;
 };
 
-visited visit(const QByteArray &archive, const archive_limits &limits)
+visited visit(const QByteArray &archive, const archive_limits &limits, bool others = true)
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(u"a.tar"_s));
@@ -47,8 +50,9 @@ visited visit(const QByteArray &archive, const archive_limits &limits)
         qFatal("the archive cannot be written");
     file.close();
     visited found;
-    const auto store = open_archive(
-        file.fileName(), true, [&found](qint64 bytes) { found.read += bytes; }, limits);
+    const container_observers observers{[&found](qint64 bytes) { found.read += bytes; },
+                                        [&found](qint64 bytes) { found.hashed += bytes; }};
+    const auto store = open_archive(file.fileName(), others, observers, limits);
     store->visit(evidence_search(), [&found](const stored_file &stored, byte_stream *stream) {
         found.names.append(joined(stored.parts));
         QByteArray block(1 << 16, Qt::Uninitialized);
@@ -60,6 +64,7 @@ visited visit(const QByteArray &archive, const archive_limits &limits)
         }
     });
     found.damage = store->damage();
+    found.sha256 = store->file().sha256;
     return found;
 }
 
@@ -82,6 +87,8 @@ private Q_SLOTS:
     void usual_limits();
     void members_are_counted();
     void ratio_is_watched();
+    void cut_in_what_is_passed_over_is_told();
+    void hash_is_that_of_the_whole_file();
 };
 
 void test_archive_store::usual_limits()
@@ -110,6 +117,25 @@ void test_archive_store::ratio_is_watched()
     QCOMPARE(visit(archive, limits_of(2, 10, 0)).bytes, 4096);
     const visited stopped = visit(archive, limits_of(0, 10, 0));
     QCOMPARE(stopped.failure, u"it unpacks to more than 0 times its size, which no evidence does"_s);
+}
+
+void test_archive_store::cut_in_what_is_passed_over_is_told()
+{
+    const QByteArray archive = member("a", QByteArray(100'000, 'x')) + member("b") + QByteArray(1024, '\0');
+    QCOMPARE(visit(archive, {}, false).damage, QString());
+    const visited cut = visit(archive.first(50'000), {}, false);
+    QVERIFY2(cut.damage.startsWith(u"truncated"_s), qPrintable(cut.damage));
+}
+
+void test_archive_store::hash_is_that_of_the_whole_file()
+{
+    const QByteArray archive = member("a", QByteArray(100'000, 'x')) + QByteArray(1024, '\0') + "behind its end";
+    for (const bool others : {true, false}) {
+        const visited found = visit(archive, {}, others);
+        QCOMPARE(found.sha256, sha256::of(archive));
+        QCOMPARE(found.hashed, archive.size());
+        QCOMPARE(found.read, archive.size());
+    }
 }
 
 QTEST_GUILESS_MAIN(test_archive_store)

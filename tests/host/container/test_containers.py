@@ -7,6 +7,7 @@
 # the log that they were made from. A container whose tool is missing is passed over, and said so.
 
 import hashlib
+import io
 import json
 import pathlib
 import plistlib
@@ -94,6 +95,7 @@ class Containers(container_case):
         states = {file["path"]: file["state"] for file in self.record(case)["evidence"]}
         self.assertEqual(states["Library/Bluetooth/" + other], "refused")
         self.assertEqual(states["Library/Bluetooth/" + paired], "present")
+        self.looked_at(path, 4, "is not read: its name leads to a folder above")
 
     def test_links(self):
         path = self.folder / "links.tar"
@@ -118,6 +120,23 @@ class Containers(container_case):
         states = {file["path"]: file["state"] for file in self.record(case)["evidence"]}
         self.assertEqual(states["Library/Bluetooth/" + other], "present")
         self.assertEqual(states["Library/Bluetooth/" + paired], "unreadable")
+        self.looked_at(cut, 4, "the container cannot be read to its end: truncated")
+
+    def test_archive_that_is_cut_behind_the_evidence_is_partial(self):
+        cut = self.folder / "cut_behind.tar"
+        with tarfile.open(cut, "w") as archive:
+            archive.add(self.macos, ".")
+            entry = tarfile.TarInfo("behind")
+            entry.size = 200000
+            archive.addfile(entry, io.BytesIO(bytes(entry.size)))
+        cut.write_bytes(cut.read_bytes()[:-100000])
+        for options in ([], ["--no-container-hash"], ["--type", "macos"]):
+            case = self.folder / f"case_cut_behind{len(options)}{options[-1:]}"
+            result = run("extract", "-q", "-i", cut, "-o", case, *options)
+            self.assertEqual(result.returncode, 4, result.stderr)
+            self.assertIn("the container cannot be read to its end: truncated", result.stderr)
+            self.assertEqual(self.rows(case), self.rows(self.of_folder))
+        self.looked_at(cut, 4, "the container cannot be read to its end: truncated")
 
     def test_encrypted_members(self):
         needs("7z")
@@ -125,6 +144,7 @@ class Containers(container_case):
             path = self.folder / f"secret{len(options)}.{suffix}"
             tool("7z", "a", "-bd", "-psecret", *options, path, "macos", cwd=self.macos.parent)
             self.refuse(path, 3, "encrypted")
+            self.looked_at(path, 3, "encrypted")
 
     # images
 

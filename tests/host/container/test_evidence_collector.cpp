@@ -108,6 +108,7 @@ private Q_SLOTS:
     void roots_of_one_depth_are_a_choice();
     void member_names_a_root();
     void log_is_found_among_others();
+    void what_is_no_text_is_not_read_to_its_end();
     void several_logs_are_a_choice();
     void member_names_a_log();
     void missing_member_is_told();
@@ -224,6 +225,33 @@ void test_evidence_collector::log_is_found_among_others()
     QCOMPARE(given.only_file().target, u"device.txt"_s);
     QCOMPARE(given.only_file().sha256, sha256::of(log_line));
     QCOMPARE(given.staged().size(), 1);
+}
+
+void test_evidence_collector::what_is_no_text_is_not_read_to_its_end()
+{
+    const QByteArray content = QByteArray(9000, '\0') + '\n' + log_line;
+    memory_stream stream(content);
+    collection given;
+    given.collector.take(file_at(u"picture"_s), &stream);
+    QVERIFY(!given.collector.has_found());
+    QByteArray rest(content.size(), '\0');
+    QCOMPARE(stream.read(rest.data(), rest.size()), 1000); // a block: it is not at its end
+
+    // What the examiner named, and what is all that there is, is.
+    collection asked(u"picture"_s);
+    asked.give(u"picture"_s, content);
+    QCOMPARE(asked.only_file().sha256, sha256::of(content));
+    collection alone;
+    stored_file file = file_at(u"picture"_s);
+    file.is_alone = true;
+    memory_stream whole(content);
+    alone.collector.take(file, &whole);
+    QCOMPARE(alone.only_file().sha256, sha256::of(content));
+
+    const QByteArray text = QByteArray(9000, 'x') + '\n' + log_line;
+    collection log; // the start of a text is kept
+    log.give(u"a.txt"_s, text);
+    QCOMPARE(log.only_file().sha256, sha256::of(text));
 }
 
 void test_evidence_collector::several_logs_are_a_choice()
