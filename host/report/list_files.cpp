@@ -85,21 +85,6 @@ QStringList write_lists(const report_options &options, const program_format &for
     return problems;
 }
 
-QStringList add_rows(table_store &store, const report_case &that_case, const QString &table)
-{
-    const column_names columns = result_columns(that_case, table);
-    QStringList problems = columns.problems;
-    row_cells cells(columns.names);
-    store.begin_table(table, cells.columns());
-    for (const report_source &source : that_case.sources) {
-        const table_reading reading = read_rows(that_case, source, table,
-                                                [&](const report_row &row) { store.add(cells.of(row)); });
-        if (!reading.problem.isEmpty())
-            problems.append(source.problem_text(reading.problem));
-    }
-    return problems;
-}
-
 } // namespace
 
 QStringList program_file_names(const report_options &options, const report_case &that_case)
@@ -144,15 +129,29 @@ void write_timeline_files(const report_options &options, const timeline &events,
     }
 }
 
-QStringList fill_store(table_store &store, const report_case &that_case, const QList<joined_device> &devices,
-                       const timeline &events)
+void begin_store(table_store &store, const report_case &that_case)
+{
+    store.begin_table(u"sources"_s, columns_of(source_list_columns()));
+    for_each_source(that_case, [&store](const line_cells &line) { store.add(line); });
+}
+
+row_writer make_store_writer(const std::vector<table_store *> &stores, const QString &table, const QStringList &columns)
+{
+    const auto cells = std::make_shared<row_cells>(columns);
+    for (table_store *store : stores)
+        store->begin_table(table, cells->columns());
+    return [cells, stores](const report_row &row) {
+        const line_cells &line = cells->of(row);
+        for (table_store *store : stores)
+            store->add(line);
+    };
+}
+
+QStringList finish_store(table_store &store, const report_case &that_case, const QList<joined_device> &devices,
+                         const timeline &events)
 {
     QStringList problems;
     const line_taker add = [&store](const line_cells &line) { store.add(line); };
-    store.begin_table(u"sources"_s, columns_of(source_list_columns()));
-    for_each_source(that_case, add);
-    for (const QString &table : result_tables())
-        problems += add_rows(store, that_case, table);
     store.begin_table(shared_name, columns_of(shared_columns()));
     for_each_shared_appearance(that_case, devices, add);
     for (const case_list &list : case_lists(that_case)) {
@@ -162,5 +161,6 @@ QStringList fill_store(table_store &store, const report_case &that_case, const Q
     store.begin_table(timeline_name, columns_of(timeline_columns()));
     for (const timeline_event &event : events.events)
         store.add(cells_of(timeline_columns(), event));
+    store.commit();
     return problems;
 }

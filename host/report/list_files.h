@@ -6,10 +6,13 @@
 
 #include "host/report/join/device_join.h"
 #include "host/report/report_files.h"
+#include "host/report/tables/row_formats.h"
 #include "host/report/tables/table_store.h"
 #include "host/report/tables/timeline.h"
 
 #include <QStringList>
+
+#include <vector>
 
 // The files of a report besides its page: each function returns why something is missing in them, in plain words.
 
@@ -23,9 +26,18 @@ QStringList write_list_files(const report_options &options, const report_case &t
 /** timeline.jsonl and timeline.csv. */
 void write_timeline_files(const report_options &options, const timeline &events, changed_cells &changes);
 
-/** report.sqlite or report.xlsx: all tables and lists of the case. @p events may be null: they hold no timeline then.
- */
-QStringList fill_store(table_store &store, const report_case &that_case, const QList<joined_device> &devices,
-                       const timeline &events);
+// A database or a workbook holds all tables and lists of the case: the sources first, then the tables of results, then
+// the other lists.
+
+/** The sources. */
+void begin_store(table_store &store, const report_case &that_case);
+
+/** Begins a table of results in each store. Returns a function that adds each row of it to all of them. */
+row_writer make_store_writer(const std::vector<table_store *> &stores, const QString &table,
+                             const QStringList &columns);
+
+/** The other lists. */
+QStringList finish_store(table_store &store, const report_case &that_case, const QList<joined_device> &devices,
+                         const timeline &events);
 
 #endif

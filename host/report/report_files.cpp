@@ -69,6 +69,7 @@ public:
         plan_files();
         refuse_output();
         make_folder(options.output);
+        begin_stores();
         html_page page(that_case);
         for (const QString &table : result_tables())
             write_table(table, page);
@@ -196,6 +197,8 @@ private:
             writers.push_back(
                 make_row_writer(format, options.cells, columns.names, table, sink_of(files.back()), changes));
         }
+        if (!stores.empty())
+            writers.push_back(make_store_writer(stores_in_work(), table, columns.names));
         for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
             const report_source &source = that_case.sources.at(i);
             const table_reading reading = read_rows(that_case, source, table, [&](const report_row &row) {
@@ -331,21 +334,30 @@ private:
         outcome.notes += events.left_out_texts();
         if (has(report_format::timeline))
             write_timeline_files(options, events, changes);
-        if (has(report_format::sqlite))
-            write_store(std::make_unique<report_database>(path_of(database_name)), devices, events);
-        workbook_notes notes;
-        if (has(report_format::xlsx))
-            write_store(make_workbook(path_of(workbook_name), notes), devices, events);
-        if (notes.cut > 0)
-            outcome.notes.append(u"report.xlsx: "_s + QString::number(notes.cut)
+        for (const std::unique_ptr<table_store> &store : stores)
+            add_shortcomings(finish_store(*store, that_case, devices, events));
+        if (book_notes.cut > 0)
+            outcome.notes.append(u"report.xlsx: "_s + QString::number(book_notes.cut)
                                  + u" texts are cut: no cell takes more than 32,767 characters"_s);
     }
 
-    void write_store(const std::unique_ptr<table_store> &store, const QList<joined_device> &devices,
-                     const timeline &events)
+    /** The files that hold the whole case: they take each row when it is read for the others. */
+    void begin_stores()
     {
-        add_shortcomings(fill_store(*store, that_case, devices, events));
-        store->commit();
+        if (has(report_format::sqlite))
+            stores.push_back(std::make_unique<report_database>(path_of(database_name)));
+        if (has(report_format::xlsx))
+            stores.push_back(make_workbook(path_of(workbook_name), book_notes));
+        for (const std::unique_ptr<table_store> &store : stores)
+            begin_store(*store, that_case);
+    }
+
+    std::vector<table_store *> stores_in_work() const
+    {
+        std::vector<table_store *> list;
+        for (const std::unique_ptr<table_store> &store : stores)
+            list.push_back(store.get());
+        return list;
     }
 
     /** Pages of sources that this report has not: beside its own they would pass for them. */
@@ -470,7 +482,9 @@ private:
     bool is_split;
     report_outcome outcome;
     changed_cells changes;
-    qint64 counters = 0; ///< of all rows; a timeline leaves them out
+    qint64 counters = 0;       ///< of all rows; a timeline leaves them out
+    workbook_notes book_notes; ///< outlives the workbook
+    std::vector<std::unique_ptr<table_store>> stores;
     device_join join;
     QMap<qsizetype, row_devices> device_of_row; ///< by place of the source; for pages
     qint64 device_count = 0;                    ///< of the whole case

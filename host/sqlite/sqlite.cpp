@@ -103,10 +103,16 @@ bool sqlite_error::is_of_the_system() const
     return std::find(std::begin(results), std::end(results), code & 0xff) != std::end(results);
 }
 
+void sort_in_folder(const QString &folder)
+{
+    sqlite3_free(sqlite3_temp_directory);
+    sqlite3_temp_directory = sqlite3_mprintf("%s", QFile::encodeName(folder).constData());
+}
+
 sqlite_database::sqlite_database(const QString &file, access mode)
     : database(nullptr, sqlite3_close)
 {
-    int flags = SQLITE_OPEN_URI | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_EXRESCODE;
+    int flags = SQLITE_OPEN_URI | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX;
     QByteArray uri = uri_of(file);
     if (mode == access::read_only || mode == access::main_file_alone)
         flags |= SQLITE_OPEN_READONLY;

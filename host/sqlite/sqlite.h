@@ -51,6 +51,9 @@ struct sqlite_time_limit;
 /** SQLite opens no file whose path has more bytes: https://www.sqlite.org/src/file/src/os_unix.c, MAX_PATHNAME. */
 inline constexpr qsizetype longest_sqlite_path = 504;
 
+/** Where SQLite sorts what is too much for its memory, in files that have no name: elsewhere it may not write. */
+void sort_in_folder(const QString &folder);
+
 /** An open database file. Every function throws sqlite_error. */
 class sqlite_database
 {

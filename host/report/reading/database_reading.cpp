@@ -14,11 +14,11 @@ namespace {
 /** More than this no cache of devices ever holds; they are kept in memory. */
 constexpr qint64 most_custom_properties = 100000;
 
-/** Fields that are columns of the evidence. */
+/** Fields that are columns of the evidence, the two counters first. */
 constexpr std::pair<cell host_values::*, QLatin1StringView> field_columns[] = {
-    {&host_values::resolved_address, "ResolvedAddress"_L1},
     {&host_values::last_seen_time, "LastSeenTime"_L1},
     {&host_values::last_connection_time, "LastConnectionTime"_L1},
+    {&host_values::resolved_address, "ResolvedAddress"_L1},
     {&host_values::name_origin, "NameOrigin"_L1},
     {&host_values::gatt_service_change_config, "GATTServiceChangeConfig"_L1},
     {&host_values::tags, "Tags"_L1},
@@ -50,11 +50,13 @@ bool is_same(const cell &one, const cell &two)
 } // namespace
 
 database_reading::database_reading(const database_copy &copy, const sqlite_statement &row,
-                                   const vendor_list &vendor_names, const preferences_names &known_names)
+                                   const vendor_list &vendor_names, const preferences_names &known_names,
+                                   reading_depth depth)
     : vendors(vendor_names)
     , names(known_names)
     , may_pass_over(copy.lost)
     , has_wal(copy.has_wal)
+    , reads_counters_alone(depth == reading_depth::counters)
     , wal_changes(copy.wal_changes)
 {
     problem_text = copy.problem;
@@ -75,11 +77,12 @@ void database_reading::open(const database_copy &copy, const sqlite_statement &r
     opened->distrust();
     if (!opened->has_table(database.device_table))
         return;
-    read_custom_properties();
+    if (!reads_counters_alone)
+        read_custom_properties();
     rows = std::make_unique<sqlite_statement>(*opened, "SELECT rowid, * FROM "
                                                            + QByteArray(database.device_table.data())
                                                            + " NOT INDEXED ORDER BY 1");
-    for (const auto &[value, name] : field_columns) {
+    for (const auto &[value, name] : std::span(field_columns).first(reads_counters_alone ? 2 : 8)) {
         if (const int column = rows->column_named(name); column >= 0)
             columns.emplace_back(value, column);
     }
@@ -131,7 +134,7 @@ void database_reading::next(const sqlite_statement &row)
         return uuid.result < 0 || uuid.evidence < 0
                || is_same(row.value_of(uuid.result), rows->value_of(uuid.evidence));
     };
-    while (!is_this_row() && may_pass_over > 0) {
+    while (may_pass_over > 0 && !is_this_row()) {
         --may_pass_over;
         if (!advance())
             return;
@@ -145,8 +148,10 @@ void database_reading::describe(const sqlite_statement &row)
     current.place.rowid = rows->integer(0);
     for (const auto &[value, column] : columns)
         current.*value = rows->value_of(column);
-    describe_differences(row);
     describe_wal();
+    if (reads_counters_alone)
+        return;
+    describe_differences(row);
     if (address_column >= 0)
         describe_address();
     if (uuid.evidence >= 0 && !custom_properties.isEmpty()) {

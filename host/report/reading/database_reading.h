@@ -39,7 +39,7 @@ class database_reading : public host_reading
 {
 public:
     database_reading(const database_copy &copy, const sqlite_statement &row, const vendor_list &vendors,
-                     const preferences_names &names);
+                     const preferences_names &names, reading_depth depth);
 
     void next(const sqlite_statement &row) override;
 
@@ -66,6 +66,7 @@ private:
     preferences_names names;
     qint64 may_pass_over;
     bool has_wal;
+    bool reads_counters_alone;
     QHash<qint64, row_in_log> wal_changes;
     QSet<QByteArray> left_out_columns; ///< of the result: those that the plug-in leaves empty for integers
     column_pair uuid;

@@ -56,7 +56,7 @@ database_copy copy_with_wal(const report_case &that_case, const report_source &s
 } // namespace
 
 std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, const report_source &source,
-                                                const QString &table, const sqlite_statement &row)
+                                                const QString &table, const sqlite_statement &row, reading_depth depth)
 {
     const source_layout layout = that_case.layout.source(source.record.number);
     if (source.record.type == ios_uid_kind.name && path_exists(layout.ios_lines())) {
@@ -69,7 +69,7 @@ std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, co
         if (source.record.driven_as != macos_kind.name || table != database->result_table || !path_exists(copy))
             continue;
         return std::make_unique<database_reading>(copy_with_wal(that_case, source, {copy, path, *database}), row,
-                                                  that_case.vendors, source.preferences);
+                                                  that_case.vendors, source.preferences, depth);
     }
     return std::make_unique<no_reading>();
 }

@@ -76,8 +76,15 @@ protected:
     QString problem_text;
 };
 
+/** What of the evidence is wanted. */
+enum class reading_depth {
+    everything,
+    counters ///< those of the row alone, and what the write-ahead log makes of them
+};
+
 /** Never null. @p row is the statement of the result table, before its first row. */
 std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, const report_source &source,
-                                                const QString &table, const sqlite_statement &row);
+                                                const QString &table, const sqlite_statement &row,
+                                                reading_depth depth = reading_depth::everything);
 
 #endif

@@ -57,7 +57,8 @@ const table_ranks &ranks_of_table(const report_case &that_case, const report_sou
     table_ranks ranks;
     sqlite_statement row = result.rows(table);
     if (row.column_named("last_seen_time"_L1) >= 0) {
-        const std::unique_ptr<host_reading> host = open_host_reading(that_case, source, table, row);
+        const std::unique_ptr<host_reading> host = open_host_reading(that_case, source, table, row,
+                                                                     reading_depth::counters);
         while (row.next()) {
             host->next(row);
             const counter_pair counters = counters_of(row, host->values());

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -36,6 +37,14 @@ std::optional<qint64> counter_in(const cell &in_evidence, const sqlite_statement
     return place < 0 ? std::nullopt : counter_of(row.value_of(place));
 }
 
+/** How many of the list, the largest of which is first. */
+template<typename Number>
+qint64 larger_than(qint64 counter, const std::vector<Number> &list)
+{
+    return std::partition_point(list.cbegin(), list.cend(), [counter](Number one) { return qint64(one) > counter; })
+           - list.cbegin();
+}
+
 } // namespace
 
 counter_pair counters_of(const sqlite_statement &row, const host_values &host)
@@ -48,20 +57,26 @@ counter_pair counters_of(const sqlite_statement &row, const host_values &host)
 
 void counter_ranks::add(const std::optional<qint64> &counter)
 {
-    if (counter)
-        counters.push_back(*counter);
+    if (!counter)
+        return;
+    if (*counter >= 0 && *counter <= std::numeric_limits<quint32>::max())
+        ordinary.push_back(quint32(*counter));
+    else
+        others.push_back(*counter);
 }
 
 void counter_ranks::sort()
 {
-    std::sort(counters.begin(), counters.end(), std::greater<>());
+    std::sort(ordinary.begin(), ordinary.end(), std::greater<>());
+    std::sort(others.begin(), others.end(), std::greater<>());
+    ordinary.shrink_to_fit();
 }
 
 std::optional<qint64> counter_ranks::rank_of(const std::optional<qint64> &counter) const
 {
     if (!counter)
         return {};
-    return std::lower_bound(counters.cbegin(), counters.cend(), *counter, std::greater<>()) - counters.cbegin() + 1;
+    return larger_than(*counter, ordinary) + larger_than(*counter, others) + 1;
 }
 
 QByteArray counter_readings(const std::optional<qint64> &counter)

@@ -35,7 +35,9 @@ public:
     std::optional<qint64> rank_of(const std::optional<qint64> &counter) const;
 
 private:
-    std::vector<qint64> counters; ///< the largest first
+    // The largest first. Those of real devices fit into half the room, and there may be millions.
+    std::vector<quint32> ordinary;
+    std::vector<qint64> others;
 };
 
 /** The ranks of the rows of one table of one source. */

@@ -44,6 +44,7 @@ report_database::report_database(const QString &file)
     , temporary(file + u".new"_s)
 {
     folder_entry(temporary).remove();
+    sort_in_folder(path.left(path.lastIndexOf(u'/')));
     try {
         database = std::make_unique<sqlite_database>(temporary, sqlite_database::access::create);
         database->execute("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA page_size=4096; BEGIN");

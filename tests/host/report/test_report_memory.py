@@ -60,7 +60,8 @@ class report_memory(case_in_a_folder):
             self.run_program("-q", "extract", "--add", "-i", str(self.other_source()), "-o", case)
             for source in (1, 3):
                 self.add_rows(case, source, rows)
-            peaks[rows] = self.peak("-q", "report", case, "-f", "jsonl", "-f", "csv")
+            peaks[rows] = self.peak("-q", "report", case, "-f", "jsonl", "-f", "csv", "-f", "sqlite")
+            self.check_database(rows)
             lines = (self.folder / case / "Report/devices.jsonl").read_text().count("\n")
             self.assertGreater(lines, 2 * rows)
             shared = (self.folder / case / "Report/shared.jsonl").read_text()
@@ -68,6 +69,15 @@ class report_memory(case_in_a_folder):
         print(f"peak memory in KiB of a report: {peaks}")
         self.assertGreater(peaks[few], 1000)
         self.assertLess(peaks[many] - peaks[few], most_growth)
+
+    def check_database(self, rows):
+        """It sorts more than its memory takes, and leaves nothing of it."""
+        report = self.folder / f"case{rows}/Report"
+        connection = sqlite3.connect(report / "report.sqlite")
+        for table in ("devices", "names"):
+            self.assertGreater(connection.execute(f"SELECT count(*) FROM {table}").fetchone()[0], 2 * rows)
+        connection.close()
+        self.assertEqual([path.name for path in report.iterdir() if "sqlite" in path.name], ["report.sqlite"])
 
     def other_source(self):
         """The same sample once more: its public addresses are in two sources."""

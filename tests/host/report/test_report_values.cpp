@@ -205,14 +205,17 @@ void test_report_values::quoting()
 
 void test_report_values::ranks()
 {
+    constexpr qint64 beyond_32_bits = qint64(1) << 32;
     counter_ranks ranks;
-    for (const std::optional<qint64> counter : {5, 9, 9, 1})
+    for (const qint64 counter : {qint64(5), qint64(9), qint64(-2), beyond_32_bits, qint64(9), qint64(1)})
         ranks.add(counter);
     ranks.add(std::nullopt);
     ranks.sort();
-    QCOMPARE(ranks.rank_of(9), std::optional<qint64>(1));
-    QCOMPARE(ranks.rank_of(5), std::optional<qint64>(3));
-    QCOMPARE(ranks.rank_of(1), std::optional<qint64>(4));
+    QCOMPARE(ranks.rank_of(beyond_32_bits), std::optional<qint64>(1));
+    QCOMPARE(ranks.rank_of(9), std::optional<qint64>(2));
+    QCOMPARE(ranks.rank_of(5), std::optional<qint64>(4));
+    QCOMPARE(ranks.rank_of(1), std::optional<qint64>(5));
+    QCOMPARE(ranks.rank_of(-2), std::optional<qint64>(6));
     QCOMPARE(ranks.rank_of(std::nullopt), std::optional<qint64>());
 }
 
