@@ -21,7 +21,8 @@ from exfat_image import exfat_image
 from ntfs_image import has_library, make_folders
 
 hive_writer = sys.argv[2]
-apfs_bytes = 2 << 30  # for more than one volume, each 512 MiB allow one; it is sparse
+small_apfs = 128 << 20
+large_apfs = 2 << 30  # for more than one volume, each 512 MiB allow one; it is sparse
 sector = 512
 
 
@@ -47,7 +48,7 @@ class Images(container_case):
     def apfs(self, name, *volumes, folder=None):
         """A container with these volumes; the last one gets the folder."""
         needs("mkapfs")
-        path = self.empty(name, apfs_bytes)
+        path = self.empty(name, small_apfs if len(volumes) == 1 else large_apfs)
         tool("mkapfs", "-L", volumes[0], path)
         with apfs_image(path) as image:
             last = 0
@@ -77,7 +78,7 @@ class Images(container_case):
     def test_every_volume_of_apfs_is_looked_into(self):
         path = self.apfs("three.apfs", "System", "Preboot", "Data", folder=self.macos)
         self.checked(path)
-        record = self.compare(path, "apfs_three", "image", "raw")
+        record = self.compare(path, "apfs_three", "image", "raw", "--no-container-hash")
         self.assertEqual(self.volume(record), (3, "apfs", "Data"))
         self.assertEqual([(volume["number"], volume["name"], volume["type"], volume["offset"])
                           for volume in inspected(path)["volumes"]],
@@ -86,8 +87,8 @@ class Images(container_case):
     def test_apfs_in_a_partition(self):
         needs("sfdisk")
         start, whole = 2048 * sector, self.apfs("inner.apfs", "Macintosh", folder=self.macos)
-        path = self.empty("apfs_gpt.dd", apfs_bytes + 2 * start)
-        self.partition(path, f"label: gpt\nstart=2048,size={apfs_bytes // sector},name=Disk\n")
+        path = self.empty("apfs_gpt.dd", small_apfs + 2 * start)
+        self.partition(path, f"label: gpt\nstart=2048,size={small_apfs // sector},name=Disk\n")
         tool("dd", f"if={whole}", f"of={path}", "bs=1M", "seek=1", "conv=notrunc,sparse")
         record = self.compare(path, "apfs_gpt", "image", "raw")
         self.assertEqual(record["container"]["volume"],
@@ -107,7 +108,7 @@ class Images(container_case):
         with apfs_image(path) as image:
             image.add_folder(0, self.macos)
             image.claim_encryption(1)
-        record = self.compare(path, "half", "image", "raw")
+        record = self.compare(path, "half", "image", "raw", "--no-container-hash")
         texts = [message["text"] for message in record["messages"] if message["weight"] == "warning"]
         self.assertTrue(any("volume 2" in text and "encrypted" in text for text in texts), texts)
 

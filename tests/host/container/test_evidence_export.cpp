@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
+// SPDX-License-Identifier: MIT
+
+#include "host/container/evidence_export.h"
+#include "host/files/sha256.h"
+#include "host/sample/sample.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringList files_below(const QString &folder)
+{
+    QStringList files;
+    QDirIterator all(folder, QDir::Files, QDirIterator::Subdirectories);
+    while (all.hasNext())
+        files.append(all.next());
+    return files;
+}
+
+QString sha256_of_file(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? sha256::of(file.readAll()) : QString();
+}
+
+} // namespace
+
+/** When the files of a container are hashed. */
+class test_evidence_export : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void files_are_hashed_before_evidence_is_taken_out();
+    void archive_is_hashed_once();
+    void no_hash_where_none_is_wanted();
+
+private:
+    exported_source export_from(const QString &container, const container_observers &observers);
+
+    QTemporaryDir folder;
+    QString staging;
+    int exports = 0;
+};
+
+void test_evidence_export::initTestCase()
+{
+    sample_content content;
+    content.has_containers = true;
+    QCOMPARE(write_sample(folder.filePath(u"sample"_s), content, false), QStringList());
+}
+
+exported_source test_evidence_export::export_from(const QString &container, const container_observers &observers)
+{
+    container_choice choice;
+    choice.path = folder.filePath(u"sample/"_s + container);
+    const QString place = folder.filePath(u"export"_s + QString::number(++exports));
+    staging = place + u"/taken"_s;
+    return export_evidence(choice, {staging, place + u"/evidence"_s}, observers);
+}
+
+void test_evidence_export::files_are_hashed_before_evidence_is_taken_out()
+{
+    QStringList staged;
+    container_observers observers;
+    observers.hashed = [&](qint64) { staged += files_below(staging); };
+    const exported_source taken = export_from(ios_backup_sample, observers);
+    QCOMPARE(staged, QStringList());
+    QVERIFY(!taken.files.isEmpty());
+    for (const auto file : taken.container[u"files"_s].toArray())
+        QCOMPARE(file[u"sha256"_s].toString(), sha256_of_file(file[u"path"_s].toString()));
+}
+
+void test_evidence_export::archive_is_hashed_once()
+{
+    qint64 hashed = 0;
+    container_observers observers;
+    observers.hashed = [&hashed](qint64 bytes) { hashed += bytes; };
+    const exported_source taken = export_from(packed_sample, observers);
+    const QString path = folder.filePath(u"sample/"_s + packed_sample);
+    QCOMPARE(hashed, QFile(path).size());
+    const QJsonArray files = taken.container[u"files"_s].toArray();
+    QCOMPARE(files.size(), 1);
+    QCOMPARE(files.first()[u"sha256"_s].toString(), sha256_of_file(path));
+    QCOMPARE(taken.errors, QStringList());
+}
+
+void test_evidence_export::no_hash_where_none_is_wanted()
+{
+    for (const QLatin1StringView container : {ios_backup_sample, packed_sample}) {
+        const exported_source taken = export_from(container, {});
+        for (const auto file : taken.container[u"files"_s].toArray())
+            QVERIFY(file[u"sha256"_s].isNull());
+    }
+}
+
+QTEST_GUILESS_MAIN(test_evidence_export)
+#include "test_evidence_export.moc"
