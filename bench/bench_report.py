@@ -7,7 +7,8 @@
 # bench_report.py PROGRAM lines ROWS            JSON Lines of so many rows against "sqlite3 -json" on the same tables, by
 #                                               turns, with the peak memory of each
 # bench_report.py PROGRAM database ROWS         report.sqlite of so many rows against sqlite3's ".import" of the report's own
-#                                               CSV, by turns, with the peak memory of each
+#                                               CSV, alone and with the same indexes and names made after it, by turns,
+#                                               with the peak memory of each
 # bench_report.py PROGRAM timeline EVENTS       a timeline of so many lines of a log
 # The case stands in the temporary folder meanwhile.
 
@@ -78,6 +79,17 @@ def told(name, runs):
           f"{statistics.median(cpu):.2f} s of the processor, peak memory {max(memory)} KiB", flush=True)
 
 
+def told_speeds(own, works):
+    """What each work measured, and the speed of one of them against each other."""
+    results = dict(zip(works, all_rounds(*works.values())))
+    for name, runs in results.items():
+        told(name, runs)
+    ours = results.pop(own)
+    for name, runs in results.items():
+        wall, cpu = (statistics.median(theirs[i] / own[i] for theirs, own in zip(runs, ours)) for i in (0, 1))
+        print(f"speed against {name}: {wall:.2f} by the clock, {cpu:.2f} of the processor", flush=True)
+
+
 def bench_page(program, folder, modules):
     making, = all_rounds(lambda: measured([program, "-q", "report", folder / "case", "--force"]))
     page = folder / "case/Report/report.html"
@@ -106,32 +118,35 @@ def bench_lines(program, folder):
     if shutil.which("sqlite3"):
         works |= {"sqlite3 -json, result and evidence": lambda: sqlite(tables),
                   "sqlite3 -json, result alone": lambda: sqlite(dict([next(iter(tables.items()))]))}
-    results = dict(zip(works, all_rounds(*works.values())))
-    for name, runs in results.items():
-        told(name, runs)
-    ours = results.pop("report -f jsonl")
-    for name, runs in results.items():
-        wall, cpu = (statistics.median(theirs[i] / own[i] for theirs, own in zip(runs, ours)) for i in (0, 1))
-        print(f"speed against {name}: {wall:.2f} by the clock, {cpu:.2f} of the processor", flush=True)
+    told_speeds("report -f jsonl", works)
+
+
+after_import = """
+BEGIN;
+CREATE VIRTUAL TABLE names USING fts5(name, source UNINDEXED, source_table UNINDEXED, source_rowid UNINDEXED);
+INSERT INTO names SELECT device_name, source, 'devices', rowid FROM devices WHERE device_name != '';
+INSERT INTO names SELECT host_name, source, 'devices', rowid FROM devices WHERE host_name != '';
+CREATE INDEX i_uuid ON devices(uuid);
+CREATE INDEX i_address ON devices(address);
+CREATE INDEX i_host_resolved_address ON devices(host_resolved_address);
+COMMIT;
+"""
 
 
 def bench_database(program, folder):
     report = [program, "-q", "report", folder / "case", "--force"]
     subprocess.run([*report, "-f", "csv"], check=True, stdout=subprocess.DEVNULL)
+
+    def imported(*more):
+        (folder / "imported.sqlite").unlink(missing_ok=True)
+        return measured(["sqlite3", folder / "imported.sqlite", ".mode csv",
+                         f".import {folder / 'case/Report/devices.csv'} devices", *more])
+
     works = {"report -f sqlite": lambda: measured([*report, "-f", "sqlite"])}
     if shutil.which("sqlite3"):
-        def imported():
-            (folder / "imported.sqlite").unlink(missing_ok=True)
-            return measured(["sqlite3", folder / "imported.sqlite", ".mode csv",
-                             f".import {folder / 'case/Report/devices.csv'} devices"])
-        works |= {"sqlite3 .import": imported}
-    results = dict(zip(works, all_rounds(*works.values())))
-    for name, runs in results.items():
-        told(name, runs)
-    if len(results) == 2:
-        ours, theirs = results.values()
-        wall, cpu = (statistics.median(other[i] / own[i] for other, own in zip(theirs, ours)) for i in (0, 1))
-        print(f"speed against sqlite3 .import: {wall:.2f} by the clock, {cpu:.2f} of the processor", flush=True)
+        works |= {"sqlite3 .import": imported,
+                  "sqlite3 .import, indexes and names": lambda: imported(after_import)}
+    told_speeds("report -f sqlite", works)
 
 
 def bench_timeline(program, folder):

@@ -201,7 +201,7 @@ private:
             writers.push_back(make_store_writer(stores_in_work(), table, columns.names));
         for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
             const report_source &source = that_case.sources.at(i);
-            const table_reading reading = read_rows(that_case, source, table, [&](const report_row &row) {
+            const auto take = [&](const report_row &row) {
                 counters += (row.rank_last_seen ? 1 : 0) + (row.rank_last_connection ? 1 : 0);
                 for (const row_writer &write_row : writers)
                     write_row(row);
@@ -211,7 +211,10 @@ private:
                     page.count(row);
                 if (needs_join())
                     join.learn(appearance_of(row, int(i)));
-            });
+            };
+            const bool only_counts = writers.empty() && !has_pages() && !needs_join();
+            const table_reading reading = read_rows(that_case, source, table, take,
+                                                    only_counts ? reading_depth::counters : reading_depth::everything);
             add_shortcoming(source, reading.problem);
         }
         for (const std::shared_ptr<new_file> &file : files)

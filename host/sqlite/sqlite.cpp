@@ -277,7 +277,8 @@ QString sqlite_statement::column_name(int column) const
 int sqlite_statement::column_named(QLatin1StringView name) const
 {
     for (int column = 0; column < column_count(); ++column) {
-        if (column_name(column).compare(name, Qt::CaseInsensitive) == 0)
+        const QByteArrayView here(sqlite3_column_name(statement.get(), column));
+        if (here.compare(QByteArrayView(name.data(), name.size()), Qt::CaseInsensitive) == 0)
             return column;
     }
     return -1;

@@ -59,7 +59,10 @@ std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, co
                                                 const QString &table, const sqlite_statement &row, reading_depth depth)
 {
     const source_layout layout = that_case.layout.source(source.record.number);
-    if (source.record.type == ios_uid_kind.name && path_exists(layout.ios_lines())) {
+    const bool has_counters = source.record.type != ios_uid_kind.name;
+    if (depth == reading_depth::counters && !has_counters)
+        return std::make_unique<no_reading>();
+    if (!has_counters && path_exists(layout.ios_lines())) {
         const QString log = source.record.evidence.files.isEmpty() ? QString() : source.record.evidence.files[0].path;
         return std::make_unique<log_reading>(layout.ios_lines(), log, table, row, that_case.vendors);
     }

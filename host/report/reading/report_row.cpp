@@ -108,14 +108,14 @@ notes_of_one notes_on(const report_case &that_case, const report_source &source,
 
 /** Throws host_error and sqlite_error. */
 void read_result(const report_case &that_case, const report_source &source, const QString &table,
-                 const std::function<void(const report_row &row)> &take, table_reading &reading)
+                 const std::function<void(const report_row &row)> &take, reading_depth depth, table_reading &reading)
 {
     const result_database result(result_file(that_case, source));
     if (!has_table(result, table))
         return;
     const table_ranks &ranks = ranks_of_table(that_case, source, table, result);
     sqlite_statement row = result.rows(table);
-    const std::unique_ptr<host_reading> host = open_host_reading(that_case, source, table, row);
+    const std::unique_ptr<host_reading> host = open_host_reading(that_case, source, table, row, depth);
     const QByteArray utf8_table = table.toUtf8();
     while (row.next()) {
         host->next(row);
@@ -156,7 +156,7 @@ column_names result_columns(const report_case &that_case, const QString &table)
 }
 
 table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,
-                        const std::function<void(const report_row &row)> &take)
+                        const std::function<void(const report_row &row)> &take, reading_depth depth)
 {
     table_reading reading;
     if (source.is_locked)
@@ -167,7 +167,7 @@ table_reading read_rows(const report_case &that_case, const report_source &sourc
         return reading;
     }
     try {
-        read_result(that_case, source, table, take, reading);
+        read_result(that_case, source, table, take, depth, reading);
     } catch (const host_error &error) {
         reading.problem = problem_text(that_case, source, error);
     } catch (const sqlite_error &error) {

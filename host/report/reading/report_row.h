@@ -53,10 +53,11 @@ column_names result_columns(const report_case &that_case, const QString &table);
 
 /**
  * Calls @p take for each row of a result table, in their order. When there are not as many as the case's records say,
- * that is the problem of the reading.
+ * that is the problem of the reading. With @p depth the host's values are those of the counters alone.
  */
 table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,
-                        const std::function<void(const report_row &row)> &take);
+                        const std::function<void(const report_row &row)> &take,
+                        reading_depth depth = reading_depth::everything);
 
 /** How many rows all result tables of the case hold, as far as they can be counted; reading them says what cannot. */
 qint64 row_count(const report_case &that_case);

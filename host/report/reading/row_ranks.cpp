@@ -67,8 +67,9 @@ void counter_ranks::add(const std::optional<qint64> &counter)
 
 void counter_ranks::sort()
 {
-    std::sort(ordinary.begin(), ordinary.end(), std::greater<>());
-    std::sort(others.begin(), others.end(), std::greater<>());
+    const auto largest_first = [](auto &list) { std::sort(list.begin(), list.end(), std::greater<>()); };
+    largest_first(ordinary);
+    largest_first(others);
     ordinary.shrink_to_fit();
 }
 

@@ -84,10 +84,7 @@ public:
             read_lists(source);
             read_log(source);
         }
-        std::stable_sort(result.events.begin(), result.events.end(),
-                         [](const timeline_event &one, const timeline_event &two) {
-                             return one.timestamp < two.timestamp;
-                         });
+        sort_events(result.events);
         return result;
     }
 
@@ -277,6 +274,13 @@ QStringList timeline::left_out_texts() const
                          + QString::fromUtf8(reason.key()));
     }
     return texts;
+}
+
+void sort_events(std::vector<timeline_event> &events)
+{
+    std::stable_sort(events.begin(), events.end(), [](const timeline_event &one, const timeline_event &two) {
+        return one.timestamp < two.timestamp;
+    });
 }
 
 timeline read_timeline(const report_case &that_case, const timeline_options &options, qint64 counters)

@@ -50,6 +50,9 @@ struct timeline
     QStringList left_out_texts() const;
 };
 
+/** By their times; those of one time as they come. */
+void sort_events(std::vector<timeline_event> &events);
+
 /** All times of a case. Every event is held. @p counters: how many the rows of its results have, which are no dates. */
 timeline read_timeline(const report_case &that_case, const timeline_options &options, qint64 counters = 0);
 
