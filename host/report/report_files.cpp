@@ -339,6 +339,9 @@ private:
             write_timeline_files(options, events, changes);
         for (const std::unique_ptr<table_store> &store : stores)
             add_shortcomings(finish_store(*store, that_case, devices, events));
+        if (book_notes.spelled > 0)
+            outcome.notes.append(u"report.xlsx: "_s + QString::number(book_notes.spelled)
+                                 + u" texts have \\u{0}, \\u{fffe} or \\u{ffff} for characters that no cell takes"_s);
         if (book_notes.cut > 0)
             outcome.notes.append(u"report.xlsx: "_s + QString::number(book_notes.cut)
                                  + u" texts are cut: no cell takes more than 32,767 characters"_s);

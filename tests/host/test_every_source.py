@@ -16,10 +16,10 @@ import sqlite3
 import subprocess
 import sys
 import unittest
-import xml.etree.ElementTree as xml
 import zipfile
 
 from case_in_a_folder import case_in_a_folder, program
+from workbook_sheets import open_book, rows_of_sheet, sheet_names, sheet_namespace
 
 hive_writer = sys.argv[2]
 
@@ -30,32 +30,7 @@ secret = b"abcdefghijklmnop"  # every key of the pairings
 mobile_list = "com.apple.MobileBluetooth.devices.plist"
 domain = "SysSharedContainerDomain-systemgroup.com.apple.bluetooth"
 hive_place = "Windows/System32/config/SYSTEM"
-cell_name = re.compile(r"([A-Z]+)([0-9]+)")
-sheet_namespace = "{http://schemas.openxmlformats.org/spreadsheetml/2006/main}"
-escaped_character = re.compile(r"_x([0-9A-Fa-f]{4})_")
 last_seen = datetime.datetime(2024, 5, 17, 10, 11, 5, tzinfo=datetime.timezone.utc)
-
-
-def unescaped(text):
-    return escaped_character.sub(lambda match: chr(int(match[1], 16)), text)
-
-
-def rows_of_sheet(book, place):
-    """The cells of a sheet as texts and numbers by row and column, and the sheet itself."""
-    sheet = xml.fromstring(book.read(place))
-    rows = []
-    for row in sheet.iter(sheet_namespace + "row"):
-        cells = {}
-        for cell in row:
-            column = cell_name.match(cell.get("r"))[1]
-            assert cell.find(sheet_namespace + "f") is None, "a formula"
-            if cell.get("t") == "inlineStr":
-                cells[column] = unescaped("".join(part.text or "" for part in cell.iter(sheet_namespace + "t")))
-            else:
-                assert cell.get("t") is None, cell.attrib
-                cells[column] = float(cell.find(sheet_namespace + "v").text)
-        rows.append(cells)
-    return rows, sheet
 
 
 class every_source(case_in_a_folder):
@@ -259,8 +234,8 @@ class every_source(case_in_a_folder):
 
     def test_workbook(self):
         report = self.report()
-        book = zipfile.ZipFile(report / "report.xlsx")
-        names = [sheet.get("name") for sheet in xml.fromstring(book.read("xl/workbook.xml")).iter(sheet_namespace + "sheet")]
+        book = open_book(report / "report.xlsx")
+        names = sheet_names(book)
         self.assertEqual(names, ["sources", "devices", "paired_devices", "shared", "evidence_files", "wal_changes",
                                  "host_devices", "unparsed_lines", "salvage", "timeline"])
         database = sqlite3.connect(f"file:{report}/report.sqlite?mode=ro", uri=True)

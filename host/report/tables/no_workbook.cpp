@@ -11,7 +11,7 @@ bool has_workbooks()
     return false;
 }
 
-std::unique_ptr<table_store> make_workbook(const QString &, workbook_notes &)
+std::unique_ptr<table_store> make_workbook(const QString &, workbook_notes &, int)
 {
     throw host_error(error_kind::refused, u"xlsx: this program was built without libxlsxwriter"_s);
 }

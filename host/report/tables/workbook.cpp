@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <cerrno>
 #include <ctime>
@@ -23,32 +24,62 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr lxw_row_t most_rows = 1048576; // the heading among them
 constexpr qsizetype most_characters = 32767;
 constexpr qint64 largest_exact_number = qint64(1) << 53;
 constexpr double column_width = 20;
 
-/** What no cell takes is cut, and ends with a sign of it. */
-QByteArray cut_text(const QByteArray &utf8, workbook_notes &notes)
+/** Characters that neither XML nor the library has a form for. */
+constexpr QChar formless[] = {QChar(0), QChar(0xfffe), QChar(0xffff)};
+
+/** Excel counts UTF-16 units. What no cell takes is cut, and ends with a sign of it. */
+QString cut_text(const QString &text, workbook_notes &notes)
 {
-    if (utf8.size() <= most_characters)
-        return utf8;
-    const QString text = QString::fromUtf8(utf8);
-    if (text.toUcs4().size() <= most_characters)
-        return utf8;
+    if (text.size() <= most_characters)
+        return text;
     ++notes.cut;
-    QString start = text.first(most_characters - 1);
+    static const QRegularExpression half_an_escape(u"_(x(0(0(5F?)?)?)?)?$"_s);
+    QString start = text.first(most_characters - 1).remove(half_an_escape);
     if (start.back().isHighSurrogate())
         start.chop(1);
-    return QString(start + u'…').toUtf8();
+    return start + u'…';
+}
+
+QString spelled_out(QString text, workbook_notes &notes)
+{
+    bool is_spelled = false;
+    for (const QChar character : formless) {
+        if (!text.contains(character))
+            continue;
+        is_spelled = true;
+        text.replace(character, u"\\u{"_s + QString::number(character.unicode(), 16) + u'}');
+    }
+    notes.spelled += is_spelled ? 1 : 0;
+    return text;
+}
+
+/** "_x0041_" in a cell is an A (ECMA-376 part 1, 22.4.2.4): an underscore in front of such a text is written in that
+ * form. */
+QString escaped(QString text)
+{
+    static const QRegularExpression looks_escaped(u"_(?=x[0-9A-Fa-f]{4}_)"_s);
+    if (text.contains("_x"_L1))
+        text.replace(looks_escaped, u"_x005F_"_s);
+    return text;
+}
+
+/** A text as the library takes it, UTF-8 without a NUL. It counts what is escaped here as it stands. */
+QByteArray text_for_sheet(const QByteArray &utf8, workbook_notes &notes)
+{
+    return cut_text(escaped(spelled_out(QString::fromUtf8(utf8), notes)), notes).toUtf8();
 }
 
 class workbook : public table_store
 {
 public:
-    workbook(const QString &file, workbook_notes &book_notes)
+    workbook(const QString &file, workbook_notes &book_notes, lxw_row_t rows_of_sheet)
         : path(file)
         , temporary(file + u".new"_s)
+        , sheet_rows(rows_of_sheet)
         , notes(book_notes)
     {
         // The library would write into whatever stands there, also by a link.
@@ -90,7 +121,7 @@ public:
 
     void add(const line_cells &cells) override
     {
-        if (row == most_rows) {
+        if (row == sheet_rows) {
             end_sheet();
             begin_sheet();
         }
@@ -151,8 +182,10 @@ private:
         lxw_col_t column = 0;
         for (const report_column &one : std::as_const(columns)) {
             if (one.is_cell())
-                check(
-                    worksheet_write_string(sheet, row, column++, text_for_sheet(one.cell_name()).constData(), heading));
+                check(worksheet_write_string(sheet, row, column++,
+                                             text_for_sheet(make_text_cell(one.cell_name(), true).text, notes)
+                                                 .constData(),
+                                             heading));
         }
         last_column = lxw_col_t(column - 1);
         check(worksheet_set_column(sheet, 0, last_column, column_width, nullptr));
@@ -167,11 +200,6 @@ private:
         sheet = nullptr;
     }
 
-    QByteArray text_for_sheet(const QByteArray &utf8)
-    {
-        return cut_text(make_text_cell(utf8, true).text, notes);
-    }
-
     void write(lxw_col_t column, const cell &value)
     {
         if (value.is_null())
@@ -183,20 +211,18 @@ private:
         else if (value.kind == cell::type::real && qIsFinite(value.real))
             check(worksheet_write_number(sheet, row, column, value.real, nullptr));
         else
-            write_text(column, cut_text(make_cell(value, true).text, notes));
+            write_text(column, text_for_sheet(make_cell(value, true).text, notes));
     }
 
-    /** A text ends at a NUL for the library: there it would be cut unseen. */
-    void write_text(lxw_col_t column, QByteArray text)
+    void write_text(lxw_col_t column, const QByteArray &text)
     {
-        if (text.isEmpty())
-            return;
-        text.replace('\0', "\\u{0}");
-        check(worksheet_write_string(sheet, row, column, text.constData(), nullptr));
+        if (!text.isEmpty())
+            check(worksheet_write_string(sheet, row, column, text.constData(), nullptr));
     }
 
     QString path;
     QString temporary;
+    lxw_row_t sheet_rows;
     QStringList others; ///< that were there before
     workbook_notes &notes;
     lxw_workbook *book = nullptr;
@@ -216,7 +242,7 @@ bool has_workbooks()
     return true;
 }
 
-std::unique_ptr<table_store> make_workbook(const QString &path, workbook_notes &notes)
+std::unique_ptr<table_store> make_workbook(const QString &path, workbook_notes &notes, int sheet_rows)
 {
-    return std::make_unique<workbook>(path, notes);
+    return std::make_unique<workbook>(path, notes, lxw_row_t(sheet_rows));
 }
