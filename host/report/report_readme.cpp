@@ -3,6 +3,7 @@
 
 #include "host/report/report_readme.h"
 
+#include "host/report/tables/container_list.h"
 #include "host/source/source_kinds.h"
 
 #include <algorithm>
@@ -48,6 +49,8 @@ QByteArray readme(const report_case &that_case, const report_options &options, c
         text +=
             "Keys of pairings (link keys, LTKs) are in no report. The copies of registry hives in the case's folders "
             "Evidence/ hold them, and with them a device can be impersonated.\n\n";
+    if (const QByteArray containers = containers_text(that_case); !containers.isEmpty())
+        text += containers + '\n';
     for (const QString &shortcoming : that_case.shortcomings)
         text += "This case is not complete: " + shortcoming.toUtf8() + "\n\n";
     for (const QString &note : notes)

@@ -131,10 +131,10 @@ QByteArray absent_files(const report_case &that_case)
     return items.isEmpty() ? items : "<h3>Looked for and not there</h3><ul class=\"paths\">\n" + items + "</ul>\n";
 }
 
-QByteArray hash_or_not_made(const QJsonObject &file)
+QByteArray hash_or_why_none(const report_source &source, const QJsonObject &file)
 {
     const QString hash = file.value("sha256"_L1).toString();
-    return hash.isEmpty() ? QByteArray("not made (--no-container-hash)") : html_hash(hash);
+    return hash.isEmpty() ? source.why_no_hash(file.value("path"_L1).toString()) : html_hash(hash);
 }
 
 /** "volume 2 at byte 1,048,576, ntfs, System" */
@@ -177,7 +177,7 @@ QByteArray container_rows(const report_source &source)
         rows += html_row({QByteArray::number(source.record.number), about,
                           path_html(file.value("path"_L1).toString())
                               + (modified.isEmpty() ? modified : "<small>modified " + modified + "</small>"),
-                          grouped_digits(file.value("size"_L1).toInteger()), hash_or_not_made(file)});
+                          grouped_digits(file.value("size"_L1).toInteger()), hash_or_why_none(source, file)});
         about.clear();
     }
     return rows;

@@ -89,6 +89,16 @@ void read_notes(report_case &result)
 
 } // namespace
 
+QByteArray report_source::why_no_hash(const QString &path) const
+{
+    const QString failure = u"cannot be hashed: "_s + path + u':';
+    const bool has_failed = std::any_of(record.messages.cbegin(), record.messages.cend(),
+                                        [&failure](const run_message &message) {
+                                            return message.text.contains(failure);
+                                        });
+    return has_failed ? "not made: the file could not be read to its end" : "not made (--no-container-hash)";
+}
+
 report_case read_report_case(const QString &directory)
 {
     report_case result{case_layout(directory), {}, {}, {}, {}, {}};

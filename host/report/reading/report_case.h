@@ -29,6 +29,9 @@ struct report_source
     QByteArray utf8_name = name.toUtf8();
     std::shared_ptr<QHash<QString, table_ranks>> ranks = std::make_shared<QHash<QString, table_ranks>>(); ///< by table
 
+    /** Why a file of its container has no hash. */
+    QByteArray why_no_hash(const QString &path) const;
+
     /** "source 1: …" */
     QString problem_text(const QString &problem) const
     {

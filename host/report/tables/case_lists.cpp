@@ -7,6 +7,7 @@
 #include "host/report/reading/salvage_line.h"
 #include "host/report/reading/unparsed_line.h"
 #include "host/report/reading/wal_change.h"
+#include "host/report/tables/container_list.h"
 #include "host/report/tables/evidence_list.h"
 
 using namespace Qt::StringLiterals;
@@ -43,11 +44,19 @@ QList<case_list> case_lists(const report_case &that_case)
         for_each_evidence_file(that_case, take);
         return QStringList();
     };
-    return {
+    const auto read_containers = [&that_case](const line_taker &take) {
+        for_each_container_file(that_case,
+                                [&take](const container_line &line) { take(cells_of(container_columns(), line)); });
+        return QStringList();
+    };
+    QList<case_list> lists{
         {"evidence_files"_L1, columns_of(evidence_columns()), true, read_evidence},
         kept_list(that_case, "wal_changes"_L1, wal_columns(), for_each_wal_change, false),
         kept_list(that_case, "host_devices"_L1, host_device_columns(), for_each_host_device, true),
         kept_list(that_case, "unparsed_lines"_L1, unparsed_columns(), for_each_unparsed_line, true),
         kept_list(that_case, "salvage"_L1, salvage_columns(), for_each_salvaged_row, true),
     };
+    if (has_containers(that_case))
+        lists.insert(1, {"containers"_L1, columns_of(container_columns()), true, read_containers});
+    return lists;
 }

@@ -25,7 +25,8 @@ struct case_list
     std::function<QStringList(const line_taker &take)> read;
 };
 
-/** The lists of every case, in the order of a report. They read the case each time. */
+/** The lists of a case, in the order of a report; containers only where there are some. They read the case each time.
+ */
 QList<case_list> case_lists(const report_case &that_case);
 
 #endif

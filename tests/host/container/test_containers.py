@@ -6,6 +6,7 @@
 # Containers made here, with what Debian has for it, give the same rows and the same hashes of evidence as the folder or
 # the log that they were made from. A container whose tool is missing is passed over, and said so.
 
+import csv
 import hashlib
 import io
 import json
@@ -193,10 +194,39 @@ class Containers(container_case):
         content = ext.read_bytes()
         self.assertEqual(record["container"]["stored_hashes"],
                          {"md5": hashlib.md5(content).hexdigest(), "sha1": hashlib.sha1(content).hexdigest()})
+        self.check_report(self.folder / "case_ewf", record)
         for number in range(3):
             (self.folder / f"split.{number + 1:03}").write_bytes(content[number * 6000000:(number + 1) * 6000000])
         record = self.compare(self.folder / "split.001", "split", "image", "raw")
         self.assertEqual(len(record["container"]["files"]), 3)
+
+    def check_report(self, case, record):
+        """Every format of a report says which container the evidence came from."""
+        formats = ("html", "jsonl", "csv", "sqlite")
+        result = run("report", case, *(word for format in formats for word in ("-f", format)))
+        self.assertEqual(result.returncode, 0, result.stderr)
+        container = record["container"]
+        [file] = container["files"]
+        [line] = (case / "Report/containers.jsonl").read_text().splitlines()
+        wanted = {"source": 1, "source_name": "Source1", "kind": "image", "format": "ewf", **file,
+                  "stored_md5": container["stored_hashes"]["md5"], "stored_sha1": container["stored_hashes"]["sha1"],
+                  "volume": 1, "volume_offset": 0, "volume_file_system": "ext4", "volume_name": "EXT"}
+        self.assertEqual(json.loads(line), wanted)
+        with open(case / "Report/containers.csv", newline="") as table:
+            self.assertEqual(list(csv.DictReader(table)), [{name: str(value) for name, value in wanted.items()}])
+        database = sqlite3.connect(case / "Report/report.sqlite")
+        self.assertEqual(database.execute("SELECT path, sha256 FROM containers").fetchall(), [(file["path"], file["sha256"])])
+        database.close()
+        self.assertIn(f"image, ewf, {file['path']}, SHA-256 {file['sha256']}", (case / "Report/README.txt").read_text())
+        page = (case / "Report/report.html").read_text()
+        for text in ("Containers that evidence was taken out of", file["sha256"][:16], "changes their access times"):
+            self.assertIn(text, page)
+
+    def test_report_says_that_no_hash_was_made(self):
+        case = self.extract(self.file_systems(), "unhashed", "--no-container-hash")
+        self.assertEqual(run("report", case, "-f", "html", "-f", "csv").returncode, 0)
+        for name in ("report.html", "README.txt"):
+            self.assertIn("not made (--no-container-hash)", (case / "Report" / name).read_text())
 
     def test_refused_image_names_the_command(self):
         needs("qemu-img")
