@@ -10,8 +10,10 @@ include(CheckLinkerFlag)
 # Index checks of the standard library.
 target_compile_definitions(bluetooth_logs_flags INTERFACE _GLIBCXX_ASSERTIONS)
 
-# Returns are checked: by a value behind each array of the stack, by the processor (x86, then AArch64).
+# Returns are checked: by a value behind each array of the stack, by the processor (x86, then AArch64). Clang takes what its
+# target has not, with a warning.
 set(BLUETOOTH_LOGS_HARDENING_FLAGS)
+set(CMAKE_REQUIRED_FLAGS -Werror)
 foreach(flag -fstack-protector-strong -fcf-protection=full -mbranch-protection=standard)
     string(MAKE_C_IDENTIFIER "BLUETOOTH_LOGS_HAS${flag}" known)
     check_cxx_compiler_flag(${flag} ${known})
@@ -19,6 +21,7 @@ foreach(flag -fstack-protector-strong -fcf-protection=full -mbranch-protection=s
         list(APPEND BLUETOOTH_LOGS_HARDENING_FLAGS ${flag})
     endif()
 endforeach()
+unset(CMAKE_REQUIRED_FLAGS)
 target_compile_options(bluetooth_logs_flags INTERFACE ${BLUETOOTH_LOGS_HARDENING_FLAGS})
 
 # Sizes of blocks are checked in calls of the C library. It needs an optimiser, and level 3 a newer compiler; a compiler
