@@ -11,6 +11,8 @@
 #include "host/report/reading/unparsed_line.h"
 #include "host/report/reading/wal_change.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <span>
 
@@ -32,7 +34,7 @@ constexpr words plugin_words[] = {
     {"uuid",                 "UUID",                  "Uuid of the database: the name that this system has given to the device. It means nothing on another system.", true},
     {"device_name",          "Name",                  "The name that the device gave, or that somebody gave it. Anybody can choose any name."},
     {"address",              "Address",               "Address of the database, with its kind in words. A random address changes and proves no identity."},
-    {"device_address",       "Address",               "PI of the line of the log."},
+    {"device_address",       "Address in the log",    "PI of the line of the log."},
     {"last_seen_time",       "Last seen, counter",    "LastSeenTime of the database: a counter of unknown origin. It orders rows of one source; it is no date."},
     {"last_connection_time", "Last connection, counter", "LastConnectionTime of the database: a counter of unknown origin; 0 is never. It is no date."},
     {"apple_tags",           "Tags",                  "Tags of the database: words of the system for the device."},
@@ -62,7 +64,7 @@ constexpr words own_words[] = {
     {"link",                 "Link of sources",       "How strong what joins the sources is. A device that both have only seen may have been near both by chance."},
     {"sources",              "Sources",               "The numbers of the sources that know the device."},
     {"rows",                 "Rows",                  "How many rows all sources have of it. Rows of a log are sightings, not devices."},
-    {"shared_device",        "Shared device",         "Its number among the devices that more than one source knows, as in shared.csv.", true},
+    {"shared_device",        "Number in shared.csv",  "Its number among the devices that more than one source knows.", true},
     {"joined_across_sources_by", "Joined across sources by", "The address or identifier that several sources have."},
     {"note",                 "Note",                  "What an examiner noted of the device or of the row, in this program."},
     {"flag",                 "Flag",                  "\"flagged\" where an examiner has flagged the device or the row."},
@@ -123,6 +125,17 @@ QByteArray text(QLatin1StringView words)
     return QByteArray(words.data(), words.size());
 }
 
+/** With a capital in front and a stop behind, as the texts of this file are. */
+QByteArray sentence(QByteArray text)
+{
+    if (text.isEmpty() || text.endsWith('.'))
+        return text;
+    const bool is_name = text.size() > 1 && text.at(1) >= 'A' && text.at(1) <= 'Z'; // iCloudIdentifier
+    if (!is_name && text.at(0) >= 'a' && text.at(0) <= 'z')
+        text[0] = char(text.at(0) - 'a' + 'A');
+    return text + '.';
+}
+
 QByteArray term(const column_about &about)
 {
     return html_row({html_text(QString::fromUtf8(about.heading)) + "<small>" + html_text(QString::fromUtf8(about.name))
@@ -130,13 +143,27 @@ QByteArray term(const column_about &about)
                      html_text(QString::fromUtf8(about.meaning))});
 }
 
-QByteArray terms(const char *caption, const QList<column_about> &columns)
+/** Tables of columns; what stands in one of them is not said again. */
+class dictionary
 {
-    QByteArray rows;
-    for (const column_about &about : columns)
-        rows += term(about);
-    return html_static_table(caption, {"Column", "What it says"}, rows);
-}
+public:
+    void add(const char *caption, const QList<column_about> &columns)
+    {
+        QByteArray rows;
+        for (const column_about &about : columns) {
+            if (const QByteArray row = term(about); !told.contains(row)) {
+                rows += row;
+                told.insert(row);
+            }
+        }
+        html += html_static_table(caption, {"Column", "What it says"}, rows);
+    }
+
+    QByteArray html;
+
+private:
+    QSet<QByteArray> told;
+};
 
 QList<column_about> about_columns(const QList<report_column> &columns)
 {
@@ -163,7 +190,7 @@ column_about about_column(const report_column &column)
     const bool is_of_plugin = column.group == column_group::plugin;
     column_about about{is_of_plugin ? "plugin_" + column.name : column.cell_name(), text(column.heading),
                        is_of_examiner(column) ? group_name(column_group::source) : group_name(column.group),
-                       text(column.meaning)};
+                       sentence(text(column.meaning))};
     if (const words *known = is_of_plugin ? words_of(plugin_words, column.name) : nullptr) {
         about.heading = known->heading;
         about.meaning = known->meaning;
@@ -189,12 +216,17 @@ QByteArray terms_section()
     QList<column_about> own;
     for (const words &one : own_words)
         own.append({one.name.toByteArray(), one.heading, {}, one.meaning});
-    return html_section("terms", "What the columns mean",
-                        terms("The report's own columns", own) + terms("Columns of the plug-in's result", plugin)
-                            + terms("The host's own reading of the evidence", about_columns(columns_of(host_columns())))
-                            + terms("Ranks and readings of the counters", about_columns(columns_of(rank_columns())))
-                            + terms("Columns of what write-ahead logs change", about_columns(columns_of(wal_columns())))
-                            + terms("Columns of devices in lists", about_columns(columns_of(host_device_columns())))
-                            + terms("Columns of lines without a row", about_columns(columns_of(unparsed_columns())))
-                            + terms("Columns of salvaged rows", about_columns(columns_of(salvage_columns()))));
+    dictionary terms;
+    terms.add("The report's own columns", own);
+    terms.add("Columns of the plug-in's result", plugin);
+    terms.add("The host's own reading of the evidence", about_columns(columns_of(host_columns())));
+    terms.add("Ranks and readings of the counters", about_columns(columns_of(rank_columns())));
+    terms.add("Columns of what write-ahead logs change", about_columns(columns_of(wal_columns())));
+    terms.add("Columns of devices in lists, which the tables above have not",
+              about_columns(columns_of(host_device_columns())));
+    terms.add("Columns of lines without a row, which the tables above have not",
+              about_columns(columns_of(unparsed_columns())));
+    terms.add("Columns of salvaged rows, which the tables above have not",
+              about_columns(columns_of(salvage_columns())));
+    return html_section("terms", "What the columns mean", terms.html);
 }

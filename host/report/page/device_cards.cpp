@@ -43,7 +43,7 @@ constexpr card_column text_columns[] = {
     {"host_resolved_address", texts<&device_appearance::resolved_address>},
     {"host_vendor", texts<&device_appearance::vendor>},
     {"known_as", [](const card &card) { return known_as(card.facts); }},
-    {"link", [](const card &card) { return link_strength(card.facts); }},
+    {"link", [](const card &card) { return link_strength(card.that_case, card.facts); }},
     {"sources", [](const card &card) { return source_numbers(card.that_case, card.device.sources); }},
     {"host_wal", [](const card &card) { return log_changes_of(card.device); }},
     {"lists", [](const card &card) { return lists_of(card.device); }},
@@ -52,6 +52,13 @@ constexpr card_column text_columns[] = {
     {"joined_across_sources_by", [](const card &card) { return keys_text(card.device); }},
     {"not_joined_because", [](const card &card) { return why_not_joined(card.device, card.is_all_compared); }},
 };
+
+/** What examiners add has columns only where they added anything. */
+bool is_on_page(const report_case &that_case, const card_column &column)
+{
+    const QLatin1StringView name(column.name);
+    return !that_case.notes->is_empty() || (name != "flag"_L1 && name != "note"_L1);
+}
 
 /** Both sides of a row that a log changes are that row. */
 qsizetype row_count(const joined_device &device)
@@ -72,7 +79,7 @@ html_table device_cards(const report_case &that_case, const QList<device_facts> 
     page_column &number = table.add_column(about_own_column("device"));
     std::vector<page_column *> texts;
     for (const card_column &column : text_columns)
-        texts.push_back(&table.add_column(about_own_column(column.name)));
+        texts.push_back(is_on_page(that_case, column) ? &table.add_column(about_own_column(column.name)) : nullptr);
     page_column &rows = table.add_column(about_own_column("rows"));
     page_column &shared = table.add_column(about_own_column("shared_device"));
     for (const bool is_of_note : {true, false}) {
@@ -82,8 +89,8 @@ html_table device_cards(const report_case &that_case, const QList<device_facts> 
             const card card{that_case, facts, is_all_compared};
             number.add(cell::of_integer(facts.number));
             for (std::size_t i = 0; i < texts.size(); ++i) {
-                const QByteArray text = text_columns[i].text(card);
-                texts[i]->add(cell::of_text_or_null(text));
+                if (texts[i])
+                    texts[i]->add(cell::of_text_or_null(text_columns[i].text(card)));
             }
             rows.add(cell::of_integer(row_count(*facts.device)));
             const qint64 shared_number = facts.device->shared_number;

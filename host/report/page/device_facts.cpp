@@ -7,12 +7,14 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr QByteArrayView left_out_by_the_log("<private>");
+const QByteArray separator(" | ");
 constexpr qsizetype most_texts = 20; // of one kind; a device of a log may have a million rows
 
 /** Different texts in the order of their coming. */
@@ -29,9 +31,14 @@ public:
             is_cut = true;
     }
 
+    QByteArrayList list() const
+    {
+        return is_cut ? texts + QByteArrayList{"…"} : texts;
+    }
+
     QByteArray text() const
     {
-        return texts.join(" | ") + (is_cut ? " | …" : "");
+        return list().join(separator);
     }
 
 private:
@@ -62,9 +69,29 @@ bool is_seen(const device_appearance &appearance)
     return !appearance.is_paired && !appearance.table.isEmpty();
 }
 
+/** A line of a log: the device was in use, which proves no pairing. */
+bool is_notice(const device_appearance &appearance)
+{
+    return appearance.place.line.has_value();
+}
+
 bool is_in_log_alone(const device_appearance &appearance)
 {
     return appearance.found_in.startsWith("wal_"_L1);
+}
+
+/** Where logs alone say that a shared device is paired or in use. */
+QByteArray notices_of(const report_case &that_case, const device_facts &facts)
+{
+    const qsizetype count = facts.noticed_in.size();
+    if (count == 0)
+        return {};
+    QByteArray where;
+    if (count == 1)
+        where = "in source " + source_numbers(that_case, facts.noticed_in) + ' ';
+    else if (count < facts.device->sources.size())
+        where = "in " + QByteArray::number(count) + " of them ";
+    return ", " + where + "by notice of use alone";
 }
 
 void add_place(QList<int> &places, int place)
@@ -82,12 +109,19 @@ QList<device_facts> facts_of(const QList<joined_device> &devices)
     list.reserve(devices.size());
     for (const joined_device &device : devices) {
         device_facts facts{&device, device.number, !name_of(device).isEmpty()};
+        QList<int> paired_outright;
         for (const device_appearance &appearance : device.appearances) {
             if (appearance.is_paired)
                 add_place(facts.paired_in, appearance.source);
+            if (appearance.is_paired && !is_notice(appearance))
+                add_place(paired_outright, appearance.source);
             if (is_seen(appearance))
                 add_place(facts.seen_in, appearance.source);
             add_notes(facts.notes, appearance.notes);
+        }
+        for (const int place : std::as_const(facts.paired_in)) {
+            if (!paired_outright.contains(place))
+                facts.noticed_in.append(place);
         }
         list.append(facts);
     }
@@ -101,12 +135,17 @@ const device_facts *device_numbered(const QList<device_facts> &devices, qint64 n
     return found != devices.cend() && found->number == number ? &*found : nullptr;
 }
 
-QByteArray texts_of(const joined_device &device, QByteArray device_appearance::*text)
+QByteArrayList list_of(const joined_device &device, QByteArray device_appearance::*text)
 {
     text_set texts;
     for (const device_appearance &appearance : device.appearances)
         texts.add(appearance.*text);
-    return texts.text();
+    return texts.list();
+}
+
+QByteArray texts_of(const joined_device &device, QByteArray device_appearance::*text)
+{
+    return list_of(device, text).join(separator);
 }
 
 QByteArray name_of(const joined_device &device)
@@ -160,7 +199,7 @@ QByteArray known_as(const device_facts &facts)
     return words.join(", ");
 }
 
-QByteArray link_strength(const device_facts &facts)
+QByteArray link_strength(const report_case &that_case, const device_facts &facts)
 {
     if (!facts.is_shared())
         return {};
@@ -183,14 +222,19 @@ QByteArray link_strength(const device_facts &facts)
             words += ", listed in " + QByteArray::number(listed);
         words += ')';
     }
-    return words;
+    return words + notices_of(that_case, facts);
+}
+
+QByteArray key_kind_text(const join_key &key)
+{
+    return key.what == join_key::kind::public_address ? "public address" : "iCloud identifier";
 }
 
 QByteArray keys_text(const joined_device &device)
 {
     text_set texts;
     for (const join_key &key : device.keys)
-        texts.add((key.what == join_key::kind::public_address ? "public address " : "iCloud identifier ") + key.value);
+        texts.add(key_kind_text(key) + ' ' + key.value);
     return texts.text();
 }
 

@@ -13,11 +13,12 @@
 struct device_facts
 {
     const joined_device *device;
-    qint64 number;             ///< from 1, by first appearance
-    bool is_named;             ///< by any source, table or list
-    QList<int> paired_in = {}; ///< places of sources that have it as paired: in the table, or by a list; ascending
-    QList<int> seen_in = {};   ///< of those in which it has a row that is no pairing, in a log or not; ascending
-    notes_of_one notes = {};   ///< of examiners, on any of its names or rows
+    qint64 number;              ///< from 1, by first appearance
+    bool is_named;              ///< by any source, table or list
+    QList<int> paired_in = {};  ///< places of sources that have it as paired: in the table, or by a list; ascending
+    QList<int> noticed_in = {}; ///< of those in which "active device" notices of a log alone say so
+    QList<int> seen_in = {};    ///< of those in which it has a row that is no pairing, in a log or not; ascending
+    notes_of_one notes = {};    ///< of examiners, on any of its names or rows
 
     bool is_paired() const
     {
@@ -42,6 +43,8 @@ const device_facts *device_numbered(const QList<device_facts> &devices, qint64 n
 
 /** The different texts of a device's appearances, as evidence, joined by " | "; no more than a reader takes in. */
 QByteArray texts_of(const joined_device &device, QByteArray device_appearance::*text);
+/** The same, one by one. */
+QByteArrayList list_of(const joined_device &device, QByteArray device_appearance::*text);
 
 /**
  * The name that a reader knows it by: of the evidence, whose escapes are decoded, else of the result, else of a list.
@@ -59,9 +62,10 @@ QByteArray log_changes_of(const joined_device &device);
 QByteArray known_as(const device_facts &facts);
 
 /** How strong the link between the sources of a shared device is, in words; empty for others. */
-QByteArray link_strength(const device_facts &facts);
+QByteArray link_strength(const report_case &that_case, const device_facts &facts);
 
-/** What the sources have in common, in words. */
+/** What a key is, in words, and what the sources have in common. */
+QByteArray key_kind_text(const join_key &key);
 QByteArray keys_text(const joined_device &device);
 
 /** Why no other source adds to the device; empty for a shared one. @p is_all_read: nothing of the case was left out. */

@@ -10,7 +10,6 @@
 #include <QJsonObject>
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -22,14 +21,17 @@ QByteArray number_text(const std::optional<qint64> &number)
     return number ? grouped_digits(*number) : QByteArray("unknown");
 }
 
-QByteArray counts_of(const source_record &record)
+/** Of each table, and of the lists. */
+QByteArrayList counts_of(const source_record &record)
 {
     QByteArrayList counts;
     for (const table_rows &table : record.rows)
         counts.append(html_text(table.table) + ": " + number_text(table.stored)
                       + (table.found ? " of " + number_text(table.found) : QByteArray())
                       + (table.devices ? " (sightings of " + number_text(table.devices) + " devices)" : QByteArray()));
-    return counts.join("<br>");
+    if (record.host_devices.isDouble())
+        counts.append("host_devices: " + grouped_digits(record.host_devices.toInteger()));
+    return counts;
 }
 
 QByteArray messages_of(const source_record &record)
@@ -91,7 +93,7 @@ QByteArray origin_of(const evidence_file &file)
 QByteArray modified_of(const evidence_file &file)
 {
     const QByteArray time = file.before ? html_text(file.before->modified) : QByteArray();
-    return time.isEmpty() ? time : "<small>modified " + time + "</small>";
+    return time.isEmpty() ? time : "<small>modified " + html_whole(time) + "</small>";
 }
 
 QByteArray state_of(const evidence_file &file)
@@ -214,11 +216,22 @@ QByteArray confinement_of(const source_record &record)
            + (confinement.value("seccomp"_L1).toBool() ? ", seccomp" : ", no seccomp");
 }
 
-/** The preferences list, mobile lists and the registry, in lines. */
-QByteArray lists_of(const source_record &record)
+const QByteArrayList source_headings{"Number",
+                                     "Name",
+                                     "Type",
+                                     "Status",
+                                     "Rows stored, of those found",
+                                     "SHA-256 of the result"};
+
+QByteArray sources_table(const report_case &that_case)
 {
-    return record.host_devices.isDouble() ? "<br>host_devices: " + grouped_digits(record.host_devices.toInteger())
-                                          : QByteArray();
+    QByteArray rows;
+    for (const report_source &source : that_case.sources)
+        rows += html_row({QByteArray::number(source.record.number), "<bdi>" + html_text(source.name) + "</bdi>",
+                          type_of(source.record),
+                          html_text(status_name(source.record.status)) + confinement_of(source.record),
+                          counts_of(source.record).join("<br>"), html_hash(source.record.result_sha256)});
+    return html_static_table("Sources", source_headings, rows);
 }
 
 } // namespace
@@ -232,21 +245,18 @@ bool is_evidence_unchanged(const report_case &that_case)
     });
 }
 
-QByteArray sources_table(const report_case &that_case, qsizetype most_rows)
+QByteArray brief_sources_table(const report_case &that_case, qsizetype most_rows)
 {
-    const bool is_whole = that_case.sources.size() <= most_rows;
+    constexpr qsizetype most_columns = 60;
     QByteArray rows;
     for (const report_source &source : that_case.sources.first(std::min(that_case.sources.size(), most_rows)))
-        rows += html_row({QByteArray::number(source.record.number), "<bdi>" + html_text(source.name) + "</bdi>",
-                          type_of(source.record),
-                          html_text(status_name(source.record.status)) + confinement_of(source.record),
-                          counts_of(source.record) + lists_of(source.record), html_hash(source.record.result_sha256)});
-    return html_static_table("Sources",
-                             {"Number", "Name", "Type", "Status", "Rows stored, of those found",
-                              "SHA-256 of the result"},
-                             rows)
-           + (is_whole ? QByteArray()
-                       : "<p>And " + grouped_digits(that_case.sources.size() - most_rows) + " more sources.</p>\n");
+        rows += html_row({QByteArray::number(source.record.number),
+                          html_shown(page_text(source.name.toUtf8(), most_columns).toUtf8()),
+                          html_text(source.record.type), html_text(status_name(source.record.status)),
+                          counts_of(source.record).join(", "), html_hash(source.record.result_sha256)});
+    const qsizetype left = that_case.sources.size() - most_rows;
+    return html_titled_table("Sources", source_headings, rows)
+           + (left > 0 ? "<p>And " + grouped_digits(left) + " more sources.</p>\n" : QByteArray());
 }
 
 QByteArray evidence_section(const report_case &that_case)
@@ -261,6 +271,6 @@ QByteArray evidence_section(const report_case &that_case)
     if (!messages.isEmpty())
         messages = "<h3>What was said while they were read</h3><ul>\n" + messages + "</ul>\n";
     return html_section("evidence", "Evidence",
-                        sources_table(that_case, std::numeric_limits<qsizetype>::max()) + messages
-                            + containers_table(that_case) + present_files(that_case) + absent_files(that_case));
+                        sources_table(that_case) + messages + containers_table(that_case) + present_files(that_case)
+                            + absent_files(that_case));
 }

@@ -11,8 +11,8 @@
 /** Sources with status, rows and messages; the files that were there, and which were not. */
 QByteArray evidence_section(const report_case &that_case);
 
-/** The sources alone, a line each, no more than @p most_rows. */
-QByteArray sources_table(const report_case &that_case, qsizetype most_rows);
+/** The sources alone, in short, no more than @p most_rows. */
+QByteArray brief_sources_table(const report_case &that_case, qsizetype most_rows);
 
 /** Whether every file that was there had the same hash before and after. */
 bool is_evidence_unchanged(const report_case &that_case);

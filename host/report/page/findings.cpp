@@ -6,15 +6,12 @@
 #include "host/report/page/html_parts.h"
 #include "host/report/page/html_text.h"
 #include "host/report/page/page_parts.h"
+#include "host/report/page/source_matrix.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr qsizetype most_matrix_sources = 40;
-constexpr qsizetype most_matrix_rows = 20;
-constexpr int name_width = 230;
-constexpr int step = 22;
 constexpr const char *flag_sign = "<span class=\"flag\">flagged</span>";
 
 using device_list_part = QList<const device_facts *>;
@@ -74,10 +71,9 @@ QByteArray number_of(const device_facts &facts, const findings_form &form)
 /** As much of a text of the evidence as there is room for; nothing for an empty one. */
 QByteArray evidence(const QByteArray &text, const findings_form &form)
 {
-    const QString shown = page_text(text);
-    if (shown.size() <= form.most_characters)
-        return text.isEmpty() ? QByteArray() : html_evidence(text);
-    return html_shown(QString(shown.first(form.most_characters) + u'…').toUtf8());
+    if (text.isEmpty())
+        return {};
+    return html_shown((form.most_columns > 0 ? page_text(text, form.most_columns) : page_text(text)).toUtf8());
 }
 
 QByteArray name_cell(const device_facts &facts, const findings_form &form)
@@ -86,12 +82,46 @@ QByteArray name_cell(const device_facts &facts, const findings_form &form)
     return name.isEmpty() ? QByteArray("<span class=\"quiet\">no name</span>") : evidence(name, form);
 }
 
+/** Each in one line; of a short report the first, and how many more. */
+QByteArray addresses(const QByteArrayList &texts, const findings_form &form)
+{
+    const qsizetype left = form.is_brief && texts.size() > 1 ? texts.size() - 1 : 0;
+    QByteArrayList cells;
+    for (const QByteArray &text : texts.first(texts.size() - left))
+        cells.append(html_whole(evidence(text, form)));
+    return cells.join(" | ") + (left > 0 ? " and " + grouped_digits(left) + " more" : QByteArray());
+}
+
 QByteArray address_cell(const device_facts &facts, const findings_form &form)
 {
-    const QByteArray resolved = texts_of(*facts.device, &device_appearance::resolved_address);
-    return evidence(texts_of(*facts.device, &device_appearance::address), form)
+    const QByteArrayList resolved = list_of(*facts.device, &device_appearance::resolved_address);
+    return "<span class=\"address\">" + addresses(list_of(*facts.device, &device_appearance::address), form)
            + (resolved.isEmpty() ? QByteArray()
-                                 : "<br><span class=\"quiet\">resolved</span> " + evidence(resolved, form));
+                                 : "<br><span class=\"quiet\">resolved</span> " + addresses(resolved, form))
+           + "</span>";
+}
+
+QByteArray known_as_cell(const device_facts &facts)
+{
+    return html_whole(known_as(facts).replace(", ", "</span>, <span class=\"whole\">"));
+}
+
+/** Numbers of sources, or the first of them and how many more. */
+QByteArray sources_cell(const report_case &that_case, const QList<int> &places, const findings_form &form)
+{
+    const qsizetype left = places.size() - form.most_sources;
+    if (left <= 1)
+        return source_numbers(that_case, places);
+    return source_numbers(that_case, places.first(form.most_sources)) + " and " + grouped_digits(left) + " more";
+}
+
+QByteArray keys_cell(const joined_device &device, const findings_form &form)
+{
+    const qsizetype left = form.is_brief && device.keys.size() > 1 ? device.keys.size() - 1 : 0;
+    QByteArrayList cells;
+    for (const join_key &key : device.keys.first(device.keys.size() - left))
+        cells.append(key_kind_text(key) + ' ' + html_whole(evidence(key.value, form)));
+    return cells.join(" | ") + (left > 0 ? " and " + grouped_digits(left) + " more" : QByteArray());
 }
 
 QByteArray and_more(qint64 count, const findings_form &form)
@@ -112,92 +142,21 @@ QByteArray rows_of(const device_list_part &part, const findings_form &form, cons
     return rows;
 }
 
-QList<int> sources_of(const device_list_part &part)
-{
-    QList<int> places;
-    for (const device_facts *facts : part) {
-        for (const int place : facts->device->sources) {
-            if (!places.contains(place))
-                places.append(place);
-        }
-    }
-    std::sort(places.begin(), places.end());
-    return places;
-}
-
-QByteArray svg_text(int x, int y, const QByteArray &text)
-{
-    return "<text x=\"" + QByteArray::number(x) + "\" y=\"" + QByteArray::number(y) + "\">" + text + "</text>";
-}
-
-/** What fits in front of a row of the matrix. */
-QByteArray short_name(const device_facts &facts)
-{
-    constexpr qsizetype most = 24;
-    const QString name = page_text(name_of(*facts.device));
-    const QByteArray shown = (name.size() > most ? name.first(most) + u'…' : name).toUtf8();
-    return QByteArray::number(facts.number) + ' ' + (shown.isEmpty() ? QByteArray("no name") : html_shown(shown));
-}
-
-/** A square where a source has the device as paired, a ring where it has seen it: no colour is needed. */
-QByteArray mark(int x, int y, bool is_paired)
-{
-    const QByteArray left = QByteArray::number(x);
-    const QByteArray top = QByteArray::number(y);
-    if (is_paired)
-        return "<rect class=\"point\" x=\"" + QByteArray::number(x - 6) + "\" y=\"" + QByteArray::number(y - 6)
-               + "\" width=\"12\" height=\"12\"/>";
-    return "<circle class=\"ring\" cx=\"" + left + "\" cy=\"" + top + "\" r=\"5\"/>";
-}
-
-QByteArray matrix(const report_case &that_case, const device_list_part &shared)
-{
-    const device_list_part part = shared.first(std::min(shared.size(), most_matrix_rows));
-    const QList<int> sources = sources_of(part);
-    if (sources.size() > most_matrix_sources)
-        return {}; // nobody could follow its lines; the table says the same
-    const int width = name_width + int(sources.size()) * step + 20;
-    const int height = int(part.size()) * step + 40;
-    QByteArray picture;
-    for (qsizetype column = 0; column < sources.size(); ++column)
-        picture += svg_text(name_width + int(column) * step + 2, 20,
-                            QByteArray::number(that_case.sources.at(sources.at(column)).record.number));
-    for (qsizetype row = 0; row < part.size(); ++row) {
-        const device_facts &facts = *part.at(row);
-        const int middle = 40 + int(row) * step;
-        picture += "<line class=\"axis\" x1=\"" + QByteArray::number(name_width - 10) + "\" y1=\""
-                   + QByteArray::number(middle) + "\" x2=\"" + QByteArray::number(width - 14) + "\" y2=\""
-                   + QByteArray::number(middle) + "\"/>";
-        QByteArray name = short_name(facts);
-        name.replace("<bdi>", "").replace("</bdi>", ""); // a picture has no element for it; its texts stand alone
-        name.replace("<span class=\"blank\">", "").replace("</span>", "");
-        picture += svg_text(0, middle + 4, name);
-        for (const int place : facts.device->sources)
-            picture += mark(name_width + int(sources.indexOf(place)) * step + 6, middle,
-                            facts.paired_in.contains(place));
-    }
-    return "<figure><svg viewBox=\"0 0 " + QByteArray::number(width) + ' ' + QByteArray::number(height) + "\" width=\""
-           + QByteArray::number(width) + "\" height=\"" + QByteArray::number(height)
-           + "\" role=\"img\" aria-label=\"Devices by the numbers of the sources that know them; the table below says "
-             "the "
-             "same\">"
-           + picture
-           + "</svg><figcaption>Devices by the numbers of the sources. Square: paired or in use; ring: seen."
-             "</figcaption></figure>\n";
-}
-
 QByteArray device_section(const QByteArray &id, const QByteArray &title, const report_case &that_case,
                           const device_list_part &part, qint64 count, const findings_form &form)
 {
     if (part.isEmpty())
         return html_section(id, title, "<p>None.</p>\n");
     const QByteArray rows = rows_of(part, form, [&](const device_facts &facts) -> QByteArrayList {
-        return {number_of(facts, form),    name_cell(facts, form),
-                address_cell(facts, form), evidence(texts_of(*facts.device, &device_appearance::address_kind), form),
-                known_as(facts),           evidence(source_numbers(that_case, facts.device->sources), form)};
+        return {number_of(facts, form),
+                name_cell(facts, form),
+                address_cell(facts, form),
+                html_whole(evidence(texts_of(*facts.device, &device_appearance::address_kind), form)),
+                known_as_cell(facts),
+                sources_cell(that_case, facts.device->sources, form)};
     });
     return html_section(id, title + ": " + grouped_digits(count),
-                        html_static_table(title, {"Device", "Name", "Address", "Kind", "Known as", "Sources"}, rows)
+                        html_titled_table(title, {"Device", "Name", "Address", "Kind", "Known as", "Sources"}, rows)
                             + and_more(count, form));
 }
 
@@ -207,7 +166,7 @@ QByteArray figures(const report_case &that_case, const QList<device_facts> &devi
                    const findings_form &form)
 {
     const bool has_tables = form.has_pages && form.pages.isEmpty();
-    const QByteArray rows_section = has_tables ? "devices" : "findings";
+    const QByteArray rows_section = !has_tables ? "findings" : rows.differing_seen > 0 ? "devices" : "paired-devices";
     const QByteArray logs_section = has_tables ? "wal-changes" : "findings";
     QByteArray html = figure("evidence", that_case.sources.size(), that_case.sources.size() == 1 ? "source" : "sources")
                       + figure(has_tables ? "cards" : "findings", rows.devices,
@@ -239,23 +198,24 @@ QByteArray shared_devices_section(const report_case &that_case, const QList<devi
                                   const findings_form &form)
 {
     const device_list_part shared = shared_of(devices);
-    QByteArray html = "<p>Devices that more than one source knows: " + grouped_digits(shared.size())
-                      + ". Such a device links those whose sources these are.</p>\n";
-    if (!shared.isEmpty()) {
-        const QByteArray rows = rows_of(shared, form, [&](const device_facts &facts) -> QByteArrayList {
-            return {number_of(facts, form),
-                    name_cell(facts, form),
-                    link_strength(facts),
-                    evidence(source_numbers(that_case, facts.device->sources), form),
-                    evidence(source_numbers(that_case, facts.paired_in), form),
-                    evidence(keys_text(*facts.device), form)};
-        });
-        html += matrix(that_case, shared)
-                + html_static_table("Devices that more than one source knows",
-                                    {"Device", "Name", "Link", "Sources", "Paired or in use in", "Joined by"}, rows)
-                + and_more(shared.size(), form);
-    }
-    return html_section("more-than-one-source", "In more than one source", html + page_prose_joining);
+    const QByteArray count = "<p>Devices that more than one source knows: " + grouped_digits(shared.size()) + ".</p>\n";
+    if (shared.isEmpty())
+        return html_section("more-than-one-source", "In more than one source", count + page_prose_joining);
+    const QByteArray rows = rows_of(shared, form, [&](const device_facts &facts) -> QByteArrayList {
+        return {number_of(facts, form),
+                name_cell(facts, form),
+                link_strength(that_case, facts),
+                sources_cell(that_case, facts.device->sources, form),
+                sources_cell(that_case, facts.paired_in, form),
+                keys_cell(*facts.device, form)};
+    });
+    return html_section("more-than-one-source", "In more than one source",
+                        count + source_matrix(that_case, shared)
+                            + html_titled_table("Devices that more than one source knows",
+                                                {"Device", "Name", "Link", "Sources", "Paired or in use in",
+                                                 "Joined by"},
+                                                rows)
+                            + and_more(shared.size(), form) + page_prose_joining);
 }
 
 QByteArray paired_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form)
@@ -287,15 +247,17 @@ QByteArray flagged_section(const report_case &that_case, const QList<device_fact
     }
     const QList<case_note> &notes = that_case.notes->all();
     QByteArray rows;
-    for (const case_note &note : notes.first(std::min(notes.size(), form.most_rows)))
-        rows += html_row({QByteArray::number(note.number), html_text(note.time), evidence(note.author.toUtf8(), form),
+    const qsizetype most_notes = form.is_brief ? 20 : form.most_rows;
+    for (const case_note &note : notes.first(std::min(notes.size(), most_notes)))
+        rows += html_row({QByteArray::number(note.number), html_whole(html_text(note.time)),
+                          evidence(note.author.toUtf8(), form),
                           note.row ? "row " + QByteArray::number(note.row->source) + ':' + note.row->table.toUtf8()
                                          + ':' + QByteArray::number(note.row->row)
                                    : evidence(note.device.toUtf8(), form),
                           note.is_flag ? QByteArray(flag_sign) : QByteArray(), evidence(note.text.toUtf8(), form)});
     html += html_static_table("All notes, as examiners made them", {"Number", "Time", "By", "On", "Flag", "Note"},
                               rows);
-    if (notes.size() > form.most_rows)
-        html += "<p>And " + grouped_digits(notes.size() - form.most_rows) + " more notes.</p>\n";
+    if (notes.size() > most_notes)
+        html += "<p>And " + grouped_digits(notes.size() - most_notes) + " more notes.</p>\n";
     return html_section("flagged", "Flagged and noted", html);
 }

@@ -15,6 +15,7 @@ struct row_figures
     qint64 sightings = 0;       ///< rows of logs in the table of devices
     qint64 sighted_devices = 0; ///< different SFDevice IDs, or addresses, of these rows
     qint64 differing = 0;       ///< rows in which the host reads something else than the plug-in
+    qint64 differing_seen = 0;  ///< of them, those of the table of devices seen
     qint64 left_out = 0;        ///< rows of which the plug-in leaves something out by design
     qint64 devices = 0;
     qint64 named = 0;
@@ -27,9 +28,11 @@ struct row_figures
 struct findings_form
 {
     qsizetype most_rows = 20;
-    bool has_pages = true;            ///< numbers of devices lead to the devices' pages
-    QStringList pages = {};           ///< the files that these stand in, by source; empty: this one
-    qsizetype most_characters = 4000; ///< of a text of the evidence
+    bool has_pages = true;       ///< numbers of devices lead to the devices' pages
+    QStringList pages = {};      ///< the files that these stand in, by source; empty: this one
+    qsizetype most_columns = 0;  ///< of a text of the evidence, of which a wide character takes two; 0: all of it
+    qsizetype most_sources = 20; ///< whose numbers stand in a cell
+    bool is_brief = false;       ///< for paper: a cell has two lines, no more
 };
 
 /** Figures that lead to where they come from. */

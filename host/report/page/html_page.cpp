@@ -36,7 +36,7 @@ void add_data(new_file &file, const QList<page_section> &sections)
         if (!section.table)
             continue;
         file.add(is_first ? "\n" : ",\n");
-        file.add(section.table->data());
+        section.table->add_data(file);
         is_first = false;
     }
     file.add("\n]}</script>\n<script>");
@@ -144,6 +144,7 @@ void html_page::count_rows(const page_content &content)
         counts->left_out += rows.left_out;
     }
     const row_table &seen = **tables.find(result_tables().first());
+    counts->differing_seen = seen.differing;
     counts->sightings = seen.sightings;
     counts->sighted_devices = seen.sighted.size();
     counts->devices = content.device_count;
@@ -180,14 +181,13 @@ QList<const html_table *> html_page::finished_tables(const page_content &content
 QByteArray html_page::timeline_section(const page_content &content, const QList<device_facts> &facts,
                                        const timeline_form &form) const
 {
+    constexpr timeline_words notices{", \"active device\" notices", "Notices", "notice", "notices"};
     QByteArray html;
     for (const QString &name : result_tables()) {
-        const bool is_notice = name != result_tables().first();
         timeline_form of_table = form;
-        of_table.what = is_notice ? "Notices" : "Sightings";
-        const QByteArray part = (*tables.find(name))->times.html(facts, content.device_of_row.value(name), of_table);
-        if (!part.isEmpty())
-            html += (is_notice ? "<h3>\"Active device\" notices</h3>\n" : "") + part;
+        if (name != result_tables().first())
+            of_table.words = notices;
+        html += (*tables.find(name))->times.html(facts, content.device_of_row.value(name), of_table);
     }
     if (html.isEmpty())
         return {};
@@ -224,7 +224,12 @@ void html_page::write_brief(const QString &path, const page_content &content, co
 {
     const QList<device_facts> facts = facts_of(content.devices);
     count_rows(content);
-    const findings_form form{.most_rows = 50, .has_pages = false, .most_characters = 60};
+    const findings_form form{.most_rows = 50,
+                             .has_pages = false,
+                             .most_columns = 44,
+                             .most_sources = 6,
+                             .is_brief = true};
+    const timeline_form times{.most_logs = 2, .most_lanes = 6, .has_pages = false, .most_columns = 44};
     const QByteArray annex = report_sha256.isEmpty() ? QByteArray("<p>No full report was written with it.</p>\n")
                                                      : "<p>Its annex is the full report, report.html, SHA-256 "
                                                            + html_hash(report_sha256) + ".</p>\n";
@@ -232,15 +237,15 @@ void html_page::write_brief(const QString &path, const page_content &content, co
     new_file file(path);
     file.add(document_start(facts_of_case, "Bluetooth evidence in brief", false));
     file.add("<header class=\"brief\">");
-    file.add(case_heading(facts_of_case, "Bluetooth evidence in brief", shortcomings(content), 20));
-    file.add("</header>\n<main id=\"content\">\n");
+    file.add(case_heading(facts_of_case, "Bluetooth evidence in brief", shortcomings(content), {20, 300}));
+    file.add("</header>\n<main id=\"content\" class=\"brief\">\n");
     file.add(html_section("findings", "Findings", annex + figures(facts_of_case, facts, *counts, form)));
     file.add(flagged_section(facts_of_case, facts, form));
     file.add(shared_devices_section(facts_of_case, facts, form));
     file.add(paired_section(facts_of_case, facts, form));
-    file.add(timeline_section(content, facts, {2, 8, {}, false}));
+    file.add(timeline_section(content, facts, times));
     file.add(html_section("evidence", "Integrity",
-                          sources_table(facts_of_case, most_sources) + manifest_facts(facts_of_case)));
+                          brief_sources_table(facts_of_case, most_sources) + manifest_facts(facts_of_case)));
     file.add(html_section("terms", "Glossary", page_prose_glossary));
     file.add(html_section("limitations", "Known limitations", page_prose_limitations));
     file.add(html_section("signatures", "Signatures", page_prose_signatures));

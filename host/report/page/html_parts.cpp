@@ -5,6 +5,18 @@
 
 #include "host/report/page/html_text.h"
 
+namespace {
+
+QByteArray table_of(const QByteArray &label, const QByteArray &caption, const QByteArrayList &headings,
+                    const QByteArray &rows)
+{
+    return "<div class=\"scroller\" tabindex=\"0\" role=\"region\" aria-label=\"" + label + "\"><table>" + caption
+           + "<thead><tr><th scope=\"col\">" + headings.join("</th><th scope=\"col\">")
+           + "</th></tr></thead>\n<tbody>\n" + rows + "</tbody></table></div>\n";
+}
+
+} // namespace
+
 QByteArray html_section(const QByteArray &id, const QByteArray &title, const QByteArray &content)
 {
     return "<section id=\"" + id + "\" aria-labelledby=\"" + id + "-heading\"><h2 id=\"" + id + "-heading\">" + title
@@ -13,9 +25,18 @@ QByteArray html_section(const QByteArray &id, const QByteArray &title, const QBy
 
 QByteArray html_static_table(const QByteArray &caption, const QByteArrayList &headings, const QByteArray &rows)
 {
-    return "<div class=\"scroller\" tabindex=\"0\" role=\"region\" aria-label=\"" + caption + "\"><table><caption>"
-           + caption + "</caption><thead><tr><th scope=\"col\">" + headings.join("</th><th scope=\"col\">")
-           + "</th></tr></thead>\n<tbody>\n" + rows + "</tbody></table></div>\n";
+    return table_of(caption, "<caption>" + caption + "</caption>", headings, rows);
+}
+
+QByteArray html_titled_table(const QByteArray &caption, const QByteArrayList &headings, const QByteArray &rows)
+{
+    return table_of(caption, "<caption class=\"heard\">" + caption + "</caption>", headings, rows);
+}
+
+QByteArray html_figure(const QByteArray &label, const QByteArray &svg, const QByteArray &caption)
+{
+    return "<figure><div class=\"picture\" tabindex=\"0\" role=\"region\" aria-label=\"" + label + "\">" + svg
+           + "</div><figcaption>" + caption + "</figcaption></figure>\n";
 }
 
 QByteArray html_row(const QByteArrayList &cells)
@@ -31,6 +52,11 @@ QByteArray html_fact(const QByteArray &name, const QByteArray &value)
 QByteArray html_link(const QByteArray &id, const QByteArray &text)
 {
     return "<a href=\"#" + id + "\">" + text + "</a>";
+}
+
+QByteArray html_whole(const QByteArray &text)
+{
+    return "<span class=\"whole\">" + text + "</span>";
 }
 
 QByteArray html_hash(const QString &hash)

@@ -17,12 +17,21 @@ QByteArray html_section(const QByteArray &id, const QByteArray &title, const QBy
 /** A small table, all of which stands in the document. */
 QByteArray html_static_table(const QByteArray &caption, const QByteArrayList &headings, const QByteArray &rows);
 
+/** The same below a heading that says what it is: the caption is for those alone who hear the page. */
+QByteArray html_titled_table(const QByteArray &caption, const QByteArrayList &headings, const QByteArray &rows);
+
+/** A picture that may be scrolled sideways, by the keyboard too, and what is to be said of it. */
+QByteArray html_figure(const QByteArray &label, const QByteArray &svg, const QByteArray &caption);
+
 QByteArray html_row(const QByteArrayList &cells);
 
 /** A name with its value in a list; nothing for an empty value. */
 QByteArray html_fact(const QByteArray &name, const QByteArray &value);
 
 QByteArray html_link(const QByteArray &id, const QByteArray &text);
+
+/** A text that stands in one line: a date, a number. */
+QByteArray html_whole(const QByteArray &text);
 
 /** A hash that may be cut between its characters, or "none". */
 QByteArray html_hash(const QString &hash);

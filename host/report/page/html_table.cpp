@@ -3,6 +3,7 @@
 
 #include "host/report/page/html_table.h"
 
+#include "host/report/page/html_parts.h"
 #include "host/report/page/html_text.h"
 
 #include <algorithm>
@@ -19,12 +20,10 @@ QByteArray json_member(const char *name, const QByteArray &value)
     return value.isEmpty() ? QByteArray() : ",\"" + QByteArray(name) + "\":" + page_json(value);
 }
 
-QByteArray html_cell(const QByteArray &shown, bool is_number, const QByteArray &link)
+QByteArray html_cell(const QByteArray &shown, bool is_number)
 {
     if (shown.isNull())
         return "<td><span class=\"null\">\u2205</span></td>";
-    if (!link.isEmpty())
-        return "<td class=\"number\"><a href=\"#" + link + '-' + shown + "\">" + shown + "</a></td>";
     return (is_number ? "<td class=\"number\">" : "<td>") + html_shown(shown) + "</td>";
 }
 
@@ -97,7 +96,7 @@ QByteArray html_table::rows(const QList<const table_column *> &shown) const
             html += " id=\"" + opens + '-' + number + '"';
         html += "><td class=\"number\">" + number + "</td>";
         for (const table_column *column : shown)
-            html += html_cell(column->values.shown(row), column->values.is_number(), column->about.link);
+            html += html_cell(column->values.shown(row), column->values.is_number());
         html += "</tr>\n";
     }
     return html + "</tbody>";
@@ -116,7 +115,8 @@ QByteArray html_table::section() const
             empty.append(column.about.name);
     }
     if (!empty.isEmpty())
-        html += "<p class=\"quiet\">\u2205 (NULL) in every row: " + text_of_page(empty.join(", ")) + "</p>\n";
+        html += "<details class=\"quiet\"><summary>" + counted(empty.size(), "column is", "columns are")
+                + " \u2205 (NULL) in every row</summary><p>" + text_of_page(empty.join(", ")) + "</p></details>\n";
     html += "<div class=\"tools with-script\" hidden><label for=\"" + section_id
             + "-filter\">Filter</label><input id=\"" + section_id
             + "-filter\" type=\"search\" autocomplete=\"off\" spellcheck=\"false\"><span role=\"status\">"
@@ -128,26 +128,35 @@ QByteArray html_table::section() const
     QList<const table_column *> shown = filled();
     shown.removeIf([this](const table_column *column) { return is_hidden(*column); });
     return html + "<div class=\"window\" tabindex=\"0\" role=\"region\" aria-label=\"" + text_of_page(heading_text)
-           + ": rows\"><table aria-rowcount=\"" + QByteArray::number(row_count() + 1) + "\"><caption>"
+           + ": rows\"><table aria-rowcount=\"" + QByteArray::number(row_count() + 1) + "\"><caption class=\"heard\">"
            + text_of_page(heading_text) + "</caption>\n" + head(shown) + rows(shown) + "</table></div></section>\n";
 }
 
-QByteArray html_table::data() const
+QByteArray html_table::column_about_json(const table_column &column) const
+{
+    const column_about &about = column.about;
+    QByteArray json = "{\"name\":" + page_json(about.name) + ",\"heading\":" + page_json(about.heading)
+                      + ",\"group\":" + page_json(about.group) + json_member("meaning", about.meaning)
+                      + json_member("link", about.link);
+    json += column.values.is_number() ? ",\"number\":true" : "";
+    json += is_hidden(column) ? ",\"hidden\":true," : ",";
+    return json;
+}
+
+void html_table::add_data(new_file &file) const
 {
     const QList<const table_column *> list = filled();
-    QByteArray json = "{\"id\":" + page_json(section_id) + ",\"count\":" + QByteArray::number(row_count())
-                      + json_member("opens", opens) + ",\"columns\":[";
+    file.add(QByteArray("{\"id\":" + page_json(section_id) + ",\"count\":" + QByteArray::number(row_count())
+                        + json_member("opens", opens) + ",\"columns\":["));
     for (qsizetype place = 0; place < list.size(); ++place) {
-        const auto &[about, values] = *list.at(place);
+        const page_column &values = list.at(place)->values;
         const auto earlier = std::find_if(list.cbegin(), list.cbegin() + place,
                                           [&](const table_column *other) { return other->values.is_same_as(values); });
         const bool is_copy = earlier != list.cbegin() + place;
-        json += place == 0 ? "\n{" : ",\n{";
-        json += "\"name\":" + page_json(about.name) + ",\"heading\":" + page_json(about.heading) + ",\"group\":"
-                + page_json(about.group) + json_member("meaning", about.meaning) + json_member("link", about.link);
-        json += values.is_number() ? ",\"number\":true" : "";
-        json += is_hidden(*list.at(place)) ? ",\"hidden\":true," : ",";
-        json += (is_copy ? "\"as\":" + QByteArray::number(earlier - list.cbegin()) : values.json()) + '}';
+        file.add(place == 0 ? "\n" : ",\n");
+        file.add(column_about_json(*list.at(place)));
+        file.add(is_copy ? QByteArray("\"as\":" + QByteArray::number(earlier - list.cbegin())) : values.json());
+        file.add("}");
     }
-    return json + "]}";
+    file.add("]}");
 }

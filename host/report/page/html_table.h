@@ -4,6 +4,7 @@
 #ifndef HOST_REPORT_PAGE_HTML_TABLE_H
 #define HOST_REPORT_PAGE_HTML_TABLE_H
 
+#include "host/files/new_file.h"
 #include "host/report/page/page_column.h"
 
 #include <QByteArray>
@@ -20,7 +21,7 @@ struct column_about
     QByteArray group;       ///< columns of one stand beside each other under its name
     QByteArray meaning;     ///< what it says, and what it does not prove; may be empty
     bool is_hidden = false; ///< until the reader asks for it
-    QByteArray link = {};   ///< its values are numbers of the sections with that name: "device"
+    QByteArray link = {};   ///< with script its values lead to the pages with that name and number: "device"
     QByteArray twin = {};   ///< a column that it is hidden beside while both have the same values
 };
 
@@ -46,8 +47,8 @@ public:
 
     qsizetype row_count() const;
     QByteArray section() const;
-    /** {"id":…,"count":…,"columns":[…]} for the data block. */
-    QByteArray data() const;
+    /** Adds {"id":…,"count":…,"columns":[…]} for the data block, a column at a time: they may be of many MB. */
+    void add_data(new_file &file) const;
 
     const QByteArray &id() const
     {
@@ -67,6 +68,7 @@ private:
 
     QList<const table_column *> filled() const;
     bool is_hidden(const table_column &column) const;
+    QByteArray column_about_json(const table_column &column) const;
     QByteArray head(const QList<const table_column *> &shown) const;
     QByteArray rows(const QList<const table_column *> &shown) const;
 

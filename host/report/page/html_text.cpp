@@ -86,6 +86,16 @@ QString page_text(QByteArrayView bytes)
            + u" bytes)"_s;
 }
 
+QString page_text(QByteArrayView bytes, qsizetype columns)
+{
+    if (!bytes.isValidUtf8() || is_plain(bytes)) {
+        const QString text = whole_text(bytes);
+        return text.size() <= columns ? text : text.first(columns - 1) + u'…';
+    }
+    const terminal_text text(utf8_text(bytes));
+    return text.width() <= columns ? text.to_string() : text.first_columns(columns - 1).to_string() + u'…';
+}
+
 QByteArray page_value(const cell &value)
 {
     if (value.is_null())

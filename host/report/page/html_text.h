@@ -26,6 +26,9 @@ QByteArray html_shown(QByteArrayView shown);
 /** Bytes as a page shows them: terminal_text(), x'00ff' for what is no UTF-8, cut after some thousand characters. */
 QString page_text(QByteArrayView bytes);
 
+/** Its beginning, as far as this many columns hold it, of which a wide character takes two; "…" says that it is cut. */
+QString page_text(QByteArrayView bytes, qsizetype columns);
+
 /** A value of a row as a page shows it, in UTF-8: digits or a page_text(). A null array for NULL. */
 QByteArray page_value(const cell &value);
 

@@ -17,7 +17,7 @@ constexpr std::array<int, 12> days = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30
 constexpr qint64 longest_year = 366 * day;
 constexpr QByteArrayView months("JanFebMarAprMayJunJulAugSepOctNovDec");
 
-constexpr int names_width = 220;
+constexpr int names_width = 230;
 constexpr int lane_width = 640;
 constexpr int lane_height = 34;
 constexpr int top = 28;
@@ -83,10 +83,8 @@ QByteArray svg_text(qint64 x, qint64 y, const char *anchor, const QByteArray &te
 
 QByteArray lane_name(const lane &lane)
 {
-    constexpr qsizetype most = 22;
-    const QString name = lane.facts ? page_text(name_of(*lane.facts->device)) : QString();
-    const QString shown = name.size() > most ? name.first(most) + u'…' : name;
-    return number(lane.device) + ' ' + (shown.isEmpty() ? QByteArray("no name") : shown.toHtmlEscaped().toUtf8());
+    const QString name = lane.facts ? page_text(name_of(*lane.facts->device), 20) : QString();
+    return number(lane.device) + ' ' + (name.isEmpty() ? QByteArray("no name") : name.toHtmlEscaped().toUtf8());
 }
 
 /** A point for each place on the axis; without an RSSI it stands at the foot, and hollow. */
@@ -104,11 +102,16 @@ QByteArray lane_picture(const lane &lane, int foot)
     return html;
 }
 
-QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last)
+bool has_strength(const std::vector<lane> &lanes)
+{
+    return std::any_of(lanes.cbegin(), lanes.cend(), [](const lane &one) { return one.best.has_value(); });
+}
+
+QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last, const timeline_words &words)
 {
     const int foot = top + int(lanes.size()) * lane_height;
     QByteArray html;
-    constexpr int ticks = 4;
+    constexpr int ticks = 3;
     for (int tick = 0; tick <= ticks; ++tick) {
         const qint64 x = names_width + qint64(lane_width) * tick / ticks;
         html += line(x, top, x, foot)
@@ -120,28 +123,46 @@ QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last)
     }
     for (std::size_t i = 0; i < lanes.size(); ++i)
         html += lane_picture(lanes[i], top + int(i + 1) * lane_height);
-    return "<figure><svg viewBox=\"0 0 " + number(names_width + lane_width + 8) + ' ' + number(foot + 8)
-           + "\" role=\"img\" aria-label=\"Sightings by time, a line for each device; the table below says the same\">"
-           + html
-           + "</svg><figcaption>A line for each device. Height: signal strength, -100 dBm at the foot to -30; a ring "
-             "has "
-             "none.</figcaption></figure>\n";
+    const QByteArray title = QByteArray(words.title) + " by time, a line for each device";
+    const QByteArray caption = has_strength(lanes)
+                                   ? "A line for each device. Height: signal strength, -100 dBm at the foot to -30; a "
+                                     "ring has none."
+                                   : "A line for each device; no signal strength is known.";
+    return html_figure(title,
+                       "<svg class=\"wide\" viewBox=\"0 0 " + number(names_width + lane_width + 8) + ' '
+                           + number(foot + 8) + "\" role=\"img\" aria-label=\"" + title
+                           + "; the table below says the same\">" + html + "</svg>",
+                       caption);
 }
 
-QByteArray table(const QByteArray &caption, const std::vector<lane> &lanes, bool has_pages)
+QByteArray name_cell(const lane &lane, qsizetype most_columns)
 {
+    const QByteArray name = lane.facts ? name_of(*lane.facts->device) : QByteArray();
+    if (name.isEmpty())
+        return "<span class=\"quiet\">no name</span>";
+    return most_columns > 0 ? html_shown(page_text(name, most_columns).toUtf8()) : html_evidence(name);
+}
+
+QByteArray table(const QByteArray &caption, const std::vector<lane> &lanes, const timeline_form &form)
+{
+    const bool is_heard = has_strength(lanes);
+    QByteArrayList headings{"Device", "Name", form.words.title, "First", "Last", "Longest gap"};
+    if (is_heard)
+        headings.append("Strongest, dBm");
     QByteArray rows;
     for (const lane &one : lanes) {
         const QByteArray device = number(one.device);
-        const QByteArray name = one.facts ? name_of(*one.facts->device) : QByteArray();
-        rows += html_row({has_pages ? html_link("device-" + device, device) : device,
-                          name.isEmpty() ? QByteArray() : html_evidence(name), grouped_digits(one.count),
-                          date_text(one.first), date_text(one.last),
-                          one.count > 1 ? duration_text(one.longest_gap) : QByteArray(),
-                          one.best ? number(*one.best) : QByteArray()});
+        QByteArrayList cells{form.has_pages ? html_link("device-" + device, device) : device,
+                             name_cell(one, form.most_columns),
+                             grouped_digits(one.count),
+                             html_whole(date_text(one.first)),
+                             html_whole(date_text(one.last)),
+                             one.count > 1 ? html_whole(duration_text(one.longest_gap)) : QByteArray()};
+        if (is_heard)
+            cells.append(one.best ? html_whole(number(*one.best)) : QByteArray());
+        rows += html_row(cells);
     }
-    return html_static_table(caption, {"Device", "Name", "Sightings", "First", "Last", "Longest gap", "Strongest, dBm"},
-                             rows);
+    return html_static_table(caption, headings, rows);
 }
 
 } // namespace
@@ -222,16 +243,19 @@ QByteArray log_timeline::html_of(const dated_log &log, const QList<device_facts>
     lanes.resize(std::min(all, form.most_lanes));
 
     QByteArray html = "<h3>Source " + number(log.source->record.number) + ": <bdi>" + html_text(log.source->name)
-                      + "</bdi></h3>\n<p>" + counted(qint64(log.sightings.size()), "sighting", "sightings") + " of "
+                      + "</bdi>" + form.words.heading + "</h3>\n<p>"
+                      + counted(qint64(log.sightings.size()), form.words.one, form.words.many) + " of "
                       + counted(qint64(all), "device", "devices") + ", from " + date_text(first) + " to "
                       + date_text(latest->second) + " as the log writes dates.";
     if (all > lanes.size())
         html += " The first " + number(qint64(lanes.size()))
-                + " devices are shown: those with a name, paired or shared before others, then by sightings.";
+                + " devices are shown: those with a name, paired or shared before others, then by number of "
+                + form.words.many + '.';
     if (log.without_date > 0)
         html += ' ' + counted(log.without_date, "row has", "rows have") + " a date of another form and is left out.";
-    return html + "</p>\n" + picture(lanes, first, latest->second)
-           + table(form.what + " by device, source " + number(log.source->record.number), lanes, form.has_pages);
+    return html + "</p>\n" + picture(lanes, first, latest->second, form.words)
+           + table(QByteArray(form.words.title) + " by device, source " + number(log.source->record.number), lanes,
+                   form);
 }
 
 QByteArray log_timeline::html(const QList<device_facts> &devices, const std::vector<qint64> &device_of_row,
@@ -246,6 +270,6 @@ QByteArray log_timeline::html(const QList<device_facts> &devices, const std::vec
     }
     if (shown > form.most_logs)
         html += "<p>And " + number(qint64(shown - form.most_logs))
-                + " more logs, whose rows stand in the tables.</p>\n";
+                + " more logs; the rows of all stand in the tables of the full report.</p>\n";
     return html;
 }

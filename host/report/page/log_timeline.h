@@ -16,13 +16,23 @@
  */
 std::optional<qint64> second_of_year(QByteArrayView date);
 
+/** What the rows of a table are called. */
+struct timeline_words
+{
+    const char *heading = ""; ///< behind the name of the source
+    const char *title = "Sightings";
+    const char *one = "sighting";
+    const char *many = "sightings";
+};
+
 /** How much of it is shown. */
 struct timeline_form
 {
     std::size_t most_logs = 12;
-    std::size_t most_lanes = 20;   ///< of each log
-    QByteArray what = "Sightings"; ///< what the rows are called
-    bool has_pages = true;         ///< numbers of devices lead to the devices' pages
+    std::size_t most_lanes = 20; ///< of each log
+    bool has_pages = true;       ///< numbers of devices lead to the devices' pages
+    qsizetype most_columns = 0;  ///< of a name, of which a wide character takes two; 0: all of it
+    timeline_words words = {};
 };
 
 /** The sightings of a table's rows, as far as their lines have a date. */

@@ -57,14 +57,17 @@ QByteArray state_sentence(const report_case &that_case)
     return sources + read + "; nothing changed.";
 }
 
-QByteArray shortcomings_part(const QStringList &shortcomings, qsizetype most, bool is_unchanged)
+QByteArray shortcomings_part(const QStringList &shortcomings, const shortcomings_form &form, bool is_unchanged)
 {
     QByteArray html = "<div class=\"alarm\"><p><strong>This case is not complete.</strong>"
                       + QByteArray(is_unchanged ? "" : " Evidence changed while it was read.") + "</p><ul>";
-    for (const QString &text : shortcomings.first(std::min(shortcomings.size(), most)))
-        html += "<li>" + html_text(text) + "</li>";
-    if (shortcomings.size() > most)
-        html += "<li>and " + grouped_digits(shortcomings.size() - most) + " more</li>";
+    for (const QString &text : shortcomings.first(std::min(shortcomings.size(), form.most)))
+        html += "<li>"
+                + (form.most_columns > 0 ? html_shown(page_text(text.toUtf8(), form.most_columns).toUtf8())
+                                         : html_text(text))
+                + "</li>";
+    if (shortcomings.size() > form.most)
+        html += "<li>and " + grouped_digits(shortcomings.size() - form.most) + " more</li>";
     return html + "</ul></div>\n";
 }
 
@@ -86,7 +89,7 @@ QByteArray document_start(const report_case &that_case, const QByteArray &title,
 }
 
 QByteArray case_heading(const report_case &that_case, const QByteArray &title, const QStringList &shortcomings,
-                        qsizetype most_shortcomings)
+                        const shortcomings_form &form)
 {
     const auto fact = [&that_case](const char *name, QLatin1StringView member) {
         const QString text = that_case.heading.value(member).toString();
@@ -96,9 +99,8 @@ QByteArray case_heading(const report_case &that_case, const QByteArray &title, c
     const bool is_unchanged = is_evidence_unchanged(that_case);
     return "<h1>" + title + "</h1>\n<p class=\"case\">" + fact("Case", "case_number"_L1)
            + fact("Examiner", "examiner"_L1) + "</p>\n"
-           + (shortcomings.isEmpty() && is_unchanged
-                  ? "<p class=\"state\">" + state_sentence(that_case) + "</p>\n"
-                  : shortcomings_part(shortcomings, most_shortcomings, is_unchanged));
+           + (shortcomings.isEmpty() && is_unchanged ? "<p class=\"state\">" + state_sentence(that_case) + "</p>\n"
+                                                     : shortcomings_part(shortcomings, form, is_unchanged));
 }
 
 QByteArray page_tools()

@@ -20,12 +20,16 @@ struct section_link
 /** Up to and with <body>: the policy lets nothing in but the page's own style and script. */
 QByteArray document_start(const report_case &that_case, const QByteArray &title, bool has_script);
 
-/**
- * What the case is and in what state, in one sentence; @p shortcomings are why it is not whole. More than
- * @p most_shortcomings are counted.
- */
+/** How much room there is for what is missing. */
+struct shortcomings_form
+{
+    qsizetype most = 1000;      ///< more are counted
+    qsizetype most_columns = 0; ///< of each, of which a wide character takes two; 0: all of it
+};
+
+/** What the case is and in what state, in one sentence; @p shortcomings are why it is not whole. */
 QByteArray case_heading(const report_case &that_case, const QByteArray &title, const QStringList &shortcomings,
-                        qsizetype most_shortcomings = 1000);
+                        const shortcomings_form &form = {});
 
 /** Search and buttons, hidden without script, and the way to the sections. */
 QByteArray page_tools();

@@ -49,7 +49,13 @@ QByteArray command_line(const QJsonObject &heading)
     QStringList words{u"bluetooth-logs"_s};
     for (const QJsonValue word : heading.value("options"_L1).toArray())
         words.append(word.toString());
-    return words.size() > 1 ? code(html_text(words.join(u' '))) : QByteArray();
+    if (words.size() == 1)
+        return {};
+    constexpr qsizetype most_characters = 60; // of a word that stands in one line
+    QByteArrayList html;
+    for (const QString &word : std::as_const(words))
+        html.append(word.size() > most_characters ? html_text(word) : html_whole(html_text(word)));
+    return code(html.join(' '));
 }
 
 QByteArray hash_text(const QByteArray &html)

@@ -47,6 +47,14 @@ cell number_cell(qint64 number)
     return number > 0 ? cell::of_integer(number) : cell();
 }
 
+/** The number of the row's device, which leads to its page. */
+column_about about_device()
+{
+    column_about about = about_own_column("device");
+    about.link = "device";
+    return about;
+}
+
 /** Columns of notes only where there are any. */
 bool is_on_page(const report_case &that_case, const report_column &column)
 {
@@ -70,7 +78,7 @@ row_table::row_table(const report_case &that_case, const QString &name)
     : table(words_of(name).id, words_of(name).heading, words_of(name).caption)
     , cells(result_columns(that_case, name).names)
 {
-    device = &table.add_column(about_own_column("device"));
+    device = &table.add_column(about_device());
     const QList<report_column> &list = cells.columns();
     columns.resize(std::size_t(list.size()));
     for (const bool is_place : {false, true}) { // the place stands last
@@ -158,7 +166,7 @@ html_table list_table(const report_case &that_case, const list_words &words, con
                       const std::function<void(const Line &)> &look = {})
 {
     html_table table(words.id, words.heading, words.caption);
-    page_column *device = devices ? &table.add_column(about_own_column("device")) : nullptr;
+    page_column *device = devices ? &table.add_column(about_device()) : nullptr;
     std::vector<page_column *> columns;
     for (const line_column<Line> &column : list)
         columns.push_back(is_on_page(that_case, column.about) ? &table.add_column(about_column(column.about))

@@ -215,6 +215,9 @@ function placeText(data, row) {
     return line === null ? `${file} ${data.value("host_table", row)} rowid ${data.value("host_rowid", row)}` : `${file} line ${line}`;
 }
 
+/** How a value is laid out, by the heading of its column. */
+const cellClasses = {"Places": "places", "Kind of address": "whole", "Date, without year": "whole"};
+
 /** A table that may be scrolled sideways. Its texts may be of the evidence. */
 function plainTable(caption, headings, rows) {
     const view = element("div", undefined, "scroller");
@@ -234,9 +237,9 @@ function plainTable(caption, headings, rows) {
     const body = element("tbody");
     for (const texts of rows) {
         const row = element("tr");
-        for (const text of texts) {
-            const cell = element("td");
-            cell.append(text === "" ? "" : evidenceText(text));
+        for (const [place, text] of texts.entries()) {
+            const cell = element("td", undefined, cellClasses[headings[place]]);
+            cell.append(text === "" ? "" : /address$/i.test(headings[place]) ? wholeTexts(text) : evidenceText(text));
             row.append(cell);
         }
         body.append(row);

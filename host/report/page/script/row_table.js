@@ -250,13 +250,17 @@ class RowTable {
             const value = column.value(row);
             const cell = element("td", undefined, column.number ? "number" : undefined);
             cell.dataset.column = column.heading; // for print
-            if (column.link && value !== null)
-                cell.append(linkTo(`${column.link}-${value}`, value));
-            else
-                cell.append(evidenceText(value));
+            cell.append(column.link && value !== null ? this.linkOf(column, value, row) : evidenceText(value));
             made.append(cell);
         }
         return made;
+    }
+
+    linkOf(column, value, row) {
+        const link = linkTo(`${column.link}-${value}`, value);
+        link.setAttribute("aria-label", `${column.heading} ${value}: its page`);
+        link.dataset.row = row;
+        return link;
     }
 
     firstCell(row) {

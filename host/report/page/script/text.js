@@ -47,6 +47,20 @@ function evidenceText(value) {
     return made;
 }
 
+/** Texts that are separated by |, each in one line where it is short. */
+function wholeTexts(value) {
+    if (value === null)
+        return evidenceText(value);
+    const made = element("span");
+    value.split(" | ").forEach((text, place) => {
+        const one = evidenceText(text);
+        if (text.length <= 40)
+            one.className = "whole";
+        made.append(place > 0 ? " | " : "", one);
+    });
+    return made;
+}
+
 /** The clipboard interface is closed to pages that are files. */
 function copyText(text, place, status) {
     const area = element("textarea", text);
