@@ -4,10 +4,12 @@
 #
 # bench_containers.py PROGRAM image [GIB]   a sparse image with a macOS source in it: inspect against fls and icat of the
 #                                           same library, which list the volume and read what the program reads
-# bench_containers.py PROGRAM tar [GIB]     a tar of many files: inspect, which reads it once, against tar -tf
+# bench_containers.py PROGRAM tar [GIB]     a tar of files of 64 KiB, and one of 1 MiB: inspect and extract against tar -tf,
+#                                           extract with the container's hash against openssl and tar -tf
 # bench_containers.py PROGRAM hash [GIB]    the hash of a container against openssl of the same libcrypto
 # By turns, five rounds; the ratios are medians of those of the rounds. Containers stand in the temporary folder meanwhile.
 
+import io
 import os
 import pathlib
 import statistics
@@ -40,7 +42,7 @@ def compare(what, ours, theirs):
     print(f"{what}: {statistics.median(our[0] for our, _ in results):.2f} s against "
           f"{statistics.median(their[0] for _, their in results):.2f} s, ratio {statistics.median(ratios):.2f} "
           f"({min(ratios):.2f} to {max(ratios):.2f}), peak {max(our[1] for our, _ in results)} KiB against "
-          f"{max(their[1] for _, their in results)} KiB")
+          f"{max(their[1] for _, their in results)} KiB", flush=True)
 
 
 def sample(program, folder):
@@ -58,30 +60,49 @@ def image(program, folder, gibibytes):
     theirs = [["fls", "-r", path]] + [["icat", path, inode] for inode in inodes]
     compare(f"image of {gibibytes} GiB, evidence listed and sized against fls and icat",
             [[program, "inspect", path]], theirs)
-    cases = iter(range(1000))
+    compare_extraction(program, folder, f"image of {gibibytes} GiB, extract against fls and icat", path,
+                       folder / "sample/macos", ["--no-container-hash"], theirs)
+
+
+def tar_of_files(path, source, gibibytes, kibibytes):
+    content = os.urandom(kibibytes << 10)
+    with tarfile.open(path, "w") as archive:
+        archive.add(source, "dump")
+        for number in range((gibibytes << 20) // kibibytes):
+            entry = tarfile.TarInfo(f"dump/private/{number:06}")
+            entry.size = len(content)
+            archive.addfile(entry, io.BytesIO(content))
+
+
+def compare_extraction(program, folder, what, source, plain, options, theirs):
+    """What extract takes longer of a container than of the folder that is in it, against what others take."""
     results = []
-    for _ in range(rounds):
-        ours = measured([program, "extract", "-q", "-i", path, "-o", folder / f"case{next(cases)}",
-                         "--no-container-hash"])
-        plain = measured([program, "extract", "-q", "-i", folder / "sample/macos", "-o", folder / f"case{next(cases)}"])
-        results.append((ours[0] - plain[0], measured(*theirs)[0], ours[1]))
-    print(f"image, what extract takes longer than of its folder: {statistics.median(r[0] for r in results):.2f} s against "
-          f"{statistics.median(r[1] for r in results):.2f} s of fls and icat, peak {max(r[2] for r in results)} KiB")
+    for number in range(rounds):
+        cases = [folder / f"case{len(list(folder.iterdir()))}{name}" for name in "ab"]
+        ours = measured([program, "extract", "-q", "-i", source, "-o", cases[0], *options])
+        alone = measured([program, "extract", "-q", "-i", plain, "-o", cases[1]])
+        results.append((ours[0] - alone[0], measured(*theirs)[0], ours[1]))
+    ratios = [ours / others for ours, others, _ in results]
+    print(f"{what}: {statistics.median(r[0] for r in results):.2f} s more than of the folder, against "
+          f"{statistics.median(r[1] for r in results):.2f} s, ratio {statistics.median(ratios):.2f} "
+          f"({min(ratios):.2f} to {max(ratios):.2f}), peak {max(r[2] for r in results)} KiB", flush=True)
 
 
 def tar(program, folder, gibibytes):
+    source = sample(program, folder)
     path = folder / "dump.tar"
-    filling = os.urandom(1 << 20)
-    with tarfile.open(path, "w") as archive:
-        archive.add(sample(program, folder), "dump")
-        (folder / "filling").write_bytes(filling)
-        for number in range(gibibytes << 10):
-            archive.add(folder / "filling", f"dump/private/{number:06}")
-    measured(["cat", path]) # both find it in memory then
-    ours = [[program, "inspect", path]]
-    compare(f"tar of {gibibytes} GiB, against tar -tf, which goes from header to header", ours, [["tar", "-tf", path]])
-    compare(f"tar of {gibibytes} GiB, against tar -tf that reads all of it", ours,
-            [["sh", "-c", 'cat "$1" | tar -tf -', "sh", path]])
+    tar_of_files(path, source, 0, 64)
+    compare("tar of the source alone, which is what starting takes", [[program, "inspect", path]], [["tar", "-tf", path]])
+    for kibibytes in (64, 1024):
+        tar_of_files(path, source, gibibytes, kibibytes)
+        measured(["cat", path])  # all find it in memory then
+        what = f"tar of {gibibytes} GiB, files of {kibibytes} KiB"
+        listed = ["tar", "-tf", path]
+        compare(f"{what}, inspect against tar -tf", [[program, "inspect", path]], [listed])
+        compare_extraction(program, folder, f"{what}, extract without its hash against tar -tf", path, source,
+                           ["--no-container-hash"], [listed])
+        compare_extraction(program, folder, f"{what}, extract with its hash against openssl and tar -tf", path, source, [],
+                           [["openssl", "dgst", "-sha256", path], listed])
 
 
 def hashing(program, folder, gibibytes):

@@ -82,8 +82,8 @@ void add_sources(CLI::App &extract, extract_arguments &arguments)
     const argument input{"-i,--input",
                          "PATH",
                          "The source; may be given several times. macOS, Windows: the folder at which its file system "
-                         "is reachable. iOS: the system log's text file, also compressed. An image, an archive or a "
-                         "backup of one of them",
+                         "is reachable. iOS: the system log's text file, also compressed, a backup, or the folder of "
+                         "its file system. Or an image or archive of one of them",
                          {"bluetooth-logs extract -i /mnt/image -o case", "a mounted macOS or Windows volume"}};
     add_values(extract, input, [&arguments, input](const QStringList &paths) {
         for (const QString &path : paths)

@@ -361,6 +361,16 @@ class ContainerRuns(container_case):
             compared = {file["path"]: file["outcome"] for file in json.loads(result.stdout)["files"]}
             self.assertEqual(compared[str(path)], outcome)
 
+    def test_moved_container_is_named(self):
+        path = self.tar_of_databases("here.tar", ["Library/Bluetooth/" + other, "Library/Bluetooth/" + paired])
+        case = self.extract(path, "moved")
+        moved = path.rename(self.folder / "there.tar")
+        for options, code in (([], 3), (["--evidence", f"1={moved}"], 0), (["--evidence", f"1={moved}", "--containers"], 0)):
+            result = run("verify", case, *options)
+            self.assertEqual(result.returncode, code, result.stderr)
+        moved.write_bytes(moved.read_bytes()[:-1] + b"x")
+        self.assertEqual(run("verify", case, "--evidence", f"1={moved}", "--containers").returncode, 5)
+
     def test_access_times_stay(self):
         needs("mke2fs", "ewfacquirestream", "qemu-img")
         ext = self.folder / "times.dd"
