@@ -26,7 +26,7 @@ namespace {
 
 using std::filesystem::path;
 
-constexpr qint64 copy_block_bytes = 102400;
+constexpr qint64 tree_block_bytes = 102400;
 /** Of one folder in one call; real trees link to a folder a few times. */
 constexpr int most_copies_of_a_folder = 64;
 
@@ -149,7 +149,7 @@ void tree_copy::copy_file(const path &source, const path &destination) const
         return;
     }
 
-    QByteArray block(copy_block_bytes, Qt::Uninitialized);
+    QByteArray block(tree_block_bytes, Qt::Uninitialized);
     qint64 count = 0;
     do {
         count = source_file.read(block.data(), block.size());

@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 copy_block_bytes = 1 << 20;
+constexpr qint64 working_copy_block_bytes = 1 << 20;
 
 // Reading must leave the access time alone; systems without the flag keep it by mounting evidence read-only.
 #ifdef O_NOATIME
@@ -118,7 +118,7 @@ bool is_in_plain_sight(const std::filesystem::path &path, const std::filesystem:
 
 bool copy_content(QFile &source, QFile &target)
 {
-    QByteArray block(copy_block_bytes, Qt::Uninitialized);
+    QByteArray block(working_copy_block_bytes, Qt::Uninitialized);
     qint64 count = 0;
     while ((count = source.read(block.data(), block.size())) > 0) {
         if (target.write(block.constData(), count) != count)

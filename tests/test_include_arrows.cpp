@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "tests/support/test_entry.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -246,6 +248,6 @@ void test_include_arrows::made_up_tree()
     QCOMPARE(objections_to_tree(root.path()), objections);
 }
 
-QTEST_GUILESS_MAIN(test_include_arrows)
+BLUETOOTH_LOGS_TEST(test_include_arrows, QCoreApplication)
 
 #include "test_include_arrows.moc"

@@ -15,6 +15,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr qint64 least_mebibytes = 128; // with fewer no process starts
+constexpr qint64 most_seconds = qint64(1) << 30;
+
 QString valid_text(const argument &what, const std::string &value)
 {
     QString text = QString::fromStdString(value);
@@ -94,6 +97,17 @@ CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, q
     return add_value(command, what, [&number, what, least, most](const QString &value) {
         number = number_of(what, value, least, most);
     });
+}
+
+void add_process_limits(CLI::App &command, const std::string &work, qint64 &mebibytes, qint64 &seconds)
+{
+    const std::string usual = seconds == 0 ? "any" : std::to_string(seconds);
+    add_number(command,
+               {"--memory-limit", "MIB",
+                "Most memory that " + work + " may take (default " + std::to_string(mebibytes) + ")"},
+               least_mebibytes, most_mebibytes, mebibytes);
+    add_number(command, {"--timeout", "SECONDS", "Longest time that " + work + " may take (default: " + usual + ")"}, 1,
+               most_seconds, seconds);
 }
 
 CLI::Option *add_flag(CLI::App &command, const argument &what, bool &flag)

@@ -55,6 +55,15 @@ CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, q
 CLI::Option *add_number(CLI::App &command, const argument &what, qint64 least, qint64 most,
                         std::optional<qint64> &number);
 
+/** The largest --max-database and --memory-limit. */
+inline constexpr qint64 most_mebibytes = qint64(1) << 30;
+
+/**
+ * --memory-limit and --timeout of the processes that a command does its work in. @p work is what one of them does it
+ * for, like "a source"; @p mebibytes and @p seconds (0: any) hold what is without the options.
+ */
+void add_process_limits(CLI::App &command, const std::string &work, qint64 &mebibytes, qint64 &seconds);
+
 /** An argument without a value. */
 CLI::Option *add_flag(CLI::App &command, const argument &what, bool &flag);
 

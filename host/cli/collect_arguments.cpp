@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr qint64 usual_seconds = 3600;
-
 constexpr example examples[] = {
     {"bluetooth-logs extract --sources list.json -o case --only 1", "on one machine"},
     {"bluetooth-logs extract --sources list.json -o case --only 2", "on another one"},
@@ -27,7 +25,7 @@ void add_collect_command(CLI::App &app, command_line &line)
     for (const example &shown : examples)
         add_example(collect, shown);
     add_place(collect, {"CASE", "PATH", "The case's folder"}, *directory)->required();
-    const auto limits = add_reading_limits(collect, usual_seconds);
+    const auto limits = add_reading_limits(collect, long_reading);
     collect.final_callback([directory, limits, &line] {
         limits->writable = {*directory};
         line.reading = *limits;

@@ -18,9 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 most_mebibytes = qint64(1) << 30;
 constexpr double most_gibibytes = 1 << 20;
-constexpr qint64 most_seconds = qint64(1) << 30;
 constexpr qint64 highest_number = 1000000;
 constexpr qint64 most_jobs = 1024;
 constexpr qint64 farthest_zone = qint64(14) * 3600;
@@ -188,8 +186,7 @@ void add_limits(CLI::App &extract, extraction_options &options, qint64 &jobs)
 {
     add_number(extract, {"--jobs", "N", "Sources that are worked on side by side (default: the processor's cores)"}, 1,
                most_jobs, jobs);
-    add_number(extract, {"--memory-limit", "MIB", "Most memory that a source may take (default 2048)"}, 128,
-               most_mebibytes, options.memory_limit);
+    add_process_limits(extract, "a source", options.memory_limit, options.timeout);
     add_number(extract, {"--max-database", "MIB", "Largest database that is read (default 1024)"}, 1, most_mebibytes,
                options.max_database);
     const argument max_log{"--max-log", "GIB", "Largest log that is taken out of an archive, like 0.5 (default 64)"};
@@ -200,8 +197,6 @@ void add_limits(CLI::App &extract, extraction_options &options, qint64 &jobs)
             refuse(max_log, u"must be a number above 0, and not be "_s + text);
         options.max_log = qMax<qint64>(1, qint64(gibibytes * double(qint64(1) << 30)));
     });
-    add_number(extract, {"--timeout", "SECONDS", "Longest time that a source may take (default: any)"}, 1, most_seconds,
-               options.timeout);
     extract.add_flag_callback(
         "--no-confinement", [&options] { options.is_confined = false; },
         "Let the process that runs the plug-in do whatever you may do (default: it writes in its own "

@@ -8,14 +8,6 @@
 
 #include <memory>
 
-namespace {
-
-constexpr qint64 least_mebibytes = 128;
-constexpr qint64 most_mebibytes = qint64(1) << 30;
-constexpr qint64 most_seconds = qint64(1) << 30;
-
-} // namespace
-
 void add_inspect_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<inspect_options>();
@@ -34,10 +26,7 @@ void add_inspect_command(CLI::App &app, command_line &line)
         ->allow_extra_args(true);
     add_flag(inspect, {"--json", "", "Print JSON", {"bluetooth-logs inspect --json a.tar.gz b.dd", "for a program"}},
              options->json);
-    add_number(inspect, {"--memory-limit", "MIB", "Most memory that a container may take (default 2048)"},
-               least_mebibytes, most_mebibytes, options->memory_limit);
-    add_number(inspect, {"--timeout", "SECONDS", "Longest time that a container may take (default: any)"}, 1,
-               most_seconds, options->timeout);
+    add_process_limits(inspect, "a container", options->memory_limit, options->timeout);
     inspect.final_callback(
         [options, &line] { line.command = [options](console &out) { return run_inspect(*options, out); }; });
 }

@@ -10,6 +10,9 @@
 
 #include <memory>
 
+/** Seconds that a command which reads the whole case may take. */
+inline constexpr qint64 long_reading = 3600;
+
 /**
  * Adds --memory-limit and --timeout to a command that reads a case, and gives what they are once the command line is
  * read. @p seconds is the time without the option; 0: any.

@@ -15,8 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 usual_seconds = 3600;
-
 report_format format_named(const argument &what, const QString &name)
 {
     QStringList names;
@@ -87,7 +85,7 @@ void add_report_command(CLI::App &app, command_line &line)
     add_flag(report, {"--brief", "", "Write brief.html too: the case in short, at most ten sheets of paper"},
              options->brief);
     add_flag(report, {"--force", "", "Replace the files of an earlier report"}, options->force);
-    const auto limits = add_reading_limits(report, usual_seconds);
+    const auto limits = add_reading_limits(report, long_reading);
     report.final_callback([options, limits, &line] {
         options->output = options->output.isEmpty()
                               ? QString(options->case_directory + u"/Report"_s)

@@ -36,7 +36,7 @@ constexpr QLatin1StringView no_command;
 
 // Each format's own specification has its signature; those of file systems make a file a raw image.
 // clang-format off
-constexpr container_signature signatures[] = {
+constexpr container_signature container_signatures[] = {
     {0,    QByteArrayView("QFI\xfb"),                       kind::refused,    "a QCOW2 image"_L1, qemu_convert},
     {0,    QByteArrayView("vhdxfile"),                      kind::refused,    "a VHDX image"_L1, qemu_convert},
     {64,   QByteArrayView("\x7f\x10\xda\xbe"),              kind::refused,    "a VDI image"_L1, qemu_convert},
@@ -124,7 +124,7 @@ container_guess guess_container(QByteArrayView start, QByteArrayView end)
 {
     if (is_aff4(start))
         return {kind::refused, "an AFF4 image"_L1, no_command};
-    for (const container_signature &signature : signatures) {
+    for (const container_signature &signature : container_signatures) {
         if (!has(signature.where == side::start ? start : end, signature))
             continue;
         if (signature.format == "raw"_L1 && !may_be_an_image(start))

@@ -61,7 +61,7 @@ constexpr unsigned no_type = 0;
 
 // Only what is expected is tried: the library's own guesses take noise for file systems that nobody has.
 // clang-format off
-constexpr volume_signature signatures[] = {
+constexpr volume_signature volume_signatures[] = {
     {0,    QByteArrayView("LUKS\xba\xbe"), no_type,                 "LUKS"_L1},
     {3,    QByteArrayView("-FVE-FS-"),     no_type,                 "BitLocker"_L1},
     {88,   QByteArrayView("CS\x02\0", 4),  no_type,                 "FileVault (CoreStorage)"_L1},
@@ -80,7 +80,7 @@ constexpr volume_signature signatures[] = {
 
 const volume_signature *signature_of(QByteArrayView start)
 {
-    for (const volume_signature &signature : signatures) {
+    for (const volume_signature &signature : volume_signatures) {
         if (start.size() >= signature.place + signature.bytes.size()
             && start.sliced(signature.place, signature.bytes.size()) == signature.bytes)
             return &signature;

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 most_json_bytes = qint64(1) << 30;
-constexpr qint64 block_bytes = qint64(1) << 20;
+constexpr qint64 growth_bytes = qint64(1) << 20;
 
 } // namespace
 
@@ -44,7 +44,7 @@ QByteArray read_whole_file(const QString &path, qint64 most_bytes)
         fail(u"it has "_s + QString::number(file.size()) + u" bytes, more than this file ever has"_s);
     QByteArray content;
     do {
-        content += file.read(block_bytes); // one of the largest size would be reserved whole
+        content += file.read(growth_bytes); // one of the largest size would be reserved whole
         if (file.error() != QFile::NoError)
             fail(file.errorString());
         if (content.size() > most_bytes)

@@ -73,10 +73,10 @@ QString status_of(const QString &words, QLatin1StringView end)
 }
 
 /** Gives the lines of a file that ios_line_writer wrote. */
-class line_reader
+class kept_lines
 {
 public:
-    explicit line_reader(const QString &path)
+    explicit kept_lines(const QString &path)
     {
         if (const QString problem = open_case_file(file, path); !problem.isEmpty())
             throw host_error(error_kind::not_found, path + u" cannot be read: "_s + problem);
@@ -128,7 +128,7 @@ bool is_row_of(const sqlite_statement &row, const QString &table, const QJsonObj
 /** Where the rows of a table and its lines differ, nothing if nowhere. */
 std::optional<QString> difference(const result_database &result, const QString &ios_lines, const QString &table)
 {
-    line_reader lines(ios_lines);
+    kept_lines lines(ios_lines);
     sqlite_statement row = result.rows(table);
     qint64 line_count = 0;
     qint64 row_count = 0;

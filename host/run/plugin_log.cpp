@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 longest_line = qint64(1) << 24; // bytes; of a longer line the rest is read as another one
+constexpr qint64 longest_log_line = qint64(1) << 24; // bytes; of a longer line the rest is read as another one
 constexpr qsizetype most_failure_kinds = 1000;
 
 constexpr QLatin1StringView line_middle("][Artifacts Extraction][");
@@ -150,7 +150,7 @@ log_findings read_plugin_log(QIODevice &log, const QStringList &known_paths)
         failed = QString();
     };
     for (;;) {
-        const QByteArray bytes = log.readLine(longest_line);
+        const QByteArray bytes = log.readLine(longest_log_line);
         if (bytes.isEmpty())
             break;
         hash.add(bytes);

@@ -40,7 +40,7 @@ file_state state_of(const struct stat &status)
     return state;
 }
 
-bool is_database_name(const QString &path)
+bool has_database_name(const QString &path)
 {
     return path.endsWith(".db"_L1);
 }
@@ -142,8 +142,8 @@ void look_at(evidence_file &file, const QString &full_path, const file_targets &
         return;
     }
     file.before->sha256 = hash.result();
-    file.reason = is_database_name(file.path) ? why_no_database(start) : oddity(file.path, start);
-    if (is_database_name(file.path) && !file.reason.isEmpty())
+    file.reason = has_database_name(file.path) ? why_no_database(start) : oddity(file.path, start);
+    if (has_database_name(file.path) && !file.reason.isEmpty())
         file.state = evidence_file::presence::unreadable;
     if (copy)
         file.copy_sha256 = copy->hash();

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool is_database_name(const QString &name)
+bool is_macos_database(const QString &name)
 {
     return std::any_of(std::begin(macos_databases), std::end(macos_databases),
                        [&name](const auto *database) { return name == database->file_name; });
@@ -48,7 +48,7 @@ QString source_hint(const QString &path)
     const QString root = macos_root_around(path);
     if (!root.isEmpty())
         return u"the macOS source that it belongs to is -i "_s + root;
-    if (is_database_name(QFileInfo(path).fileName()))
+    if (is_macos_database(QFileInfo(path).fileName()))
         return u"a macOS source is the folder that holds this database as Library/Bluetooth/"_s
                + QFileInfo(path).fileName();
     return {};

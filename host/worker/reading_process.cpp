@@ -36,7 +36,7 @@ constexpr int code_without_memory = 254;  // no command ends with it
 std::terminate_handler usual_terminate = nullptr;
 bool is_child = false;
 
-[[noreturn]] void on_terminate()
+[[noreturn]] void terminate_reading()
 {
     if (is_uncaught_bad_alloc())
         ::_exit(code_without_memory);
@@ -60,7 +60,7 @@ int read_confined(const reading_limits &limits, pid_t parent, const std::functio
     unfinished_file::remove_on_signals();
     const bool is_limited = limit_memory(limits.memory);
     if (is_limited)
-        usual_terminate = std::set_terminate(on_terminate);
+        usual_terminate = std::set_terminate(terminate_reading);
     QStringList writable;
     for (const QString &folder : limits.writable)
         writable.append(present_folder(folder));

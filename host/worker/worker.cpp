@@ -48,7 +48,7 @@ int events = -1; // the descriptor that the watching process reads
 }
 
 /** Handles uncaught exceptions, also bad_alloc out of noexcept code. */
-[[noreturn]] void on_terminate()
+[[noreturn]] void terminate_work()
 {
     if (is_uncaught_bad_alloc())
         end_without_memory();
@@ -259,7 +259,7 @@ void report_only_what_ends_us(QtMsgType type, const QMessageLogContext &, const 
 int run_worker()
 {
     take_over_standard_output();
-    std::set_terminate(on_terminate);
+    std::set_terminate(terminate_work);
     static_cast<void>(::chdir("/") == 0);
     // The plug-in is a widget. Qt gets none of our arguments, and none of its threads receives Ctrl-C.
     static int argument_count = 1;

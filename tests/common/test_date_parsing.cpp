@@ -3,6 +3,7 @@
 
 #include "common/date_parsing.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -49,6 +50,6 @@ void test_date_parsing::iso()
     QTEST(parse_iso_as_utc(u"2020-05-03T10:00:00."_s + QString(zeros, u'0') + u'Z').isValid(), "is_date");
 }
 
-QTEST_GUILESS_MAIN(test_date_parsing)
+BLUETOOTH_LOGS_TEST(test_date_parsing, QCoreApplication)
 
 #include "test_date_parsing.moc"

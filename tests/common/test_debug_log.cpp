@@ -4,6 +4,7 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -190,6 +191,6 @@ void test_debug_log::message_is_written_unchanged()
     QCOMPARE(log.take_messages(), QStringList({u"a::b:   größe 日本 🎧 %s %1 "_s, u"a::b: "_s}));
 }
 
-QTEST_GUILESS_MAIN(test_debug_log)
+BLUETOOTH_LOGS_TEST(test_debug_log, QCoreApplication)
 
 #include "test_debug_log.moc"

@@ -4,6 +4,7 @@
 #include "common/evidence_file.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QScopeGuard>
@@ -265,6 +266,6 @@ void test_evidence_file::same_file()
     QVERIFY(!is_same_file(u""_s, file));
 }
 
-QTEST_GUILESS_MAIN(test_evidence_file)
+BLUETOOTH_LOGS_TEST(test_evidence_file, QCoreApplication)
 
 #include "test_evidence_file.moc"

@@ -4,6 +4,7 @@
 #include "common/file_names.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -44,6 +45,6 @@ void test_file_names::free_names()
     QTEST(free_file_name(u"/source/a.db"_s, folder.path(), {u"-shm"_s, u"-wal"_s}), "free_name");
 }
 
-QTEST_GUILESS_MAIN(test_file_names)
+BLUETOOTH_LOGS_TEST(test_file_names, QCoreApplication)
 
 #include "test_file_names.moc"

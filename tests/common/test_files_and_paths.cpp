@@ -5,6 +5,7 @@
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -705,6 +706,6 @@ void test_files_and_paths::relative_path()
     QCOMPARE(final_file.complete_source_file_path, kind == home_kind ? given : QString());
 }
 
-QTEST_GUILESS_MAIN(test_files_and_paths)
+BLUETOOTH_LOGS_TEST(test_files_and_paths, QCoreApplication)
 
 #include "test_files_and_paths.moc"

@@ -3,6 +3,7 @@
 
 #include "common/plugin_static_function.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 #include "tests/support/text_function.h"
 
 #include <QTest>
@@ -91,6 +92,6 @@ void test_large_texts::time()
     QCOMPARE_LT((std::clock() - start) * 1000 / CLOCKS_PER_SEC, bearable_milliseconds);
 }
 
-QTEST_GUILESS_MAIN(test_large_texts)
+BLUETOOTH_LOGS_TEST(test_large_texts, QCoreApplication)
 
 #include "test_large_texts.moc"

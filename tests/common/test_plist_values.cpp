@@ -7,6 +7,7 @@
 #include "tests/support/property_list_bytes.h"
 #include "tests/support/property_list_objects.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -384,6 +385,6 @@ void test_plist_values::nsdate_of_no_date()
     QCOMPARE(log.take_lines(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(test_plist_values)
+BLUETOOTH_LOGS_TEST(test_plist_values, QCoreApplication)
 
 #include "test_plist_values.moc"

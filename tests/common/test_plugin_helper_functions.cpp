@@ -6,6 +6,7 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -263,6 +264,6 @@ void test_plugin_helper_functions::no_copy_without_a_parent_path()
     QVERIFY(QDir(path(u"tmp"_s)).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(test_plugin_helper_functions)
+BLUETOOTH_LOGS_TEST(test_plugin_helper_functions, QCoreApplication)
 
 #include "test_plugin_helper_functions.moc"

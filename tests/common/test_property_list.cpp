@@ -7,6 +7,7 @@
 #include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -416,6 +417,6 @@ void test_property_list::files()
     QCOMPARE(read_property_list(directory.filePath(name)), value);
 }
 
-QTEST_GUILESS_MAIN(test_property_list)
+BLUETOOTH_LOGS_TEST(test_property_list, QCoreApplication)
 
 #include "test_property_list.moc"

@@ -3,6 +3,7 @@
 
 #include "common/result_rows.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -36,6 +37,6 @@ void test_result_rows::no_progress_is_due_without_a_timer()
     QVERIFY(!is_progress_due(QElapsedTimer()));
 }
 
-QTEST_GUILESS_MAIN(test_result_rows)
+BLUETOOTH_LOGS_TEST(test_result_rows, QCoreApplication)
 
 #include "test_result_rows.moc"

@@ -3,6 +3,7 @@
 
 #include "common/plugin_static_function.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QMetaMethod>
 #include <QTest>
@@ -186,6 +187,6 @@ void test_run_context::meta_object_is_plain()
     QCOMPARE(meta.propertyCount(), meta.propertyOffset());
 }
 
-QTEST_GUILESS_MAIN(test_run_context)
+BLUETOOTH_LOGS_TEST(test_run_context, QCoreApplication)
 
 #include "test_run_context.moc"

@@ -5,6 +5,7 @@
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -417,6 +418,6 @@ void test_sql_commands::repeated_calls_reuse_the_connection()
     QCOMPARE(QSqlDatabase::connectionNames().size(), 3);
 }
 
-QTEST_GUILESS_MAIN(test_sql_commands)
+BLUETOOTH_LOGS_TEST(test_sql_commands, QCoreApplication)
 
 #include "test_sql_commands.moc"

@@ -4,6 +4,7 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 #include "tests/support/text_function.h"
 
 #include <QDir>
@@ -572,6 +573,6 @@ void test_timestamps::posix_timestamp_in_the_hour_that_autumn_repeats()
     }
 }
 
-QTEST_GUILESS_MAIN(test_timestamps)
+BLUETOOTH_LOGS_TEST(test_timestamps, QCoreApplication)
 
 #include "test_timestamps.moc"

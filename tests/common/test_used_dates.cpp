@@ -4,6 +4,7 @@
 #include "common/plugin_static_function.h"
 #include "common/used_dates.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTemporaryFile>
 #include <QTest>
@@ -117,6 +118,6 @@ void test_used_dates::a_file_that_nobody_indexed()
     }
 }
 
-QTEST_GUILESS_MAIN(test_used_dates)
+BLUETOOTH_LOGS_TEST(test_used_dates, QCoreApplication)
 
 #include "test_used_dates.moc"

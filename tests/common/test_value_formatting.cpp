@@ -5,6 +5,7 @@
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 #include "tests/support/text_function.h"
 
 #include <QDir>
@@ -420,6 +421,6 @@ void test_value_formatting::unicode_when_cancelled()
     QCOMPARE(log.take_messages(), QStringList{u"plugin_static_function::convert_string_to_unicode:  : running"_s});
 }
 
-QTEST_GUILESS_MAIN(test_value_formatting)
+BLUETOOTH_LOGS_TEST(test_value_formatting, QCoreApplication)
 
 #include "test_value_formatting.moc"

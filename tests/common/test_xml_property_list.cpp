@@ -4,6 +4,7 @@
 #include "common/platform/xml_property_list.h"
 #include "tests/support/property_list_bytes.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -49,6 +50,6 @@ void test_xml_property_list::malformed_values()
     QCOMPARE(parsed, value);
 }
 
-QTEST_GUILESS_MAIN(test_xml_property_list)
+BLUETOOTH_LOGS_TEST(test_xml_property_list, QCoreApplication)
 
 #include "test_xml_property_list.moc"

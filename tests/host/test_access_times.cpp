@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -66,6 +67,6 @@ void test_access_times::other_user_is_told()
     QCOMPARE(result.exit_code, source.startsWith(u"sample/ios"_s) ? 4 : 0);
 }
 
-QTEST_GUILESS_MAIN(test_access_times)
+BLUETOOTH_LOGS_TEST(test_access_times, QCoreApplication)
 
 #include "test_access_times.moc"

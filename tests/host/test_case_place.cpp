@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -167,6 +168,6 @@ void test_case_place::little_address_space_is_enough()
     QVERIFY2(result.exit_code == 0, qPrintable(result.errors));
 }
 
-QTEST_GUILESS_MAIN(test_case_place)
+BLUETOOTH_LOGS_TEST(test_case_place, QCoreApplication)
 
 #include "test_case_place.moc"

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -92,6 +93,6 @@ void test_children_end::killed_program()
     QVERIFY(!QFile::exists(host.path(u"case/Source1/tmp"_s)));
 }
 
-QTEST_GUILESS_MAIN(test_children_end)
+BLUETOOTH_LOGS_TEST(test_children_end, QCoreApplication)
 
 #include "test_children_end.moc"

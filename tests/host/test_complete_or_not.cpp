@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -189,6 +190,6 @@ void test_complete_or_not::record_of_others_is_no_leave()
     QCOMPARE(file.readAll(), "{\"status\": \"running\"}");
 }
 
-QTEST_GUILESS_MAIN(test_complete_or_not)
+BLUETOOTH_LOGS_TEST(test_complete_or_not, QCoreApplication)
 
 #include "test_complete_or_not.moc"

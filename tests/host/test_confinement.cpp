@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QJsonObject>
@@ -77,7 +78,7 @@ void test_confinement::plugin_that_tries_everything()
     const QString database = host.path(
         u"sample/macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s);
     const QByteArray evidence = content_of(database);
-    write_file(host.path(u"case/Source2/of another program"_s), {}); // so that the folder stays
+    write_file(host.path(u"case/Source2/of another program"_s), QByteArray()); // so that the folder stays
     attempts found = try_everything({});
     QCOMPARE(content_of(database), evidence);
 
@@ -117,7 +118,7 @@ void test_confinement::plugin_that_tries_everything()
 
 void test_confinement::without_it_everything_can_be_done()
 {
-    write_file(host.path(u"case/Source2/of another program"_s), {}); // so that the folder stays
+    write_file(host.path(u"case/Source2/of another program"_s), QByteArray()); // so that the folder stays
     const attempts found = try_everything({u"--no-confinement"_s});
     for (const QString &name :
          {u"write evidence"_s, u"open evidence's times"_s, u"manifest"_s, u"another source"_s, u"/tmp"_s,
@@ -142,5 +143,5 @@ void test_confinement::results_are_the_same()
     }
 }
 
-QTEST_GUILESS_MAIN(test_confinement)
+BLUETOOTH_LOGS_TEST(test_confinement, QCoreApplication)
 #include "test_confinement.moc"

@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/host/private_mount.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -288,6 +289,6 @@ void test_environment::working_folder_that_is_no_utf_8()
              QStringList{u"sample"_s});
 }
 
-QTEST_GUILESS_MAIN(test_environment)
+BLUETOOTH_LOGS_TEST(test_environment, QCoreApplication)
 
 #include "test_environment.moc"

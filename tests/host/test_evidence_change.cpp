@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "tests/host/evidence_names.h"
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,7 +20,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /** One step of somebody who changes evidence while it is read. @p path is a file of the evidence. */
-using change_step = void (*)(const QString &path);
 
 void change_permissions(const QString &path)
 {
@@ -73,8 +74,6 @@ void remove_the_file(const QString &path)
 
 } // namespace
 
-Q_DECLARE_METATYPE(change_step)
-
 /** What changes in the evidence during a run is told, by content and by what the file system says of its files. */
 class test_evidence_change : public strict_test
 {
@@ -95,7 +94,7 @@ private:
 void test_evidence_change::change_is_told_data()
 {
     QTest::addColumn<QString>("file"); // below the sample
-    QTest::addColumn<change_step>("change");
+    QTest::addColumn<file_change>("change");
     QTest::addColumn<QString>("words");
 
     const QString database = u"macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s;
@@ -121,7 +120,7 @@ void test_evidence_change::change_is_told_data()
 void test_evidence_change::change_is_told()
 {
     QFETCH(QString, file);
-    QFETCH(change_step, change);
+    QFETCH(file_change, change);
     QFETCH(QString, words);
     const host_program host;
     host.write_sample();
@@ -178,6 +177,6 @@ void test_evidence_change::change_is_told_of_a_plugin_that_crashed()
     QCOMPARE(host.source_record().value("status"_L1).toString(), u"evidence changed"_s);
 }
 
-QTEST_GUILESS_MAIN(test_evidence_change)
+BLUETOOTH_LOGS_TEST(test_evidence_change, QCoreApplication)
 
 #include "test_evidence_change.moc"

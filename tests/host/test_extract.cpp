@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -318,6 +319,6 @@ void test_extract::works_in_a_plain_locale()
     QVERIFY(result.output.startsWith(u"Source  macOS: "_s + host.path(u"größe/macos"_s) + u'\n'));
 }
 
-QTEST_GUILESS_MAIN(test_extract)
+BLUETOOTH_LOGS_TEST(test_extract, QCoreApplication)
 
 #include "test_extract.moc"

@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -105,6 +106,6 @@ void test_extract_ios::case_beside_the_log()
         QFile::exists(host.path(u"sample/ios/case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s)));
 }
 
-QTEST_GUILESS_MAIN(test_extract_ios)
+BLUETOOTH_LOGS_TEST(test_extract_ios, QCoreApplication)
 
 #include "test_extract_ios.moc"

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -197,6 +198,6 @@ void test_force_removes_only_ours::option_for_a_log_is_gone()
     QCOMPARE(contents(host.path(u"sample"_s)), before);
 }
 
-QTEST_GUILESS_MAIN(test_force_removes_only_ours)
+BLUETOOTH_LOGS_TEST(test_force_removes_only_ours, QCoreApplication)
 
 #include "test_force_removes_only_ours.moc"

@@ -2,9 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/host/memory_limit.h"
 #include "tests/support/file_content.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -21,13 +23,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int longest = 60000; // milliseconds; one that hangs takes for ever
-
-// A sanitizer reserves more addresses than any limit leaves.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool has_memory_limit = false;
-#else
-constexpr bool has_memory_limit = true;
-#endif
 
 /** Takes a part of a second a row, also to insert it, and gives a small number. */
 const QString slow_column =
@@ -281,5 +276,5 @@ void test_foreign_case::process_that_reads()
     QCOMPARE(result.exit_code, 4);
 }
 
-QTEST_GUILESS_MAIN(test_foreign_case)
+BLUETOOTH_LOGS_TEST(test_foreign_case, QCoreApplication)
 #include "test_foreign_case.moc"

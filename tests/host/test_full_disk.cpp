@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/host/private_mount.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -117,6 +118,6 @@ void test_full_disk::limit_of_file_size_is_told()
     QVERIFY(host.source_record().value("status"_L1).toString() != "done"_L1);
 }
 
-QTEST_GUILESS_MAIN(test_full_disk)
+BLUETOOTH_LOGS_TEST(test_full_disk, QCoreApplication)
 
 #include "test_full_disk.moc"

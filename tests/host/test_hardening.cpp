@@ -1,6 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "tests/support/file_content.h"
+#include "tests/support/test_entry.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -18,12 +21,6 @@ QString description_of(const QString &file)
     if (!readelf.waitForFinished() || readelf.exitCode() != 0)
         return {};
     return QString::fromUtf8(readelf.readAllStandardOutput());
-}
-
-QByteArray content_of(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace
@@ -80,5 +77,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(test_hardening)
+BLUETOOTH_LOGS_TEST(test_hardening, QCoreApplication)
 #include "test_hardening.moc"

@@ -7,6 +7,7 @@
 #include "tests/support/hive_bytes.h"
 #include "tests/support/property_list_bytes.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -179,6 +180,6 @@ void test_host_devices::lines_without_rows()
              3);
 }
 
-QTEST_GUILESS_MAIN(test_host_devices)
+BLUETOOTH_LOGS_TEST(test_host_devices, QCoreApplication)
 
 #include "test_host_devices.moc"

@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -97,6 +98,6 @@ void test_interrupt::table_that_is_being_written_is_finished()
     QVERIFY(host_program::without_manifest(result.output).contains(u"        paired_devices          0 rows\n"_s));
 }
 
-QTEST_GUILESS_MAIN(test_interrupt)
+BLUETOOTH_LOGS_TEST(test_interrupt, QCoreApplication)
 
 #include "test_interrupt.moc"

@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/host/memory_limit.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -13,13 +15,6 @@
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-
-// Sanitizers reserve terabytes of addresses: the limit is not set then.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool has_memory_limit = false;
-#else
-constexpr bool has_memory_limit = true;
-#endif
 
 /** Memory, size and time have limits, each told by its name. */
 class test_limits : public strict_test
@@ -184,6 +179,6 @@ void test_limits::hanging_load_is_ended()
     QCOMPARE(status(host), u"timed out"_s);
 }
 
-QTEST_GUILESS_MAIN(test_limits)
+BLUETOOTH_LOGS_TEST(test_limits, QCoreApplication)
 
 #include "test_limits.moc"

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -83,6 +84,6 @@ void test_live::changes_are_notes()
     QCOMPARE(host.source_record().value("status"_L1).toString(), u"done"_s);
 }
 
-QTEST_GUILESS_MAIN(test_live)
+BLUETOOTH_LOGS_TEST(test_live, QCoreApplication)
 
 #include "test_live.moc"

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QTest>
@@ -140,6 +141,6 @@ void test_no_log_text::log_is_taken()
     QCOMPARE(result.exit_code, 0);
 }
 
-QTEST_GUILESS_MAIN(test_no_log_text)
+BLUETOOTH_LOGS_TEST(test_no_log_text, QCoreApplication)
 
 #include "test_no_log_text.moc"

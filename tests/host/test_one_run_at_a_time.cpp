@@ -4,6 +4,7 @@
 #include "host/files/file_lock.h"
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -105,6 +106,6 @@ void test_one_run_at_a_time::lock_file_of_others_is_not_written()
     QCOMPARE(notes.readAll(), "the examiner's");
 }
 
-QTEST_GUILESS_MAIN(test_one_run_at_a_time)
+BLUETOOTH_LOGS_TEST(test_one_run_at_a_time, QCoreApplication)
 
 #include "test_one_run_at_a_time.moc"

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -105,6 +106,6 @@ void test_plugin_log_is_whole::odd_texts_are_whole()
     QCOMPARE(result.exit_code, 0);
 }
 
-QTEST_GUILESS_MAIN(test_plugin_log_is_whole)
+BLUETOOTH_LOGS_TEST(test_plugin_log_is_whole, QCoreApplication)
 
 #include "test_plugin_log_is_whole.moc"

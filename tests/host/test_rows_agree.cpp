@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QJsonObject>
@@ -184,6 +185,6 @@ void test_rows_agree::index_with_fewer_entries()
     QCOMPARE(run.exit_code, 0);
 }
 
-QTEST_GUILESS_MAIN(test_rows_agree)
+BLUETOOTH_LOGS_TEST(test_rows_agree, QCoreApplication)
 
 #include "test_rows_agree.moc"

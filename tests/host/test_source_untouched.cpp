@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -217,6 +218,6 @@ void test_source_untouched::system_calls_only_read()
     QVERIFY2(opens > 0, "the trace shows no open of the source");
 }
 
-QTEST_GUILESS_MAIN(test_source_untouched)
+BLUETOOTH_LOGS_TEST(test_source_untouched, QCoreApplication)
 
 #include "test_source_untouched.moc"

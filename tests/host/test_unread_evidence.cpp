@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "tests/host/evidence_names.h"
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -17,12 +19,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString folder = u"Library/Bluetooth/"_s;
-const QString other_name = u"com.apple.MobileBluetooth.ledevices.other.db"_s;
-const QString paired_name = u"com.apple.MobileBluetooth.ledevices.paired.db"_s;
-
 /** Puts something else in the place of a file of the evidence. */
-using replacement = void (*)(const QString &path);
 
 void put_nothing(const QString &path)
 {
@@ -67,8 +64,6 @@ void put_a_link_inside(const QString &path)
 
 } // namespace
 
-Q_DECLARE_METATYPE(replacement)
-
 /** Absent, unreadable and refused are three things, each told with the file's name and the reason. */
 class test_unread_evidence : public strict_test
 {
@@ -90,7 +85,7 @@ private:
 
 void test_unread_evidence::one_of_two_data()
 {
-    QTest::addColumn<replacement>("replace");
+    QTest::addColumn<file_change>("replace");
     QTest::addColumn<QString>("state");
     QTest::addColumn<QString>("reason");
 
@@ -108,31 +103,31 @@ void test_unread_evidence::one_of_two_data()
 
 void test_unread_evidence::one_of_two()
 {
-    QFETCH(replacement, replace);
+    QFETCH(file_change, replace);
     QFETCH(QString, state);
     QFETCH(QString, reason);
     const host_program host;
     host.write_sample();
-    replace(host.path(u"sample/macos/"_s + folder + other_name));
+    replace(host.path(u"sample/macos/"_s + database_folder + other_name));
     const host_result result = host.run(extract_sample);
     if (state == "present"_L1)
         QCOMPARE(result.errors, QString());
     else if (state == "absent"_L1)
         QCOMPARE(result.errors, u"note: the source holds no database for the table devices\n"_s);
     else
-        QCOMPARE(result.errors, u"error: "_s + folder + other_name + u" was not read: "_s + reason + u'\n');
+        QCOMPARE(result.errors, u"error: "_s + database_folder + other_name + u" was not read: "_s + reason + u'\n');
     QCOMPARE(result.exit_code, reason.isEmpty() ? 0 : 4);
     QVERIFY2(result.output.contains(u"        paired_devices         20 rows\n"_s), qPrintable(result.output));
 
     const QJsonObject file = host.source_record().value("evidence"_L1).toArray().at(0).toObject();
-    QCOMPARE(file.value("path"_L1).toString(), folder + other_name);
+    QCOMPARE(file.value("path"_L1).toString(), database_folder + other_name);
     QCOMPARE(file.value("state"_L1).toString(), state);
     QCOMPARE(file.value("reason"_L1).toString(), reason);
 }
 
 void test_unread_evidence::both_data()
 {
-    QTest::addColumn<replacement>("replace");
+    QTest::addColumn<file_change>("replace");
     QTest::addColumn<bool>("is_told_before"); // the case is not made
 
     // clang-format off
@@ -146,16 +141,16 @@ void test_unread_evidence::both_data()
 
 void test_unread_evidence::both()
 {
-    QFETCH(replacement, replace);
+    QFETCH(file_change, replace);
     QFETCH(bool, is_told_before);
     const host_program host;
     host.write_sample();
     for (const QString &name : {other_name, paired_name})
-        replace(host.path(u"sample/macos/"_s + folder + name));
+        replace(host.path(u"sample/macos/"_s + database_folder + name));
     const host_result result = host.run(extract_sample + QStringList{u"-t"_s, u"macOS"_s});
     QCOMPARE(result.exit_code, 3);
     for (const QString &name : {other_name, paired_name})
-        QVERIFY2(result.errors.contains(folder + name), qPrintable(result.errors));
+        QVERIFY2(result.errors.contains(database_folder + name), qPrintable(result.errors));
     QCOMPARE(QFile::exists(host.path(u"case"_s)), !is_told_before);
     QVERIFY(!host.path(u"case"_s).isEmpty());
 }
@@ -164,11 +159,11 @@ void test_unread_evidence::link_out_is_read_when_it_may_be()
 {
     const host_program host;
     host.write_sample();
-    const QString evidence = host.path(u"sample/macos/"_s + folder + other_name);
+    const QString evidence = host.path(u"sample/macos/"_s + database_folder + other_name);
     QVERIFY(QFile::rename(evidence, host.path(u"elsewhere.db"_s)));
     QVERIFY(QFile::link(host.path(u"elsewhere.db"_s), evidence));
     const host_result result = host.run(extract_sample + QStringList{u"--follow-links"_s});
-    QCOMPARE(result.errors, u"warning: "_s + folder + other_name
+    QCOMPARE(result.errors, u"warning: "_s + database_folder + other_name
                                 + u": it is reached by a link that leads out of the source, to "_s
                                 + host.path(u"elsewhere.db"_s) + u'\n');
     QCOMPARE(result.exit_code, 0);
@@ -226,6 +221,6 @@ void test_unread_evidence::closed_folder_is_not_absence()
     QCOMPARE(result.errors, u"error: the evidence cannot be read: "_s + bluetooth + u": permission denied\n"_s);
 }
 
-QTEST_GUILESS_MAIN(test_unread_evidence)
+BLUETOOTH_LOGS_TEST(test_unread_evidence, QCoreApplication)
 
 #include "test_unread_evidence.moc"

@@ -1,9 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "tests/host/evidence_names.h"
 #include "tests/host/host_program.h"
+#include "tests/support/file_content.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QSqlDatabase>
@@ -13,16 +16,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const QString folder = u"Library/Bluetooth/"_s;
-const QString paired_name = u"com.apple.MobileBluetooth.ledevices.paired.db"_s;
-const QString other_name = u"com.apple.MobileBluetooth.ledevices.other.db"_s;
-
-bool write_file(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
 
 } // namespace
 
@@ -48,7 +41,7 @@ private:
 void test_write_ahead_log::leave_a_log(const host_program &host, const QStringList &statements)
 {
     const QString name = u"writer"_s;
-    const QString evidence = host.path(u"sample/macos/"_s + folder + paired_name);
+    const QString evidence = host.path(u"sample/macos/"_s + database_folder + paired_name);
     const QString work = host.path(u"work.db"_s);
     QVERIFY(QFile::copy(evidence, work));
     {
@@ -99,7 +92,7 @@ void test_write_ahead_log::rows_are_those_of_the_main_file()
     const sqlite_file rows(host.path(u"case/Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s));
     QCOMPARE(rows.rows(u"SELECT count(*), sum(device_name = 'new') FROM paired_devices"_s).at(0).at(0).toInt(), 20);
     QCOMPARE(rows.rows(u"SELECT count(*) FROM paired_devices WHERE device_name = 'new'"_s).at(0).at(0).toInt(), 0);
-    QVERIFY(QFile::exists(host.path(u"case/Source1/Evidence/"_s + folder + paired_name + u"-wal"_s)));
+    QVERIFY(QFile::exists(host.path(u"case/Source1/Evidence/"_s + database_folder + paired_name + u"-wal"_s)));
 }
 
 void test_write_ahead_log::other_companions_data()
@@ -131,11 +124,11 @@ void test_write_ahead_log::other_companions()
     QFETCH(QString, message);
     const host_program host;
     host.write_sample();
-    const QString bluetooth = host.path(u"sample/macos/"_s + folder);
-    QVERIFY(write_file(bluetooth + file, content));
+    const QString bluetooth = host.path(u"sample/macos/"_s + database_folder);
+    write_file(bluetooth + file, content);
     QVERIFY(database_is_there || QFile::remove(bluetooth + paired_name));
     const host_result result = host.run(extract_sample);
-    QCOMPARE(result.errors, message.replace(u'$', folder + file));
+    QCOMPARE(result.errors, message.replace(u'$', database_folder + file));
     QCOMPARE(result.exit_code, 0);
     // Nothing of it came into being beside the evidence, and nothing went.
     QFile evidence(bluetooth + file);
@@ -147,12 +140,13 @@ void test_write_ahead_log::file_that_is_no_log()
 {
     const host_program host;
     host.write_sample();
-    QVERIFY(write_file(host.path(u"sample/macos/"_s + folder + paired_name + u"-wal"_s), "no log"));
+    write_file(host.path(u"sample/macos/"_s + database_folder + paired_name + u"-wal"_s), "no log");
     const host_result result = host.run(extract_sample);
-    QVERIFY2(result.errors.startsWith(u"warning: "_s + folder + paired_name + u"-wal: it is no write-ahead log\n"_s),
+    QVERIFY2(result.errors.startsWith(u"warning: "_s + database_folder + paired_name
+                                      + u"-wal: it is no write-ahead log\n"_s),
              qPrintable(result.errors));
 }
 
-QTEST_GUILESS_MAIN(test_write_ahead_log)
+BLUETOOTH_LOGS_TEST(test_write_ahead_log, QCoreApplication)
 
 #include "test_write_ahead_log.moc"

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -225,6 +226,6 @@ void test_wrong_plugin::process_that_it_leaves_behind_does_not_hold_the_run()
     QVERIFY2(has_sanitizer || clock.elapsed() < 4000, qPrintable(QString::number(clock.elapsed())));
 }
 
-QTEST_GUILESS_MAIN(test_wrong_plugin)
+BLUETOOTH_LOGS_TEST(test_wrong_plugin, QCoreApplication)
 
 #include "test_wrong_plugin.moc"

@@ -9,7 +9,9 @@
 #include "plugin/m_bluetooth_logs.h"
 #include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QMetaMethod>
 #include <QPointer>
@@ -578,6 +580,6 @@ void test_frame::main_class()
     static_assert(std::is_empty_v<m_bluetooth_logs>);
 }
 
-QTEST_MAIN(test_frame)
+BLUETOOTH_LOGS_TEST(test_frame, QApplication)
 
 #include "test_frame.moc"

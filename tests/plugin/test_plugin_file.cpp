@@ -4,7 +4,9 @@
 #include "common/shared_records.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QLibrary>
 #include <QProcess>
@@ -175,6 +177,6 @@ void test_plugin_file::operations_stand_in_slot_order()
     delete plugin;
 }
 
-QTEST_MAIN(test_plugin_file)
+BLUETOOTH_LOGS_TEST(test_plugin_file, QApplication)
 
 #include "test_plugin_file.moc"

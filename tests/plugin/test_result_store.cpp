@@ -5,7 +5,9 @@
 #include "tests/support/file_content.h"
 #include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QSqlDatabase>
 #include <QTest>
@@ -291,6 +293,6 @@ void test_result_store::temporary_folder_before_any_result_directory()
     QCOMPARE(tree_of(run->result_directory()), QStringList{u"file"_s});
 }
 
-QTEST_MAIN(test_result_store)
+BLUETOOTH_LOGS_TEST(test_result_store, QApplication)
 
 #include "test_result_store.moc"

@@ -4,7 +4,9 @@
 #include "common/plugin_helper_functions.h"
 #include "tests/extractors/ios_uid/ios_uid_case.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QMetaMethod>
 #include <QTest>
 
@@ -210,6 +212,6 @@ void test_bluetooth_logs_ios_uid::counts_go_on_from_run_to_run()
                           u"tabs 3"_s, u"records 2"_s, u"tabs 4"_s, u"records 2"_s}));
 }
 
-QTEST_MAIN(test_bluetooth_logs_ios_uid)
+BLUETOOTH_LOGS_TEST(test_bluetooth_logs_ios_uid, QApplication)
 
 #include "test_bluetooth_logs_ios_uid.moc"

@@ -4,7 +4,9 @@
 #include "tests/extractors/ios_uid/ios_uid_case.h"
 #include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -264,6 +266,6 @@ void test_log_rows::a_huge_line()
     QCOMPARE(device_rows(test), rows);
 }
 
-QTEST_MAIN(test_log_rows)
+BLUETOOTH_LOGS_TEST(test_log_rows, QApplication)
 
 #include "test_log_rows.moc"

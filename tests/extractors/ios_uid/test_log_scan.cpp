@@ -3,6 +3,7 @@
 
 #include "extractors/ios_uid/log_scan.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -275,6 +276,6 @@ void test_log_scan::a_read_error_ends_the_log()
     }
 }
 
-QTEST_GUILESS_MAIN(test_log_scan)
+BLUETOOTH_LOGS_TEST(test_log_scan, QCoreApplication)
 
 #include "test_log_scan.moc"

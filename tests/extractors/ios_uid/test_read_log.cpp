@@ -6,7 +6,9 @@
 #include "tests/support/log_watch.h"
 #include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QSqlDatabase>
 #include <QTest>
@@ -433,6 +435,6 @@ void test_read_log::connection_stays_closed()
     QCOMPARE(row_count(test), 3);
 }
 
-QTEST_MAIN(test_read_log)
+BLUETOOTH_LOGS_TEST(test_read_log, QApplication)
 
 #include "test_read_log.moc"

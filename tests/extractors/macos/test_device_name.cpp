@@ -6,7 +6,9 @@
 #include "tests/support/platform_limits.h"
 #include "tests/support/property_list_bytes.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -291,6 +293,6 @@ void test_device_name::the_file_is_read_afresh()
     QCOMPARE(log.take_messages(), lines({u"Starts"_s, u"Ends"_s, u"Starts"_s, u"Ends"_s, u"Starts"_s}));
 }
 
-QTEST_MAIN(test_device_name)
+BLUETOOTH_LOGS_TEST(test_device_name, QApplication)
 
 #include "test_device_name.moc"

@@ -6,6 +6,7 @@
 #include "extractors/macos/device_tables.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>
@@ -238,6 +239,6 @@ void test_device_rows::views_are_not_compiled()
     QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
 }
 
-QTEST_GUILESS_MAIN(test_device_rows)
+BLUETOOTH_LOGS_TEST(test_device_rows, QCoreApplication)
 
 #include "test_device_rows.moc"

@@ -6,7 +6,9 @@
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -383,6 +385,6 @@ void test_macos_hostile_evidence::companions_in_the_source_are_left_alone()
     QCOMPARE(devices(), QStringList{u"'n'"_s});
 }
 
-QTEST_MAIN(test_macos_hostile_evidence)
+BLUETOOTH_LOGS_TEST(test_macos_hostile_evidence, QApplication)
 
 #include "test_macos_hostile_evidence.moc"

@@ -10,7 +10,9 @@
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QSqlDatabase>
@@ -306,6 +308,6 @@ void test_macos_readers::copy_is_not_changed_by_reading()
     QCOMPARE(content_of(source->other_db()), content);
 }
 
-QTEST_MAIN(test_macos_readers)
+BLUETOOTH_LOGS_TEST(test_macos_readers, QApplication)
 
 #include "test_macos_readers.moc"

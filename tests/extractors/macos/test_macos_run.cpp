@@ -7,7 +7,9 @@
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QSignalSpy>
 #include <QSqlDatabase>
@@ -615,6 +617,6 @@ void test_macos_run::rows_of_a_write_ahead_log_are_not_read()
              QStringList({u"'UUID-1'"_s, u"'UUID-2'"_s, u"'UUID-2'"_s}));
 }
 
-QTEST_MAIN(test_macos_run)
+BLUETOOTH_LOGS_TEST(test_macos_run, QApplication)
 
 #include "test_macos_run.moc"

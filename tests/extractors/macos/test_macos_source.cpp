@@ -7,7 +7,9 @@
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QMetaMethod>
 #include <QSignalSpy>
@@ -270,6 +272,6 @@ void test_macos_source::staging_keeps_an_earlier_copy()
     QCOMPARE(content_of(copy), "earlier");
 }
 
-QTEST_MAIN(test_macos_source)
+BLUETOOTH_LOGS_TEST(test_macos_source, QApplication)
 
 #include "test_macos_source.moc"

@@ -6,7 +6,9 @@
 #include "common/plugin_helper_functions.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QMetaMethod>
 #include <QSignalSpy>
@@ -226,6 +228,6 @@ void test_bluetooth_logs_winos::a_run_emits_one_records_signal()
     QVERIFY(QDir(dir.path()).isEmpty());
 }
 
-QTEST_MAIN(test_bluetooth_logs_winos)
+BLUETOOTH_LOGS_TEST(test_bluetooth_logs_winos, QApplication)
 
 #include "test_bluetooth_logs_winos.moc"

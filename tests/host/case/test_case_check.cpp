@@ -5,6 +5,7 @@
 #include "host/case/report_record.h"
 #include "host/files/host_error.h"
 #include "tests/host/case/made_case.h"
+#include "tests/support/test_entry.h"
 
 #include <functional>
 
@@ -350,6 +351,6 @@ void test_case_check::windows_is_not_called_compared()
              u"Source1: nothing of a Windows source is read by this version, and none of it was compared"_s);
 }
 
-QTEST_GUILESS_MAIN(test_case_check)
+BLUETOOTH_LOGS_TEST(test_case_check, QCoreApplication)
 
 #include "test_case_check.moc"

@@ -4,6 +4,7 @@
 #include "host/case/case_files.h"
 #include "host/source/macos_databases.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -58,6 +59,6 @@ void test_case_files::databases_have_their_names()
     QVERIFY(removed.contains(u"Evidence/"_s + macos_preferences_file));
 }
 
-QTEST_GUILESS_MAIN(test_case_files)
+BLUETOOTH_LOGS_TEST(test_case_files, QCoreApplication)
 
 #include "test_case_files.moc"

@@ -3,6 +3,7 @@
 
 #include "host/case/case_layout.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -192,6 +193,6 @@ void test_case_layout::source_numbers()
     QCOMPARE(case_layout(directory.filePath(u"none"_s)).source_numbers(), QList<int>());
 }
 
-QTEST_GUILESS_MAIN(test_case_layout)
+BLUETOOTH_LOGS_TEST(test_case_layout, QCoreApplication)
 
 #include "test_case_layout.moc"

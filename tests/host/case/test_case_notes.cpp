@@ -5,6 +5,7 @@
 #include "host/case/case_notes.h"
 #include "host/files/host_error.h"
 #include "tests/host/case/made_case.h"
+#include "tests/support/test_entry.h"
 
 using namespace Qt::StringLiterals;
 
@@ -169,6 +170,6 @@ void test_case_notes::verification_takes_them_as_a_note()
     QCOMPARE(check_case(request).notes, QStringList());
 }
 
-QTEST_GUILESS_MAIN(test_case_notes)
+BLUETOOTH_LOGS_TEST(test_case_notes, QCoreApplication)
 
 #include "test_case_notes.moc"

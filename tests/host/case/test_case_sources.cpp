@@ -4,6 +4,7 @@
 #include "host/case/case_sources.h"
 #include "host/files/host_error.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -219,6 +220,6 @@ void test_case_sources::numbers_in_a_text()
     QCOMPARE(message, numbers.isEmpty() ? QString(u"these are no numbers of sources: "_s + text) : QString());
 }
 
-QTEST_GUILESS_MAIN(test_case_sources)
+BLUETOOTH_LOGS_TEST(test_case_sources, QCoreApplication)
 
 #include "test_case_sources.moc"

@@ -3,6 +3,7 @@
 
 #include "host/case/manifest.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -90,5 +91,5 @@ void test_case_tally::sources_that_are_not_done()
     QCOMPARE(tally.sources.value(source_status::crashed), 0);
 }
 
-QTEST_GUILESS_MAIN(test_case_tally)
+BLUETOOTH_LOGS_TEST(test_case_tally, QCoreApplication)
 #include "test_case_tally.moc"

@@ -3,6 +3,7 @@
 
 #include "host/case/case_sources.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -44,6 +45,6 @@ void test_number_ranges::ranges()
     QCOMPARE(numbers_in(text), numbers);
 }
 
-QTEST_APPLESS_MAIN(test_number_ranges)
+BLUETOOTH_LOGS_TEST(test_number_ranges, QCoreApplication)
 
 #include "test_number_ranges.moc"

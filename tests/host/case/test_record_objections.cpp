@@ -3,6 +3,7 @@
 
 #include "host/case/record_objections.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QJsonDocument>
 #include <QTest>
@@ -88,5 +89,5 @@ void test_record_objections::sources()
     QCOMPARE(objection_to_sources(manifest.object()), objection);
 }
 
-QTEST_GUILESS_MAIN(test_record_objections)
+BLUETOOTH_LOGS_TEST(test_record_objections, QCoreApplication)
 #include "test_record_objections.moc"

@@ -5,6 +5,7 @@
 #include "host/files/file_lock.h"
 #include "host/files/host_error.h"
 #include "tests/host/case/made_case.h"
+#include "tests/support/test_entry.h"
 
 using namespace Qt::StringLiterals;
 
@@ -154,5 +155,5 @@ void test_stored_source::titles()
     QCOMPARE(source.title(), u"Source4  the laptop  of a later version: /mnt/image"_s);
 }
 
-QTEST_GUILESS_MAIN(test_stored_source)
+BLUETOOTH_LOGS_TEST(test_stored_source, QCoreApplication)
 #include "test_stored_source.moc"

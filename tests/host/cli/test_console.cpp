@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -169,6 +170,6 @@ void test_console::reader_that_goes_ends_the_program()
     QCOMPARE(result.errors, QString());
 }
 
-QTEST_GUILESS_MAIN(test_console)
+BLUETOOTH_LOGS_TEST(test_console, QCoreApplication)
 
 #include "test_console.moc"

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -116,6 +117,6 @@ void test_extract_refusals::source_that_may_not_be_read()
              u"error: the log text cannot be read: "_s + host.path(u"closed.log"_s) + u": permission denied\n"_s);
 }
 
-QTEST_GUILESS_MAIN(test_extract_refusals)
+BLUETOOTH_LOGS_TEST(test_extract_refusals, QCoreApplication)
 
 #include "test_extract_refusals.moc"

@@ -3,6 +3,7 @@
 
 #include "host/cli/nearest_word.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -45,6 +46,6 @@ void test_nearest_word::nearest()
     QCOMPARE(nearest_word(typed, {u"sample"_s, u"extract"_s, u"show"_s}), meant);
 }
 
-QTEST_GUILESS_MAIN(test_nearest_word)
+BLUETOOTH_LOGS_TEST(test_nearest_word, QCoreApplication)
 
 #include "test_nearest_word.moc"

@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/host/pseudo_terminal.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -107,6 +108,6 @@ void test_on_terminal::no_color_goes_for_wrong_use_too()
     QVERIFY(errors_on_terminal(host, {u"shwo"_s}, QByteArray(), 0, exit_code).startsWith("\033[1;31merror:\033[0m "));
 }
 
-QTEST_GUILESS_MAIN(test_on_terminal)
+BLUETOOTH_LOGS_TEST(test_on_terminal, QCoreApplication)
 
 #include "test_on_terminal.moc"

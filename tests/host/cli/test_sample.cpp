@@ -5,6 +5,7 @@
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QCryptographicHash>
 #include <QDirIterator>
@@ -301,6 +302,6 @@ void test_sample::printed_lines_can_be_pasted()
     }
 }
 
-QTEST_GUILESS_MAIN(test_sample)
+BLUETOOTH_LOGS_TEST(test_sample, QCoreApplication)
 
 #include "test_sample.moc"

@@ -3,6 +3,7 @@
 
 #include "host/cli/shell_text.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QProcess>
 #include <QStandardPaths>
@@ -55,6 +56,6 @@ void test_shell_text::word()
     QCOMPARE(QString::fromUtf8(shell.readAllStandardOutput()), text);
 }
 
-QTEST_GUILESS_MAIN(test_shell_text)
+BLUETOOTH_LOGS_TEST(test_shell_text, QCoreApplication)
 
 #include "test_shell_text.moc"

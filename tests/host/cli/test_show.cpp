@@ -5,6 +5,7 @@
 #include "tests/host/pseudo_terminal.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -548,6 +549,6 @@ void test_show::many_rows_take_little_memory()
     QVERIFY2(peak > 0 && peak < most_kilobytes, qPrintable(QString::number(peak)));
 }
 
-QTEST_GUILESS_MAIN(test_show)
+BLUETOOTH_LOGS_TEST(test_show, QCoreApplication)
 
 #include "test_show.moc"

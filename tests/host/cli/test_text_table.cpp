@@ -3,6 +3,7 @@
 
 #include "host/cli/text_table.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -39,6 +40,6 @@ void test_text_table::a_very_long_cell_widens_no_column()
     QCOMPARE(table.width(), 2 + 60 + 2 + 1);
 }
 
-QTEST_GUILESS_MAIN(test_text_table)
+BLUETOOTH_LOGS_TEST(test_text_table, QCoreApplication)
 
 #include "test_text_table.moc"

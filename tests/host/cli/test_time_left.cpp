@@ -3,6 +3,7 @@
 
 #include "host/cli/time_left.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -39,6 +40,6 @@ void test_time_left::what_was_shown_never_grows()
     QCOMPARE(left.seconds(62000, 0.9).value_or(-1), 6);
 }
 
-QTEST_APPLESS_MAIN(test_time_left)
+BLUETOOTH_LOGS_TEST(test_time_left, QCoreApplication)
 
 #include "test_time_left.moc"

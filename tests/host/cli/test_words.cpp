@@ -5,6 +5,7 @@
 #include "host/source/source_kinds.h"
 #include "tests/host/host_program.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QTest>
@@ -275,6 +276,6 @@ void test_words::number_with_leading_zeros()
     QCOMPARE(QDir(other.path(u"case"_s)).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList{u"Source10"_s});
 }
 
-QTEST_GUILESS_MAIN(test_words)
+BLUETOOTH_LOGS_TEST(test_words, QCoreApplication)
 
 #include "test_words.moc"

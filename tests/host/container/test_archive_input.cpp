@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/container/archive_input.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -152,5 +153,5 @@ void test_archive_input::unreadable_file_has_no_hash()
     QCOMPARE(file.problem, u"is a directory"_s);
 }
 
-QTEST_GUILESS_MAIN(test_archive_input)
+BLUETOOTH_LOGS_TEST(test_archive_input, QCoreApplication)
 #include "test_archive_input.moc"

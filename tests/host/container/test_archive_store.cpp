@@ -3,6 +3,7 @@
 
 #include "host/container/archive_store.h"
 #include "host/files/sha256.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -138,6 +139,6 @@ void test_archive_store::hash_is_that_of_the_whole_file()
     }
 }
 
-QTEST_GUILESS_MAIN(test_archive_store)
+BLUETOOTH_LOGS_TEST(test_archive_store, QCoreApplication)
 
 #include "test_archive_store.moc"

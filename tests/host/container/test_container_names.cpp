@@ -4,6 +4,7 @@
 #include "host/container/container_format.h"
 #include "host/container/evidence_search.h"
 #include "host/container/member_name.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -178,5 +179,5 @@ void test_container_names::refusal_names_the_command()
              "/a b.qcow2 /a b.qcow2.raw)"_s);
 }
 
-QTEST_GUILESS_MAIN(test_container_names)
+BLUETOOTH_LOGS_TEST(test_container_names, QCoreApplication)
 #include "test_container_names.moc"

@@ -4,6 +4,7 @@
 #include "host/container/evidence_collector.h"
 #include "host/files/host_error.h"
 #include "host/files/sha256.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -307,5 +308,5 @@ void test_evidence_collector::nothing_is_written_when_only_looking()
     QCOMPARE(file.staged, QString());
 }
 
-QTEST_GUILESS_MAIN(test_evidence_collector)
+BLUETOOTH_LOGS_TEST(test_evidence_collector, QCoreApplication)
 #include "test_evidence_collector.moc"

@@ -4,6 +4,7 @@
 #include "host/container/evidence_export.h"
 #include "host/files/sha256.h"
 #include "host/sample/sample.h"
+#include "tests/support/test_entry.h"
 
 #include <QDirIterator>
 #include <QFile>
@@ -102,5 +103,5 @@ void test_evidence_export::no_hash_where_none_is_wanted()
     }
 }
 
-QTEST_GUILESS_MAIN(test_evidence_export)
+BLUETOOTH_LOGS_TEST(test_evidence_export, QCoreApplication)
 #include "test_evidence_export.moc"

@@ -5,6 +5,7 @@
 
 #include "host/container/disk_image.h"
 #include "host/files/host_error.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -67,5 +68,5 @@ void test_left_out_libraries::container_is_refused_by_what_is_missing()
     }
 }
 
-QTEST_GUILESS_MAIN(test_left_out_libraries)
+BLUETOOTH_LOGS_TEST(test_left_out_libraries, QCoreApplication)
 #include "test_left_out_libraries.moc"

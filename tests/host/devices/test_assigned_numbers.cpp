@@ -3,6 +3,7 @@
 
 #include "host/devices/assigned_numbers.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -82,6 +83,6 @@ void test_assigned_numbers::versions()
     QCOMPARE(QString(bluetooth_version(number)), version);
 }
 
-QTEST_GUILESS_MAIN(test_assigned_numbers)
+BLUETOOTH_LOGS_TEST(test_assigned_numbers, QCoreApplication)
 
 #include "test_assigned_numbers.moc"

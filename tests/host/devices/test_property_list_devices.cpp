@@ -5,6 +5,7 @@
 #include "host/devices/preferences_devices.h"
 #include "tests/support/property_list_bytes.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -266,6 +267,6 @@ void test_property_list_devices::refused()
     }
 }
 
-QTEST_GUILESS_MAIN(test_property_list_devices)
+BLUETOOTH_LOGS_TEST(test_property_list_devices, QCoreApplication)
 
 #include "test_property_list_devices.moc"

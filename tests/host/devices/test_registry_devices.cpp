@@ -5,6 +5,7 @@
 #include "host/devices/registry_devices.h"
 #include "tests/support/hive_bytes.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>
@@ -429,6 +430,6 @@ void test_registry_devices::speed()
     QCOMPARE(list.devices.size(), 500);
 }
 
-QTEST_GUILESS_MAIN(test_registry_devices)
+BLUETOOTH_LOGS_TEST(test_registry_devices, QCoreApplication)
 
 #include "test_registry_devices.moc"

@@ -6,6 +6,7 @@
 #include "host/files/json_file.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -71,6 +72,6 @@ void test_doubled_member::a_file_with_one_is_refused()
     QCOMPARE(read_json_file(path).size(), 1);
 }
 
-QTEST_APPLESS_MAIN(test_doubled_member)
+BLUETOOTH_LOGS_TEST(test_doubled_member, QCoreApplication)
 
 #include "test_doubled_member.moc"

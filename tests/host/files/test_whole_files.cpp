@@ -6,7 +6,9 @@
 #include "host/files/json_file.h"
 #include "host/files/open_without_links.h"
 #include "host/files/paths.h"
+#include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -22,12 +24,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QByteArray content_of(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
 
 QString kind_name(error_kind kind)
 {
@@ -317,6 +313,6 @@ void test_whole_files::absolute()
     QCOMPARE(problem == "done"_L1 ? given : problem, absolute_form.replace(u'$', folder.path()));
 }
 
-QTEST_GUILESS_MAIN(test_whole_files)
+BLUETOOTH_LOGS_TEST(test_whole_files, QCoreApplication)
 
 #include "test_whole_files.moc"

@@ -3,6 +3,7 @@
 
 #include "host/report/join/device_join.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -109,6 +110,6 @@ void test_device_join::shared_ones_are_numbered()
     QCOMPARE(devices.at(2).shared_number, 2);
 }
 
-QTEST_GUILESS_MAIN(test_device_join)
+BLUETOOTH_LOGS_TEST(test_device_join, QCoreApplication)
 
 #include "test_device_join.moc"

@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -173,6 +174,6 @@ void test_hostile_names::separated_values()
     QCOMPARE(QProcess::execute(python, {u"-c"_s, script, report(u"devices.csv"_s), report(u"devices.tsv"_s)}), 0);
 }
 
-QTEST_GUILESS_MAIN(test_hostile_names)
+BLUETOOTH_LOGS_TEST(test_hostile_names, QCoreApplication)
 
 #include "test_hostile_names.moc"

@@ -3,6 +3,7 @@
 
 #include "host/report/page/page_column.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -117,6 +118,6 @@ void test_page_column::same_values()
     QVERIFY(!column_of_numbers(70000).is_same_as(column_of_numbers(70001)));
 }
 
-QTEST_GUILESS_MAIN(test_page_column)
+BLUETOOTH_LOGS_TEST(test_page_column, QCoreApplication)
 
 #include "test_page_column.moc"

@@ -6,6 +6,7 @@
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -132,6 +133,6 @@ void test_page_rows::same_cells_as_json_lines()
     QVERIFY(compared >= 2);
 }
 
-QTEST_GUILESS_MAIN(test_page_rows)
+BLUETOOTH_LOGS_TEST(test_page_rows, QCoreApplication)
 
 #include "test_page_rows.moc"

@@ -12,6 +12,7 @@
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -1110,6 +1111,6 @@ void test_report::folder_in_the_evidence()
     QCOMPARE(tree_of(sources.one.root()), before);
 }
 
-QTEST_GUILESS_MAIN(test_report)
+BLUETOOTH_LOGS_TEST(test_report, QCoreApplication)
 
 #include "test_report.moc"

@@ -13,6 +13,7 @@
 #include "host/source/source_kinds.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -416,6 +417,6 @@ void test_report_tables::database()
     QCOMPARE(rows_of("SELECT * FROM v_shared_devices"), QStringList());
 }
 
-QTEST_GUILESS_MAIN(test_report_tables)
+BLUETOOTH_LOGS_TEST(test_report_tables, QCoreApplication)
 
 #include "test_report_tables.moc"

@@ -10,6 +10,7 @@
 #include "host/report/tables/separated_cell.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -386,6 +387,6 @@ void test_report_values::markup()
     QCOMPARE(page_json(page_value(cell::of_text(text))), json);
 }
 
-QTEST_GUILESS_MAIN(test_report_values)
+BLUETOOTH_LOGS_TEST(test_report_values, QCoreApplication)
 
 #include "test_report_values.moc"

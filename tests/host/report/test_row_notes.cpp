@@ -4,6 +4,7 @@
 #include "host/report/reading/row_notes.h"
 #include "host/report/reading/wal_change.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -120,6 +121,6 @@ void test_row_notes::counters_of_the_row_with_its_log()
     QCOMPARE(deleted.connected, std::optional<qint64>());
 }
 
-QTEST_GUILESS_MAIN(test_row_notes)
+BLUETOOTH_LOGS_TEST(test_row_notes, QCoreApplication)
 
 #include "test_row_notes.moc"

@@ -4,6 +4,7 @@
 #include "host/run/case_plan.h"
 
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -208,6 +209,6 @@ void test_case_plan::record_that_cannot_be_read_is_no_leftover()
     QCOMPARE(chosen(request_for(earlier_run::added_to, {source_at(u"/d"_s)}), {broken}), u"no record"_s);
 }
 
-QTEST_GUILESS_MAIN(test_case_plan)
+BLUETOOTH_LOGS_TEST(test_case_plan, QCoreApplication)
 
 #include "test_case_plan.moc"

@@ -4,6 +4,7 @@
 #include "tests/host/host_program.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -618,6 +619,6 @@ void test_cases::progress_for_programs_tells_all_that_goes_wrong()
     QCOMPARE(refused.errors.count(u'\n'), 1);
 }
 
-QTEST_GUILESS_MAIN(test_cases)
+BLUETOOTH_LOGS_TEST(test_cases, QCoreApplication)
 
 #include "test_cases.moc"

@@ -5,6 +5,7 @@
 
 #include "host/files/host_error.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -151,5 +152,5 @@ void test_child_process::signals_without_a_name()
     QCOMPARE(end.signal_name(), u"signal 63"_s);
 }
 
-QTEST_GUILESS_MAIN(test_child_process)
+BLUETOOTH_LOGS_TEST(test_child_process, QCoreApplication)
 #include "test_child_process.moc"

@@ -5,6 +5,7 @@
 
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -104,6 +105,6 @@ void test_ios_rows::differences()
     QCOMPARE(ios_row_differences(database, lines, {u"devices"_s, u"paired_devices"_s}), texts);
 }
 
-QTEST_GUILESS_MAIN(test_ios_rows)
+BLUETOOTH_LOGS_TEST(test_ios_rows, QCoreApplication)
 
 #include "test_ios_rows.moc"

@@ -3,6 +3,7 @@
 
 #include "host/run/plugin_log.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>
@@ -125,6 +126,6 @@ void test_plugin_log::hash_is_of_the_whole_log()
              QString::fromLatin1(QCryptographicHash::hash(log, QCryptographicHash::Sha256).toHex()));
 }
 
-QTEST_GUILESS_MAIN(test_plugin_log)
+BLUETOOTH_LOGS_TEST(test_plugin_log, QCoreApplication)
 
 #include "test_plugin_log.moc"

@@ -6,6 +6,7 @@
 #include "host/case/outcome_code.h"
 #include "host/source/macos_databases.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QJsonArray>
 #include <QTest>
@@ -311,6 +312,6 @@ void test_source_outcome::messages_of_older_records_are_notes()
     QCOMPARE(record.messages[1].importance, run_message::weight::warning);
 }
 
-QTEST_GUILESS_MAIN(test_source_outcome)
+BLUETOOTH_LOGS_TEST(test_source_outcome, QCoreApplication)
 
 #include "test_source_outcome.moc"

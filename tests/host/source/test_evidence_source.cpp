@@ -5,6 +5,7 @@
 #include "host/source/evidence_source.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -105,6 +106,6 @@ void test_evidence_source::zero_bytes_in_a_log()
     QCOMPARE(refusal_of(folder.path(), u"/log"_s), QString());
 }
 
-QTEST_GUILESS_MAIN(test_evidence_source)
+BLUETOOTH_LOGS_TEST(test_evidence_source, QCoreApplication)
 
 #include "test_evidence_source.moc"

@@ -3,6 +3,7 @@
 
 #include "host/source/evidence_state.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QElapsedTimer>
 #include <QTest>
@@ -88,6 +89,6 @@ void test_evidence_state::many_names()
     QVERIFY2(timer.elapsed() < 5000, "each name is compared with each"); // a minute and more then
 }
 
-QTEST_GUILESS_MAIN(test_evidence_state)
+BLUETOOTH_LOGS_TEST(test_evidence_state, QCoreApplication)
 
 #include "test_evidence_state.moc"

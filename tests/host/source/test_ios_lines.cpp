@@ -6,6 +6,7 @@
 #include "host/source/ios_lines.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QBuffer>
 #include <QRandomGenerator>
@@ -179,6 +180,6 @@ void test_ios_lines::written_lines()
              "\"text\":\"2024-05-17 12:11:05.123456+0200 x\",\"host_date\":\"2024-05-17T12:11:05.123456+02:00\"}\n");
 }
 
-QTEST_GUILESS_MAIN(test_ios_lines)
+BLUETOOTH_LOGS_TEST(test_ios_lines, QCoreApplication)
 
 #include "test_ios_lines.moc"

@@ -4,6 +4,7 @@
 #include "host/source/ios_log_files.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -80,6 +81,6 @@ void test_ios_log_files::zero_bytes()
     QCOMPARE(files.oddity(), oddity);
 }
 
-QTEST_GUILESS_MAIN(test_ios_log_files)
+BLUETOOTH_LOGS_TEST(test_ios_log_files, QCoreApplication)
 
 #include "test_ios_log_files.moc"

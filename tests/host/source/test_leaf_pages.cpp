@@ -6,6 +6,7 @@
 #include "tests/support/file_content.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -176,6 +177,6 @@ void test_leaf_pages::written_rows()
     QVERIFY(!QFile::exists(folder.filePath(u"b"_s)));
 }
 
-QTEST_GUILESS_MAIN(test_leaf_pages)
+BLUETOOTH_LOGS_TEST(test_leaf_pages, QCoreApplication)
 
 #include "test_leaf_pages.moc"

@@ -3,6 +3,7 @@
 
 #include "host/source/log_date.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -44,6 +45,6 @@ void test_log_date::dates()
     QCOMPARE(date_with_zone(line), date);
 }
 
-QTEST_GUILESS_MAIN(test_log_date)
+BLUETOOTH_LOGS_TEST(test_log_date, QCoreApplication)
 
 #include "test_log_date.moc"

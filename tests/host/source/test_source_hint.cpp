@@ -3,6 +3,7 @@
 
 #include "host/source/source_hint.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -50,6 +51,6 @@ void test_source_hint::hint()
     QCOMPARE(source_hint(QDir::cleanPath(named.replace(u'$', root))), hint.replace(u'$', root));
 }
 
-QTEST_APPLESS_MAIN(test_source_hint)
+BLUETOOTH_LOGS_TEST(test_source_hint, QCoreApplication)
 
 #include "test_source_hint.moc"

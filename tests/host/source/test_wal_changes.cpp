@@ -7,6 +7,7 @@
 #include "tests/support/file_content.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -275,6 +276,6 @@ void test_wal_changes::view_in_place_of_the_table()
     QCOMPARE(findings.counts, counts(0, 0, 0));
 }
 
-QTEST_GUILESS_MAIN(test_wal_changes)
+BLUETOOTH_LOGS_TEST(test_wal_changes, QCoreApplication)
 
 #include "test_wal_changes.moc"

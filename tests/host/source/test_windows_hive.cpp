@@ -3,6 +3,7 @@
 
 #include "host/source/windows_hive.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -58,6 +59,6 @@ void test_windows_hive::paths()
         QCOMPARE(is_windows_hive(path) + 2 * is_windows_hive_log(path), path == paths.first() ? 1 : 2);
 }
 
-QTEST_GUILESS_MAIN(test_windows_hive)
+BLUETOOTH_LOGS_TEST(test_windows_hive, QCoreApplication)
 
 #include "test_windows_hive.moc"

@@ -6,6 +6,7 @@
 #include "host/files/host_error.h"
 #include "host/files/sha256.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -93,5 +94,5 @@ void test_working_copy::nothing_is_written_over()
     QVERIFY(!QFile::exists(folder.filePath(u"gone"_s)));
 }
 
-QTEST_GUILESS_MAIN(test_working_copy)
+BLUETOOTH_LOGS_TEST(test_working_copy, QCoreApplication)
 #include "test_working_copy.moc"

@@ -3,6 +3,7 @@
 
 #include "host/sqlite/sqlite.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QDir>
 #include <QFile>
@@ -206,6 +207,6 @@ void test_sqlite::bytes_are_no_text_of_the_database()
                                                           4));
 }
 
-QTEST_GUILESS_MAIN(test_sqlite)
+BLUETOOTH_LOGS_TEST(test_sqlite, QCoreApplication)
 
 #include "test_sqlite.moc"

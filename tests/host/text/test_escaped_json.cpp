@@ -3,6 +3,7 @@
 
 #include "host/text/json_text.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -46,6 +47,6 @@ void test_escaped_json::text()
     QCOMPARE(QJsonDocument::fromJson(escaped).object().value("t"_L1).toString(), value);
 }
 
-QTEST_APPLESS_MAIN(test_escaped_json)
+BLUETOOTH_LOGS_TEST(test_escaped_json, QCoreApplication)
 
 #include "test_escaped_json.moc"

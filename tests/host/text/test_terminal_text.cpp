@@ -3,6 +3,7 @@
 
 #include "host/text/terminal_text.h"
 #include "tests/support/strict_test.h"
+#include "tests/support/test_entry.h"
 
 #include <QTest>
 
@@ -170,6 +171,6 @@ void test_terminal_text::style_ends_with_the_text()
     QCOMPARE(terminal_text(u"a\x1b"_s).styled(terminal_style::warning).to_string(), u"\x1b[1;33ma\\u{1b}\x1b[0m"_s);
 }
 
-QTEST_GUILESS_MAIN(test_terminal_text)
+BLUETOOTH_LOGS_TEST(test_terminal_text, QCoreApplication)
 
 #include "test_terminal_text.moc"
