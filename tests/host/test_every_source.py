@@ -226,6 +226,14 @@ class every_source(case_in_a_folder):
         self.assertGreater(database.execute("SELECT count(*) FROM v_named_devices").fetchone()[0], 100)
         self.assertEqual(database.execute("SELECT max(rank IS NULL), count(*) FROM v_last_seen WHERE source = 1 AND "
                                           "source_table = 'devices'").fetchone(), (0, 1000))
+        # When was the headset last seen, by the sources that have a time of it?
+        self.assertEqual(database.execute("SELECT source, last_time, meaning FROM v_last_seen WHERE address = ? AND last_time "
+                                          "IS NOT NULL", (headset.lower(),)).fetchall(),
+                         [(number, "2024-05-17T10:11:05+00:00", meaning) for numbers, meaning in (
+                             ((1, 2, 3), "LastSeenTime of the mobile list, taken as seconds since 2001"),
+                             ((5, 6), "LastSeen of the registry")) for number in numbers])
+        self.assertEqual(database.execute("SELECT line_date FROM v_last_seen WHERE source = 4 LIMIT 1").fetchone(),
+                         (self.lines("case/Report/devices.jsonl")[-1]["plugin"]["date"],))
         self.assertEqual(database.execute("SELECT devices, paired_devices, host_devices FROM v_sources WHERE source = 1")
                          .fetchone(), (1000, 20, 13))
         plan = " ".join(row[3] for row in database.execute(
@@ -236,8 +244,8 @@ class every_source(case_in_a_folder):
         report = self.report()
         book = open_book(report / "report.xlsx")
         names = sheet_names(book)
-        self.assertEqual(names, ["sources", "devices", "paired_devices", "shared", "evidence_files", "wal_changes",
-                                 "host_devices", "unparsed_lines", "salvage", "timeline"])
+        self.assertEqual(names, ["sources", "devices", "paired_devices", "shared", "evidence_files", "containers",
+                                 "wal_changes", "host_devices", "unparsed_lines", "salvage", "timeline"])
         database = sqlite3.connect(f"file:{report}/report.sqlite?mode=ro", uri=True)
         self.addCleanup(database.close)
         for number, name in enumerate(names, 1):
@@ -247,7 +255,7 @@ class every_source(case_in_a_folder):
             self.assertIsNotNone(sheet.find(sheet_namespace + "autoFilter"), name)
             self.assertIsNotNone(sheet.find(f"{sheet_namespace}cols/{sheet_namespace}col").get("width"), name)
             self.assertEqual(len(rows) - 1, database.execute(f"SELECT count(*) FROM {name}").fetchone()[0], name)
-        rows, _ = rows_of_sheet(book, "xl/worksheets/sheet7.xml")
+        rows, _ = rows_of_sheet(book, f"xl/worksheets/sheet{names.index('host_devices') + 1}.xml")
         texts = [text for row in rows for text in row.values()]
         self.assertTrue(any(isinstance(text, str) and text.endswith(formula) for text in texts))
         self.assertFalse(any(isinstance(text, str) and text.startswith("'") for text in texts))

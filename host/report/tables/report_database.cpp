@@ -154,19 +154,33 @@ void report_database::add_views()
     const auto last_seen = [this, &row_of](const QString &table) {
         return row_of(table, ", " + column_or_null(table, "host_last_seen_time") + " AS last_seen_counter, "
                                  + column_or_null(table, "rank_last_seen") + " AS rank, "
-                                 + first_filled(table, {"host_date", "date"}) + " AS line_date");
+                                 + first_filled(table, {"host_date", "date"})
+                                 + " AS line_date, NULL AS last_time, NULL AS meaning, NULL AS timestamp");
     };
+    // The other columns are those of the largest: https://www.sqlite.org/lang_select.html#bareagg
+    const QByteArray times_of_lists =
+        "SELECT h.source, h.source_name, 'host_devices', h.rowid, h.names, coalesce(h.address_normal, h.address), "
+        "NULL, "
+        "NULL, NULL, NULL, t.datetime, t.timestamp_desc, max(t.timestamp) FROM host_devices h JOIN timeline t ON "
+        "t.address = coalesce(h.address_normal, h.address) AND t.source = h.source AND t.locator = h.host_file || ' ' "
+        "|| "
+        "h.host_path AND t.timestamp_desc GLOB 'Last*' GROUP BY h.rowid";
     execute("CREATE VIEW v_shared_devices AS SELECT device, joined_by, count(DISTINCT source) AS sources, "
-            "count(*) AS appearances, group_concat(DISTINCT source) AS source_numbers, max(device_name) AS name FROM "
-            "shared GROUP BY device, joined_by ORDER BY device");
+            "count(*) AS appearances, group_concat(DISTINCT source) AS source_numbers, "
+            "max(coalesce(nullif(device_name, ''), host_preferences_name)) AS name FROM shared GROUP BY device, "
+            "joined_by ORDER BY device");
     execute("CREATE VIEW v_paired_devices AS " + row_of(u"paired_devices"_s, ", 'table of paired devices' AS known_as")
             + " UNION ALL " + lists + ", list || ' list' FROM host_devices WHERE is_paired = 'true'");
     execute("CREATE VIEW v_named_devices AS SELECT * FROM (" + row_of(u"devices"_s, {}) + " UNION ALL "
             + row_of(u"paired_devices"_s, {}) + " UNION ALL " + lists
             + " FROM host_devices) WHERE nullif(name, '') IS NOT NULL");
-    execute("CREATE VIEW v_last_seen AS SELECT * FROM (" + last_seen(u"devices"_s) + " UNION ALL "
-            + last_seen(u"paired_devices"_s)
-            + ") ORDER BY source, source_table, rank IS NULL, rank, line_date DESC, source_rowid");
+    // The lines of a log stand there in their order, and their dates are no numbers.
+    execute(
+        "CREATE VIEW v_last_seen AS SELECT source, source_name, source_table, source_rowid, name, address, identifier, "
+        "last_seen_counter, rank, line_date, last_time, meaning FROM ("
+        + last_seen(u"devices"_s) + " UNION ALL " + last_seen(u"paired_devices"_s) + " UNION ALL " + times_of_lists
+        + ") ORDER BY source, source_table, rank IS NULL, rank, timestamp DESC, CASE WHEN line_date IS NULL THEN "
+          "source_rowid ELSE -source_rowid END");
     execute("CREATE VIEW v_sources AS SELECT s.*, (SELECT count(*) FROM devices d WHERE d.source = s.source) AS "
             "devices, (SELECT count(*) FROM paired_devices p WHERE p.source = s.source) AS paired_devices, (SELECT "
             "count(*) FROM host_devices h WHERE h.source = s.source) AS host_devices FROM sources s");

@@ -374,9 +374,15 @@ void test_report_tables::database()
     {
         report_database store(path);
         for (const QString &table : {u"sources"_s, u"shared"_s})
-            store.begin_table(table, {{"device"}, {"joined_by"}, {"device_name"}, {"source"}});
-        for (const QString &table : {u"paired_devices"_s, u"devices"_s})
-            store.begin_table(table, {{"source"}, {"source_name"}, {"device_name"}, {"uuid"}, {"UUID"}});
+            store.begin_table(table,
+                              {{"device"}, {"joined_by"}, {"device_name"}, {"source"}, {"host_preferences_name"}});
+        for (const char *name : {"", "Car"})
+            store.add({cell::of_integer(1), cell::of_text("public_address x"), cell::of_text(name), cell::of_integer(3),
+                       cell::of_text("Zoé's")});
+        store.begin_table(u"paired_devices"_s, {{"source"}, {"source_name"}, {"date"}});
+        for (const char *date : {"Dec 31 23:59:59", "Jan  1 00:00:01"})
+            store.add({cell::of_integer(3), cell::of_text("Anna's"), cell::of_text(date)});
+        store.begin_table(u"devices"_s, {{"source"}, {"source_name"}, {"device_name"}, {"uuid"}, {"UUID"}});
         store.add({cell::of_integer(3),
                    cell::of_text("Anna's"),
                    cell::of_text("=1+1"),
@@ -388,9 +394,19 @@ void test_report_tables::database()
                                               {"address"},
                                               {"address_normal"},
                                               {"names"},
-                                              {"is_paired"}});
+                                              {"is_paired"},
+                                              {"host_file"},
+                                              {"host_path"}});
         store.add({cell::of_integer(4), cell::of_text("PC"), cell::of_text("registry"), cell::of_text("b4c26a7fd37a"),
-                   cell::of_text("b4:c2:6a:7f:d3:7a"), cell::of_text("Käfer"), cell::of_text("true")});
+                   cell::of_text("b4:c2:6a:7f:d3:7a"), cell::of_text("Käfer"), cell::of_text("true"),
+                   cell::of_text("SYSTEM"), cell::of_text("a\\b")});
+        store.begin_table(u"timeline"_s,
+                          {{"datetime"}, {"timestamp"}, {"timestamp_desc"}, {"source"}, {"address"}, {"locator"}});
+        for (const auto &[time, meaning] :
+             {std::pair("5", "LastSeen of the registry"), std::pair("7", "LastConnected of the registry"),
+              std::pair("8", "last write of the device's key in the registry")})
+            store.add({cell::of_text(time), cell::of_integer(QByteArray(time).toLongLong()), cell::of_text(meaning),
+                       cell::of_integer(4), cell::of_text("b4:c2:6a:7f:d3:7a"), cell::of_text("SYSTEM a\\b")});
         store.commit();
     }
     QCOMPARE(QDir(directory.path()).entryList(QDir::Files), QStringList{u"report.sqlite"_s});
@@ -411,10 +427,15 @@ void test_report_tables::database()
              QStringList{u"Käfer 4 host_devices"_s});
     QCOMPARE(rows_of("SELECT source, source_table, name, address FROM v_named_devices"),
              (QStringList{u"3 devices =1+1 -"_s, u"4 host_devices Käfer b4:c2:6a:7f:d3:7a"_s}));
-    QCOMPARE(rows_of("SELECT source, known_as FROM v_paired_devices"), QStringList{u"4 registry list"_s});
-    QCOMPARE(rows_of("SELECT source, source_rowid FROM v_last_seen"), QStringList{u"3 1"_s});
+    QCOMPARE(rows_of("SELECT source, known_as FROM v_paired_devices"),
+             (QStringList{u"3 table of paired devices"_s, u"3 table of paired devices"_s, u"4 registry list"_s}));
+    QCOMPARE(rows_of("SELECT source, source_table, source_rowid, line_date, last_time, meaning FROM v_last_seen"),
+             (QStringList{u"3 devices 1 - - -"_s, u"3 paired_devices 2 Jan  1 00:00:01 - -"_s,
+                          u"3 paired_devices 1 Dec 31 23:59:59 - -"_s,
+                          u"4 host_devices 1 - 7 LastConnected of the registry"_s}));
     QCOMPARE(rows_of("SELECT * FROM v_sources"), QStringList());
-    QCOMPARE(rows_of("SELECT * FROM v_shared_devices"), QStringList());
+    QCOMPARE(rows_of("SELECT device, sources, appearances, source_numbers, name FROM v_shared_devices"),
+             QStringList{u"1 1 2 3 Zoé's"_s});
 }
 
 BLUETOOTH_LOGS_TEST(test_report_tables, QCoreApplication)
