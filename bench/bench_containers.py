@@ -23,26 +23,46 @@ rounds = 5
 sector = 512
 
 
+class cost:
+    """What commands take, one after the other: seconds by the clock and of the processor, peak memory in KiB."""
+
+    def __init__(self, clock=0.0, processor=0.0, peak=0):
+        self.clock, self.processor, self.peak = clock, processor, peak
+
+    def less(self, other):
+        return cost(self.clock - other.clock, self.processor - other.processor, self.peak)
+
+
 def measured(*commands):
-    """Seconds by the clock and peak memory in KiB of commands that must end well, one after the other."""
-    start, peak = time.perf_counter(), 0
+    """The cost of commands that must end well. A peak below this program's own memory cannot be seen."""
+    total = cost()
+    start = time.perf_counter()
     for command in commands:
         process = subprocess.Popen(list(map(str, command)), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         _, status, usage = os.wait4(process.pid, 0)
         process.returncode = os.waitstatus_to_exitcode(status)
         if process.returncode != 0:
             sys.exit(f"{command} ended with {process.returncode}")
-        peak = max(peak, usage.ru_maxrss)
-    return time.perf_counter() - start, peak
+        total.processor += usage.ru_utime + usage.ru_stime
+        total.peak = max(total.peak, usage.ru_maxrss)
+    total.clock = time.perf_counter() - start
+    return total
+
+
+def show(what, pairs):
+    """Medians of both, and of the ratios of each round."""
+    text = what
+    for name in ("clock", "processor"):
+        both = [(getattr(our, name), getattr(their, name)) for our, their in pairs]
+        ratios = [our / their for our, their in both if their > 0]
+        text += (f"; {name} {statistics.median(our for our, _ in both):.2f} s against "
+                 f"{statistics.median(their for _, their in both):.2f} s, ratio {statistics.median(ratios):.2f} "
+                 f"({min(ratios):.2f} to {max(ratios):.2f})")
+    print(f"{text}; peak {max(our.peak for our, _ in pairs)} KiB; load {os.getloadavg()[0]:.0f}", flush=True)
 
 
 def compare(what, ours, theirs):
-    results = [(measured(*ours), measured(*theirs)) for _ in range(rounds)]
-    ratios = [our[0] / their[0] for our, their in results]
-    print(f"{what}: {statistics.median(our[0] for our, _ in results):.2f} s against "
-          f"{statistics.median(their[0] for _, their in results):.2f} s, ratio {statistics.median(ratios):.2f} "
-          f"({min(ratios):.2f} to {max(ratios):.2f}), peak {max(our[1] for our, _ in results)} KiB against "
-          f"{max(their[1] for _, their in results)} KiB", flush=True)
+    show(what, [(measured(*ours), measured(*theirs)) for _ in range(rounds)])
 
 
 def sample(program, folder):
@@ -76,16 +96,13 @@ def tar_of_files(path, source, gibibytes, kibibytes):
 
 def compare_extraction(program, folder, what, source, plain, options, theirs):
     """What extract takes longer of a container than of the folder that is in it, against what others take."""
-    results = []
-    for number in range(rounds):
+    pairs = []
+    for _ in range(rounds):
         cases = [folder / f"case{len(list(folder.iterdir()))}{name}" for name in "ab"]
         ours = measured([program, "extract", "-q", "-i", source, "-o", cases[0], *options])
         alone = measured([program, "extract", "-q", "-i", plain, "-o", cases[1]])
-        results.append((ours[0] - alone[0], measured(*theirs)[0], ours[1]))
-    ratios = [ours / others for ours, others, _ in results]
-    print(f"{what}: {statistics.median(r[0] for r in results):.2f} s more than of the folder, against "
-          f"{statistics.median(r[1] for r in results):.2f} s, ratio {statistics.median(ratios):.2f} "
-          f"({min(ratios):.2f} to {max(ratios):.2f}), peak {max(r[2] for r in results)} KiB", flush=True)
+        pairs.append((ours.less(alone), measured(*theirs)))
+    show(f"{what}, what it takes more than the folder", pairs)
 
 
 def tar(program, folder, gibibytes):

@@ -109,6 +109,7 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "usage: container_mutants CONTAINER COUNT [FIRST]\n");
         return 2;
     }
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // what is said is said once, and not again by a child
     const unsigned count = unsigned(std::atoi(argv[2]));
     const unsigned first = argc > 3 ? unsigned(std::atoi(argv[3])) : 0;
     const QList<qint64> sectors = filled_sectors(file);
