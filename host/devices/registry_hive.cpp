@@ -57,8 +57,17 @@ QVariant without_final_zeros(QString text)
     return text;
 }
 
+/** A hive may have any number for a type, and the library gives it as it is: no value of its enumeration. */
+using type_number = quint32;
+static_assert(sizeof(type_number) == sizeof(hive_type));
+
+hive_type *place_of(type_number &type)
+{
+    return reinterpret_cast<hive_type *>(&type);
+}
+
 /** Types of values: winnt.h in Microsoft's documentation. */
-QVariant typed(hive_type type, const QByteArray &bytes)
+QVariant typed(type_number type, const QByteArray &bytes)
 {
     if (type == hive_t_REG_DWORD && bytes.size() == 4)
         return qint64(qFromLittleEndian<quint32>(bytes.constData()));
@@ -166,9 +175,9 @@ std::optional<quint64> registry_hive::last_write(const key &of)
 
 QVariant registry_hive::data_of(const value &of)
 {
-    hive_type type = hive_t_REG_NONE;
+    type_number type = hive_t_REG_NONE;
     size_t size = 0;
-    if (hivex_value_type(hive.get(), of.handle, &type, &size) != 0) {
+    if (hivex_value_type(hive.get(), of.handle, place_of(type), &size) != 0) {
         ++unread;
         return QVariantMap{{u"size"_s, QVariant()}};
     }
@@ -176,7 +185,7 @@ QVariant registry_hive::data_of(const value &of)
         ++unread;
         return QVariantMap{{u"size"_s, qint64(size)}};
     }
-    const c_array<char> data(hivex_value_value(hive.get(), of.handle, &type, &size));
+    const c_array<char> data(hivex_value_value(hive.get(), of.handle, place_of(type), &size));
     if (!data && size > 0) {
         ++unread;
         return QVariantMap{{u"size"_s, qint64(size)}};

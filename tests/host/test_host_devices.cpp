@@ -31,6 +31,33 @@ QByteArray hive_with_a_device(quint32 first_sequence, quint32 second_sequence)
                       second_sequence);
 }
 
+/** Hives that lead their reader astray, each with two devices. */
+struct hostile_hive
+{
+    const char *name;
+    QByteArray bytes;
+    qint64 count; ///< of the devices that can be read all the same
+};
+
+QList<hostile_hive> hostile_hives()
+{
+    const QByteArray address = "b4c26a7fd37a";
+    const hive_key devices{"Devices", {}, {{address, {{"Name", hive_binary, "abcdefgh"}}}, {"001122334455"}}};
+    const hive_key set{"ControlSet001", {}, {{"Services", {}, {{"BTHPORT", {}, {{"Parameters", {}, {devices}}}}}}}};
+    const QByteArray hive = hive_bytes({"root", {}, {set, {"Select", {hive_number_value("Current", 1)}}}});
+    const auto changed = [&hive](qsizetype at, const QByteArray &bytes) {
+        return QByteArray(hive).replace(at, bytes.size(), bytes);
+    };
+    const qsizetype key = hive.indexOf(address) - 76; // where its name stands in a key
+    const qsizetype devices_list = hive.indexOf("lf", hive.indexOf("001122334455"));
+    const qsizetype name = hive.indexOf(QByteArray("vk\x04\0\x08\0\0\0", 8));
+    return {{"a key beyond the end", changed(devices_list + 4, QByteArray("\0\xff\xff\x7f", 4)), 0},
+            {"values beyond the end", changed(key + 40, QByteArray("\0\xff\xff\x7f", 4)), 2},
+            {"a name that is no UTF-16",
+             changed(key + 2, QByteArray(2, '\0')).replace(key + 76, 12, QByteArray("\0\xd8", 2).repeated(6)), 1},
+            {"a value of a gigabyte", changed(name + 4, QByteArray("\0\0\0\x40", 4)), 2}};
+}
+
 /** List and names of each line. */
 QByteArrayList devices_of(const host_program &host)
 {
@@ -115,6 +142,11 @@ void test_host_devices::registry_data()
     QTest::newRow("damaged") << hive_with_a_device(5, 5).first(4096) << 4 << qint64(0)
                              << u"error: the devices of "_s + path
                                     + u": it is damaged, and nothing of it can be read\n"_s;
+    for (const hostile_hive &hive : hostile_hives())
+        QTest::newRow(hive.name)
+            << hive.bytes << 4 << hive.count
+            << u"error: the devices of "_s + path
+                   + u": it is damaged, and was read as far as it goes: 1 keys or values are left out\n"_s;
 }
 
 void test_host_devices::registry()

@@ -201,6 +201,7 @@ void test_registry_devices::names_data()
     QTest::newRow("half a pair of surrogates")
         << hive_value{"Name", hive_text, QByteArray("\x00\xD8\x00\x00", 4)} << QString();
     QTest::newRow("number") << hive_number_value("Name", 7) << QString();
+    QTest::newRow("type that nobody knows") << hive_value{"Name", 3211275, "Car"} << u"Car"_s;
     QTest::newRow("friendly") << hive_text_value("FriendlyName", u"Car"_s) << u"Car"_s;
     QTest::newRow("LE") << hive_value{"LEName", hive_binary, "Tag"} << u"Tag"_s;
     QTest::newRow("long") << hive_value{"Name", hive_binary, QByteArray((64 << 10) + 1, 'x')} << QString();
