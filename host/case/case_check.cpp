@@ -9,6 +9,7 @@
 #include "host/case/report_record.h"
 #include "host/files/file_hash.h"
 #include "host/files/file_times.h"
+#include "host/files/folder_listing.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
@@ -16,7 +17,6 @@
 #include "host/source/evidence_look.h"
 #include "host/source/macos_databases.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
@@ -322,7 +322,7 @@ private:
         if (!path_exists(layout.source_list()))
             return;
         try {
-            const QJsonObject listed = sources_identity(read_source_list(layout.source_list()));
+            const QJsonObject listed = sources_identity(read_list_of_case(layout.source_list()));
             if (listed != manifest.value("case_sources"_L1).toObject())
                 outcome.differences.append(u"sources.json lists other sources than the manifest"_s);
         } catch (const host_error &error) {
@@ -349,9 +349,7 @@ private:
         for (const int number : layout.source_numbers())
             known.append(source_name(number));
         const QSet<QString> names = set_of(known);
-        const QStringList entries =
-            QDir(layout.directory()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-        for (const QString &entry : entries) {
+        for (const QString &entry : names_in(layout.directory())) {
             if (!names.contains(entry))
                 outcome.notes.append(entry + u" is listed nowhere, and was not compared"_s);
         }

@@ -4,17 +4,20 @@
 #include "host/case/case_layout.h"
 
 #include "host/case/case_files.h"
+#include "host/case/kept_file.h"
 #include "host/files/file_removal.h"
+#include "host/files/folder_listing.h"
 #include "host/files/paths.h"
 #include "host/source/macos_databases.h"
 #include "host/source/windows_hive.h"
 
-#include <QDir>
-#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <algorithm>
-#include <iterator>
+
+#include <dirent.h>
 
 using namespace Qt::StringLiterals;
 namespace filesystem = std::filesystem;
@@ -27,13 +30,17 @@ bool is_link(const QString &path)
     return filesystem::is_symlink(filesystem::symlink_status(to_std_path(path), error));
 }
 
+/** Whether a folder stands at the path, whatever leads to it. Throws host_error (io) when the system fails. */
+bool is_behind_links(const QString &path)
+{
+    return path_exists(path) && QFileInfo(path).isDir();
+}
+
 /** The copies of what a damaged database left in the evidence, by the folder's own names. */
 QStringList leftovers_in(const QString &folder)
 {
-    QStringList leftovers;
-    const QStringList names = QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System
-                                                     | QDir::NoDotAndDotDot);
-    std::copy_if(names.cbegin(), names.cend(), std::back_inserter(leftovers), is_leftover);
+    QStringList leftovers = names_in(folder);
+    leftovers.removeIf([](const QString &name) { return !is_leftover(name); });
     return leftovers;
 }
 
@@ -43,21 +50,17 @@ QStringList leftovers_in(const QString &folder)
  */
 QStringList files_taken_out(const QString &source_folder)
 {
+    constexpr QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther
+                                          | QFile::WriteOther | QFile::ExeOther;
     QStringList files;
-    const QDir folder(source_folder);
-    for (const QLatin1StringView place : {"Evidence"_L1, "tmp/taken"_L1}) {
-        QDirIterator entries(folder.filePath(place),
-                             QDir::Files | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot,
-                             QDirIterator::Subdirectories);
-        while (entries.hasNext()) {
-            entries.next();
-            const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther
-                                              | QFile::WriteOther | QFile::ExeOther;
-            const QFile::Permissions permissions = entries.fileInfo().permissions();
-            if (!(permissions & (others | QFile::WriteOwner | QFile::ExeOwner)) && (permissions & QFile::ReadOwner))
-                files.append(folder.relativeFilePath(entries.filePath()));
-        }
-    }
+    for (const QLatin1StringView place : {"/Evidence"_L1, "/tmp/taken"_L1})
+        files += paths_below(source_folder, source_folder + place);
+    files.removeIf([&](const QString &path) {
+        const QFileInfo file(source_folder + u'/' + path);
+        const QFile::Permissions permissions = file.permissions();
+        return file.isSymLink() || !file.isFile() || (permissions & (others | QFile::WriteOwner | QFile::ExeOwner))
+               || !(permissions & QFile::ReadOwner);
+    });
     return files;
 }
 
@@ -231,13 +234,12 @@ QList<int> case_layout::source_numbers() const
 {
     static const QRegularExpression form(u"^Source(0|[1-9][0-9]{0,6})$"_s);
     QList<int> numbers;
-    QDirIterator entries(case_directory, QDir::Dirs | QDir::NoDotAndDotDot); // lists of them would hold each whole
-    while (entries.hasNext()) {
-        entries.next();
-        const QRegularExpressionMatch match = form.match(entries.fileName());
-        if (match.hasMatch())
+    for_each_entry_of(case_directory, [&](const dirent &entry) {
+        const QString name = QFile::decodeName(entry.d_name);
+        const QRegularExpressionMatch match = form.match(name);
+        if (match.hasMatch() && (entry.d_type == DT_DIR || is_behind_links(case_directory + u'/' + name)))
             numbers.append(match.captured(1).toInt());
-    }
+    });
     std::sort(numbers.begin(), numbers.end());
     return numbers;
 }

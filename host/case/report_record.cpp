@@ -3,11 +3,11 @@
 
 #include "host/case/report_record.h"
 
+#include "host/files/folder_listing.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
+#include "host/files/open_without_links.h"
 #include "host/files/paths.h"
-
-#include <QDir>
 
 #include <algorithm>
 
@@ -37,9 +37,10 @@ report_record read_report_record(const QString &folder)
 
 QStringList report_folders_of(const case_layout &layout)
 {
-    QStringList folders = QDir(layout.directory()).entryList(QDir::Dirs | QDir::NoSymLinks | QDir::NoDotAndDotDot);
+    QStringList folders = names_in(layout.directory());
     folders.removeIf([&layout](const QString &name) {
-        return !path_exists(layout.directory() + u'/' + name + u'/' + report_record_name);
+        const QString folder = layout.directory() + u'/' + name;
+        return !is_folder(folder) || !path_exists(folder + u'/' + report_record_name);
     });
     return folders;
 }

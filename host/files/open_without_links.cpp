@@ -3,13 +3,13 @@
 
 #include "host/files/open_without_links.h"
 
+#include "host/files/folder_listing.h"
 #include "host/files/system_error.h"
 
 #include <QList>
 
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -41,23 +41,16 @@ int remove_below(int folder, const char *name, int depth)
         || depth == deepest_folder) // https://man7.org/linux/man-pages/man2/unlink.2.html
         return errno;
     descriptor opened(::openat(folder, name, O_RDONLY | folder_flags));
-    const std::unique_ptr<DIR, int (*)(DIR *)> entries(opened.is_open() ? ::fdopendir(opened.number()) : nullptr,
-                                                       ::closedir);
-    if (!entries)
+    if (!opened.is_open())
         return errno;
-    const int number = opened.release();
+    const int number = opened.number();
     int first_error = 0;
-    errno = 0;
-    while (const dirent *entry = ::readdir(entries.get())) {
-        const QByteArrayView entry_name(entry->d_name);
-        if (entry_name != "." && entry_name != "..") {
-            const int error = remove_below(number, entry->d_name, depth + 1);
-            first_error = first_error == 0 ? error : first_error;
-        }
-        errno = 0;
-    }
+    const int error_of_listing = for_each_entry(std::move(opened), [&](const dirent &entry) {
+        const int error = remove_below(number, entry.d_name, depth + 1);
+        first_error = first_error == 0 ? error : first_error;
+    });
     if (first_error == 0)
-        first_error = errno;
+        first_error = error_of_listing;
     return first_error == 0 ? error_of(::unlinkat(folder, name, AT_REMOVEDIR)) : first_error;
 }
 

@@ -17,8 +17,9 @@ static_assert(std::atomic<const char *>::is_always_lock_free); // a signal handl
 extern "C" void remove_and_end(int signal)
 {
     for (const std::atomic<const char *> &place : paths) {
-        if (const char *path = place.load())
-            ::unlink(path);
+        const char *path = place.load();
+        if (path && ::unlink(path) != 0)
+            ::rmdir(path);
     }
     std::signal(signal, SIG_DFL);
     ::raise(signal); // comes once this handler has returned

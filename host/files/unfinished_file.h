@@ -10,8 +10,8 @@
 #include <atomic>
 
 /**
- * The path of a file that must not stay when a signal ends the process, while an object of this class lives. Only so
- * many are known at a time as a report writes; what is beyond them stays.
+ * The path of a file, or of a folder that is empty then, that must not stay when a signal ends the process, while an
+ * object of this class lives. Only so many are known at a time as a report writes; what is beyond them stays.
  */
 class unfinished_file
 {

@@ -5,6 +5,7 @@
 
 #include "host/case/result_tables.h"
 #include "host/files/file_removal.h"
+#include "host/files/folder_listing.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/new_file.h"
@@ -19,7 +20,6 @@
 #include "host/report/tables/report_database.h"
 #include "host/report/tables/workbook.h"
 
-#include <QDir>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -57,9 +57,11 @@ public:
     explicit report_writer(const report_options &given)
         : options(given)
         , that_case(read_report_case(given.case_directory))
-        , is_split(given.split || row_count(that_case) > most_rows_of_a_page)
     {
         outcome.shortcomings = that_case.shortcomings;
+        const counted_rows counted = row_count(that_case);
+        add_shortcomings(counted.problems);
+        is_split = given.split || counted.rows > most_rows_of_a_page;
         if (!given.vendors.isEmpty())
             that_case.vendors = vendor_list(given.vendors);
     }
@@ -370,8 +372,7 @@ private:
     void remove_earlier_pages() const
     {
         static const QRegularExpression form(u"^report-source\\d+\\.html$"_s);
-        const QStringList names = QDir(options.output).entryList(QDir::Files | QDir::System | QDir::Hidden);
-        for (const QString &name : names) {
+        for (const QString &name : names_in(options.output)) {
             if (options.force && form.match(name).hasMatch() && !outcome.files.contains(name))
                 remove_file(path_of(name));
         }
@@ -485,7 +486,7 @@ private:
 
     const report_options &options;
     report_case that_case;
-    bool is_split;
+    bool is_split = false;
     report_outcome outcome;
     changed_cells changes;
     qint64 counters = 0;       ///< of all rows; a timeline leaves them out

@@ -4,6 +4,7 @@
 #include "host/source/evidence_folder.h"
 
 #include "host/files/access_time.h"
+#include "host/files/folder_listing.h"
 #include "host/files/host_error.h"
 #include "host/files/system_error.h"
 
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <memory>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -23,12 +23,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int reading = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-
-[[noreturn]] void fail_to_list(const QString &folder)
-{
-    const int error = errno;
-    throw host_error(error_kind::incomplete, folder + u" cannot be listed: "_s + system_error_text(error));
-}
 
 } // namespace
 
@@ -60,20 +54,13 @@ QStringList entry_names(const QString &folder)
     QStringList names;
     if (!opened.is_open() && (errno == ENOENT || errno == ENOTDIR || errno == EACCES))
         return names;
-    const std::unique_ptr<DIR, int (*)(DIR *)> directory(opened.is_open() ? ::fdopendir(opened.number()) : nullptr,
-                                                         ::closedir);
-    if (!directory)
-        fail_to_list(folder);
-    opened.release();
-    errno = 0;
-    while (const dirent *entry = ::readdir(directory.get())) {
-        const QString name = evidence_name_text(entry->d_name);
-        if (name != "."_L1 && name != ".."_L1)
-            names.append(name);
-        errno = 0;
-    }
-    if (errno != 0)
-        fail_to_list(folder);
+    const int error = opened.is_open() ? for_each_entry(std::move(opened),
+                                                        [&names](const dirent &entry) {
+                                                            names.append(evidence_name_text(entry.d_name));
+                                                        })
+                                       : errno;
+    if (error != 0)
+        throw host_error(error_kind::incomplete, folder + u" cannot be listed: "_s + system_error_text(error));
     names.sort();
     return names;
 }

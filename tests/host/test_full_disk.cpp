@@ -7,6 +7,7 @@
 #include "tests/support/test_entry.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QJsonObject>
 #include <QRegularExpression>
@@ -26,6 +27,8 @@ private Q_SLOTS:
     void disk_that_fills_during_the_run_is_told();
     void limit_of_file_size_is_told_data();
     void limit_of_file_size_is_told();
+    void limit_of_file_size_leaves_nothing_unfinished_data();
+    void limit_of_file_size_leaves_nothing_unfinished();
 
 private:
     const QStringList extract_sample = {u"extract"_s, u"-i"_s, u"sample/macos"_s, u"-o"_s, u"case"_s};
@@ -116,6 +119,40 @@ void test_full_disk::limit_of_file_size_is_told()
     QVERIFY2(result.exit_code == 4 || result.exit_code == 1, qPrintable(result.errors));
     QVERIFY2(result.errors.contains(u"error: "_s), qPrintable(result.errors));
     QVERIFY(host.source_record().value("status"_L1).toString() != "done"_L1);
+}
+
+void test_full_disk::limit_of_file_size_leaves_nothing_unfinished_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QString>("message"); // $ stands for the working directory
+
+    // clang-format off
+    QTest::newRow("pages")    << u"report case -o report"_s            << u"$/report/report.html cannot be written: file too large"_s;
+    QTest::newRow("rows")     << u"report case -o report -f csv"_s     << u"$/report/devices.csv cannot be written: file too large"_s;
+    QTest::newRow("database") << u"report case -o report -f sqlite"_s  << u"$/report/report.sqlite cannot be written: "_s;
+    QTest::newRow("workbook") << u"report case -o report -f xlsx"_s    << u"$/report/report.xlsx cannot be written: "_s;
+    QTest::newRow("collect")  << u"collect case"_s                     << u"$/case/manifest.json cannot be written: file too large"_s;
+    QTest::newRow("record")   << u"verify case --record verified"_s    << u"$/verified cannot be written: file too large"_s;
+    QTest::newRow("sample")   << u"sample another"_s                   << u"the file cannot be written: $/another/README.txt: file too large"_s;
+    // clang-format on
+}
+
+void test_full_disk::limit_of_file_size_leaves_nothing_unfinished()
+{
+    QFETCH(QString, arguments);
+    QFETCH(QString, message);
+    const host_program host;
+    host.write_sample();
+    QCOMPARE(host.run(extract_sample).exit_code, 0);
+    const host_result result = host.run_in_shell(arguments, u"ulimit -f 1"_s);
+    QCOMPARE(result.exit_code, 1);
+    message.replace(u'$', host.path({}));
+    QVERIFY2(result.errors.contains(u"error: "_s + message), qPrintable(result.errors));
+    QDirIterator unfinished(host.path(QString()), {u"*.new"_s, u"*.parts"_s, u"tmp.*"_s},
+                            QDir::AllEntries | QDir::Hidden, QDirIterator::Subdirectories);
+    QVERIFY2(!unfinished.hasNext(), qPrintable(unfinished.next()));
+    QCOMPARE(host.run({u"collect"_s, u"case"_s}).exit_code, 0);
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 0);
 }
 
 BLUETOOTH_LOGS_TEST(test_full_disk, QCoreApplication)

@@ -107,8 +107,11 @@ constexpr const char *printed_devices = "<div id=\"printed-devices\"></div>\n";
 html_page::html_page(const report_case &that_case)
     : facts_of_case(that_case)
 {
-    for (const QString &table : result_tables())
-        tables.insert(table, std::make_shared<row_table>(that_case, table));
+    for (const QString &table : result_tables()) {
+        const column_names columns = result_columns(that_case, table);
+        problems_of_lists += columns.problems;
+        tables.insert(table, std::make_shared<row_table>(that_case, table, columns.names));
+    }
 }
 
 void html_page::add(const report_row &row)

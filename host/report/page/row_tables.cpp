@@ -74,9 +74,9 @@ cell cell_of_page(const report_column &column, const cell &value)
 
 } // namespace
 
-row_table::row_table(const report_case &that_case, const QString &name)
+row_table::row_table(const report_case &that_case, const QString &name, const QStringList &result_columns)
     : table(words_of(name).id, words_of(name).heading, words_of(name).caption)
-    , cells(result_columns(that_case, name).names)
+    , cells(result_columns)
 {
     device = &table.add_column(about_device());
     const QList<report_column> &list = cells.columns();

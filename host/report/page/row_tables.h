@@ -19,7 +19,8 @@
 class row_table
 {
 public:
-    row_table(const report_case &that_case, const QString &table);
+    /** @p result_columns are those of the result table in all sources. */
+    row_table(const report_case &that_case, const QString &table, const QStringList &result_columns);
 
     /** Rows come source by source. */
     void add(const report_row &row);

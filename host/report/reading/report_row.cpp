@@ -67,13 +67,15 @@ const table_ranks &ranks_of_table(const report_case &that_case, const report_sou
         }
         ranks.problem = host->problem();
     }
-    for_each_wal_change(that_case, source, [&](const wal_change &change) {
+    const QString problem = for_each_wal_change(that_case, source, [&](const wal_change &change) {
         if (change.change != "added" || change.table != table.toUtf8())
             return;
         const counter_pair counters = change.counters_after();
         ranks.seen.add(counters.seen);
         ranks.connected.add(counters.connected);
     });
+    if (ranks.problem.isEmpty())
+        ranks.problem = problem;
     ranks.seen.sort();
     ranks.connected.sort();
     return *source.ranks->insert(table, ranks);
@@ -180,20 +182,20 @@ table_reading read_rows(const report_case &that_case, const report_source &sourc
     return reading;
 }
 
-qint64 row_count(const report_case &that_case)
+counted_rows row_count(const report_case &that_case)
 {
-    qint64 count = 0;
+    counted_rows counted;
     for (const report_source &source : that_case.sources) {
         try {
-            if (source.is_locked)
+            if (source.is_locked || !path_exists(result_file(that_case, source))) // which is said with the rows
                 continue;
             const result_database result(result_file(that_case, source));
             const QStringList tables = result.tables();
             for (const QString &table : tables)
-                count += result.row_count(table);
-        } catch (const host_error &) {
-            // said with the rows
+                counted.rows += result.row_count(table);
+        } catch (const host_error &error) {
+            counted.problems.append(source.problem_text(problem_text(that_case, source, error)));
         }
     }
-    return count;
+    return counted;
 }

@@ -59,7 +59,13 @@ table_reading read_rows(const report_case &that_case, const report_source &sourc
                         const std::function<void(const report_row &row)> &take,
                         reading_depth depth = reading_depth::everything);
 
-/** How many rows all result tables of the case hold, as far as they can be counted; reading them says what cannot. */
-qint64 row_count(const report_case &that_case);
+/** The rows of all result tables of a case. */
+struct counted_rows
+{
+    qint64 rows = 0;
+    QStringList problems; ///< why not all were counted: "source 1: …"
+};
+
+counted_rows row_count(const report_case &that_case);
 
 #endif

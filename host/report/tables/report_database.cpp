@@ -42,6 +42,7 @@ QByteArray distinct(const QByteArray &name, const QByteArrayList &others)
 report_database::report_database(const QString &file)
     : path(file)
     , temporary(file + u".new"_s)
+    , unfinished(QFile::encodeName(temporary))
 {
     folder_entry(temporary).remove();
     sort_in_folder(path.left(path.lastIndexOf(u'/')));

@@ -4,6 +4,7 @@
 #ifndef HOST_REPORT_TABLES_REPORT_DATABASE_H
 #define HOST_REPORT_TABLES_REPORT_DATABASE_H
 
+#include "host/files/unfinished_file.h"
 #include "host/report/tables/table_store.h"
 #include "host/sqlite/sqlite.h"
 
@@ -37,6 +38,7 @@ private:
 
     QString path;
     QString temporary;
+    unfinished_file unfinished;
     std::unique_ptr<sqlite_database> database;
     std::unique_ptr<sqlite_statement> insert;
     QList<qsizetype> places;               ///< of the current table's columns among the cells

@@ -6,12 +6,12 @@
 #include "host/files/finished_file.h"
 #include "host/files/host_error.h"
 #include "host/files/open_without_links.h"
+#include "host/files/paths.h"
 #include "host/files/system_error.h"
+#include "host/files/unfinished_file.h"
 #include "host/report/tables/separated_cell.h"
 
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 
 #include <cerrno>
@@ -79,6 +79,9 @@ public:
     workbook(const QString &file, workbook_notes &book_notes, lxw_row_t rows_of_sheet)
         : path(file)
         , temporary(file + u".new"_s)
+        , unfinished(QFile::encodeName(temporary))
+        , parts_folder(file + u".parts"_s)
+        , unfinished_parts(QFile::encodeName(parts_folder))
         , sheet_rows(rows_of_sheet)
         , notes(book_notes)
     {
@@ -86,10 +89,11 @@ public:
         folder_entry(temporary).remove();
         if (const descriptor ours = open_without_links(temporary, O_WRONLY | O_CREAT | O_EXCL, 0644); !ours.is_open())
             fail(system_error_text(errno));
+        folder_entry(parts_folder).remove_tree(); // of a report that was killed
+        make_folder(parts_folder);
         lxw_workbook_options options = {};
         options.constant_memory = LXW_TRUE; // rows go to the disk one after the other
-        QByteArray folder = QFile::encodeName(temporary.left(temporary.lastIndexOf(u'/')));
-        others = temporary_files();
+        QByteArray folder = QFile::encodeName(parts_folder);
         options.tmpdir = folder.data(); // the process that reads a case writes nowhere else
         book = workbook_new_opt(QFile::encodeName(temporary).constData(), &options);
         if (!book)
@@ -107,6 +111,7 @@ public:
             workbook_close(book);
         if (!temporary.isEmpty())
             folder_entry(temporary).remove();
+        folder_entry(parts_folder).remove_tree();
     }
     Q_DISABLE_COPY_MOVE(workbook)
 
@@ -138,26 +143,17 @@ public:
         end_sheet();
         lxw_workbook *finished = std::exchange(book, nullptr);
         check(workbook_close(finished));
-        remove_temporary_files();
+        remove_parts();
         put_in_place(temporary, path);
         temporary.clear();
     }
 
 private:
-    /** As the library names them; it removes them as soon as it has made them, and says nothing when that fails. */
-    QStringList temporary_files() const
+    /** The library removes its files as soon as it has made them, and says nothing when that fails. */
+    void remove_parts() const
     {
-        return QDir(QFileInfo(path).path()).entryList({u"tmp.*"_s}, QDir::Files | QDir::Hidden);
-    }
-
-    void remove_temporary_files() const
-    {
-        for (const QString &name : temporary_files()) {
-            if (others.contains(name))
-                continue;
-            if (const int error = folder_entry(QFileInfo(path).path() + u'/' + name).remove(); error != 0)
-                fail(u"a temporary file stays: "_s + system_error_text(error));
-        }
+        if (const int error = folder_entry(parts_folder).remove_tree(); error != 0)
+            fail(u"a temporary file stays: "_s + system_error_text(error));
     }
 
     [[noreturn]] void fail(const QString &reason) const
@@ -222,8 +218,10 @@ private:
 
     QString path;
     QString temporary;
+    unfinished_file unfinished;
+    QString parts_folder; ///< of the library's temporary files
+    unfinished_file unfinished_parts;
     lxw_row_t sheet_rows;
-    QStringList others; ///< that were there before
     workbook_notes &notes;
     lxw_workbook *book = nullptr;
     lxw_format *heading = nullptr;
