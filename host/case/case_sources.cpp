@@ -85,10 +85,29 @@ named_source read_entry(const QJsonValue &value, const QString &place, const QDi
 QJsonObject read_list_file(const QString &file)
 {
     try {
-        return read_json_file(resolved_path(file, u"--sources"_s)); // a list is the examiner's own, links and all
+        return read_json_file(file);
     } catch (const host_error &error) {
         throw host_error(QFileInfo(file).isReadable() ? error_kind::refused : error.kind(), error.message());
     }
+}
+
+/** The sources of a list that was read from @p file. */
+QList<named_source> sources_in(const QJsonObject &list, const QString &file)
+{
+    const QString name = QFileInfo(file).fileName();
+    for (auto member = list.begin(); member != list.end(); ++member) {
+        if (member.key() != "sources"_L1)
+            refuse(name + u" has an unknown member, "_s + member.key());
+    }
+    const QJsonValue entries = list.value("sources"_L1);
+    if (!entries.isArray() || entries.toArray().isEmpty())
+        refuse(name + u": sources is no list of at least one source"_s);
+
+    QList<named_source> sources;
+    const QDir folder = QFileInfo(file).dir();
+    for (const auto entry : entries.toArray())
+        sources.append(read_entry(entry, name + u": sources["_s + QString::number(sources.size()) + u']', folder));
+    return sources;
 }
 
 /** What a path is, however it is reached. Empty for one that is not there. */
@@ -126,21 +145,12 @@ QString described(const named_source &source)
 
 QList<named_source> read_source_list(const QString &file)
 {
-    const QJsonObject list = read_list_file(file);
-    const QString name = QFileInfo(file).fileName();
-    for (auto member = list.begin(); member != list.end(); ++member) {
-        if (member.key() != "sources"_L1)
-            refuse(name + u" has an unknown member, "_s + member.key());
-    }
-    const QJsonValue entries = list.value("sources"_L1);
-    if (!entries.isArray() || entries.toArray().isEmpty())
-        refuse(name + u": sources is no list of at least one source"_s);
+    return sources_in(read_list_file(resolved_path(file, u"--sources"_s)), file);
+}
 
-    QList<named_source> sources;
-    const QDir folder = QFileInfo(file).dir();
-    for (const auto entry : entries.toArray())
-        sources.append(read_entry(entry, name + u": sources["_s + QString::number(sources.size()) + u']', folder));
-    return sources;
+QList<named_source> read_list_of_case(const QString &file)
+{
+    return sources_in(read_list_file(file), file);
 }
 
 void write_source_list(const QString &file, const QList<named_source> &sources)

@@ -23,10 +23,14 @@ struct named_source
 };
 
 /**
- * The sources that a JSON file lists; docs/sources.schema.json describes it. Relative paths start at the file's
- * folder. Throws host_error: input when the file cannot be read, usage, with the place in it, when it is not right.
+ * The sources that a JSON file of the examiner's lists, which may be a link; docs/sources.schema.json describes it.
+ * Relative paths start at the file's folder. Throws host_error: not_found when the file cannot be read, refused, with
+ * the place in it, when it is not right.
  */
 QList<named_source> read_source_list(const QString &file);
+
+/** The same of a list that stands in a case, which is no link. */
+QList<named_source> read_list_of_case(const QString &file);
 
 /**
  * Writes such a file, with absolute paths: a run that is continued needs them of sources that never began, too. Throws

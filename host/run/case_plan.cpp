@@ -191,7 +191,7 @@ QList<named_source> listed_sources(const case_request &request)
 {
     const QString list = case_layout(request.directory).source_list();
     const bool is_needed = request.earlier == case_request::earlier_run::continued && request.sources.isEmpty();
-    return is_needed && path_exists(list) ? read_source_list(list) : QList<named_source>();
+    return is_needed && path_exists(list) ? read_list_of_case(list) : QList<named_source>();
 }
 
 /** The places of the case and of a source of it must not meet. */

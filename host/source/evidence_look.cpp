@@ -229,8 +229,10 @@ void look_after(evidence_state &evidence, const evidence_source &source, const h
 {
     for (evidence_file &file : evidence.files) {
         file.after.reset(); // of an earlier look
-        if (!refused_link(source, source.root + file.path))
+        if (const std::optional<QString> refusal = refused_link(source, source.root + file.path); !refusal)
             look_again(file, source.root + file.path, hashed);
+        else if (file.before && !file.before->sha256.isEmpty())
+            file.reason = *refusal; // what was read is gone, and this stands in its place
     }
     evidence.listing_after = listing_of(source);
 }
