@@ -24,7 +24,7 @@ struct check_request
     QStringList report_folders;  ///< absolute; of reports that lie elsewhere
     bool leaves_out_evidence = false;
     bool hashes_containers = false; ///< images and archives too, which are compared by size and time otherwise
-    /** What an EWF holds now: "md5" and "sha1", or the "problem". It is opened in a process of its own. */
+    /** What an EWF holds now: "md5" and "sha1", or the "problem". It is opened in this process. */
     std::function<QJsonObject(const QString &path)> rehash_image;
 };
 

@@ -59,10 +59,9 @@ void add_verify_command(CLI::App &app, command_line &line)
                {"bluetooth-logs verify case --record verified.json"}},
               options->record_file);
     const auto limits = add_reading_limits(verify, 0); // evidence may be terabytes
-    verify.final_callback([options, request, limits, &line] {
+    verify.final_callback([options, limits, &line] {
         if (!options->record_file.isEmpty())
             limits->writable = {QFileInfo(options->record_file).path()};
-        limits->is_confined = !request->hashes_containers; // that is left to workers
         line.reading = *limits;
         line.command = [options](console &out) { return run_verify(*options, out); };
     });

@@ -99,7 +99,7 @@ exit_code run_verify(const verify_options &options, console &out)
     if (!options.record_file.isEmpty() && path_exists(options.record_file))
         throw host_error(error_kind::refused, options.record_file + u" is there already: --record takes a new name"_s);
     check_request request = options.request;
-    request.rehash_image = rehash_image;
+    request.rehash_image = hashes_of_image;
     const check_outcome outcome = check_case(request);
     for (const QString &place : outcome.evidence_places) {
         if (!options.record_file.isEmpty() && is_inside(options.record_file, place))

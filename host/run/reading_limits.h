@@ -10,10 +10,9 @@
 /** Within what a command reads a case, which a stranger may have written. */
 struct reading_limits
 {
-    qint64 memory = 2048;    ///< MiB of address space
-    qint64 timeout = 0;      ///< seconds; 0: none
-    bool is_confined = true; ///< else it may start processes, which are confined themselves
-    QStringList writable;    ///< absolute paths of folders; one that is not there may be made
+    qint64 memory = 2048; ///< MiB of address space
+    qint64 timeout = 0;   ///< seconds; 0: none
+    QStringList writable; ///< absolute paths of folders; one that is not there may be made
 };
 
 #endif

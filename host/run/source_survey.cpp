@@ -132,14 +132,6 @@ QJsonObject hashes_of_image(const QString &path)
     }
 }
 
-QJsonObject rehash_image(const QString &path)
-{
-    worker_order order;
-    order.to_do = worker_order::task::rehash;
-    order.request.source = unopened_container(path, nullptr, false);
-    return answer_of(order, 0);
-}
-
 QJsonObject survey_source(const container_choice &choice, qint64 mebibytes_of_memory, qint64 seconds)
 {
     if (!QFileInfo::exists(choice.path) || !is_container(choice.path, choice.kind))

@@ -19,10 +19,7 @@ QJsonObject survey_source(const container_choice &choice, qint64 mebibytes_of_me
 /** The part of it that the worker process does. */
 QJsonObject survey_of_container(const container_choice &choice);
 
-/** "md5" and "sha1" of what an EWF holds, or the "problem"; a process of its own reads it. */
-QJsonObject rehash_image(const QString &path);
-
-/** The part of it that the worker process does. */
+/** "md5" and "sha1" of what an EWF holds, or the "problem". For a process that is confined. */
 QJsonObject hashes_of_image(const QString &path);
 
 #endif

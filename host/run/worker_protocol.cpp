@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QLatin1StringView task_names[] = {"extract"_L1, "inspect"_L1, "settle"_L1, "survey"_L1, "rehash"_L1};
+constexpr QLatin1StringView task_names[] = {"extract"_L1, "inspect"_L1, "settle"_L1, "survey"_L1};
 
 constexpr QLatin1StringView event_names[] = {
     ""_L1,        "loaded"_L1, "confined"_L1,  "taken out"_L1, "looked"_L1,  "hashed"_L1,    "read"_L1,

@@ -29,7 +29,6 @@ struct worker_order
         inspect, ///< what a worker that ended early could not look at
         settle,  ///< nothing but settle_result()
         survey,  ///< look into a container; the request names it and its limits, there is no case
-        rehash,  ///< hash what an image holds; as survey
     };
 
     task to_do = task::extract;

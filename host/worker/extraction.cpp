@@ -7,6 +7,7 @@
 #include "host/files/sha256.h"
 #include "host/run/plugin_log.h"
 #include "host/worker/cancellation.h"
+#include "host/worker/sqlite_memory.h"
 #include "plugin/bluetooth_logs.h"
 
 #include <QFileInfo>
@@ -125,7 +126,8 @@ void extraction_observer::take_tables(int count)
     records_before_table = records;
 }
 
-plugin_log_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer)
+plugin_log_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer,
+                              void (*without_memory)())
 {
     // By their texts: the class's own symbols stay in the plug-in file.
     QObject::connect(&plugin, SIGNAL(signal_extracted_records_of_plugin_overall(qint64)), &observer,
@@ -133,6 +135,7 @@ plugin_log_end run_extraction(bluetooth_logs &plugin, const source_request &requ
     QObject::connect(&plugin, SIGNAL(signal_tab_processed_of_plugin_overall(int)), &observer, SLOT(take_tables(int)));
 
     log_capture log(request.options.is_verbose);
+    const sqlite_memory_watch watch(without_memory);
     plugin.pub_set_essentials();
     const cancellation on_signal(&plugin); // after the reset, which would forget a cancellation
     set_up(plugin, request);

@@ -35,7 +35,11 @@ private:
     qint64 records_before_table = 0;
 };
 
-/** Drives the plug-in through one run, in the order that it relies on. SIGINT cancels it. Throws host_error. */
-plugin_log_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer);
+/**
+ * Drives the plug-in through one run, in the order that it relies on. SIGINT cancels it. @p without_memory is called
+ * when there is no memory for what it reads, as sqlite_memory_watch says. Throws host_error.
+ */
+plugin_log_end run_extraction(bluetooth_logs &plugin, const source_request &request, extraction_observer &observer,
+                              void (*without_memory)());
 
 #endif

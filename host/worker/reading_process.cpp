@@ -64,8 +64,7 @@ int read_confined(const reading_limits &limits, pid_t parent, const std::functio
     QStringList writable;
     for (const QString &folder : limits.writable)
         writable.append(present_folder(folder));
-    if (limits.is_confined)
-        confine_process({u"/"_s}, writable);
+    confine_process({u"/"_s}, writable);
     try {
         return read();
     } catch (const std::bad_alloc &) {

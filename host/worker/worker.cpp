@@ -16,6 +16,7 @@
 #include "host/worker/extraction.h"
 #include "host/worker/memory_limit.h"
 #include "host/worker/plugin_loader.h"
+#include "host/worker/sqlite_memory.h"
 #include "plugin/bluetooth_logs.h"
 
 #include <QApplication>
@@ -28,6 +29,7 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include <unistd.h>
@@ -203,7 +205,7 @@ void extract(source_request request)
     for (const QString &table : unread_tables(request, evidence))
         request.options.tables.removeAll(table);
     extraction_observer observer(request.options.tables, send);
-    const plugin_log_end log = run_extraction(*plugin, request, observer);
+    const plugin_log_end log = run_extraction(*plugin, request, observer, end_without_memory);
     plugin.reset();
     send(extracted_line(log));
 
@@ -233,16 +235,16 @@ int work()
             confine(request, {}); // nothing is written
             send(surveyed_line(survey_of_container(choice_of(request))));
             break;
-        case worker_order::task::rehash:
-            confine(request, {});
-            send(surveyed_line(hashes_of_image(request.source.path)));
-            break;
         }
     } catch (const host_error &error) {
         send(problem_line(error));
         return int(worker_end::failed);
     } catch (const std::bad_alloc &) {
         end_without_memory();
+    } catch (const std::system_error &error) { // no thread more, for instance
+        send(problem_line(host_error(error_kind::io, u"the system refuses what the program needs: "_s
+                                                         + QString::fromLocal8Bit(error.what()))));
+        return int(worker_end::failed);
     }
     return 0;
 }
@@ -260,6 +262,7 @@ int run_worker()
 {
     take_over_standard_output();
     std::set_terminate(terminate_work);
+    make_sqlite_memory_watchable();
     static_cast<void>(::chdir("/") == 0);
     // The plug-in is a widget. Qt gets none of our arguments, and none of its threads receives Ctrl-C.
     static int argument_count = 1;

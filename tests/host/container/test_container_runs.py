@@ -306,15 +306,18 @@ class ContainerRuns(container_case):
         evidence = sum(file.stat().st_size for file in self.evidence_in(self.folder / "case_progress"))
         self.assertEqual(hashed, size + 2 * evidence)
 
+    def ewf_image(self, name):
+        raw = self.folder / (name + ".dd")
+        with open(raw, "wb") as image:
+            image.truncate(16 << 20)
+        tool("mke2fs", "-q", "-t", "ext4", "-d", self.macos, raw)
+        with open(raw, "rb") as stream:
+            tool("ewfacquirestream", "-q", "-d", "sha1", "-t", self.folder / name, stdin=stream)
+        return self.folder / (name + ".E01")
+
     def test_stored_hashes_of_an_image_are_made_anew(self):
         needs("mke2fs", "ewfacquirestream")
-        ext = self.folder / "hash.dd"
-        with open(ext, "wb") as image:
-            image.truncate(16 << 20)
-        tool("mke2fs", "-q", "-t", "ext4", "-d", self.macos, ext)
-        with open(ext, "rb") as stream:
-            tool("ewfacquirestream", "-q", "-d", "sha1", "-t", self.folder / "hashes", stdin=stream)
-        path = self.folder / "hashes.E01"
+        path = self.ewf_image("hashes")
         case = self.extract(path, "hashes")
         result = run("verify", case, "--containers")
         self.assertEqual(result.returncode, 0)
@@ -335,6 +338,26 @@ class ContainerRuns(container_case):
         result = run("verify", case, "--containers")
         self.assertEqual(result.returncode, 5, result.stderr)
         self.assertIn(f"what it holds has the MD5 {md5.hex()}, and not {'0' * 32}", result.stderr)
+
+    def test_stored_hashes_are_made_where_everything_is_read(self):
+        needs("mke2fs", "ewfacquirestream", "strace")
+        path = self.ewf_image("confined")
+        case = self.extract(path, "confined")
+        trace = self.folder / "confined.trace"
+        result = subprocess.run(["strace", "-f", "-o", trace, "-e", "trace=execve,seccomp,landlock_restrict_self,prlimit64,setrlimit,open,openat",
+                                 program, "verify", case, "--containers"], capture_output=True, text=True)
+        if "ptrace" in result.stderr:
+            self.skipTest("tracing is not permitted here")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        calls = trace.read_text().splitlines()
+        self.assertEqual(sum("execve(" in call for call in calls), 1, "another program was started")
+        reads = [place for place, call in enumerate(calls) if "confined.E01" in call]
+        wanted = ["RLIMIT_AS, {rlim_cur=2147483648"]  # what --memory-limit is without being given
+        wanted += [name for name in ("seccomp(SECCOMP_SET_MODE_FILTER", "landlock_restrict_self(")
+                   if self.record(case)["confinement"]["seccomp" if "seccomp" in name else "landlock"]]
+        for name in wanted:
+            places = [place for place, call in enumerate(calls) if name in call]
+            self.assertTrue(places and places[0] < reads[0], name)
 
     def test_changed_container_is_found(self):
         path = self.tar_of_databases("changed.tar", ["Library/Bluetooth/" + other])
