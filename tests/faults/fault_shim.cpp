@@ -5,7 +5,9 @@
 // stands in environment variables:
 //   BLUETOOTH_LOGS_FAULT         "PROCESS CALL N EFFECT": the N-th CALL of the process, 0 for the one that was started
 //   and
-//                                1, 2, … for those that it starts; EFFECT is an error number, "short", "zero" or "kill"
+//                                1, 2, … for those that it starts; EFFECT is an error number, "short", "zero" or
+//                                "kill", or "stop": the process stops before the call
+//                                until somebody lets it go on; a "+" behind it means all calls from the N-th on
 //   BLUETOOTH_LOGS_FAULT_COUNTS  a file of fault_counts, which takes the calls and whether the fault was met
 //   BLUETOOTH_LOGS_FAULT_PROCESS the number of this process; set by this library
 // Nothing of Qt or of the program is used here.
@@ -26,6 +28,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -47,8 +50,10 @@ struct fault
     fault_call call = fault_call::count;
     unsigned long number = 0;
     effect what = effect::error;
-    int error = 0; ///< SIGKILL for "kill"
+    int error = 0;
     bool kills = false;
+    bool stops = false;
+    bool lasts = false;
 };
 
 fault planned;
@@ -67,7 +72,9 @@ void read_fault(const char *text)
         if (std::strcmp(call, fault_call_names[i]) == 0)
             planned.call = fault_call(i);
     }
+    planned.lasts = what[std::strlen(what) - 1] == '+';
     planned.kills = std::strcmp(what, "kill") == 0;
+    planned.stops = std::strcmp(what, "stop") == 0;
     if (std::strcmp(what, "short") == 0)
         planned.what = effect::shortened;
     else if (std::strcmp(what, "zero") == 0)
@@ -104,12 +111,15 @@ effect take(fault_call call, int descriptor = -1)
     if (!is_ready || !counts)
         return effect::none;
     const unsigned long number = counts->calls[this_process][int(call)].fetch_add(1) + 1;
-    if (this_process != planned.process || call != planned.call || number != planned.number)
+    const bool is_meant = planned.lasts ? number >= planned.number : number == planned.number;
+    if (this_process != planned.process || call != planned.call || !is_meant)
         return effect::none;
     counts->is_met.store(1);
     counts->descriptor.store(descriptor);
-    if (planned.kills)
-        ::kill(::getpid(), SIGKILL);
+    if (planned.kills || planned.stops)
+        ::kill(::getpid(), planned.kills ? SIGKILL : SIGSTOP);
+    if (planned.stops)
+        return effect::none;
     errno = planned.error;
     return planned.what;
 }
@@ -377,6 +387,14 @@ extern "C" pid_t fork() noexcept
 {
     static const auto next = next_of(&::fork, "fork");
     return take(fault_call::fork) == effect::none ? next() : -1;
+}
+
+/** A thread counts with the processes. */
+extern "C" int pthread_create(pthread_t *thread, const pthread_attr_t *attributes, void *(*run)(void *),
+                              void *argument) noexcept
+{
+    static const auto next = next_of(&::pthread_create, "pthread_create");
+    return take(fault_call::fork) == effect::none ? next(thread, attributes, run, argument) : errno;
 }
 
 namespace {

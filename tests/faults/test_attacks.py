@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 # SPDX-License-Identifier: MIT
 """Attacks the program by what it reads and by what it runs in: case files and evidence that somebody altered, full disks,
-limits of the system. Which of each kind are tried follows from the seed. Ends with 1 if a promise was broken.
+limits of the system, and what changes under its hands. Which of each kind are tried follows from the seed. Ends with 1 if a promise was broken.
 """
 
 import argparse
@@ -9,11 +9,12 @@ import json
 import os
 import random
 import shutil
+import sqlite3
 import subprocess
 import sys
 import tempfile
 
-from test_faults import COMMANDS, SOURCES, Fault, Place, judge
+from test_faults import COMMANDS, SOURCES, Fault, Place, case_state, judge
 from small_evidence import state_of
 
 READERS = [command for command in COMMANDS if command.name in ("report", "collect", "show", "verify")]
@@ -94,8 +95,7 @@ def attack_case_files(place, pick):
 
 def attack_evidence(place, pick):
     shutil.rmtree(place.path("case"), ignore_errors=True)
-    shutil.rmtree(place.path("evidence"))
-    shutil.copytree(place.path("kept"), place.path("evidence"))
+    renew_evidence(place)
     path = pick.choice(files_below(place.path("evidence")))
     alter_file(path, pick)
     evidence = state_of(place.path("evidence"))
@@ -120,6 +120,205 @@ def attack_full_disk(place, pick):
     finally:
         place.program = program
     return f"{arguments[0]}: a disk of {size} KiB", run, objection(place, run, place.evidence)
+
+
+# What anybody may have made of a table {t} with a column {c}.
+WIDE = ", ".join(f"c{number}" for number in range(1999))
+HOSTILE_SQL = [
+    "DROP TABLE {t}",
+    "DELETE FROM {t}",
+    "INSERT INTO {t} SELECT * FROM {t}",
+    "ALTER TABLE {t} RENAME TO other; CREATE VIEW {t} AS SELECT * FROM other",
+    "ALTER TABLE {t} RENAME COLUMN {c} TO other",
+    "CREATE TRIGGER g AFTER INSERT ON {t} BEGIN DELETE FROM {t}; END",
+    "DROP TABLE {t}; CREATE VIRTUAL TABLE {t} USING fts5(uuid, {c})",
+    "DROP TABLE {t}; CREATE TABLE {t}(uuid PRIMARY KEY, {c}) WITHOUT ROWID; INSERT INTO {t} VALUES(1, 2)",
+    "DROP TABLE {t}; CREATE TABLE {t}(" + WIDE + ", {c}); INSERT INTO {t} DEFAULT VALUES",
+    "DROP TABLE {t}; CREATE VIEW {t} AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i FROM n) SELECT i AS {c} FROM n",
+    "ALTER TABLE {t} RENAME COLUMN {c} TO other; ALTER TABLE {t} ADD COLUMN {c} AS (hex(zeroblob(300000000)))",
+    "ALTER TABLE {t} RENAME COLUMN {c} TO other; ALTER TABLE {t} ADD COLUMN {c} AS (abs(rowid - 9223372036854775807 - 2))",
+    "ALTER TABLE {t} ADD COLUMN more AS (zeroblob(300000000))",
+    "UPDATE {t} SET {c} = zeroblob(3000000)",
+    "UPDATE {t} SET {c} = replace(hex(zeroblob(300000)), '00', '<b>')",
+    "UPDATE {t} SET {c} = x'ff00fe'",
+    "UPDATE {t} SET {c} = CAST(x'610062' AS TEXT)",
+    "UPDATE {t} SET {c} = 9e999",
+    "UPDATE {t} SET {c} = -9223372036854775807 - 1",
+    "UPDATE {t} SET {c} = char(0x202e, 0x1b) || '[2J</script>'",
+    "PRAGMA writable_schema=ON; UPDATE sqlite_master SET rootpage = 0",
+    "PRAGMA writable_schema=ON; UPDATE sqlite_master SET rootpage = 1",
+    "PRAGMA writable_schema=ON; UPDATE sqlite_master SET rootpage = 2147483647",
+    "PRAGMA writable_schema=ON; UPDATE sqlite_master SET sql = 'x'",
+    "PRAGMA writable_schema=ON; UPDATE sqlite_master SET sql = 'CREATE TABLE {t}(a CHECK(1/0), a)'",
+    "PRAGMA writable_schema=ON; UPDATE sqlite_master SET type = 'view'",
+    "CREATE INDEX i ON {t}({c}); PRAGMA writable_schema=ON; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'i'",
+    "PRAGMA page_size=65536; VACUUM",
+    "PRAGMA page_size=512; VACUUM",
+    "PRAGMA journal_mode=WAL; DELETE FROM {t}",
+    "PRAGMA user_version=-1; PRAGMA application_id=-1",
+]
+
+
+def damage(path, pick):
+    """Bytes of the header, of the schema or of any page are others."""
+    with open(path, "r+b") as file:
+        size = os.path.getsize(path)
+        for _ in range(pick.randrange(1, 9)):
+            file.seek(pick.randrange(min(size, pick.choice([100, 4096, size]))))
+            file.write(bytes([pick.choice([0, 1, 0x7f, 0x80, 0xff, pick.randrange(256)])]))
+
+
+def make_hostile(path, table, column, pick):
+    if pick.randrange(3) == 0:
+        damage(path, pick)
+        return "damaged"
+    statements = pick.choice(HOSTILE_SQL).format(t=table, c=column)
+    database = sqlite3.connect(path, isolation_level=None)
+    try:
+        database.executescript(statements)
+    except sqlite3.Error:
+        pass  # half of it is hostile, too
+    database.close()
+    return statements[:60]
+
+
+TIGHT = ["--memory-limit", "256", "--timeout", "20"]
+RESULT = os.path.join("Source1", "Artifacts_Result", "Bluetooth_Logs", "Bluetooth_Logs.sqlite")
+START = os.path.join("mac", "Library", "Bluetooth", "com.apple.MobileBluetooth.ledevices.")
+
+
+def attack_databases(place, pick):
+    """A result database of a case, or a database of the evidence."""
+    if pick.randrange(2) == 0:
+        command = pick.choice(READERS)
+        place.prepare(command)
+        path = place.path("case", RESULT)
+        state = content_of_bytes(path)
+        what = make_hostile(path, *pick.choice([("devices", "device_name"), ("paired_devices", "address")]), pick)
+        run = place.run(command.arguments + TIGHT)
+        may_be_done = command.name != "verify" or content_of_bytes(path) == state
+        return f"{command.name}: {what}", run, objection(place, run, place.evidence, may_be_done)
+    renew_evidence(place)
+    name, table = pick.choice([("other.db", "OtherDevices"), ("paired.db", "PairedDevices")])
+    what = make_hostile(place.path("evidence", START + name), table, "Name", pick)
+    evidence = state_of(place.path("evidence"))
+    shutil.rmtree(place.path("case"), ignore_errors=True)
+    run = place.run(["extract", *SOURCES, *TIGHT])
+    problem = objection(place, run, evidence)
+    renew_evidence(place)
+    place.evidence = state_of(place.path("evidence"))
+    return f"extract: {what}", run, problem
+
+
+def content_of_bytes(path):
+    with open(path, "rb") as file:
+        return file.read()
+
+
+def renew_evidence(place):
+    shutil.rmtree(place.path("evidence"))
+    shutil.copytree(place.path("kept"), place.path("evidence"))
+
+
+def take_away(path):
+    if os.path.isdir(path) and not os.path.islink(path):
+        shutil.rmtree(path)
+    elif os.path.lexists(path):
+        os.remove(path)
+
+
+# What is exchanged for a link to the evidence while a command writes.
+PLANTED = [
+    ("Source1", "mac"), ("Source1/plugin.log", "log.txt"), ("Source1/source.json", "log.txt"),
+    ("Source1/source.json.new", "log.txt"), ("Source1/Artifacts_Result", "mac"), ("Source1/Evidence", "mac"),
+    ("Source1/Artifacts_Result/Bluetooth_Logs", "mac/Library/Bluetooth"),
+    ("Source1/Artifacts_Result/Bluetooth_Logs/Logs", "mac/Library/Bluetooth"),
+    (RESULT, START + "other.db"), (RESULT + "-journal", "log.txt"),
+    ("Source1/Evidence/Library/Bluetooth", "mac/Library/Bluetooth"), ("Source1/tmp", "mac/Library"),
+    ("Source1/host_devices.jsonl.new", "log.txt"), ("Source1/wal_changes.jsonl.new", "log.txt"),
+    ("Source2/ios_lines.jsonl.new", "log.txt"), ("manifest.json", "log.txt"), ("manifest.json.new", "log.txt"),
+    ("Report", "mac"), ("Report/report.sqlite.new", START + "other.db"), ("Report/devices.csv.new", "log.txt"),
+]
+
+
+def plant(place, name, target):
+    path = place.path("case", name)
+    if os.path.isdir(os.path.dirname(path)):
+        take_away(path)
+        os.symlink(place.path("evidence", target), path)
+
+
+def moment_of(place, command, pick):
+    """Before one of the calls that the command makes."""
+    groups = [(process, call) for (process, call), count in place.counts[command].items() if count and call != "malloc"]
+    process, call = pick.choice(groups)
+    return Fault(command, process, call, pick.randrange(1, place.counts[command][process, call] + 1), "stop")
+
+
+def attack_by_link(place, pick):
+    wanted = pick.choice(["extract", "report", "collect"])
+    command = next(command for command in COMMANDS if command.name == wanted)
+    moment = moment_of(place, command.name, pick)
+    name, target = pick.choice(PLANTED)
+    place.prepare(command)
+    run = place.run(command.arguments, moment, lambda: plant(place, name, target))
+    return f"{moment}: a link to {target} at {name}", run, objection(place, run, place.evidence)
+
+
+def exchange_evidence(place, name):
+    path = place.path("evidence", name)
+    other = place.path("exchanged")
+    shutil.copyfile(place.path("other", name), other)
+    os.rename(other, path)
+
+
+def attack_by_exchange(place, pick):
+    """0 is lawful where all comes from the one evidence, or all from the other."""
+    if not os.path.exists(place.path("other")):
+        make_other_evidence(place)
+    moment = moment_of(place, "extract", pick)
+    name = pick.choice([START + "other.db", "log.txt"])
+    renew_evidence(place)
+    shutil.rmtree(place.path("case"), ignore_errors=True)
+    after = []
+
+    def exchange():
+        exchange_evidence(place, name)
+        after.append(state_of(place.path("evidence")))
+
+    before = state_of(place.path("evidence"))
+    run = place.run(["extract", *SOURCES], moment, exchange)
+    problem = objection(place, run, after[0] if after else before)
+    lawful = [place.expected["extract"][1], place.expected[name]]
+    if not problem and run.code == 0 and case_state(place.path("case")) not in lawful:
+        problem = "the code is 0, and the case is neither of the one evidence nor of the other"
+    renew_evidence(place)
+    place.evidence = state_of(place.path("evidence"))
+    return f"{moment}: {name} exchanged", run, problem
+
+
+def make_other_evidence(place):
+    """The same files with something missing, and what undisturbed runs make of evidence with one of them."""
+    shutil.copytree(place.path("kept"), place.path("other"))
+    database = sqlite3.connect(place.path("other", START + "other.db"))
+    database.execute("UPDATE OtherDevices SET Name = 'Exchanged'")
+    database.commit()
+    database.close()
+    with open(place.path("other", "log.txt"), "r+", encoding="utf-8") as file:
+        lines = file.readlines()
+        file.seek(0)
+        file.truncate()
+        file.writelines(line.replace("Kitchen", "Exchanged") for line in lines)
+    for name in (START + "other.db", "log.txt"):
+        renew_evidence(place)
+        exchange_evidence(place, name)
+        shutil.rmtree(place.path("case"), ignore_errors=True)
+        place.run_undisturbed(["extract", *SOURCES])
+        place.expected[name] = case_state(place.path("case"))
+
+
+def attack_races(place, pick):
+    return pick.choice([attack_by_link, attack_by_exchange])(place, pick)
 
 
 # The shell's option, and which values are tried.
@@ -154,6 +353,8 @@ ATTACKS = {
     "evidence": attack_evidence,
     "full disk": attack_full_disk,
     "limits": attack_limits,
+    "databases": attack_databases,
+    "races": attack_races,
 }
 
 
@@ -187,8 +388,7 @@ def main():
                 if problem:
                     print(f"{what}: {problem}", flush=True)
             if name == "evidence":
-                shutil.rmtree(place.path("evidence"))
-                shutil.copytree(place.path("kept"), place.path("evidence"))
+                renew_evidence(place)
                 place.evidence = state_of(place.path("evidence"))
             print(f"{name}: {entry['tried']} tried, {entry['met']} told by the code, {entry['held']} held", flush=True)
     if options.json:

@@ -22,6 +22,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import time
 import zipfile
 
 from small_evidence import make_evidence, state_of
@@ -29,14 +30,14 @@ from small_evidence import make_evidence, state_of
 CALLS = "write pwrite fsync open read pread lseek mmap rename unlink mkdir close stat readdir fork malloc".split()
 PROCESSES = 8
 
-# What each call may lawfully give, by its manual page.
+# What each call may lawfully give, by its manual page; with a "+": from there on. "fork" stands for threads, too.
 EFFECTS = {
     "write": [errno.ENOSPC, errno.EIO, errno.EINTR, "short"],
     "pwrite": [errno.ENOSPC, errno.EIO, "short"],
     "fsync": [errno.EIO, errno.ENOSPC],
     "open": [errno.EIO, errno.EACCES, errno.EMFILE],
-    "read": [errno.EIO, errno.EINTR, "short", "zero"],
-    "pread": [errno.EIO, "short"],
+    "read": [errno.EIO, errno.EINTR, "short", "zero", f"{errno.EIO}+"],
+    "pread": [errno.EIO, "short", f"{errno.EIO}+"],
     "lseek": [errno.EIO],
     "mmap": [errno.ENOMEM],
     "rename": [errno.EIO, errno.ENOSPC],
@@ -173,6 +174,18 @@ COMMANDS = [
 ]
 
 
+def stopped_process_of(session):
+    for name in os.listdir("/proc"):
+        try:
+            with open(f"/proc/{name}/stat", encoding="utf-8", errors="replace") as file:
+                state, _, _, of_session = file.read().rpartition(")")[2].split()[:4]
+        except (OSError, ValueError):
+            continue
+        if state == "T" and of_session == str(session):
+            return int(name)
+    return None
+
+
 class Place:
     """A folder of its own, with evidence, prepared cases and what undisturbed runs give."""
 
@@ -215,7 +228,8 @@ class Place:
                   for process in range(PROCESSES) for index, call in enumerate(CALLS)}
         return bool(is_met), descriptor, counts
 
-    def run(self, arguments, fault=None):
+    def run(self, arguments, fault=None, meanwhile=None):
+        """With @p meanwhile, which is called when the process has stopped at the fault."""
         with open(self.counts_file, "wb") as file:
             file.write(bytes(16 + 8 * PROCESSES * len(CALLS)))
         environment = dict(os.environ, LD_PRELOAD=self.shim, BLUETOOTH_LOGS_FAULT_COUNTS=self.counts_file,
@@ -225,6 +239,8 @@ class Place:
         process = subprocess.Popen([self.program, *arguments], cwd=self.folder, env=environment, text=True,
                                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                    errors="replace", start_new_session=True)
+        if meanwhile:
+            self.act_when_stopped(process, meanwhile)
         try:
             output, errors = process.communicate(timeout=TIME_LIMIT)
             code = process.returncode
@@ -234,6 +250,17 @@ class Place:
             code = None
         is_met, descriptor, _ = self.read_counts()
         return Run(code, output, errors, is_met, descriptor)
+
+    def act_when_stopped(self, process, meanwhile):
+        stopped = None
+        while stopped is None and process.poll() is None:
+            time.sleep(0.002)
+            stopped = stopped_process_of(process.pid) if self.read_counts()[0] else None
+        if stopped:
+            try:
+                meanwhile()
+            finally:
+                os.kill(stopped, signal.SIGCONT)
 
     def run_undisturbed(self, arguments):
         run = self.run(arguments)
@@ -338,7 +365,7 @@ def main():
             places.put(all_places[-1])
         if options.one:
             command, process, call, number, effect = options.one.split()
-            effect = effect if effect in ("short", "zero", "kill") else getattr(errno, effect)
+            effect = effect if effect in ("short", "zero", "kill") or effect.endswith("+") else getattr(errno, effect)
             fault = Fault(command, int(process), call, int(number), effect)
             _, run, problem = attack(places, fault)
             print(f"{fault}\ncode {run.code}, met {run.is_met}\n{run.output}{run.errors}\n{problem or 'held'}")

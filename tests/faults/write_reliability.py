@@ -32,6 +32,10 @@ OTHERS = {
                    "report, show, verify, collect"),
     "evidence": ("a file of the evidence is altered", "extract"),
     "full disk": ("the disk of the case is full at some point", "extract, report, collect"),
+    "databases": ("a result database or a database of the evidence is hostile: views, generated columns, forged schemas, damage",
+                  "report, show, verify, collect, extract"),
+    "races": ("while it works, evidence is exchanged, or a link to the evidence planted in the case",
+              "extract, report, collect"),
     "limits": ("a limit of the shell: file size, open files, address space, stack", "every command"),
 }
 

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "host/run/worker_environment.h"
 #include "tests/host/host_program.h"
 #include "tests/host/private_mount.h"
 #include "tests/support/strict_test.h"
@@ -23,6 +24,7 @@ class test_environment : public strict_test
 private Q_SLOTS:
     void variable_changes_nothing_data();
     void variable_changes_nothing();
+    void worker_gets_what_it_needs();
     void missing_variable_changes_nothing_data();
     void missing_variable_changes_nothing();
     void temporary_folder_is_not_needed_data();
@@ -83,6 +85,8 @@ void test_environment::variable_changes_nothing_data()
     QTest::newRow("display")          << u"DISPLAY"_s               << u":77"_s;
     QTest::newRow("time zone")        << u"TZ"_s                    << u"nonsense/nowhere"_s;
     QTest::newRow("code of OpenSSL's") << u"OPENSSL_CONF"_s         << u"/nonexistent/openssl.cnf"_s;
+    QTest::newRow("code of iconv's")  << u"GCONV_PATH"_s            << u"/nonexistent"_s;
+    QTest::newRow("libraries")        << u"LD_LIBRARY_PATH"_s       << u"/nonexistent"_s;
     QTest::newRow("Qt's plug-ins")    << u"QT_PLUGIN_PATH"_s        << u"/nonexistent"_s;
     QTest::newRow("SQLite's folder")  << u"SQLITE_TMPDIR"_s         << u"/nonexistent"_s;
     // clang-format on
@@ -96,6 +100,24 @@ void test_environment::variable_changes_nothing()
     host.write_sample();
     host.set_variable(name, value);
     extracts(host);
+}
+
+void test_environment::worker_gets_what_it_needs()
+{
+    const QByteArrayList kept_out{"LD_PRELOAD", "LD_LIBRARY_PATH", "LD_AUDIT", "QT_PLUGIN_PATH", "QT_DEBUG_PLUGINS",
+                                  "GCONV_PATH", "OPENSSL_CONF",    "HOME",     "PATH",           "LANG"};
+    for (const QByteArray &name : kept_out)
+        qputenv(name.constData(), "/nonexistent");
+    qputenv("TZ", "UTC");
+    QByteArrayList names;
+    for (const QByteArray &variable : worker_environment())
+        names.append(variable.left(variable.indexOf('=')));
+    for (const QByteArray &name : kept_out) {
+        qunsetenv(name.constData());
+        QVERIFY2(!names.contains(name), name.constData());
+    }
+    QVERIFY(names.contains("TZ"));
+    QCOMPARE(names.count("QT_LOGGING_RULES"), 1);
 }
 
 void test_environment::missing_variable_changes_nothing_data()

@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QTest>
 
@@ -72,6 +73,11 @@ void remove_the_file(const QString &path)
     QVERIFY(QFile::remove(path));
 }
 
+void put_a_link_out(const QString &path)
+{
+    QVERIFY(QFile::remove(path) && QFile::link(u"/etc/passwd"_s, path));
+}
+
 } // namespace
 
 /** What changes in the evidence during a run is told, by content and by what the file system says of its files. */
@@ -82,6 +88,12 @@ class test_evidence_change : public strict_test
 private Q_SLOTS:
     void change_is_told_data();
     void change_is_told();
+    void record_says_what_stands_there_in_the_end_data();
+    void record_says_what_stands_there_in_the_end();
+    void what_was_not_hashed_is_told_data();
+    void what_was_not_hashed_is_told();
+    void evidence_that_vanishes_before_it_is_read_data();
+    void evidence_that_vanishes_before_it_is_read();
     void file_that_comes_or_goes_beside();
     void other_files_beside_a_log_are_no_evidence();
     void change_is_told_of_a_plugin_that_crashed();
@@ -133,6 +145,92 @@ void test_evidence_change::change_is_told()
              qPrintable(result.errors));
     QCOMPARE(host.source_record().value("status"_L1).toString(), u"evidence changed"_s);
     QCOMPARE(host.source_record().value("exit_code"_L1).toInt(), 5);
+}
+
+void test_evidence_change::record_says_what_stands_there_in_the_end_data()
+{
+    QTest::addColumn<change_step>("change");
+    QTest::addColumn<QString>("reason");
+
+    // clang-format off
+    QTest::newRow("nothing")    << &remove_the_file << QString();
+    QTest::newRow("a link out") << &put_a_link_out  << u"it is reached by a link that leads out of the source, to /etc/passwd: --follow-links reads it nevertheless"_s;
+    // clang-format on
+}
+
+void test_evidence_change::record_says_what_stands_there_in_the_end()
+{
+    QFETCH(change_step, change);
+    QFETCH(QString, reason);
+    const host_program host;
+    host.write_sample();
+    const QString name = u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s;
+    const host_result result = host.run_meanwhile(extract_macos, u"end"_s,
+                                                  [&] { change(host.path(u"sample/macos/"_s + name)); });
+    QCOMPARE(result.exit_code, 5);
+    QVERIFY2(result.errors.contains(u"error: the evidence changed during the run: "_s + name + u": it is gone\n"_s),
+             qPrintable(result.errors));
+    const QJsonObject file = host.source_record().value("evidence"_L1).toArray().at(0).toObject();
+    QVERIFY(file.value("before"_L1).isObject());
+    QVERIFY(file.value("after"_L1).isNull());
+    QCOMPARE(file.value("reason"_L1).toString(), reason);
+}
+
+void test_evidence_change::what_was_not_hashed_is_told_data()
+{
+    QTest::addColumn<QString>("file"); // below the sample
+    QTest::addColumn<QString>("words");
+
+    // clang-format off
+    QTest::newRow("database") << u"macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s
+        << u"error: the evidence changed during the run: Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db: what the plug-in copied is not what was hashed\n"_s;
+    QTest::newRow("log") << u"ios/system.log"_s << u"error: the log holds 50 lines for the table devices, and the result 0 rows\n"_s;
+    // clang-format on
+}
+
+/** The host has hashed the evidence when the plug-in begins; what the plug-in reads then is another file. */
+void test_evidence_change::what_was_not_hashed_is_told()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, words);
+    const host_program host;
+    host.write_sample();
+    const QString path = host.path(u"sample/"_s + file);
+    const bool is_log = file.startsWith(u"ios"_s);
+    const host_result result = host.run_meanwhile(is_log ? extract_ios : extract_macos, u"extraction"_s, [&] {
+        const QString other = path + u".other"_s;
+        QVERIFY(QFile::copy(path, other));
+        if (is_log)
+            QVERIFY(QFile::resize(other, 0));
+        else
+            change_content_and_put_times_back(other);
+        QVERIFY(QFile::remove(path) && QFile::rename(other, path));
+    });
+    QCOMPARE(result.exit_code, 5);
+    QVERIFY2(result.errors.contains(words), qPrintable(result.errors));
+    QCOMPARE(host.source_record().value("status"_L1).toString(), u"evidence changed"_s);
+}
+
+void test_evidence_change::evidence_that_vanishes_before_it_is_read_data()
+{
+    QTest::addColumn<QString>("source");
+
+    QTest::newRow("folder") << u"sample/macos"_s;
+    QTest::newRow("log") << u"sample/ios/system.log"_s;
+}
+
+void test_evidence_change::evidence_that_vanishes_before_it_is_read()
+{
+    QFETCH(QString, source);
+    const host_program host;
+    host.write_sample();
+    const host_result result = host.run_meanwhile({u"extract"_s, u"-i"_s, source, u"-o"_s, u"case"_s}, u"loading"_s,
+                                                  [&] {
+                                                      QVERIFY(QFile::rename(host.path(source), host.path(u"gone"_s)));
+                                                  });
+    QCOMPARE(result.exit_code, 3);
+    QVERIFY2(result.errors.contains(u"error: the evidence is gone: it was there when the run was planned\n"_s),
+             qPrintable(result.errors));
 }
 
 void test_evidence_change::file_that_comes_or_goes_beside()

@@ -50,6 +50,8 @@ class test_force_removes_only_ours : public strict_test
 private Q_SLOTS:
     void notes_stay_and_are_named_data();
     void notes_stay_and_are_named();
+    void what_a_damaged_database_left_is_ours_data();
+    void what_a_damaged_database_left_is_ours();
     void notes_in_temporary_folders_stop_the_run_data();
     void notes_in_temporary_folders_stop_the_run();
     void nothing_is_written_through_links_data();
@@ -99,6 +101,30 @@ void test_force_removes_only_ours::notes_stay_and_are_named()
     QVERIFY(note.open(QIODevice::ReadOnly));
     QCOMPARE(note.readAll(), "note");
     QVERIFY(QFile::exists(host.path(u"case/report.txt"_s)));
+}
+
+void test_force_removes_only_ours::what_a_damaged_database_left_is_ours_data()
+{
+    QTest::addColumn<QString>("ending"); // of a name in the evidence, whose copy is in the way of the next run
+
+    QTest::newRow("plain") << u".corrupt"_s;
+    QTest::newRow("time") << u".12:00:00_01-31-2026.corrupt"_s;
+    QTest::newRow("line end") << u".a\nb.corrupt"_s;
+}
+
+void test_force_removes_only_ours::what_a_damaged_database_left_is_ours()
+{
+    QFETCH(QString, ending);
+    const host_program host;
+    host.write_sample();
+    const QString name = u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s + ending;
+    QVERIFY(write_note(host.path(u"sample/macos/"_s + name)));
+    QCOMPARE(host.run(extract_sample).exit_code, 0);
+    QVERIFY(QFile::exists(host.path(u"case/Source1/Evidence/"_s + name)));
+    const host_result result = host.run(extract_anew);
+    QVERIFY2(!result.errors.contains(u"error: "_s) && !result.errors.contains(u"stays"_s), qPrintable(result.errors));
+    QCOMPARE(result.exit_code, 0);
+    QVERIFY(QFile::exists(host.path(u"case/Source1/Evidence/"_s + name)));
 }
 
 void test_force_removes_only_ours::notes_in_temporary_folders_stop_the_run_data()

@@ -8,6 +8,7 @@
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
@@ -65,6 +66,14 @@ private Q_SLOTS:
     void time();
     void file_that_is_none_data();
     void file_that_is_none();
+    void socket_is_no_file();
+    void forged_manifest_data();
+    void forged_manifest();
+    void closed_streams_data();
+    void closed_streams();
+    void hangup_that_is_ignored();
+    void nobody_reads_the_output_data();
+    void nobody_reads_the_output();
     void signal_data();
     void signal();
     void killed_program();
@@ -74,8 +83,9 @@ private Q_SLOTS:
 private:
     /** The rows of the table "devices" of the case are made by @p expression. */
     void make_rows(const QString &expression, int count) const;
-    /** Starts a report that takes minutes, and waits until it writes. */
-    void start_report(QProcess &process) const;
+    /** Starts a report that takes some seconds, and waits until it writes @p file. */
+    void start_report(QProcess &process, const QString &format = u"jsonl"_s,
+                      const QString &file = u"devices.jsonl.new"_s) const;
     QStringList unfinished_files() const;
 
     host_program host;
@@ -111,17 +121,18 @@ void test_foreign_case::make_rows(const QString &expression, int count) const
                    {count});
 }
 
-void test_foreign_case::start_report(QProcess &process) const
+void test_foreign_case::start_report(QProcess &process, const QString &format, const QString &file) const
 {
-    make_rows(slow_column, 8);
-    host.start(process, {u"report"_s, u"case"_s, u"-f"_s, u"jsonl"_s, u"-o"_s, host.path(u"report"_s)});
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"report/devices.jsonl.new"_s)), longest);
+    make_rows(slow_column, 3);
+    host.start(process, {u"report"_s, u"case"_s, u"-f"_s, format, u"-o"_s, host.path(u"report"_s)});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"report/"_s + file)), longest);
 }
 
 QStringList test_foreign_case::unfinished_files() const
 {
     QStringList names;
-    QDirIterator files(host.path(QString()), {u"*.new"_s}, QDir::AllEntries, QDirIterator::Subdirectories);
+    QDirIterator files(host.path(QString()), {u"*.new"_s, u"*.parts"_s}, QDir::AllEntries,
+                       QDirIterator::Subdirectories);
     while (files.hasNext())
         names.append(files.next());
     return names;
@@ -213,20 +224,149 @@ void test_foreign_case::file_that_is_none()
     }
 }
 
+/** Where a socket of that name stands, nobody waits at it. */
+void test_foreign_case::socket_is_no_file()
+{
+    const QString path = host.path(u"case/manifest.json"_s);
+    QVERIFY(QFile::remove(path));
+    QCOMPARE(::mknod(QFile::encodeName(path).constData(), S_IFSOCK | 0644, 0), 0);
+    for (const QString &command : {u"verify case"_s, u"report case -o report"_s}) {
+        const host_result result = host.run_in_shell(command);
+        QVERIFY2(result.exit_code >= 1 && result.exit_code <= 5, qPrintable(command));
+        QVERIFY2(result.errors.contains(u"manifest.json"_s), qPrintable(command + result.errors));
+    }
+}
+
+void test_foreign_case::forged_manifest_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    QTest::addColumn<QString>("message");
+
+    QByteArray ranges;
+    for (int number = 0; number < 2000; ++number)
+        ranges += QByteArray::number(1 + 2 * number) + ',';
+    // clang-format off
+    QTest::newRow("two entries of a number") << "\"sources\":["_ba << "\"sources\":[{\"number\":1,\"status\":\"done\"},"_ba << u"is forged: source 1 is there twice, or out of order"_s;
+    QTest::newRow("a number that is absurd") << "\"numbers\":\"1\""_ba << "\"numbers\":\"2147483647-2147483647\""_ba << u"these are no numbers of sources: 2147483647-2147483647"_s;
+    QTest::newRow("2,000 ranges")            << "\"numbers\":\"1\""_ba << "\"numbers\":\"" + ranges.chopped(1) + '"' << u"is forged: its sources are not those that it lists"_s;
+    QTest::newRow("a path outside")          << "Source1/plugin.log"_ba << "Source1/../../secret"_ba << u"is forged: Source1: the path Source1/../../secret leads out of the source's folder"_s;
+    QTest::newRow("a member twice")          << "\"number\":1"_ba << "\"number\":1,\"number\":1"_ba << u"is forged: it gives the member \"number\" twice"_s;
+    QTest::newRow("a status that nobody writes") << "\"status\":\"done\""_ba << "\"status\":\"fine\""_ba << u"is forged: Source1: there is no status \"fine\""_s;
+    QTest::newRow("a code that nobody writes")   << "\"exit_code\":0"_ba << "\"exit_code\":42"_ba << u"is forged: Source1: no run ends with the exit code 42"_s;
+    // clang-format on
+}
+
+/** Every command says the same of it, and reads nothing that it names: what lies outside waits for ever for a reader.
+ */
+void test_foreign_case::forged_manifest()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    QFETCH(QString, message);
+    QFile::remove(host.path(u"secret"_s));
+    QCOMPARE(::mkfifo(QFile::encodeName(host.path(u"secret"_s)).constData(), 0644), 0);
+    const QString manifest = host.path(u"case/manifest.json"_s);
+    QByteArray content = content_of(manifest);
+    QVERIFY(content.contains(before));
+    content.replace(content.indexOf(before), before.size(), after);
+    write_file(manifest, content);
+    write_file(manifest + u".sha256"_s,
+               QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex() + "  manifest.json\n");
+    for (const QString &command : {u"verify case"_s, u"report case -o report"_s}) {
+        const host_result result = host.run_in_shell(command);
+        QVERIFY2(result.exit_code >= 3 && result.exit_code <= 5, qPrintable(command + result.errors));
+        QVERIFY2(result.errors.contains(message), qPrintable(command + result.errors));
+    }
+    QVERIFY(!QFile::exists(host.path(u"report"_s)));
+}
+
+void test_foreign_case::closed_streams_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("redirection");
+    QTest::addColumn<int>("exit_code");
+
+    for (const QString &command :
+         {u"show case"_s, u"verify case"_s, u"report case -o report -f csv"_s, u"collect case"_s}) {
+        for (const QString &redirection : {u"<&-"_s, u"2>&-"_s, u">&-"_s, u">/dev/full"_s, u"<&- >&- 2>&-"_s})
+            QTest::addRow("%s %s", qPrintable(command), qPrintable(redirection))
+                << command << redirection << (redirection.contains(u" >"_s) || redirection.startsWith(u'>') ? 1 : 0);
+    }
+}
+
+void test_foreign_case::closed_streams()
+{
+    QFETCH(QString, command);
+    QFETCH(QString, redirection);
+    QFETCH(int, exit_code);
+    const host_result result = host.run_in_shell(command, u"exec "_s + redirection);
+    QCOMPARE(result.exit_code, exit_code);
+    if (exit_code == 1 && !redirection.contains(u"2>"_s))
+        QVERIFY2(result.errors.endsWith(u"error: standard output cannot be written\n"_s), qPrintable(result.errors));
+}
+
+/** As nohup does it. */
+void test_foreign_case::hangup_that_is_ignored()
+{
+    make_rows(slow_column, 2);
+    QProcess process;
+    process.setProgram(u"sh"_s);
+    process.setWorkingDirectory(host.path(QString()));
+    process.setArguments({u"-c"_s, u"trap '' HUP; exec \"$@\""_s, u"sh"_s, host_program::program_file(), u"report"_s,
+                          u"case"_s, u"-f"_s, u"jsonl"_s, u"-o"_s, u"report"_s});
+    process.start();
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"report/devices.jsonl.new"_s)), longest);
+    for (const qint64 child : children_of(process.processId()))
+        QCOMPARE(::kill(pid_t(child), SIGHUP), 0);
+    QCOMPARE(::kill(pid_t(process.processId()), SIGHUP), 0);
+    host_program::finish(process);
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QVERIFY(QFile::exists(host.path(u"report/report.json"_s)));
+    QCOMPARE(unfinished_files(), QStringList());
+}
+
+void test_foreign_case::nobody_reads_the_output_data()
+{
+    QTest::addColumn<QString>("command");
+
+    for (const char *command :
+         {"show case", "verify case", "verify case --json", "report case -o report -f csv", "collect case"})
+        QTest::newRow(command) << QString::fromLatin1(command);
+}
+
+void test_foreign_case::nobody_reads_the_output()
+{
+    QFETCH(QString, command);
+    QFile::remove(host.path(u"closed"_s));
+    const QString script = u"{ while [ ! -e closed ]; do sleep 0.01; done; \"$0\" "_s + command
+                           + u"; echo $? >code; } | { exec <&-; : >closed; }"_s;
+    const host_result result = host.run_through({u"sh"_s, u"-c"_s, script}, {});
+    QVERIFY2(!result.errors.contains(u"error"_s), qPrintable(result.errors));
+    QCOMPARE(content_of(host.path(u"code"_s)), "141\n"); // of a shell for what SIGPIPE ended
+    QCOMPARE(host.run({u"verify"_s, u"case"_s}).exit_code, 0);
+}
+
 void test_foreign_case::signal_data()
 {
     QTest::addColumn<int>("signal");
+    QTest::addColumn<QString>("format");
+    QTest::addColumn<QString>("file");
 
-    QTest::newRow("SIGINT") << SIGINT;
-    QTest::newRow("SIGTERM") << SIGTERM;
-    QTest::newRow("SIGHUP") << SIGHUP;
+    QTest::newRow("SIGINT") << SIGINT << u"jsonl"_s << u"devices.jsonl.new"_s;
+    QTest::newRow("SIGTERM") << SIGTERM << u"jsonl"_s << u"devices.jsonl.new"_s;
+    QTest::newRow("SIGHUP") << SIGHUP << u"jsonl"_s << u"devices.jsonl.new"_s;
+    QTest::newRow("database") << SIGTERM << u"sqlite"_s << u"report.sqlite.new"_s;
+    QTest::newRow("workbook") << SIGTERM << u"xlsx"_s << u"report.xlsx.new"_s;
 }
 
 void test_foreign_case::signal()
 {
     QFETCH(int, signal);
+    QFETCH(QString, format);
+    QFETCH(QString, file);
     QProcess process;
-    start_report(process);
+    start_report(process, format, file);
     const QList<qint64> children = children_of(process.processId());
     QCOMPARE(::kill(pid_t(process.processId()), signal), 0);
     const host_result result = host_program::finish(process);

@@ -14,6 +14,7 @@
 #include <csignal>
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -56,6 +57,7 @@ void test_wrong_plugin::initTestCase()
     host.set_variable(u"LSAN_OPTIONS"_s,
                       u"detect_leaks=0"_s); // a process that is confined cannot look for them at its end
     host.write_sample();
+    QCOMPARE(::mkfifo(QFile::encodeName(host.path(u"fifo.so"_s)).constData(), 0600), 0);
 }
 
 void test_wrong_plugin::init()
@@ -98,6 +100,7 @@ void test_wrong_plugin::file_that_is_none_data()
     // clang-format off
     QTest::newRow("nothing there")      << host.path(u"x.so"_s) << u"there is no plug-in file "_s + host.path(u"x.so"_s);
     QTest::newRow("folder")             << folder      << u"there is no plug-in file "_s + folder;
+    QTest::newRow("FIFO")               << host.path(u"fifo.so"_s) << u"there is no plug-in file "_s + host.path(u"fifo.so"_s);
     QTest::newRow("text")               << text        << u"the plug-in file "_s + text + u" cannot be loaded: "_s;
     QTest::newRow("foreign library")    << foreign     << u"the plug-in file "_s + foreign + u" cannot be used: it has no function create_object"_s;
     QTest::newRow("datum of that name") << data_symbol << u"the plug-in file "_s + data_symbol + u" cannot be used: "_s;

@@ -28,6 +28,7 @@ class test_cases : public strict_test
 private Q_SLOTS:
     void five_sources_one_out_of_memory();
     void missing_source_fails_alone();
+    void many_that_failed_are_told_as_a_range();
     void changed_bytes_are_found_data();
     void changed_bytes_are_found();
     void other_times_are_a_note();
@@ -224,6 +225,18 @@ void test_cases::missing_source_fails_alone()
     copy_folder(host.path(u"copy"_s), host.path(u"nothing"_s));
     QCOMPARE(run_extract(host, {u"-i"_s, u"nothing"_s, u"-i"_s, u"copy"_s, u"--resume"_s}).exit_code, 0);
     QCOMPARE(statuses(host), QStringList({u"done"_s, u"done"_s}));
+}
+
+void test_cases::many_that_failed_are_told_as_a_range()
+{
+    const host_program host;
+    host.write_sample();
+    QStringList sources;
+    for (int number = 1; number <= 60; ++number)
+        sources += {u"-i"_s, u"none/"_s + QString::number(number)};
+    const host_result result = run_extract(host, sources + QStringList{u"-i"_s, u"sample/ios/system.log"_s});
+    QCOMPARE(result.exit_code, 4);
+    QVERIFY2(result.errors.endsWith(u"error: not done: sources 1-60\n"_s), qPrintable(result.errors));
 }
 
 void test_cases::changed_bytes_are_found_data()
