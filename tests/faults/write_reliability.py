@@ -13,10 +13,12 @@ HEAD = """<!-- SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers -->
 
 # What the program was attacked with
 
-`scripts/check.sh` writes this document from what it tried; `--long` tries every fault. A sample is drawn by a fixed seed. An
+`scripts/check.sh` writes this document from what it tried; `--long` tries every fault. A sample is drawn by a seed. An
 attack is held when the program neither crashes nor hangs, leaves the evidence untouched, ends with 0 only if the result is
 that of an undisturbed run, else says why, and gives the undisturbed result when it is run again. What is altered, by others
-or by a full disk, has no undisturbed result: there the last point is left out, and `verify` may not end with 0.
+or by a full disk, has no undisturbed result: there the last point is left out, and `verify` may not end with 0. Where
+evidence is exchanged while it is read, 0 is lawful only for the result of the one or of the other. A process of its own that
+reads a source or a case may crash: the source or the command then says so, and does not end with 0.
 
 {version}, {machine}.
 

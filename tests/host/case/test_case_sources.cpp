@@ -61,6 +61,7 @@ private Q_SLOTS:
     void a_written_list_reads_the_same();
     void faults_of_a_list_data();
     void faults_of_a_list();
+    void list_that_is_a_link();
     void identity_and_its_numbers();
     void numbers_in_a_text_data();
     void numbers_in_a_text();
@@ -163,6 +164,7 @@ void test_case_sources::faults_of_a_list_data()
     QTest::newRow("no object")      << QByteArray(R"({"sources": ["a"]})")                        << u"list.json: sources[0] is no object"_s;
     QTest::newRow("no path")        << QByteArray(R"({"sources": [{"path": "a"}, {}]})")          << u"list.json: sources[1].path is missing or empty"_s;
     QTest::newRow("a number, half") << QByteArray(R"({"sources": [{"path": "a", "number": 1.5}]})") << u"list.json: sources[0].number is no whole number from 1 to 1000000"_s;
+    QTest::newRow("a member twice") << QByteArray(R"({"sources": [{"path": "a", "path": "b"}]})") << u"%1/list.json gives the member \"path\" twice"_s;
     QTest::newRow("unknown type")   << QByteArray(R"({"sources": [{"path": "a", "type": "x"}]})") << u"list.json: sources[0].type is x, and only macOS, iOS_UID, iOS_files, iOS_backup, winOS and auto are known"_s;
     // clang-format on
 }
@@ -176,6 +178,19 @@ void test_case_sources::faults_of_a_list()
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     file.close();
     QCOMPARE(refusal([&] { read_source_list(file.fileName()); }), message.replace(u"%1"_s, folder.path()));
+}
+
+/** The examiner's own list may be a link; one that stands in a case is none. */
+void test_case_sources::list_that_is_a_link()
+{
+    const QTemporaryDir folder;
+    const QString list = folder.filePath(u"list.json"_s);
+    const QString link = folder.filePath(u"link.json"_s);
+    write_source_list(list, {source_at(u"/a"_s, 1)});
+    QVERIFY(QFile::link(list, link));
+    QCOMPARE(read_source_list(link).size(), 1);
+    QCOMPARE(read_list_of_case(list).size(), 1);
+    QCOMPARE(refusal([&] { read_list_of_case(link); }), link + u" cannot be read: too many levels of symbolic links"_s);
 }
 
 void test_case_sources::identity_and_its_numbers()
