@@ -81,7 +81,7 @@ bool path_exists(const QString &path)
     struct stat status = {};
     if (::lstat(QFile::encodeName(path).constData(), &status) == 0)
         return true;
-    constexpr int answers[] = {ENOENT, ENOTDIR, EACCES, ELOOP, ENAMETOOLONG};
+    constexpr int answers[] = {ENOENT, ENOTDIR, ELOOP, ENAMETOOLONG};
     if (std::find(std::begin(answers), std::end(answers), errno) == std::end(answers))
         throw host_error(error_kind::io,
                          u"whether "_s + path + u" exists cannot be seen: "_s + system_error_text(errno));

@@ -28,8 +28,8 @@ QString resolved_path(const QString &path, const QString &name);
 QString resolved_down_to(const QString &folder, const QString &path, const QString &name);
 
 /**
- * Whether anything stands at the path; a link that leads nowhere counts. False also where the system denies a look.
- * Throws host_error (io) when the system fails: what it cannot see is not absent.
+ * Whether anything stands at the path; a link that leads nowhere counts. Throws host_error (io) when the system fails
+ * or denies a look: what cannot be seen is not absent.
  */
 bool path_exists(const QString &path);
 
