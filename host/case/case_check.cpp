@@ -21,6 +21,7 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -38,6 +39,7 @@ using place = compared_file::place;
 using finding = compared_file::finding;
 
 constexpr qint64 most_hash_file_bytes = 1000;
+constexpr qint64 most_list_bytes = qint64(1) << 30;
 
 QSet<QString> set_of(const QStringList &texts)
 {
@@ -329,12 +331,28 @@ private:
         if (!path_exists(layout.source_list()))
             return;
         try {
-            const QJsonObject listed = sources_identity(read_list_of_case(layout.source_list()));
-            if (listed != manifest.value("case_sources"_L1).toObject())
+            const QList<named_source> listed = read_list_of_case(layout.source_list());
+            if (sources_identity(listed) != manifest.value("case_sources"_L1).toObject()
+                || !are_of_recorded_kinds(listed, manifest))
                 outcome.differences.append(u"sources.json lists other sources than the manifest"_s);
+            const QByteArray content = read_whole_file(layout.source_list(), most_list_bytes);
+            if (QJsonDocument::fromJson(content).toJson() != content)
+                outcome.differences.append(u"sources.json was changed: this program writes it otherwise"_s);
         } catch (const host_error &error) {
             outcome.differences.append(u"sources.json is no list of sources: "_s + error.message());
         }
+    }
+
+    /** The kind that was asked for is that which was taken; most lists name none. */
+    static bool are_of_recorded_kinds(const QList<named_source> &listed, const QJsonObject &manifest)
+    {
+        QHash<int, QString> types;
+        for (const auto source : manifest.value("sources"_L1).toArray())
+            types.insert(source[u"number"_s].toInt(), source[u"type"_s].toString());
+        return std::all_of(listed.cbegin(), listed.cend(), [&types](const named_source &source) {
+            const QString type = types.value(source.number);
+            return !source.kind || type.isEmpty() || type == source.kind->name;
+        });
     }
 
     /** Notes may be made at any time. */

@@ -73,7 +73,7 @@ void remove_the_file(const QString &path)
     QVERIFY(QFile::remove(path));
 }
 
-void put_a_link_out(const QString &path)
+void exchange_for_a_link_out(const QString &path)
 {
     QVERIFY(QFile::remove(path) && QFile::link(u"/etc/passwd"_s, path));
 }
@@ -149,18 +149,18 @@ void test_evidence_change::change_is_told()
 
 void test_evidence_change::record_says_what_stands_there_in_the_end_data()
 {
-    QTest::addColumn<change_step>("change");
+    QTest::addColumn<file_change>("change");
     QTest::addColumn<QString>("reason");
 
     // clang-format off
     QTest::newRow("nothing")    << &remove_the_file << QString();
-    QTest::newRow("a link out") << &put_a_link_out  << u"it is reached by a link that leads out of the source, to /etc/passwd: --follow-links reads it nevertheless"_s;
+    QTest::newRow("a link out") << &exchange_for_a_link_out << << u"it is reached by a link that leads out of the source, to /etc/passwd: --follow-links reads it nevertheless"_s;
     // clang-format on
 }
 
 void test_evidence_change::record_says_what_stands_there_in_the_end()
 {
-    QFETCH(change_step, change);
+    QFETCH(file_change, change);
     QFETCH(QString, reason);
     const host_program host;
     host.write_sample();

@@ -51,6 +51,8 @@ QString for_each_text_line(const QString &path, const std::function<bool(QByteAr
     }
     if (file.error() != QFileDevice::NoError)
         problem = info.fileName() + u" cannot be read to its end: "_s + file.errorString();
+    else if (file.pos() < file.size())
+        problem = info.fileName() + u" ended before its end"_s;
     return problem;
 }
 

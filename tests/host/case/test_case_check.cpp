@@ -64,6 +64,16 @@ change forge(const QByteArray &before, const QByteArray &after)
     };
 }
 
+/** An entry of the list of a made case. */
+named_source listed(int number, const source_kind *kind)
+{
+    named_source source;
+    source.number = number;
+    source.path = u"/evidence/"_s + QString::number(number);
+    source.kind = kind;
+    return source;
+}
+
 /** A source that ended otherwise. */
 change ended(source_status status, int code)
 {
@@ -88,6 +98,7 @@ private Q_SLOTS:
     void differences();
     void incomplete_data();
     void incomplete();
+    void list_of_sources_that_is_unchanged();
     void hash_that_was_noted();
     void newer_record_is_said_once();
     void source_of_no_manifest();
@@ -150,6 +161,10 @@ void test_case_check::differences_data()
     QTest::newRow("a member twice")   << forge("\"status\":\"done\"", "\"status\":\"failed\",\"status\":\"done\"") << u"manifest.json is forged: it gives the member \"status\" twice"_s;
     QTest::newRow("record, a member twice") << edit(u"Source1/source.json"_s, "{\n", "{ \"number\": 1,\n") << u"Source1/source.json cannot be read as a record of this program"_s;
     QTest::newRow("another list")     << put(u"sources.json"_s, R"({"sources": [{"path": "/evidence/1"}]})") << u"sources.json lists other sources than the manifest"_s;
+    QTest::newRow("list, other form") << put(u"sources.json"_s, R"({"sources": [{"path": "/evidence/1", "number": 1}, {"path": "/evidence/2", "number": 2}]})") << u"sources.json was changed: this program writes it otherwise"_s;
+    QTest::newRow("list, other kind") << change([](const made_case &that_case) {
+        write_source_list(path(that_case, u"sources.json"_s), {listed(1, nullptr), listed(2, &ios_uid_kind)});
+    }) << u"sources.json lists other sources than the manifest"_s;
     QTest::newRow("list, no JSON")    << put(u"sources.json"_s, "{")                << u"sources.json is no list of sources: "_s;
     QTest::newRow("hash emptied")     << put(u"manifest.json.sha256"_s, "")         << u"manifest.json.sha256 holds no hash of manifest.json"_s;
     QTest::newRow("hash, gigabytes")  << put(u"manifest.json.sha256"_s, QByteArray(5000, 'a')) << u"manifest.json.sha256 holds no hash of manifest.json"_s;
@@ -200,6 +215,14 @@ void test_case_check::incomplete()
     QCOMPARE(outcome.differences, QStringList());
     QCOMPARE(outcome.incomplete, QStringList({text}));
     QCOMPARE(outcome.code(), outcome_code::partial);
+}
+
+void test_case_check::list_of_sources_that_is_unchanged()
+{
+    const made_case that_case;
+    collect_case(that_case.layout());
+    write_source_list(path(that_case, u"sources.json"_s), {listed(1, &macos_kind), listed(2, nullptr)});
+    QCOMPARE(check(that_case).differences, QStringList());
 }
 
 /** Of three hashes two agree, and the third one is named. */
