@@ -27,7 +27,7 @@ reads a source or a case may crash: the source or the command then says so, and 
 """
 TAIL = """
 *Met*: the call that was to fail was made, the program was killed there, or an altered file or a limit was told by another
-exit code than 0.
+exit code than 0. A limit that is met before the program itself begins, while its libraries are loaded, counts as held.
 """
 OTHERS = {
     "case files": ("a file of the case is altered, or is a FIFO, a link, a folder, or 64 GiB large",
