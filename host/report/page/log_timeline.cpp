@@ -107,7 +107,7 @@ bool has_strength(const std::vector<lane> &lanes)
     return std::any_of(lanes.cbegin(), lanes.cend(), [](const lane &one) { return one.best.has_value(); });
 }
 
-QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last, const timeline_words &words)
+QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last, const QByteArray &title)
 {
     const int foot = top + int(lanes.size()) * lane_height;
     QByteArray html;
@@ -123,7 +123,6 @@ QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last, co
     }
     for (std::size_t i = 0; i < lanes.size(); ++i)
         html += lane_picture(lanes[i], top + int(i + 1) * lane_height);
-    const QByteArray title = QByteArray(words.title) + " by time, a line for each device";
     const QByteArray caption = has_strength(lanes)
                                    ? "A line for each device. Height: signal strength, -100 dBm at the foot to -30; a "
                                      "ring has none."
@@ -253,9 +252,9 @@ QByteArray log_timeline::html_of(const dated_log &log, const QList<device_facts>
                 + form.words.many + '.';
     if (log.without_date > 0)
         html += ' ' + counted(log.without_date, "row has", "rows have") + " a date of another form and is left out.";
-    return html + "</p>\n" + picture(lanes, first, latest->second, form.words)
-           + table(QByteArray(form.words.title) + " by device, source " + number(log.source->record.number), lanes,
-                   form);
+    const QByteArray title = "Source " + number(log.source->record.number) + ": " + form.words.many;
+    return html + "</p>\n" + picture(lanes, first, latest->second, title + " by time")
+           + table(title + " by device", lanes, form);
 }
 
 QByteArray log_timeline::html(const QList<device_facts> &devices, const std::vector<qint64> &device_of_row,

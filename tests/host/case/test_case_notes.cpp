@@ -115,10 +115,19 @@ void test_case_notes::what_is_refused()
 {
     const made_case that_case;
     case_note note;
-    note.row = noted_row{3, u"devices"_s, 1};
+    note.row = noted_row{3, u"devices"_s, 1}; // there is no such source
     QVERIFY_EXCEPTION_THROWN(add_case_note(that_case.layout(), note), host_error);
     QVERIFY_EXCEPTION_THROWN(remove_case_note(that_case.layout(), 1, u"A"_s), host_error);
     QVERIFY(!QFile::exists(that_case.layout().notes()));
+
+    note.row = {};
+    note.device = u"B4:C2:6A:7F:D3:7A"_s;
+    note.author = u"A"_s;
+    note.is_flag = true;
+    QCOMPARE(add_case_note(that_case.layout(), note), 1);
+    remove_case_note(that_case.layout(), 1, u"A"_s);
+    QVERIFY_EXCEPTION_THROWN(remove_case_note(that_case.layout(), 1, u"A"_s), host_error); // it is removed already
+    QVERIFY_EXCEPTION_THROWN(remove_case_note(that_case.layout(), 2, u"A"_s), host_error);
 }
 
 void test_case_notes::forged_lines_data()

@@ -67,6 +67,9 @@ void test_words::refusal_data()
         return QString(u"there is no command "_s + word
                        + u" beside sample, extract, collect, verify, note, inspect, report, show and help"_s);
     };
+    const QString nothing_asked = u"one of --flag or --text, --list and --remove is needed"_s;
+    const QString two_places = u"--device or --row is given once, with --flag or --text"_s;
+    const auto note = [](const QString &rest) { return QString(u"note "_s + rest).split(u' '); };
     const auto extract = [](const QString &rest) { return QString(u"extract -i s -o c "_s + rest).split(u' '); };
 
     // clang-format off
@@ -112,6 +115,21 @@ void test_words::refusal_data()
     QTest::newRow("empty plug-in")     << (extract(u"--plugin"_s) << u""_s)     << u"--plugin is an empty path"_s;
     QTest::newRow("empty sample")      << QStringList{u"sample"_s, u""_s}       << u"DIR is an empty path"_s;
     QTest::newRow("empty shown case")  << QStringList{u"show"_s, u""_s}         << u"CASE is an empty path"_s;
+    QTest::newRow("note of nothing")   << note(u"c --device b4c26a7fd37a"_s)    << nothing_asked;
+    QTest::newRow("note by somebody")  << note(u"c --by A"_s)                   << nothing_asked;
+    QTest::newRow("noted and listed")  << note(u"c --device b4c26a7fd37a --flag --list"_s) << nothing_asked;
+    QTest::newRow("noted and removed") << note(u"c --text t --remove 1"_s)      << nothing_asked;
+    QTest::newRow("listed and removed") << note(u"c --list --remove 1"_s)       << nothing_asked;
+    QTest::newRow("note on nothing")   << note(u"c --flag"_s)                   << u"a note needs --device or --row"_s;
+    QTest::newRow("text on nothing")   << note(u"c --text t"_s)                 << u"a note needs --device or --row"_s;
+    QTest::newRow("note on two")       << note(u"c --flag --device b4c26a7fd37a --row 1:devices:1"_s) << two_places;
+    QTest::newRow("a device's list")   << note(u"c --list --device b4c26a7fd37a"_s) << two_places;
+    QTest::newRow("a row's removal")   << note(u"c --remove 1 --row 1:devices:1"_s) << two_places;
+    QTest::newRow("no device")         << note(u"c --flag --device Headset"_s)  << u"--device: Headset is no address of 12 hexadecimal digits and no UUID"_s;
+    QTest::newRow("no row")            << note(u"c --flag --row 1:sqlite_master:1"_s) << u"--row: 1:sqlite_master:1 is no row such as 1:devices:17"_s;
+    QTest::newRow("note's number")     << note(u"c --remove x"_s)               << u"--remove: x is no number from 1 to 1000000000"_s;
+    QTest::newRow("note of no case")   << QStringList{u"note"_s, u"--list"_s}   << u"CASE is required (bluetooth-logs note --help tells more)"_s;
+    QTest::newRow("note, empty case")  << QStringList{u"note"_s, u""_s, u"--list"_s} << u"CASE is an empty path"_s;
     // clang-format on
 }
 
