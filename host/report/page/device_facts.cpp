@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QByteArrayView left_out_by_the_log("<private>");
-const QByteArray separator(" | ");
+const QByteArray text_separator(" | ");
 constexpr qsizetype most_texts = 20; // of one kind; a device of a log may have a million rows
 
 /** Different texts in the order of their coming. */
@@ -38,7 +38,7 @@ public:
 
     QByteArray text() const
     {
-        return list().join(separator);
+        return list().join(text_separator);
     }
 
 private:
@@ -145,7 +145,7 @@ QByteArrayList list_of(const joined_device &device, QByteArray device_appearance
 
 QByteArray texts_of(const joined_device &device, QByteArray device_appearance::*text)
 {
-    return list_of(device, text).join(separator);
+    return list_of(device, text).join(text_separator);
 }
 
 QByteArray name_of(const joined_device &device)

@@ -5,6 +5,7 @@
 
 #include "host/report/page/html_parts.h"
 #include "host/report/page/html_text.h"
+#include "host/report/page/svg_parts.h"
 
 #include <algorithm>
 #include <array>
@@ -65,39 +66,23 @@ struct lane
     std::map<int, std::optional<int>> best_at = {}; ///< by place on the axis
 };
 
-QByteArray number(qint64 value)
-{
-    return QByteArray::number(value);
-}
-
-QByteArray line(qint64 x1, qint64 y1, qint64 x2, qint64 y2)
-{
-    return "<line class=\"axis\" x1=\"" + number(x1) + "\" y1=\"" + number(y1) + "\" x2=\"" + number(x2) + "\" y2=\""
-           + number(y2) + "\"/>";
-}
-
-QByteArray svg_text(qint64 x, qint64 y, const char *anchor, const QByteArray &text)
-{
-    return "<text x=\"" + number(x) + "\" y=\"" + number(y) + "\" text-anchor=\"" + anchor + "\">" + text + "</text>";
-}
-
 QByteArray lane_name(const lane &lane)
 {
     const QString name = lane.facts ? page_text(name_of(*lane.facts->device), 20) : QString();
-    return number(lane.device) + ' ' + (name.isEmpty() ? QByteArray("no name") : name.toHtmlEscaped().toUtf8());
+    return svg_number(lane.device) + ' ' + (name.isEmpty() ? QByteArray("no name") : name.toHtmlEscaped().toUtf8());
 }
 
 /** A point for each place on the axis; without an RSSI it stands at the foot, and hollow. */
 QByteArray lane_picture(const lane &lane, int foot)
 {
-    QByteArray html = line(names_width, foot, names_width + lane_width, foot)
+    QByteArray html = svg_line("axis", names_width, foot, names_width + lane_width, foot)
                       + svg_text(names_width - 8, foot - 8, "end", lane_name(lane));
     for (const auto &[place, rssi] : lane.best_at) {
         const int height = rssi ? (std::clamp(*rssi, weakest, strongest) - weakest) * (lane_height - 8)
                                       / (strongest - weakest)
                                 : 0;
-        html += "<circle class=\"" + QByteArray(rssi ? "point" : "ring") + "\" cx=\"" + number(names_width + place)
-                + "\" cy=\"" + number(foot - height) + "\" r=\"2.5\"/>";
+        html += "<circle class=\"" + QByteArray(rssi ? "point" : "ring") + "\" cx=\"" + svg_number(names_width + place)
+                + "\" cy=\"" + svg_number(foot - height) + "\" r=\"2.5\"/>";
     }
     return html;
 }
@@ -114,7 +99,7 @@ QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last, co
     constexpr int ticks = 3;
     for (int tick = 0; tick <= ticks; ++tick) {
         const qint64 x = names_width + qint64(lane_width) * tick / ticks;
-        html += line(x, top, x, foot)
+        html += svg_line("axis", x, top, x, foot)
                 + svg_text(x, 16,
                            tick == 0       ? "start"
                            : tick == ticks ? "end"
@@ -128,8 +113,8 @@ QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last, co
                                      "ring has none."
                                    : "A line for each device; no signal strength is known.";
     return html_figure(title,
-                       "<svg class=\"wide\" viewBox=\"0 0 " + number(names_width + lane_width + 8) + ' '
-                           + number(foot + 8) + "\" role=\"img\" aria-label=\"" + title
+                       "<svg class=\"wide\" viewBox=\"0 0 " + svg_number(names_width + lane_width + 8) + ' '
+                           + svg_number(foot + 8) + "\" role=\"img\" aria-label=\"" + title
                            + "; the table below says the same\">" + html + "</svg>",
                        caption);
 }
@@ -150,7 +135,7 @@ QByteArray table(const QByteArray &caption, const std::vector<lane> &lanes, cons
         headings.append("Strongest, dBm");
     QByteArray rows;
     for (const lane &one : lanes) {
-        const QByteArray device = number(one.device);
+        const QByteArray device = svg_number(one.device);
         QByteArrayList cells{form.has_pages ? html_link("device-" + device, device) : device,
                              name_cell(one, form.most_columns),
                              grouped_digits(one.count),
@@ -158,7 +143,7 @@ QByteArray table(const QByteArray &caption, const std::vector<lane> &lanes, cons
                              html_whole(date_text(one.last)),
                              one.count > 1 ? html_whole(duration_text(one.longest_gap)) : QByteArray()};
         if (is_heard)
-            cells.append(one.best ? html_whole(number(*one.best)) : QByteArray());
+            cells.append(one.best ? html_whole(svg_number(*one.best)) : QByteArray());
         rows += html_row(cells);
     }
     return html_static_table(caption, headings, rows);
@@ -241,18 +226,18 @@ QByteArray log_timeline::html_of(const dated_log &log, const QList<device_facts>
     const std::size_t all = lanes.size();
     lanes.resize(std::min(all, form.most_lanes));
 
-    QByteArray html = "<h3>Source " + number(log.source->record.number) + ": <bdi>" + html_text(log.source->name)
+    QByteArray html = "<h3>Source " + svg_number(log.source->record.number) + ": <bdi>" + html_text(log.source->name)
                       + "</bdi>" + form.words.heading + "</h3>\n<p>"
                       + counted(qint64(log.sightings.size()), form.words.one, form.words.many) + " of "
                       + counted(qint64(all), "device", "devices") + ", from " + date_text(first) + " to "
                       + date_text(latest->second) + " as the log writes dates.";
     if (all > lanes.size())
-        html += " The first " + number(qint64(lanes.size()))
+        html += " The first " + svg_number(qint64(lanes.size()))
                 + " devices are shown: those with a name, paired or shared before others, then by number of "
                 + form.words.many + '.';
     if (log.without_date > 0)
         html += ' ' + counted(log.without_date, "row has", "rows have") + " a date of another form and is left out.";
-    const QByteArray title = "Source " + number(log.source->record.number) + ": " + form.words.many;
+    const QByteArray title = "Source " + svg_number(log.source->record.number) + ": " + form.words.many;
     return html + "</p>\n" + picture(lanes, first, latest->second, title + " by time")
            + table(title + " by device", lanes, form);
 }
@@ -268,7 +253,7 @@ QByteArray log_timeline::html(const QList<device_facts> &devices, const std::vec
         html += html_of(log, devices, device_of_row, form);
     }
     if (shown > form.most_logs)
-        html += "<p>And " + number(qint64(shown - form.most_logs))
+        html += "<p>And " + svg_number(qint64(shown - form.most_logs))
                 + " more logs; the rows of all stand in the tables of the full report.</p>\n";
     return html;
 }
