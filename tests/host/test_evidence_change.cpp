@@ -154,7 +154,7 @@ void test_evidence_change::record_says_what_stands_there_in_the_end_data()
 
     // clang-format off
     QTest::newRow("nothing")    << &remove_the_file << QString();
-    QTest::newRow("a link out") << &exchange_for_a_link_out << << u"it is reached by a link that leads out of the source, to /etc/passwd: --follow-links reads it nevertheless"_s;
+    QTest::newRow("a link out") << &exchange_for_a_link_out << u"it is reached by a link that leads out of the source, to /etc/passwd: --follow-links reads it nevertheless"_s;
     // clang-format on
 }
 
