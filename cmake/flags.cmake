@@ -5,18 +5,28 @@
 # shows that it stands alone.
 option(BLUETOOTH_LOGS_JOINED_SOURCES "Compile the sources of a folder together" OFF)
 
+# Whether a sanitizer watches: its memory and its ends are not the program's.
+string(FIND "${CMAKE_CXX_FLAGS}" "sanitize=" at)
+if(at EQUAL -1)
+    set(BLUETOOTH_LOGS_SANITIZED 0)
+else()
+    set(BLUETOOTH_LOGS_SANITIZED 1)
+endif()
+
 # What every target of the project is compiled and linked with. Nothing of it reaches targets that link ours.
 add_library(bluetooth_logs_flags INTERFACE)
 target_compile_features(bluetooth_logs_flags INTERFACE cxx_std_20)
 target_compile_definitions(bluetooth_logs_flags INTERFACE
-    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_USE_QSTRINGBUILDER)
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_USE_QSTRINGBUILDER
+    BLUETOOTH_LOGS_SANITIZED=${BLUETOOTH_LOGS_SANITIZED})
 target_compile_options(bluetooth_logs_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
     -Wzero-as-null-pointer-constant -Wsuggest-override
     # A name of one file may stand in a function of another that is compiled with it.
     $<$<NOT:$<BOOL:${BLUETOOTH_LOGS_JOINED_SOURCES}>>:-Wshadow>
     $<$<BOOL:${BLUETOOTH_LOGS_WARNINGS_AS_ERRORS}>:-Werror>)
-if(NOT APPLE)
+# The functions of clang's sanitizers are in the programs, not in a library that they load.
+if(NOT APPLE AND NOT BLUETOOTH_LOGS_SANITIZED)
     target_link_options(bluetooth_logs_flags INTERFACE -Wl,--no-undefined)
 endif()
 

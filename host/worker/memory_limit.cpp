@@ -7,12 +7,7 @@
 
 namespace {
 
-// Sanitizers reserve terabytes of addresses.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool can_limit_memory = false;
-#else
-constexpr bool can_limit_memory = true;
-#endif
+constexpr bool can_limit_memory = !BLUETOOTH_LOGS_SANITIZED; // sanitizers reserve terabytes of addresses
 
 } // namespace
 

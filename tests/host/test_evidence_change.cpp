@@ -140,7 +140,7 @@ void test_evidence_change::change_is_told()
     const host_result result = host.run_meanwhile(is_log ? extract_ios : extract_macos, u"end"_s,
                                                   [&] { change(host.path(u"sample/"_s + file)); });
     QCOMPARE(result.exit_code, 5);
-    const QString name = is_log ? u"system.log"_s : file.sliced(qstrlen("macos/"));
+    const QString name = is_log ? u"system.log"_s : file.sliced("macos/"_L1.size());
     QVERIFY2(result.errors.contains(u"error: the evidence changed during the run: "_s + name + u": "_s + words),
              qPrintable(result.errors));
     QCOMPARE(host.source_record().value("status"_L1).toString(), u"evidence changed"_s);

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
-#include "tests/host/memory_limit.h"
 #include "tests/support/file_content.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -152,7 +152,7 @@ void test_foreign_case::memory_data()
 void test_foreign_case::memory()
 {
     QFETCH(QString, command);
-    if (!has_memory_limit)
+    if (is_sanitized)
         QSKIP("a sanitizer needs all addresses");
     make_rows(u"hex(zeroblob(400000000))"_s, 3);
     const host_result result = host.run_in_shell(command + u" --memory-limit 512"_s);

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
-#include "tests/host/memory_limit.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -70,7 +70,7 @@ void test_limits::want_of_memory_is_told()
 {
     QFETCH(QString, fault);
     QFETCH(QString, phase);
-    if (!has_memory_limit)
+    if (is_sanitized)
         QSKIP("a sanitizer needs all addresses");
     host_program host;
     const host_result result = extract_with(host, fault, {u"--memory-limit"_s, u"256"_s});
@@ -95,7 +95,7 @@ void test_limits::database_that_takes_gigabytes_data()
 void test_limits::database_that_takes_gigabytes()
 {
     QFETCH(QString, column);
-    if (!has_memory_limit)
+    if (is_sanitized)
         QSKIP("a sanitizer needs all addresses");
     const host_program host;
     host.write_sample();

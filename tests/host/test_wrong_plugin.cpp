@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
@@ -17,13 +18,6 @@
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
-
-// A sanitizer makes an end with an exit code of some crashes.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool has_sanitizer = true;
-#else
-constexpr bool has_sanitizer = false;
-#endif
 
 /** No plug-in ends the program, and nothing that one does is taken for success. */
 class test_wrong_plugin : public strict_test
@@ -226,7 +220,7 @@ void test_wrong_plugin::process_that_it_leaves_behind_does_not_hold_the_run()
     clock.start();
     const host_result result = extract_with(u"extraction fork"_s, {u"--no-confinement"_s});
     QCOMPARE(result.exit_code, 0);
-    QVERIFY2(has_sanitizer || clock.elapsed() < 4000, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY2(is_sanitized || clock.elapsed() < 4000, qPrintable(QString::number(clock.elapsed())));
 }
 
 BLUETOOTH_LOGS_TEST(test_wrong_plugin, QCoreApplication)

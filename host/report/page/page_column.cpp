@@ -10,7 +10,7 @@
 namespace {
 
 // No value has either in it: every blank but U+0020 is shown as an escape, and a backslash is doubled.
-constexpr QByteArrayView separator("\u00a0");
+constexpr QByteArrayView value_separator("\u00a0");
 constexpr QByteArrayView null_value("\\N");
 
 constexpr qsizetype most_different_values = 0x10000;
@@ -63,7 +63,7 @@ void page_column::add(const cell &value)
         places.push_back(quint16(place_of(kept)));
         return;
     }
-    all.append(separator);
+    all.append(value_separator);
     all.append(kept);
 }
 
@@ -78,7 +78,7 @@ QByteArrayList page_column::values_of_rows() const
 
 void page_column::keep_all()
 {
-    all = values_of_rows().join(separator);
+    all = values_of_rows().join(value_separator);
     different.clear();
     known.clear();
     places = {};
@@ -98,7 +98,7 @@ QByteArray page_column::json() const
         return "\"same\":" + page_json(different.first());
     const bool is_wide = different.size() > most_narrow_places;
     if (is_wide && different.size() * 3 > count)
-        return "\"text\":" + page_json(values_of_rows().join(separator));
-    return "\"values\":" + page_json(different.join(separator)) + ",\"rows\":\"" + base64_of(places, is_wide) + '"'
-           + (is_wide ? ",\"wide\":true" : "");
+        return "\"text\":" + page_json(values_of_rows().join(value_separator));
+    return "\"values\":" + page_json(different.join(value_separator)) + ",\"rows\":\"" + base64_of(places, is_wide)
+           + '"' + (is_wide ? ",\"wide\":true" : "");
 }

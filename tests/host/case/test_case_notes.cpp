@@ -116,8 +116,8 @@ void test_case_notes::what_is_refused()
     const made_case that_case;
     case_note note;
     note.row = noted_row{3, u"devices"_s, 1}; // there is no such source
-    QVERIFY_EXCEPTION_THROWN(add_case_note(that_case.layout(), note), host_error);
-    QVERIFY_EXCEPTION_THROWN(remove_case_note(that_case.layout(), 1, u"A"_s), host_error);
+    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(that_case.layout(), note));
+    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(that_case.layout(), 1, u"A"_s));
     QVERIFY(!QFile::exists(that_case.layout().notes()));
 
     note.row = {};
@@ -126,8 +126,8 @@ void test_case_notes::what_is_refused()
     note.is_flag = true;
     QCOMPARE(add_case_note(that_case.layout(), note), 1);
     remove_case_note(that_case.layout(), 1, u"A"_s);
-    QVERIFY_EXCEPTION_THROWN(remove_case_note(that_case.layout(), 1, u"A"_s), host_error); // it is removed already
-    QVERIFY_EXCEPTION_THROWN(remove_case_note(that_case.layout(), 2, u"A"_s), host_error);
+    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(that_case.layout(), 1, u"A"_s)); // it is removed already
+    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(that_case.layout(), 2, u"A"_s));
 }
 
 void test_case_notes::forged_lines_data()
@@ -149,8 +149,8 @@ void test_case_notes::forged_lines()
     QFETCH(QByteArray, line);
     const made_case that_case;
     made_case::write(that_case.layout().notes(), line);
-    QVERIFY_EXCEPTION_THROWN(read_case_notes(that_case.layout()), host_error);
-    QVERIFY_EXCEPTION_THROWN(add_case_note(that_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s)), host_error);
+    QVERIFY_THROWS_EXCEPTION(host_error, read_case_notes(that_case.layout()));
+    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(that_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s)));
     QCOMPARE(made_case::content(that_case.layout().notes()), line);
 }
 
@@ -160,7 +160,7 @@ void test_case_notes::links_are_not_followed()
     const QString elsewhere = that_case.directory() + u"/../elsewhere"_s;
     made_case::write(elsewhere, {});
     QVERIFY(QFile::link(elsewhere, that_case.layout().notes()));
-    QVERIFY_EXCEPTION_THROWN(add_case_note(that_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s)), host_error);
+    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(that_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s)));
     QCOMPARE(made_case::content(elsewhere), QByteArray());
 }
 

@@ -3,6 +3,7 @@
 
 #include "tests/host/host_program.h"
 #include "tests/host/pseudo_terminal.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -512,9 +513,8 @@ void test_show::a_view_is_no_result_table()
 
 void test_show::many_rows_take_little_memory()
 {
-#ifdef __SANITIZE_ADDRESS__
-    QSKIP("the sanitizer takes memory of its own");
-#endif
+    if (is_sanitized)
+        QSKIP("the sanitizer takes memory of its own");
     if (!QFile::exists(u"/proc/self/status"_s))
         QSKIP("no /proc");
     constexpr int rows = 100000;

@@ -58,7 +58,8 @@ QList<change> mutate(QFile &file, const QList<qint64> &sectors, unsigned number)
     QList<change> changes;
     const int count = 1 + int(random() % most_changes);
     for (int i = 0; i < count; ++i) {
-        const qint64 place = sectors.at(qsizetype(random() % unsigned(sectors.size()))) + random() % sector_bytes;
+        const qint64 place = sectors.at(qsizetype(random() % unsigned(sectors.size())))
+                             + qint64(random() % unsigned(sector_bytes));
         char byte = 0;
         if (place >= file.size() || !file.seek(place) || !file.getChar(&byte))
             continue;

@@ -192,7 +192,7 @@ void test_case_plan::sources_that_never_began_are_listed()
     number_sources(listed);
     QCOMPARE(described(choose_sources(request, earlier, listed).to_run), u"2 /b, 3 /c"_s);
     listed[2].path = u"/elsewhere"_s;
-    QVERIFY_EXCEPTION_THROWN(choose_sources(request, earlier, listed), host_error);
+    QVERIFY_THROWS_EXCEPTION(host_error, choose_sources(request, earlier, listed));
     QCOMPARE(choose_sources(request, {}, listed).to_run.size(), 3); // the run ended before the first one began
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "tests/host/host_program.h"
+#include "tests/support/sanitizer.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -170,20 +171,11 @@ QStringList workers_in(const QString &folder)
     return found;
 }
 
-bool is_sanitized()
-{
-#if defined(__SANITIZE_ADDRESS__)
-    return true;
-#else
-    return false;
-#endif
-}
-
 } // namespace
 
 void test_cases::five_sources_one_out_of_memory()
 {
-    if (is_sanitized())
+    if (is_sanitized)
         QSKIP("the sanitizer takes more addresses than any limit allows");
     const host_program host;
     write_sources(host);
@@ -372,7 +364,7 @@ void test_cases::stopped_worker_is_woken_to_be_cancelled()
     QCOMPARE(workers.size(), 1);
     QCOMPARE(::kill(workers.first().toInt(), SIGSTOP), 0);
     QCOMPARE(::kill(pid_t(process.processId()), SIGINT), 0);
-    QVERIFY(process.waitForFinished(5000 * (is_sanitized() ? 4 : 1)));
+    QVERIFY(process.waitForFinished(5000 * (is_sanitized ? 4 : 1)));
     QCOMPARE(process.exitCode(), 130);
 }
 
