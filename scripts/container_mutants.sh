@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: MIT
 #
 # scripts/container_mutants.sh [COUNT]  so many mutants of each form of container (2,000) under the sanitizers. Those that
-#                                       bring a process down are named by their numbers.
+#                                       bring a library down are named by their numbers; the program has to name them.
 
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

@@ -38,15 +38,15 @@ exit_code show_host_devices(const show_options &options, console &out)
 {
     if (!QFileInfo(options.place).isDir())
         throw host_error(error_kind::refused, u"--table: host_devices are of a case, not of a result database"_s);
-    const report_case that_case = read_report_case(options.place);
-    QStringList shortcomings = that_case.shortcomings;
+    const report_case the_case = read_report_case(options.place);
+    QStringList shortcomings = the_case.shortcomings;
     terminal_texts counts;
-    for (const report_source &source : that_case.sources) {
+    for (const report_source &source : the_case.sources) {
         if (options.source && *options.source != source.record.number)
             continue;
         qint64 count = 0;
         qint64 shown = 0;
-        const QString problem = for_each_host_device(that_case, source, [&](const host_device_line &device) {
+        const QString problem = for_each_host_device(the_case, source, [&](const host_device_line &device) {
             if (++count; options.most_rows && count > *options.most_rows)
                 return;
             out.print_line(u"row "_s + QString::number(++shown));

@@ -57,25 +57,25 @@ private:
     std::unique_ptr<separated_file> cells; ///< none: JSON Lines
 };
 
-void write_shared(const report_options &options, const program_format &format, const report_case &that_case,
+void write_shared(const report_options &options, const program_format &format, const report_case &the_case,
                   const QList<joined_device> &devices, changed_cells &changes)
 {
     if (format.separator == 0) {
         new_file file(options.output + u'/' + shared_name + format.suffix);
-        for_each_shared_device(that_case, devices, [&file](QByteArrayView line) { file.add(line); });
+        for_each_shared_device(the_case, devices, [&file](QByteArrayView line) { file.add(line); });
         file.commit();
         return;
     }
     list_file file(options, format, shared_name, columns_of(shared_columns()), changes);
-    for_each_shared_appearance(that_case, devices, [&file](const line_cells &line) { file.add(line); });
+    for_each_shared_appearance(the_case, devices, [&file](const line_cells &line) { file.add(line); });
     file.commit();
 }
 
-QStringList write_lists(const report_options &options, const program_format &format, const report_case &that_case,
+QStringList write_lists(const report_options &options, const program_format &format, const report_case &the_case,
                         changed_cells &changes)
 {
     QStringList problems;
-    for (const case_list &list : case_lists(that_case)) {
+    for (const case_list &list : case_lists(the_case)) {
         if (!has_file(list, format))
             continue;
         list_file file(options, format, list.name, list.columns, changes);
@@ -87,7 +87,7 @@ QStringList write_lists(const report_options &options, const program_format &for
 
 } // namespace
 
-QStringList program_file_names(const report_options &options, const report_case &that_case)
+QStringList program_file_names(const report_options &options, const report_case &the_case)
 {
     QStringList names;
     for (const program_format &format : program_formats) {
@@ -96,7 +96,7 @@ QStringList program_file_names(const report_options &options, const report_case 
         for (const QString &table : result_tables())
             names.append(table + format.suffix);
         names.append(shared_name + format.suffix);
-        for (const case_list &list : case_lists(that_case)) {
+        for (const case_list &list : case_lists(the_case)) {
             if (has_file(list, format))
                 names.append(list.name + format.suffix);
         }
@@ -104,15 +104,15 @@ QStringList program_file_names(const report_options &options, const report_case 
     return names;
 }
 
-QStringList write_list_files(const report_options &options, const report_case &that_case,
+QStringList write_list_files(const report_options &options, const report_case &the_case,
                              const QList<joined_device> &devices, changed_cells &changes)
 {
     QStringList problems;
     for (const program_format &format : program_formats) {
         if (!options.formats.contains(format.format))
             continue;
-        write_shared(options, format, that_case, devices, changes);
-        problems += write_lists(options, format, that_case, changes);
+        write_shared(options, format, the_case, devices, changes);
+        problems += write_lists(options, format, the_case, changes);
     }
     return problems;
 }
@@ -129,10 +129,10 @@ void write_timeline_files(const report_options &options, const timeline &events,
     }
 }
 
-void begin_store(table_store &store, const report_case &that_case)
+void begin_store(table_store &store, const report_case &the_case)
 {
     store.begin_table(u"sources"_s, columns_of(source_list_columns()));
-    for_each_source(that_case, [&store](const line_cells &line) { store.add(line); });
+    for_each_source(the_case, [&store](const line_cells &line) { store.add(line); });
 }
 
 row_writer make_store_writer(const std::vector<table_store *> &stores, const QString &table, const QStringList &columns)
@@ -147,14 +147,14 @@ row_writer make_store_writer(const std::vector<table_store *> &stores, const QSt
     };
 }
 
-QStringList finish_store(table_store &store, const report_case &that_case, const QList<joined_device> &devices,
+QStringList finish_store(table_store &store, const report_case &the_case, const QList<joined_device> &devices,
                          const timeline &events)
 {
     QStringList problems;
     const line_taker add = [&store](const line_cells &line) { store.add(line); };
     store.begin_table(shared_name, columns_of(shared_columns()));
-    for_each_shared_appearance(that_case, devices, add);
-    for (const case_list &list : case_lists(that_case)) {
+    for_each_shared_appearance(the_case, devices, add);
+    for (const case_list &list : case_lists(the_case)) {
         store.begin_table(list.name, list.columns);
         problems += list.read(add);
     }

@@ -17,10 +17,10 @@
 // The files of a report besides its page: each function returns why something is missing in them, in plain words.
 
 /** The names of the files of the formats for programs, those of the tables of results first. */
-QStringList program_file_names(const report_options &options, const report_case &that_case);
+QStringList program_file_names(const report_options &options, const report_case &the_case);
 
 /** shared, evidence_files and the other lists, in each format for programs. */
-QStringList write_list_files(const report_options &options, const report_case &that_case,
+QStringList write_list_files(const report_options &options, const report_case &the_case,
                              const QList<joined_device> &devices, changed_cells &changes);
 
 /** timeline.jsonl and timeline.csv. */
@@ -30,14 +30,14 @@ void write_timeline_files(const report_options &options, const timeline &events,
 // the other lists.
 
 /** The sources. */
-void begin_store(table_store &store, const report_case &that_case);
+void begin_store(table_store &store, const report_case &the_case);
 
 /** Begins a table of results in each store. Returns a function that adds each row of it to all of them. */
 row_writer make_store_writer(const std::vector<table_store *> &stores, const QString &table,
                              const QStringList &columns);
 
 /** The other lists. */
-QStringList finish_store(table_store &store, const report_case &that_case, const QList<joined_device> &devices,
+QStringList finish_store(table_store &store, const report_case &the_case, const QList<joined_device> &devices,
                          const timeline &events);
 
 #endif

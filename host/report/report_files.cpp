@@ -56,14 +56,14 @@ class report_writer
 public:
     explicit report_writer(const report_options &given)
         : options(given)
-        , that_case(read_report_case(given.case_directory))
+        , the_case(read_report_case(given.case_directory))
     {
-        outcome.shortcomings = that_case.shortcomings;
-        const counted_rows counted = row_count(that_case);
+        outcome.shortcomings = the_case.shortcomings;
+        const counted_rows counted = row_count(the_case);
         add_shortcomings(counted.problems);
         is_split = given.split || counted.rows > most_rows_of_a_page;
         if (!given.vendors.isEmpty())
-            that_case.vendors = vendor_list(given.vendors);
+            the_case.vendors = vendor_list(given.vendors);
     }
 
     report_outcome write()
@@ -72,15 +72,15 @@ public:
         refuse_output();
         make_folder(options.output);
         begin_stores();
-        html_page page(that_case);
+        html_page page(the_case);
         for (const QString &table : result_tables())
             write_table(table, page);
         learn_other_appearances();
         const QList<joined_device> devices = read_devices();
-        add_shortcomings(write_list_files(options, that_case, devices, changes));
+        add_shortcomings(write_list_files(options, the_case, devices, changes));
         write_case_files(devices);
         if (has_any_program_format())
-            write_whole_file(path_of(readme_name), readme(that_case, options, changes, outcome.notes));
+            write_whole_file(path_of(readme_name), readme(the_case, options, changes, outcome.notes));
         if (has(report_format::html)) {
             remove_earlier_pages();
             write_pages(page, devices);
@@ -88,7 +88,7 @@ public:
         if (options.brief)
             write_brief(page, devices);
         add_shortcomings(page.problems());
-        write_report_record(options.output, that_case.manifest_sha256, outcome.files);
+        write_report_record(options.output, the_case.manifest_sha256, outcome.files);
         outcome.files.append(report_record_name);
         return outcome;
     }
@@ -124,7 +124,7 @@ private:
 
     void plan_files()
     {
-        outcome.files = program_file_names(options, that_case);
+        outcome.files = program_file_names(options, the_case);
         if (has(report_format::timeline))
             outcome.files << u"timeline.csv"_s << u"timeline.jsonl"_s;
         if (has(report_format::sqlite))
@@ -144,7 +144,7 @@ private:
     QStringList source_pages() const
     {
         QStringList names;
-        for (const report_source &source : that_case.sources)
+        for (const report_source &source : the_case.sources)
             names.append(u"report-source"_s + QString::number(source.record.number) + u".html"_s);
         return names;
     }
@@ -156,7 +156,7 @@ private:
                 throw host_error(error_kind::refused,
                                  folder + u" is a link or no folder: no report is written there"_s);
         }
-        for (const report_source &source : that_case.sources) {
+        for (const report_source &source : the_case.sources) {
             if (!source.record.path.isEmpty() && is_inside(options.output, source.record.path))
                 throw host_error(error_kind::refused, u"the report's folder lies in the evidence: "_s + options.output
                                                           + u" is inside "_s + source.record.path);
@@ -190,7 +190,7 @@ private:
     {
         std::vector<std::shared_ptr<new_file>> files;
         std::vector<row_writer> writers;
-        const column_names columns = result_columns(that_case, table);
+        const column_names columns = result_columns(the_case, table);
         add_shortcomings(columns.problems);
         for (const program_format &format : program_formats) {
             if (!has(format.format))
@@ -201,8 +201,8 @@ private:
         }
         if (!stores.empty())
             writers.push_back(make_store_writer(stores_in_work(), table, columns.names));
-        for (qsizetype i = 0; i < that_case.sources.size(); ++i) {
-            const report_source &source = that_case.sources.at(i);
+        for (qsizetype i = 0; i < the_case.sources.size(); ++i) {
+            const report_source &source = the_case.sources.at(i);
             const auto take = [&](const report_row &row) {
                 counters += (row.rank_last_seen ? 1 : 0) + (row.rank_last_connection ? 1 : 0);
                 for (const row_writer &write_row : writers)
@@ -215,7 +215,7 @@ private:
                     join.learn(appearance_of(row, int(i)));
             };
             const bool only_counts = writers.empty() && !has_pages() && !needs_join();
-            const table_reading reading = read_rows(that_case, source, table, take,
+            const table_reading reading = read_rows(the_case, source, table, take,
                                                     only_counts ? reading_depth::counters : reading_depth::everything);
             add_shortcoming(source, reading.problem);
         }
@@ -228,19 +228,18 @@ private:
     {
         if (!needs_join())
             return;
-        for (int i = 0; i < int(that_case.sources.size()); ++i) {
-            const QString problem = for_each_other_appearance(that_case, i,
-                                                              [this](const device_appearance &appearance) {
-                                                                  join.learn(appearance);
-                                                              });
-            add_shortcoming(that_case.sources.at(i), problem);
+        for (int i = 0; i < int(the_case.sources.size()); ++i) {
+            const QString problem = for_each_other_appearance(the_case, i, [this](const device_appearance &appearance) {
+                join.learn(appearance);
+            });
+            add_shortcoming(the_case.sources.at(i), problem);
         }
     }
 
     /** One source has nothing to share. */
     bool needs_join() const
     {
-        return that_case.sources.size() > 1 || has_pages();
+        return the_case.sources.size() > 1 || has_pages();
     }
 
     /** Whether the first page of a case whose pages are split names its device. Of named devices only so many. */
@@ -262,14 +261,14 @@ private:
     {
         device_numbers numbers(join);
         const auto give = [&](const device_appearance &appearance) { take(appearance, numbers.next(appearance)); };
-        for (int i = 0; i < int(that_case.sources.size()); ++i) {
-            const report_source &source = that_case.sources.at(i);
+        for (int i = 0; i < int(the_case.sources.size()); ++i) {
+            const report_source &source = the_case.sources.at(i);
             for (const QString &table : result_tables()) {
-                const table_reading reading = read_rows(that_case, source, table,
+                const table_reading reading = read_rows(the_case, source, table,
                                                         [&](const report_row &row) { give(appearance_of(row, i)); });
                 add_shortcoming(source, reading.problem);
             }
-            add_shortcoming(source, for_each_other_appearance(that_case, i, give));
+            add_shortcoming(source, for_each_other_appearance(the_case, i, give));
         }
         device_count = numbers.count();
     }
@@ -334,13 +333,13 @@ private:
     {
         if (!has(report_format::timeline) && !has(report_format::sqlite) && !has(report_format::xlsx))
             return;
-        const timeline events = read_timeline(that_case, options.times, counters);
+        const timeline events = read_timeline(the_case, options.times, counters);
         add_shortcomings(events.problems);
         outcome.notes += events.left_out_texts();
         if (has(report_format::timeline))
             write_timeline_files(options, events, changes);
         for (const std::unique_ptr<table_store> &store : stores)
-            add_shortcomings(finish_store(*store, that_case, devices, events));
+            add_shortcomings(finish_store(*store, the_case, devices, events));
         if (book_notes.spelled > 0)
             outcome.notes.append(u"report.xlsx: "_s + QString::number(book_notes.spelled)
                                  + u" texts have \\u{0}, \\u{fffe} or \\u{ffff} for characters that no cell takes"_s);
@@ -357,7 +356,7 @@ private:
         if (has(report_format::xlsx))
             stores.push_back(make_workbook(path_of(workbook_name), book_notes));
         for (const std::unique_ptr<table_store> &store : stores)
-            begin_store(*store, that_case);
+            begin_store(*store, the_case);
     }
 
     std::vector<table_store *> stores_in_work() const
@@ -410,7 +409,7 @@ private:
     bool is_all_compared() const
     {
         return outcome.shortcomings.isEmpty()
-               && std::all_of(that_case.sources.cbegin(), that_case.sources.cend(), [](const report_source &source) {
+               && std::all_of(the_case.sources.cbegin(), the_case.sources.cend(), [](const report_source &source) {
                       const QJsonObject logs = source.record.wal.toObject();
                       return std::none_of(logs.constBegin(), logs.constEnd(),
                                           [](const QJsonValue &log) { return log.isNull(); });
@@ -438,8 +437,8 @@ private:
     /** The page of one source, whose rows are read again: no more than one source is held. */
     void write_source_page(int place, const QString &path, const QHash<qint64, qint64> &shared_numbers)
     {
-        report_case part = that_case;
-        part.sources = {that_case.sources.at(place)};
+        report_case part = the_case;
+        part.sources = {the_case.sources.at(place)};
         part.shortcomings.clear();
         const row_devices numbers = device_of_row.value(place);
         html_page page(part);
@@ -485,7 +484,7 @@ private:
     }
 
     const report_options &options;
-    report_case that_case;
+    report_case the_case;
     bool is_split = false;
     report_outcome outcome;
     changed_cells changes;

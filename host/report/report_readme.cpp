@@ -36,22 +36,22 @@ QByteArray about_cells(const cell_options &cells, const changed_cells &changes)
 
 } // namespace
 
-QByteArray readme(const report_case &that_case, const report_options &options, const changed_cells &changes,
+QByteArray readme(const report_case &the_case, const report_options &options, const changed_cells &changes,
                   const QStringList &notes)
 {
     QByteArray text = "These files hold texts that strangers chose.\n\n";
-    if (!that_case.manifest_sha256.isEmpty())
-        text += "SHA-256 of the case's manifest.json: " + that_case.manifest_sha256.toLatin1() + "\n\n";
-    if (!that_case.vendors.description().isEmpty())
-        text += "Vendors of public addresses by the list " + that_case.vendors.description().toUtf8() + "\n\n";
+    if (!the_case.manifest_sha256.isEmpty())
+        text += "SHA-256 of the case's manifest.json: " + the_case.manifest_sha256.toLatin1() + "\n\n";
+    if (!the_case.vendors.description().isEmpty())
+        text += "Vendors of public addresses by the list " + the_case.vendors.description().toUtf8() + "\n\n";
     const auto has_hive = [](const report_source &source) { return source.record.type == winos_kind.name; };
-    if (std::any_of(that_case.sources.cbegin(), that_case.sources.cend(), has_hive))
+    if (std::any_of(the_case.sources.cbegin(), the_case.sources.cend(), has_hive))
         text +=
             "Keys of pairings (link keys, LTKs) are in no report. The copies of registry hives in the case's folders "
             "Evidence/ hold them, and with them a device can be impersonated.\n\n";
-    if (const QByteArray containers = containers_text(that_case); !containers.isEmpty())
+    if (const QByteArray containers = containers_text(the_case); !containers.isEmpty())
         text += containers + '\n';
-    for (const QString &shortcoming : that_case.shortcomings)
+    for (const QString &shortcoming : the_case.shortcomings)
         text += "This case is not complete: " + shortcoming.toUtf8() + "\n\n";
     for (const QString &note : notes)
         text += note.toUtf8() + "\n\n";

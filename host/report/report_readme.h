@@ -7,7 +7,7 @@
 #include "host/report/report_files.h"
 
 /** README.txt beside the files for programs: how values stand in them, and which cells are not the value itself. */
-QByteArray readme(const report_case &that_case, const report_options &options, const changed_cells &changes,
+QByteArray readme(const report_case &the_case, const report_options &options, const changed_cells &changes,
                   const QStringList &notes);
 
 #endif

@@ -28,11 +28,11 @@ namespace {
 class source_queue
 {
 public:
-    source_queue(const case_request &case_to_run, const case_plan &plan_of_case, run_observer &run)
-        : request(case_to_run)
-        , plan(plan_of_case)
-        , observer(run)
-        , preparation(case_to_run, plan_of_case, observer)
+    source_queue(const case_request &asked, const case_plan &planned, run_observer &watching)
+        : request(asked)
+        , plan(planned)
+        , observer(watching)
+        , preparation(asked, planned, watching)
     {
     }
 

@@ -216,7 +216,7 @@ void test_foreign_case::file_that_is_none()
                                    u"report case -f sqlite -o report"_s, u"collect case"_s}) {
         QElapsedTimer clock;
         clock.start();
-        const host_result result = host.run_in_shell(command + u" --timeout 3"_s);
+        const host_result result = host.run_in_shell(command + u" --timeout 1"_s);
         QVERIFY2(clock.elapsed() < longest, qPrintable(command));
         QVERIFY2(result.exit_code >= 0 && result.exit_code <= 5, qPrintable(command + result.errors));
         QVERIFY2(result.exit_code == 0 || !result.errors.isEmpty(), qPrintable(command));

@@ -49,10 +49,10 @@ device_appearance in_log(const wal_change &change, int source, QLatin1StringView
     return one;
 }
 
-QString read_changes(const report_case &that_case, int source, const appearance_taker &take)
+QString read_changes(const report_case &the_case, int source, const appearance_taker &take)
 {
     qsizetype line = 0;
-    return for_each_wal_change(that_case, that_case.sources.at(source), [&](const wal_change &change) {
+    return for_each_wal_change(the_case, the_case.sources.at(source), [&](const wal_change &change) {
         const auto take_side = [&](QLatin1StringView found_in, const QByteArray &row) {
             device_appearance one = in_log(change, source, found_in, row);
             one.line = line;
@@ -90,9 +90,9 @@ device_appearance in_list(const host_device_line &device, int source, const vend
 }
 
 /** Of a case without lists of devices the names of the preferences are what there is. */
-void read_preferences(const report_case &that_case, int source, const appearance_taker &take)
+void read_preferences(const report_case &the_case, int source, const appearance_taker &take)
 {
-    const preferences_names &names = that_case.sources.at(source).preferences;
+    const preferences_names &names = the_case.sources.at(source).preferences;
     for (const QByteArray &address : names.addresses()) {
         device_appearance one;
         one.found_in = lists[0];
@@ -100,8 +100,8 @@ void read_preferences(const report_case &that_case, int source, const appearance
         one.place.file = macos_preferences_file.data();
         one.address = address;
         one.preferences_name = names.name_of({address});
-        one.vendor = that_case.vendors.vendor_of_first_public({address});
-        one.notes = that_case.notes->of_device({address});
+        one.vendor = the_case.vendors.vendor_of_first_public({address});
+        one.notes = the_case.notes->of_device({address});
         add_keys(one);
         take(one);
     }
@@ -109,17 +109,17 @@ void read_preferences(const report_case &that_case, int source, const appearance
 
 } // namespace
 
-QString for_each_other_appearance(const report_case &that_case, int source, const appearance_taker &take)
+QString for_each_other_appearance(const report_case &the_case, int source, const appearance_taker &take)
 {
-    const report_source &of_source = that_case.sources.at(source);
+    const report_source &of_source = the_case.sources.at(source);
     if (of_source.is_locked)
         return {};
-    const QString problem = read_changes(that_case, source, take);
-    if (!path_exists(that_case.layout.source(of_source.record.number).host_devices()))
-        read_preferences(that_case, source, take);
+    const QString problem = read_changes(the_case, source, take);
+    if (!path_exists(the_case.layout.source(of_source.record.number).host_devices()))
+        read_preferences(the_case, source, take);
     qsizetype line = 0;
-    const QString list_problem = for_each_host_device(that_case, of_source, [&](const host_device_line &device) {
-        device_appearance one = in_list(device, source, that_case.vendors);
+    const QString list_problem = for_each_host_device(the_case, of_source, [&](const host_device_line &device) {
+        device_appearance one = in_list(device, source, the_case.vendors);
         one.line = line++;
         take(one);
     });

@@ -20,7 +20,7 @@ inline constexpr QLatin1StringView wal_deleted("wal_deleted");
  *
  * @p source is a place in report_case::sources. Returns why not all could be read, in plain words; empty if all could.
  */
-QString for_each_other_appearance(const report_case &that_case, int source,
+QString for_each_other_appearance(const report_case &the_case, int source,
                                   const std::function<void(const device_appearance &appearance)> &take);
 
 #endif

@@ -13,7 +13,7 @@ namespace {
 
 struct card
 {
-    const report_case &that_case;
+    const report_case &the_case;
     const device_facts &facts;
     bool is_all_compared;
     const joined_device &device = *facts.device;
@@ -43,8 +43,8 @@ constexpr card_column text_columns[] = {
     {"host_resolved_address", texts<&device_appearance::resolved_address>},
     {"host_vendor", texts<&device_appearance::vendor>},
     {"known_as", [](const card &card) { return known_as(card.facts); }},
-    {"link", [](const card &card) { return link_strength(card.that_case, card.facts); }},
-    {"sources", [](const card &card) { return source_numbers(card.that_case, card.device.sources); }},
+    {"link", [](const card &card) { return link_strength(card.the_case, card.facts); }},
+    {"sources", [](const card &card) { return source_numbers(card.the_case, card.device.sources); }},
     {"host_wal", [](const card &card) { return log_changes_of(card.device); }},
     {"lists", [](const card &card) { return lists_of(card.device); }},
     {"icloud_identifier", texts<&device_appearance::icloud_identifier>},
@@ -54,10 +54,10 @@ constexpr card_column text_columns[] = {
 };
 
 /** What examiners add has columns only where they added anything. */
-bool is_on_page(const report_case &that_case, const card_column &column)
+bool is_on_page(const report_case &the_case, const card_column &column)
 {
     const QLatin1StringView name(column.name);
-    return !that_case.notes->is_empty() || (name != "flag"_L1 && name != "note"_L1);
+    return !the_case.notes->is_empty() || (name != "flag"_L1 && name != "note"_L1);
 }
 
 /** Both sides of a row that a log changes are that row. */
@@ -69,7 +69,7 @@ qsizetype row_count(const joined_device &device)
 
 } // namespace
 
-html_table device_cards(const report_case &that_case, const QList<device_facts> &devices, bool is_all_compared)
+html_table device_cards(const report_case &the_case, const QList<device_facts> &devices, bool is_all_compared)
 {
     html_table
         table("cards", "All devices",
@@ -79,14 +79,14 @@ html_table device_cards(const report_case &that_case, const QList<device_facts> 
     page_column &number = table.add_column(about_own_column("device"));
     std::vector<page_column *> texts;
     for (const card_column &column : text_columns)
-        texts.push_back(is_on_page(that_case, column) ? &table.add_column(about_own_column(column.name)) : nullptr);
+        texts.push_back(is_on_page(the_case, column) ? &table.add_column(about_own_column(column.name)) : nullptr);
     page_column &rows = table.add_column(about_own_column("rows"));
     page_column &shared = table.add_column(about_own_column("shared_device"));
     for (const bool is_of_note : {true, false}) {
         for (const device_facts &facts : devices) {
             if (facts.is_of_note() != is_of_note)
                 continue;
-            const card card{that_case, facts, is_all_compared};
+            const card card{the_case, facts, is_all_compared};
             number.add(cell::of_integer(facts.number));
             for (std::size_t i = 0; i < texts.size(); ++i) {
                 if (texts[i])

@@ -11,6 +11,6 @@
  * A card for each device: what the sources of the case know of it. Those with a name, paired or shared come first.
  * @p is_all_compared: every row, write-ahead log and list of every source was.
  */
-html_table device_cards(const report_case &that_case, const QList<device_facts> &devices, bool is_all_compared);
+html_table device_cards(const report_case &the_case, const QList<device_facts> &devices, bool is_all_compared);
 
 #endif

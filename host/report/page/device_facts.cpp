@@ -81,14 +81,14 @@ bool is_in_log_alone(const device_appearance &appearance)
 }
 
 /** Where logs alone say that a shared device is paired or in use. */
-QByteArray notices_of(const report_case &that_case, const device_facts &facts)
+QByteArray notices_of(const report_case &the_case, const device_facts &facts)
 {
     const qsizetype count = facts.noticed_in.size();
     if (count == 0)
         return {};
     QByteArray where;
     if (count == 1)
-        where = "in source " + source_numbers(that_case, facts.noticed_in) + ' ';
+        where = "in source " + source_numbers(the_case, facts.noticed_in) + ' ';
     else if (count < facts.device->sources.size())
         where = "in " + QByteArray::number(count) + " of them ";
     return ", " + where + "by notice of use alone";
@@ -199,7 +199,7 @@ QByteArray known_as(const device_facts &facts)
     return words.join(", ");
 }
 
-QByteArray link_strength(const report_case &that_case, const device_facts &facts)
+QByteArray link_strength(const report_case &the_case, const device_facts &facts)
 {
     if (!facts.is_shared())
         return {};
@@ -222,7 +222,7 @@ QByteArray link_strength(const report_case &that_case, const device_facts &facts
             words += ", listed in " + QByteArray::number(listed);
         words += ')';
     }
-    return words + notices_of(that_case, facts);
+    return words + notices_of(the_case, facts);
 }
 
 QByteArray key_kind_text(const join_key &key)
@@ -255,10 +255,10 @@ QByteArray why_not_joined(const joined_device &device, bool is_all_read)
     return reasons.text();
 }
 
-QByteArray source_numbers(const report_case &that_case, const QList<int> &places)
+QByteArray source_numbers(const report_case &the_case, const QList<int> &places)
 {
     QByteArrayList numbers;
     for (const int place : places)
-        numbers.append(QByteArray::number(that_case.sources.at(place).record.number));
+        numbers.append(QByteArray::number(the_case.sources.at(place).record.number));
     return numbers.join(", ");
 }

@@ -62,7 +62,7 @@ QByteArray log_changes_of(const joined_device &device);
 QByteArray known_as(const device_facts &facts);
 
 /** How strong the link between the sources of a shared device is, in words; empty for others. */
-QByteArray link_strength(const report_case &that_case, const device_facts &facts);
+QByteArray link_strength(const report_case &the_case, const device_facts &facts);
 
 /** What a key is, in words, and what the sources have in common. */
 QByteArray key_kind_text(const join_key &key);
@@ -72,6 +72,6 @@ QByteArray keys_text(const joined_device &device);
 QByteArray why_not_joined(const joined_device &device, bool is_all_read);
 
 /** The numbers of sources by their places in the case: "1, 3". */
-QByteArray source_numbers(const report_case &that_case, const QList<int> &places);
+QByteArray source_numbers(const report_case &the_case, const QList<int> &places);
 
 #endif

@@ -102,10 +102,10 @@ QByteArray state_of(const evidence_file &file)
     return html_text(presence_name(file.state)) + (remark.isEmpty() ? remark : "<br>" + remark);
 }
 
-QByteArray present_files(const report_case &that_case)
+QByteArray present_files(const report_case &the_case)
 {
     QByteArray rows;
-    for (const report_source &source : that_case.sources) {
+    for (const report_source &source : the_case.sources) {
         for (const evidence_file &file : source.record.evidence.files) {
             if (file.state != evidence_file::presence::absent)
                 rows += html_row({QByteArray::number(source.record.number),
@@ -117,10 +117,10 @@ QByteArray present_files(const report_case &that_case)
                              rows);
 }
 
-QByteArray absent_files(const report_case &that_case)
+QByteArray absent_files(const report_case &the_case)
 {
     QByteArray items;
-    for (const report_source &source : that_case.sources) {
+    for (const report_source &source : the_case.sources) {
         QByteArrayList paths;
         for (const evidence_file &file : source.record.evidence.files) {
             if (file.state == evidence_file::presence::absent)
@@ -185,10 +185,10 @@ QByteArray container_rows(const report_source &source)
     return rows;
 }
 
-QByteArray containers_table(const report_case &that_case)
+QByteArray containers_table(const report_case &the_case)
 {
     QByteArray rows;
-    for (const report_source &source : that_case.sources) {
+    for (const report_source &source : the_case.sources) {
         if (source.record.container.isObject())
             rows += container_rows(source);
     }
@@ -223,10 +223,10 @@ const QByteArrayList source_headings{"Number",
                                      "Rows stored, of those found",
                                      "SHA-256 of the result"};
 
-QByteArray sources_table(const report_case &that_case)
+QByteArray sources_table(const report_case &the_case)
 {
     QByteArray rows;
-    for (const report_source &source : that_case.sources)
+    for (const report_source &source : the_case.sources)
         rows += html_row({QByteArray::number(source.record.number), "<bdi>" + html_text(source.name) + "</bdi>",
                           type_of(source.record),
                           html_text(status_name(source.record.status)) + confinement_of(source.record),
@@ -236,33 +236,33 @@ QByteArray sources_table(const report_case &that_case)
 
 } // namespace
 
-bool is_evidence_unchanged(const report_case &that_case)
+bool is_evidence_unchanged(const report_case &the_case)
 {
-    return std::none_of(that_case.sources.cbegin(), that_case.sources.cend(), [](const report_source &source) {
+    return std::none_of(the_case.sources.cbegin(), the_case.sources.cend(), [](const report_source &source) {
         const QList<evidence_file> &files = source.record.evidence.files;
         return source.record.status == source_status::evidence_changed
                || std::any_of(files.cbegin(), files.cend(), is_changed);
     });
 }
 
-QByteArray brief_sources_table(const report_case &that_case, qsizetype most_rows)
+QByteArray brief_sources_table(const report_case &the_case, qsizetype most_rows)
 {
     constexpr qsizetype most_columns = 60;
     QByteArray rows;
-    for (const report_source &source : that_case.sources.first(std::min(that_case.sources.size(), most_rows)))
+    for (const report_source &source : the_case.sources.first(std::min(the_case.sources.size(), most_rows)))
         rows += html_row({QByteArray::number(source.record.number),
                           html_shown(page_text(source.name.toUtf8(), most_columns).toUtf8()),
                           html_text(source.record.type), html_text(status_name(source.record.status)),
                           counts_of(source.record).join(", "), html_hash(source.record.result_sha256)});
-    const qsizetype left = that_case.sources.size() - most_rows;
+    const qsizetype left = the_case.sources.size() - most_rows;
     return html_titled_table("Sources", source_headings, rows)
            + (left > 0 ? "<p>And " + grouped_digits(left) + " more sources.</p>\n" : QByteArray());
 }
 
-QByteArray evidence_section(const report_case &that_case)
+QByteArray evidence_section(const report_case &the_case)
 {
     QByteArray messages;
-    for (const report_source &source : that_case.sources) {
+    for (const report_source &source : the_case.sources) {
         const QByteArray own = messages_of(source.record);
         if (!own.isEmpty())
             messages += "<li>Source " + QByteArray::number(source.record.number) + ": <bdi>" + html_text(source.name)
@@ -271,6 +271,6 @@ QByteArray evidence_section(const report_case &that_case)
     if (!messages.isEmpty())
         messages = "<h3>What was said while they were read</h3><ul>\n" + messages + "</ul>\n";
     return html_section("evidence", "Evidence",
-                        sources_table(that_case) + messages + containers_table(that_case) + present_files(that_case)
-                            + absent_files(that_case));
+                        sources_table(the_case) + messages + containers_table(the_case) + present_files(the_case)
+                            + absent_files(the_case));
 }

@@ -107,12 +107,12 @@ QByteArray known_as_cell(const device_facts &facts)
 }
 
 /** Numbers of sources, or the first of them and how many more. */
-QByteArray sources_cell(const report_case &that_case, const QList<int> &places, const findings_form &form)
+QByteArray sources_cell(const report_case &the_case, const QList<int> &places, const findings_form &form)
 {
     const qsizetype left = places.size() - form.most_sources;
     if (left <= 1)
-        return source_numbers(that_case, places);
-    return source_numbers(that_case, places.first(form.most_sources)) + " and " + grouped_digits(left) + " more";
+        return source_numbers(the_case, places);
+    return source_numbers(the_case, places.first(form.most_sources)) + " and " + grouped_digits(left) + " more";
 }
 
 QByteArray keys_cell(const joined_device &device, const findings_form &form)
@@ -142,7 +142,7 @@ QByteArray rows_of(const device_list_part &part, const findings_form &form, cons
     return rows;
 }
 
-QByteArray device_section(const QByteArray &id, const QByteArray &title, const report_case &that_case,
+QByteArray device_section(const QByteArray &id, const QByteArray &title, const report_case &the_case,
                           const device_list_part &part, qint64 count, const findings_form &form)
 {
     if (part.isEmpty())
@@ -153,7 +153,7 @@ QByteArray device_section(const QByteArray &id, const QByteArray &title, const r
                 address_cell(facts, form),
                 html_whole(evidence(texts_of(*facts.device, &device_appearance::address_kind), form)),
                 known_as_cell(facts),
-                sources_cell(that_case, facts.device->sources, form)};
+                sources_cell(the_case, facts.device->sources, form)};
     });
     return html_section(id, title + ": " + grouped_digits(count),
                         html_titled_table(title, {"Device", "Name", "Address", "Kind", "Known as", "Sources"}, rows)
@@ -162,13 +162,13 @@ QByteArray device_section(const QByteArray &id, const QByteArray &title, const r
 
 } // namespace
 
-QByteArray figures(const report_case &that_case, const QList<device_facts> &devices, const row_figures &rows,
+QByteArray figures(const report_case &the_case, const QList<device_facts> &devices, const row_figures &rows,
                    const findings_form &form)
 {
     const bool has_tables = form.has_pages && form.pages.isEmpty();
     const QByteArray rows_section = !has_tables ? "findings" : rows.differing_seen > 0 ? "devices" : "paired-devices";
     const QByteArray logs_section = has_tables ? "wal-changes" : "findings";
-    QByteArray html = figure("evidence", that_case.sources.size(), that_case.sources.size() == 1 ? "source" : "sources")
+    QByteArray html = figure("evidence", the_case.sources.size(), the_case.sources.size() == 1 ? "source" : "sources")
                       + figure(has_tables ? "cards" : "findings", rows.devices,
                                rows.devices == 1 ? "device" : "devices")
                       + figure("more-than-one-source", shared_of(devices).size(), "in more than one source")
@@ -194,7 +194,7 @@ QByteArray figures(const report_case &that_case, const QList<device_facts> &devi
     return html;
 }
 
-QByteArray shared_devices_section(const report_case &that_case, const QList<device_facts> &devices,
+QByteArray shared_devices_section(const report_case &the_case, const QList<device_facts> &devices,
                                   const findings_form &form)
 {
     const device_list_part shared = shared_of(devices);
@@ -204,13 +204,13 @@ QByteArray shared_devices_section(const report_case &that_case, const QList<devi
     const QByteArray rows = rows_of(shared, form, [&](const device_facts &facts) -> QByteArrayList {
         return {number_of(facts, form),
                 name_cell(facts, form),
-                link_strength(that_case, facts),
-                sources_cell(that_case, facts.device->sources, form),
-                sources_cell(that_case, facts.paired_in, form),
+                link_strength(the_case, facts),
+                sources_cell(the_case, facts.device->sources, form),
+                sources_cell(the_case, facts.paired_in, form),
                 keys_cell(*facts.device, form)};
     });
     return html_section("more-than-one-source", "In more than one source",
-                        count + source_matrix(that_case, shared)
+                        count + source_matrix(the_case, shared)
                             + html_titled_table("Devices that more than one source knows",
                                                 {"Device", "Name", "Link", "Sources", "Paired or in use in",
                                                  "Joined by"},
@@ -218,21 +218,21 @@ QByteArray shared_devices_section(const report_case &that_case, const QList<devi
                             + and_more(shared.size(), form) + page_prose_joining);
 }
 
-QByteArray paired_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form)
+QByteArray paired_section(const report_case &the_case, const QList<device_facts> &devices, const findings_form &form)
 {
     const device_list_part paired = paired_of(devices);
-    return device_section("paired", "Paired or in use", that_case, paired, paired.size(), form);
+    return device_section("paired", "Paired or in use", the_case, paired, paired.size(), form);
 }
 
-QByteArray named_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form,
+QByteArray named_section(const report_case &the_case, const QList<device_facts> &devices, const findings_form &form,
                          qint64 count)
 {
-    return device_section("named", "Named devices", that_case, named_of(devices), count, form);
+    return device_section("named", "Named devices", the_case, named_of(devices), count, form);
 }
 
-QByteArray flagged_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form)
+QByteArray flagged_section(const report_case &the_case, const QList<device_facts> &devices, const findings_form &form)
 {
-    if (that_case.notes->is_empty())
+    if (the_case.notes->is_empty())
         return {};
     const device_list_part part = flagged_of(devices);
     QByteArray html;
@@ -245,7 +245,7 @@ QByteArray flagged_section(const report_case &that_case, const QList<device_fact
         html += html_static_table("Flagged or noted devices", {"Device", "Name", "Address", "Flag", "Note"}, rows)
                 + and_more(part.size(), form);
     }
-    const QList<case_note> &notes = that_case.notes->all();
+    const QList<case_note> &notes = the_case.notes->all();
     QByteArray rows;
     const qsizetype most_notes = form.is_brief ? 20 : form.most_rows;
     for (const case_note &note : notes.first(std::min(notes.size(), most_notes)))

@@ -36,19 +36,19 @@ struct findings_form
 };
 
 /** Figures that lead to where they come from. */
-QByteArray figures(const report_case &that_case, const QList<device_facts> &devices, const row_figures &rows,
+QByteArray figures(const report_case &the_case, const QList<device_facts> &devices, const row_figures &rows,
                    const findings_form &form);
 
 /** What appears in more than one source: a matrix as a picture, and the same as a table. */
-QByteArray shared_devices_section(const report_case &that_case, const QList<device_facts> &devices,
+QByteArray shared_devices_section(const report_case &the_case, const QList<device_facts> &devices,
                                   const findings_form &form);
 
 /** "paired" and "named": the devices of which that is true. @p count: the list may hold some of them alone. */
-QByteArray paired_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form);
-QByteArray named_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form,
+QByteArray paired_section(const report_case &the_case, const QList<device_facts> &devices, const findings_form &form);
+QByteArray named_section(const report_case &the_case, const QList<device_facts> &devices, const findings_form &form,
                          qint64 count);
 
 /** "flagged": the devices that examiners flagged or noted, and all notes; nothing where there are none. */
-QByteArray flagged_section(const report_case &that_case, const QList<device_facts> &devices, const findings_form &form);
+QByteArray flagged_section(const report_case &the_case, const QList<device_facts> &devices, const findings_form &form);
 
 #endif

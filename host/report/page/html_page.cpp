@@ -44,7 +44,7 @@ void add_data(new_file &file, const QList<page_section> &sections)
     file.add("</script>\n");
 }
 
-void write_page(const QString &path, const report_case &that_case, const QStringList &shortcomings,
+void write_page(const QString &path, const report_case &the_case, const QStringList &shortcomings,
                 const QList<page_section> &sections)
 {
     QList<section_link> links;
@@ -53,9 +53,9 @@ void write_page(const QString &path, const report_case &that_case, const QString
             links.append(section.link);
     }
     new_file file(path);
-    file.add(document_start(that_case, title, true));
+    file.add(document_start(the_case, title, true));
     file.add("<a class=\"skip\" href=\"#content\">To the content</a>\n<header>");
-    file.add(case_heading(that_case, title, shortcomings));
+    file.add(case_heading(the_case, title, shortcomings));
     file.add("</header>\n");
     file.add(page_tools());
     file.add(navigation(links));
@@ -72,24 +72,24 @@ void write_page(const QString &path, const report_case &that_case, const QString
 }
 
 /** What is always there, behind the rows. */
-QList<page_section> last_sections(const report_case &that_case)
+QList<page_section> last_sections(const report_case &the_case)
 {
     return {
-        {{"evidence", "Evidence"}, evidence_section(that_case)},
-        {{"provenance", "Provenance"}, provenance_section(that_case)},
+        {{"evidence", "Evidence"}, evidence_section(the_case)},
+        {{"provenance", "Provenance"}, provenance_section(the_case)},
         {{"terms", "Terms"}, terms_section()},
         {{"limitations", "Limitations"},
          html_section("limitations", "Known limitations", QByteArray(page_prose_limitations))},
     };
 }
 
-QByteArray pages_section(const report_case &that_case, const QStringList &pages)
+QByteArray pages_section(const report_case &the_case, const QStringList &pages)
 {
     QByteArray links;
     for (qsizetype i = 0; i < pages.size(); ++i)
         links += "<li><a href=\"" + html_text(pages.at(i)) + "\">Source "
-                 + QByteArray::number(that_case.sources.at(i).record.number) + ": <bdi>"
-                 + html_text(that_case.sources.at(i).name) + "</bdi></a></li>";
+                 + QByteArray::number(the_case.sources.at(i).record.number) + ": <bdi>"
+                 + html_text(the_case.sources.at(i).name) + "</bdi></a></li>";
     return html_section("pages", "Rows of the sources",
                         "<p>Each source has a page of its own.</p><ul>" + links + "</ul>\n");
 }
@@ -104,13 +104,13 @@ constexpr const char *printed_devices = "<div id=\"printed-devices\"></div>\n";
 
 } // namespace
 
-html_page::html_page(const report_case &that_case)
-    : facts_of_case(that_case)
+html_page::html_page(const report_case &the_case)
+    : facts_of_case(the_case)
 {
     for (const QString &table : result_tables()) {
-        const column_names columns = result_columns(that_case, table);
+        const column_names columns = result_columns(the_case, table);
         problems_of_lists += columns.problems;
-        tables.insert(table, std::make_shared<row_table>(that_case, table, columns.names));
+        tables.insert(table, std::make_shared<row_table>(the_case, table, columns.names));
     }
 }
 

@@ -35,7 +35,7 @@ struct page_content
 class html_page
 {
 public:
-    explicit html_page(const report_case &that_case);
+    explicit html_page(const report_case &the_case);
 
     /** Rows come table by table, and source by source in each. */
     void add(const report_row &row);

@@ -35,25 +35,25 @@ QByteArray style_string(const QString &text)
 }
 
 /** What every printed page says of the case. */
-QByteArray paper_style(const report_case &that_case)
+QByteArray paper_style(const report_case &the_case)
 {
     QStringList words;
-    const QString number = that_case.heading.value("case_number"_L1).toString();
-    const QString examiner = that_case.heading.value("examiner"_L1).toString();
+    const QString number = the_case.heading.value("case_number"_L1).toString();
+    const QString examiner = the_case.heading.value("examiner"_L1).toString();
     if (!number.isEmpty())
         words.append(u"Case "_s + number.left(60));
     if (!examiner.isEmpty())
         words.append(u"Examiner "_s + examiner.left(60));
-    const QString manifest = that_case.manifest_sha256.isEmpty() ? u"No manifest"_s
-                                                                 : u"Manifest "_s + that_case.manifest_sha256.left(16);
+    const QString manifest = the_case.manifest_sha256.isEmpty() ? u"No manifest"_s
+                                                                : u"Manifest "_s + the_case.manifest_sha256.left(16);
     return "@page{@top-left{content:" + style_string(words.join(u", "_s))
            + "}@top-right{content:" + style_string(manifest) + "}}";
 }
 
-QByteArray state_sentence(const report_case &that_case)
+QByteArray state_sentence(const report_case &the_case)
 {
-    const QByteArray sources = counted(that_case.sources.size(), "source", "sources");
-    const QByteArray read = that_case.sources.size() == 1 ? ", read to its end" : ", each read to its end";
+    const QByteArray sources = counted(the_case.sources.size(), "source", "sources");
+    const QByteArray read = the_case.sources.size() == 1 ? ", read to its end" : ", each read to its end";
     return sources + read + "; nothing changed.";
 }
 
@@ -73,9 +73,9 @@ QByteArray shortcomings_part(const QStringList &shortcomings, const shortcomings
 
 } // namespace
 
-QByteArray document_start(const report_case &that_case, const QByteArray &title, bool has_script)
+QByteArray document_start(const report_case &the_case, const QByteArray &title, bool has_script)
 {
-    const QByteArray style = page_style + paper_style(that_case);
+    const QByteArray style = page_style + paper_style(the_case);
     const QByteArray script = has_script ? "; script-src " + policy_hash(page_script) : QByteArray();
     return "<!DOCTYPE html>\n<html lang=\"en\" dir=\"ltr\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
@@ -84,22 +84,22 @@ QByteArray document_start(const report_case &that_case, const QByteArray &title,
              "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
              "<meta name=\"referrer\" content=\"no-referrer\">\n<title>"
            + title + "</title>\n<style>" + style + "</style>\n</head>\n<body data-case=\""
-           + html_text(that_case.heading.value("case_number"_L1).toString()) + "\" data-manifest=\""
-           + html_text(that_case.manifest_sha256) + "\">\n";
+           + html_text(the_case.heading.value("case_number"_L1).toString()) + "\" data-manifest=\""
+           + html_text(the_case.manifest_sha256) + "\">\n";
 }
 
-QByteArray case_heading(const report_case &that_case, const QByteArray &title, const QStringList &shortcomings,
+QByteArray case_heading(const report_case &the_case, const QByteArray &title, const QStringList &shortcomings,
                         const shortcomings_form &form)
 {
-    const auto fact = [&that_case](const char *name, QLatin1StringView member) {
-        const QString text = that_case.heading.value(member).toString();
+    const auto fact = [&the_case](const char *name, QLatin1StringView member) {
+        const QString text = the_case.heading.value(member).toString();
         return text.isEmpty() ? QByteArray()
                               : "<span>" + QByteArray(name) + " <bdi>" + html_text(text) + "</bdi></span> ";
     };
-    const bool is_unchanged = is_evidence_unchanged(that_case);
+    const bool is_unchanged = is_evidence_unchanged(the_case);
     return "<h1>" + title + "</h1>\n<p class=\"case\">" + fact("Case", "case_number"_L1)
            + fact("Examiner", "examiner"_L1) + "</p>\n"
-           + (shortcomings.isEmpty() && is_unchanged ? "<p class=\"state\">" + state_sentence(that_case) + "</p>\n"
+           + (shortcomings.isEmpty() && is_unchanged ? "<p class=\"state\">" + state_sentence(the_case) + "</p>\n"
                                                      : shortcomings_part(shortcomings, form, is_unchanged));
 }
 

@@ -18,7 +18,7 @@ struct section_link
 };
 
 /** Up to and with <body>: the policy lets nothing in but the page's own style and script. */
-QByteArray document_start(const report_case &that_case, const QByteArray &title, bool has_script);
+QByteArray document_start(const report_case &the_case, const QByteArray &title, bool has_script);
 
 /** How much room there is for what is missing. */
 struct shortcomings_form
@@ -28,7 +28,7 @@ struct shortcomings_form
 };
 
 /** What the case is and in what state, in one sentence; @p shortcomings are why it is not whole. */
-QByteArray case_heading(const report_case &that_case, const QByteArray &title, const QStringList &shortcomings,
+QByteArray case_heading(const report_case &the_case, const QByteArray &title, const QStringList &shortcomings,
                         const shortcomings_form &form = {});
 
 /** Search and buttons, hidden without script, and the way to the sections. */

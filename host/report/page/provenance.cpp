@@ -65,19 +65,19 @@ QByteArray hash_text(const QByteArray &html)
 
 } // namespace
 
-QByteArray manifest_facts(const report_case &that_case)
+QByteArray manifest_facts(const report_case &the_case)
 {
-    if (that_case.manifest_sha256.isEmpty())
+    if (the_case.manifest_sha256.isEmpty())
         return "<p>There is no manifest: the case was not collected.</p>\n";
-    return "<dl>\n" + html_fact("SHA-256 of manifest.json", html_hash(that_case.manifest_sha256))
+    return "<dl>\n" + html_fact("SHA-256 of manifest.json", html_hash(the_case.manifest_sha256))
            + html_fact("To verify it",
-                       code("bluetooth-logs verify CASE --manifest-sha256 " + html_text(that_case.manifest_sha256)))
+                       code("bluetooth-logs verify CASE --manifest-sha256 " + html_text(the_case.manifest_sha256)))
            + "</dl>\n";
 }
 
-QByteArray provenance_section(const report_case &that_case)
+QByteArray provenance_section(const report_case &the_case)
 {
-    const QJsonObject &heading = that_case.heading;
+    const QJsonObject &heading = the_case.heading;
     const QJsonObject tool = heading.value("tool"_L1).toObject();
     const QJsonObject system = heading.value("system"_L1).toObject();
     QByteArray facts = html_fact("Program", html_text(u"bluetooth-logs "_s + tool.value("version"_L1).toString()))
@@ -92,6 +92,6 @@ QByteArray provenance_section(const report_case &that_case)
     facts += html_fact("Working folder", code(text_in(heading, "working_folder"_L1)))
              + html_fact("Command line", command_line(heading)) + html_fact("Started", text_in(heading, "started"_L1))
              + html_fact("Finished", text_in(heading, "finished"_L1))
-             + html_fact("Vendors by", html_text(that_case.vendors.description()));
-    return html_section("provenance", "Provenance", "<dl>\n" + facts + "</dl>\n" + manifest_facts(that_case));
+             + html_fact("Vendors by", html_text(the_case.vendors.description()));
+    return html_section("provenance", "Provenance", "<dl>\n" + facts + "</dl>\n" + manifest_facts(the_case));
 }

@@ -9,9 +9,9 @@
 #include <QByteArray>
 
 /** What made the case, on what, when, and how it can be verified: whatever the manifest says of it. */
-QByteArray provenance_section(const report_case &that_case);
+QByteArray provenance_section(const report_case &the_case);
 
 /** The manifest's hash, and the command that verifies the case by it. */
-QByteArray manifest_facts(const report_case &that_case);
+QByteArray manifest_facts(const report_case &the_case);
 
 #endif

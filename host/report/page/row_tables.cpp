@@ -56,10 +56,10 @@ column_about about_device()
 }
 
 /** Columns of notes only where there are any. */
-bool is_on_page(const report_case &that_case, const report_column &column)
+bool is_on_page(const report_case &the_case, const report_column &column)
 {
     const bool is_note = column.name == "note" || column.name == "flag";
-    return column.is_cell() && (!is_note || !that_case.notes->is_empty());
+    return column.is_cell() && (!is_note || !the_case.notes->is_empty());
 }
 
 /** What says nothing is no value for readers: an empty list, and a flag that is not there. */
@@ -74,7 +74,7 @@ cell cell_of_page(const report_column &column, const cell &value)
 
 } // namespace
 
-row_table::row_table(const report_case &that_case, const QString &name, const QStringList &result_columns)
+row_table::row_table(const report_case &the_case, const QString &name, const QStringList &result_columns)
     : table(words_of(name).id, words_of(name).heading, words_of(name).caption)
     , cells(result_columns)
 {
@@ -83,7 +83,7 @@ row_table::row_table(const report_case &that_case, const QString &name, const QS
     columns.resize(std::size_t(list.size()));
     for (const bool is_place : {false, true}) { // the place stands last
         for (qsizetype i = 0; i < list.size(); ++i) {
-            if (is_on_page(that_case, list.at(i)) && (list.at(i).group == column_group::locator) == is_place)
+            if (is_on_page(the_case, list.at(i)) && (list.at(i).group == column_group::locator) == is_place)
                 columns[std::size_t(i)] = &table.add_column(about_column(list.at(i)));
         }
     }
@@ -159,7 +159,7 @@ constexpr list_words salvage_words{"salvage", "Salvaged rows",
 
 /** A table of all lines of a list, source by source. @p devices are the numbers of the lines' devices; null: none. */
 template<typename Line>
-html_table list_table(const report_case &that_case, const list_words &words, const line_columns<Line> &list,
+html_table list_table(const report_case &the_case, const list_words &words, const line_columns<Line> &list,
                       QString (*for_each_line)(const report_case &, const report_source &,
                                                const std::function<void(const Line &)> &),
                       const std::vector<qint64> *devices, QStringList &problems,
@@ -169,11 +169,10 @@ html_table list_table(const report_case &that_case, const list_words &words, con
     page_column *device = devices ? &table.add_column(about_device()) : nullptr;
     std::vector<page_column *> columns;
     for (const line_column<Line> &column : list)
-        columns.push_back(is_on_page(that_case, column.about) ? &table.add_column(about_column(column.about))
-                                                              : nullptr);
+        columns.push_back(is_on_page(the_case, column.about) ? &table.add_column(about_column(column.about)) : nullptr);
     std::size_t next = 0;
-    for (const report_source &source : that_case.sources) {
-        const QString problem = for_each_line(that_case, source, [&](const Line &line) {
+    for (const report_source &source : the_case.sources) {
+        const QString problem = for_each_line(the_case, source, [&](const Line &line) {
             for (std::size_t i = 0; i < columns.size(); ++i) {
                 if (columns[i])
                     columns[i]->add(cell_of_page(list.at(qsizetype(i)).about, list.at(qsizetype(i)).value(line)));
@@ -192,10 +191,10 @@ html_table list_table(const report_case &that_case, const list_words &words, con
 
 } // namespace
 
-html_table wal_table(const report_case &that_case, const std::vector<qint64> &devices, row_figures &counts,
+html_table wal_table(const report_case &the_case, const std::vector<qint64> &devices, row_figures &counts,
                      QStringList &problems)
 {
-    return list_table<wal_change>(that_case, wal_words, wal_columns(), for_each_wal_change, &devices, problems,
+    return list_table<wal_change>(the_case, wal_words, wal_columns(), for_each_wal_change, &devices, problems,
                                   [&counts](const wal_change &change) {
                                       ++(change.change == "added"     ? counts.added_by_logs
                                          : change.change == "deleted" ? counts.deleted_by_logs
@@ -203,20 +202,20 @@ html_table wal_table(const report_case &that_case, const std::vector<qint64> &de
                                   });
 }
 
-html_table host_device_table(const report_case &that_case, const std::vector<qint64> &devices, QStringList &problems)
+html_table host_device_table(const report_case &the_case, const std::vector<qint64> &devices, QStringList &problems)
 {
-    return list_table<host_device_line>(that_case, host_device_words, host_device_columns(), for_each_host_device,
+    return list_table<host_device_line>(the_case, host_device_words, host_device_columns(), for_each_host_device,
                                         &devices, problems);
 }
 
-html_table unparsed_table(const report_case &that_case, QStringList &problems)
+html_table unparsed_table(const report_case &the_case, QStringList &problems)
 {
-    return list_table<unparsed_line>(that_case, unparsed_words, unparsed_columns(), for_each_unparsed_line, nullptr,
+    return list_table<unparsed_line>(the_case, unparsed_words, unparsed_columns(), for_each_unparsed_line, nullptr,
                                      problems);
 }
 
-html_table salvage_table(const report_case &that_case, QStringList &problems)
+html_table salvage_table(const report_case &the_case, QStringList &problems)
 {
-    return list_table<salvage_line>(that_case, salvage_words, salvage_columns(), for_each_salvaged_row, nullptr,
+    return list_table<salvage_line>(the_case, salvage_words, salvage_columns(), for_each_salvaged_row, nullptr,
                                     problems);
 }

@@ -20,7 +20,7 @@ class row_table
 {
 public:
     /** @p result_columns are those of the result table in all sources. */
-    row_table(const report_case &that_case, const QString &table, const QStringList &result_columns);
+    row_table(const report_case &the_case, const QString &table, const QStringList &result_columns);
 
     /** Rows come source by source. */
     void add(const report_row &row);
@@ -49,13 +49,13 @@ private:
 // Lists of the host's own reading, of all sources. What cannot be read is added to @p problems, in plain words.
 
 /** What write-ahead logs make of rows; counts what it finds. @p devices are the numbers of the lines' devices. */
-html_table wal_table(const report_case &that_case, const std::vector<qint64> &devices, row_figures &counts,
+html_table wal_table(const report_case &the_case, const std::vector<qint64> &devices, row_figures &counts,
                      QStringList &problems);
 
 /** The devices of lists; @p devices are their numbers, in the order of the lines. */
-html_table host_device_table(const report_case &that_case, const std::vector<qint64> &devices, QStringList &problems);
+html_table host_device_table(const report_case &the_case, const std::vector<qint64> &devices, QStringList &problems);
 
-html_table unparsed_table(const report_case &that_case, QStringList &problems);
-html_table salvage_table(const report_case &that_case, QStringList &problems);
+html_table unparsed_table(const report_case &the_case, QStringList &problems);
+html_table salvage_table(const report_case &the_case, QStringList &problems);
 
 #endif

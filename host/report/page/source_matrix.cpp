@@ -72,7 +72,7 @@ QByteArray matrix_caption(qsizetype all_sources)
 
 } // namespace
 
-QByteArray source_matrix(const report_case &that_case, const QList<const device_facts *> &devices)
+QByteArray source_matrix(const report_case &the_case, const QList<const device_facts *> &devices)
 {
     const QList<const device_facts *> shown = devices.first(std::min(devices.size(), most_matrix_rows));
     const QList<int> all = matrix_sources(shown);
@@ -82,7 +82,7 @@ QByteArray source_matrix(const report_case &that_case, const QList<const device_
     QByteArray picture;
     for (qsizetype column = 0; column < sources.size(); ++column)
         picture += svg_text(matrix_names_width + int(column) * step + 6, 20, "middle",
-                            svg_number(that_case.sources.at(sources.at(column)).record.number));
+                            svg_number(the_case.sources.at(sources.at(column)).record.number));
     for (qsizetype row = 0; row < shown.size(); ++row)
         picture += matrix_row(*shown.at(row), sources, matrix_top + int(row) * row_height, width);
     const QByteArray size = "width=\"" + svg_number(width) + "\" height=\"" + svg_number(height) + '"';

@@ -13,6 +13,6 @@
  * A picture of which source knows which device, and how: a line for each device, a column for each source. Only so many
  * of both as can be followed by eye; its caption says what is left out.
  */
-QByteArray source_matrix(const report_case &that_case, const QList<const device_facts *> &devices);
+QByteArray source_matrix(const report_case &the_case, const QList<const device_facts *> &devices);
 
 #endif

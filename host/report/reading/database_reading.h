@@ -4,8 +4,8 @@
 #ifndef HOST_REPORT_READING_DATABASE_READING_H
 #define HOST_REPORT_READING_DATABASE_READING_H
 
-#include "host/report/reading/host_reading.h"
 #include "host/report/reading/preferences_names.h"
+#include "host/report/reading/row_reading.h"
 #include "host/source/macos_databases.h"
 
 #include <QHash>
@@ -35,7 +35,7 @@ struct database_copy
 };
 
 /** Reads the working copy of a macOS database beside the rows that the plug-in made of it, in the same order. */
-class database_reading : public host_reading
+class database_reading : public row_reading
 {
 public:
     database_reading(const database_copy &copy, const sqlite_statement &row, const vendor_list &vendors,

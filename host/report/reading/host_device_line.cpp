@@ -88,12 +88,12 @@ const line_columns<host_device_line> &host_device_columns()
     return columns;
 }
 
-QString for_each_host_device(const report_case &that_case, const report_source &source,
+QString for_each_host_device(const report_case &the_case, const report_source &source,
                              const std::function<void(const host_device_line &device)> &take)
 {
     if (source.is_locked)
         return {};
-    const QString path = that_case.layout.source(source.record.number).host_devices();
+    const QString path = the_case.layout.source(source.record.number).host_devices();
     return for_each_kept_line(path, [&](const kept_line &kept) {
         const QJsonObject locator = kept.json.value("locator"_L1).toObject();
         take({source,
@@ -106,6 +106,6 @@ QString for_each_host_device(const report_case &that_case, const report_source &
               joined_texts(kept.json.value("names"_L1)),
               kept.bytes("kind"_L1),
               kept.bytes("bluetooth_version"_L1),
-              that_case.notes->of_device({kept.bytes("address"_L1)})});
+              the_case.notes->of_device({kept.bytes("address"_L1)})});
     });
 }

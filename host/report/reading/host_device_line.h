@@ -47,7 +47,7 @@ const line_columns<host_device_line> &host_device_columns();
  * Gives the devices that the host has read of a source's lists, in the order of its file. Returns why not all of them
  * could be read, in plain words; empty if all could.
  */
-QString for_each_host_device(const report_case &that_case, const report_source &source,
+QString for_each_host_device(const report_case &the_case, const report_source &source,
                              const std::function<void(const host_device_line &device)> &take);
 
 #endif

@@ -4,14 +4,14 @@
 #ifndef HOST_REPORT_READING_LOG_READING_H
 #define HOST_REPORT_READING_LOG_READING_H
 
-#include "host/report/reading/host_reading.h"
 #include "host/report/reading/log_line.h"
+#include "host/report/reading/row_reading.h"
 
 #include <QFile>
 
 /** Reads the lines of an iOS log that the host kept beside the rows that the plug-in made of them, in the same order.
  */
-class log_reading : public host_reading
+class log_reading : public row_reading
 {
 public:
     /** @p lines is ios_lines.jsonl, @p log what locators call the log. */

@@ -4,8 +4,8 @@
 #ifndef HOST_REPORT_READING_REPORT_ROW_H
 #define HOST_REPORT_READING_REPORT_ROW_H
 
-#include "host/report/reading/host_reading.h"
 #include "host/report/reading/report_case.h"
+#include "host/report/reading/row_reading.h"
 
 #include <QString>
 
@@ -49,13 +49,13 @@ struct column_names
  * The columns that a result table has in any of the sources: of the first one in their order, what others have more
  * behind them.
  */
-column_names result_columns(const report_case &that_case, const QString &table);
+column_names result_columns(const report_case &the_case, const QString &table);
 
 /**
  * Calls @p take for each row of a result table, in their order. When there are not as many as the case's records say,
  * that is the problem of the reading. With @p depth the host's values are those of the counters alone.
  */
-table_reading read_rows(const report_case &that_case, const report_source &source, const QString &table,
+table_reading read_rows(const report_case &the_case, const report_source &source, const QString &table,
                         const std::function<void(const report_row &row)> &take,
                         reading_depth depth = reading_depth::everything);
 
@@ -66,6 +66,6 @@ struct counted_rows
     QStringList problems; ///< why not all were counted: "source 1: …"
 };
 
-counted_rows row_count(const report_case &that_case);
+counted_rows row_count(const report_case &the_case);
 
 #endif

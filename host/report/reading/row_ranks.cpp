@@ -4,7 +4,7 @@
 #include "host/report/reading/row_ranks.h"
 
 #include "host/report/reading/counter.h"
-#include "host/report/reading/host_reading.h"
+#include "host/report/reading/row_reading.h"
 
 #include <QDateTime>
 

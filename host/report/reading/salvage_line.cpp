@@ -23,11 +23,11 @@ const line_columns<salvage_line> &salvage_columns()
     return columns;
 }
 
-QString for_each_salvaged_row(const report_case &that_case, const report_source &source,
+QString for_each_salvaged_row(const report_case &the_case, const report_source &source,
                               const std::function<void(const salvage_line &line)> &take)
 {
     if (source.is_locked)
         return {};
-    const QString path = that_case.layout.source(source.record.number).salvage();
+    const QString path = the_case.layout.source(source.record.number).salvage();
     return for_each_kept_line(path, [&](const kept_line &kept) { take({source, kept}); });
 }

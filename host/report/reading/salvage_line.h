@@ -22,7 +22,7 @@ struct salvage_line
 const line_columns<salvage_line> &salvage_columns();
 
 /** Gives those that the host has kept of a source. Returns why not all of them could be read; empty if all could. */
-QString for_each_salvaged_row(const report_case &that_case, const report_source &source,
+QString for_each_salvaged_row(const report_case &the_case, const report_source &source,
                               const std::function<void(const salvage_line &line)> &take);
 
 #endif

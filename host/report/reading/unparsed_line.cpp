@@ -28,14 +28,14 @@ const line_columns<unparsed_line> &unparsed_columns()
     return columns;
 }
 
-QString for_each_unparsed_line(const report_case &that_case, const report_source &source,
+QString for_each_unparsed_line(const report_case &the_case, const report_source &source,
                                const std::function<void(const unparsed_line &line)> &take)
 {
     if (source.is_locked)
         return {};
     const QList<evidence_file> &files = source.record.evidence.files;
     const QByteArray log = files.isEmpty() ? QByteArray() : files.first().path.toUtf8();
-    const QString path = that_case.layout.source(source.record.number).unparsed_lines();
+    const QString path = the_case.layout.source(source.record.number).unparsed_lines();
     return for_each_kept_line(path, [&](const kept_line &kept) {
         const QByteArray text = kept.bytes("text"_L1);
         take({source,

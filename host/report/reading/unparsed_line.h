@@ -31,7 +31,7 @@ struct unparsed_line
 const line_columns<unparsed_line> &unparsed_columns();
 
 /** Gives those that the host has kept of a source. Returns why not all of them could be read; empty if all could. */
-QString for_each_unparsed_line(const report_case &that_case, const report_source &source,
+QString for_each_unparsed_line(const report_case &the_case, const report_source &source,
                                const std::function<void(const unparsed_line &line)> &take);
 
 #endif

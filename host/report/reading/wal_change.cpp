@@ -129,11 +129,11 @@ const line_columns<wal_change> &wal_columns()
     return columns;
 }
 
-QString for_each_wal_change(const report_case &that_case, const report_source &source,
+QString for_each_wal_change(const report_case &the_case, const report_source &source,
                             const std::function<void(const wal_change &change)> &take)
 {
-    const source_layout layout = that_case.layout.source(source.record.number);
-    wal_change_reader reader(source, *that_case.notes, take);
+    const source_layout layout = the_case.layout.source(source.record.number);
+    wal_change_reader reader(source, *the_case.notes, take);
     if (path_exists(layout.wal_changes()))
         return for_each_kept_line(layout.wal_changes(), [&](const kept_line &line) { reader.read(line); });
     return for_each_text_line(layout.earlier_wal_changes(),

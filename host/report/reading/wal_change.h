@@ -44,7 +44,7 @@ const line_columns<wal_change> &wal_columns();
  * Gives the changes that the host has kept of a source, none where it has no log. Returns why not all of them could be
  * read, in plain words; empty if all could.
  */
-QString for_each_wal_change(const report_case &that_case, const report_source &source,
+QString for_each_wal_change(const report_case &the_case, const report_source &source,
                             const std::function<void(const wal_change &change)> &take);
 
 #endif

@@ -27,6 +27,6 @@ struct case_list
 
 /** The lists of a case, in the order of a report; containers only where there are some. They read the case each time.
  */
-QList<case_list> case_lists(const report_case &that_case);
+QList<case_list> case_lists(const report_case &the_case);
 
 #endif

@@ -80,25 +80,25 @@ const line_columns<container_line> &container_columns()
     return columns;
 }
 
-bool has_containers(const report_case &that_case)
+bool has_containers(const report_case &the_case)
 {
-    return std::any_of(that_case.sources.cbegin(), that_case.sources.cend(),
+    return std::any_of(the_case.sources.cbegin(), the_case.sources.cend(),
                        [](const report_source &source) { return source.record.container.isObject(); });
 }
 
-void for_each_container_file(const report_case &that_case, const std::function<void(const container_line &line)> &take)
+void for_each_container_file(const report_case &the_case, const std::function<void(const container_line &line)> &take)
 {
-    for (const report_source &source : that_case.sources) {
+    for (const report_source &source : the_case.sources) {
         const QJsonObject container = source.record.container.toObject();
         for (const auto file : container.value("files"_L1).toArray())
             take(container_line(source, container, file.toObject()));
     }
 }
 
-QByteArray containers_text(const report_case &that_case)
+QByteArray containers_text(const report_case &the_case)
 {
     QByteArray text;
-    for_each_container_file(that_case, [&text](const container_line &line) {
+    for_each_container_file(the_case, [&text](const container_line &line) {
         text += "source " + QByteArray::number(line.source.record.number) + ": " + line.kind + ", " + line.format + ", "
                 + line.path + ", SHA-256 "
                 + (line.sha256.isEmpty() ? line.source.why_no_hash(QString::fromUtf8(line.path)) : line.sha256) + '\n';

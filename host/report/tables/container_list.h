@@ -37,12 +37,12 @@ struct container_line
 const line_columns<container_line> &container_columns();
 
 /** Whether the evidence of a source of the case was taken out of a container. */
-bool has_containers(const report_case &that_case);
+bool has_containers(const report_case &the_case);
 
 /** Gives every file of every container of the case. */
-void for_each_container_file(const report_case &that_case, const std::function<void(const container_line &line)> &take);
+void for_each_container_file(const report_case &the_case, const std::function<void(const container_line &line)> &take);
 
 /** What the containers of the case are, in a text for readers; empty without any. */
-QByteArray containers_text(const report_case &that_case);
+QByteArray containers_text(const report_case &the_case);
 
 #endif

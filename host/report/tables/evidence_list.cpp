@@ -47,9 +47,9 @@ const line_columns<evidence_line> &evidence_columns()
     return columns;
 }
 
-void for_each_evidence_file(const report_case &that_case, const std::function<void(const line_cells &cells)> &take)
+void for_each_evidence_file(const report_case &the_case, const std::function<void(const line_cells &cells)> &take)
 {
-    for (const report_source &source : that_case.sources) {
+    for (const report_source &source : the_case.sources) {
         for (const evidence_file &file : source.record.evidence.files)
             take(cells_of(evidence_columns(), evidence_line(source, file)));
     }

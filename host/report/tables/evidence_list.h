@@ -29,6 +29,6 @@ struct evidence_line
 const line_columns<evidence_line> &evidence_columns();
 
 /** Gives all files of the case, leftovers of damaged databases included. */
-void for_each_evidence_file(const report_case &that_case, const std::function<void(const line_cells &cells)> &take);
+void for_each_evidence_file(const report_case &the_case, const std::function<void(const line_cells &cells)> &take);
 
 #endif

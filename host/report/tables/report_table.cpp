@@ -11,10 +11,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-void keep_source(report_case &that_case, qint64 number)
+void keep_source(report_case &the_case, qint64 number)
 {
-    that_case.sources.removeIf([number](const report_source &source) { return source.record.number != number; });
-    if (that_case.sources.isEmpty())
+    the_case.sources.removeIf([number](const report_source &source) { return source.record.number != number; });
+    if (the_case.sources.isEmpty())
         throw host_error(error_kind::refused, u"the case has no source "_s + QString::number(number));
 }
 
@@ -33,20 +33,20 @@ QStringList write_list(const case_list &list, const program_format &format, cons
 
 QStringList write_table(const table_request &request, const byte_sink &sink)
 {
-    report_case that_case = read_report_case(request.case_directory);
+    report_case the_case = read_report_case(request.case_directory);
     if (request.source)
-        keep_source(that_case, *request.source);
-    QStringList shortcomings = that_case.shortcomings;
+        keep_source(the_case, *request.source);
+    QStringList shortcomings = the_case.shortcomings;
     changed_cells changes;
-    for (const case_list &list : case_lists(that_case)) {
+    for (const case_list &list : case_lists(the_case)) {
         if (list.name == request.table)
             return shortcomings + write_list(list, request.format, sink);
     }
-    const column_names columns = result_columns(that_case, request.table);
+    const column_names columns = result_columns(the_case, request.table);
     shortcomings += columns.problems;
     const row_writer write = make_row_writer(request.format, {}, columns.names, request.table, sink, changes);
-    for (const report_source &source : std::as_const(that_case.sources)) {
-        const table_reading reading = read_rows(that_case, source, request.table, write);
+    for (const report_source &source : std::as_const(the_case.sources)) {
+        const table_reading reading = read_rows(the_case, source, request.table, write);
         if (!reading.problem.isEmpty())
             shortcomings.append(source.problem_text(reading.problem));
     }

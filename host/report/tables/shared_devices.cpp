@@ -46,18 +46,14 @@ note_marks marks_of(const joined_device &device)
     return note_marks(notes);
 }
 
-shared_line line_of(const report_case &that_case, const joined_device &device, const device_appearance &appearance,
+shared_line line_of(const report_case &the_case, const joined_device &device, const device_appearance &appearance,
                     const note_marks &marks)
 {
-    return {device,
-            appearance,
-            that_case.sources.at(appearance.source),
-            keys_as_text(device),
-            appearance.table.toUtf8(),
+    return {device, appearance, the_case.sources.at(appearance.source), keys_as_text(device), appearance.table.toUtf8(),
             marks};
 }
 
-QByteArray device_as_json(const report_case &that_case, const joined_device &device, const json_objects &appearances)
+QByteArray device_as_json(const report_case &the_case, const joined_device &device, const json_objects &appearances)
 {
     const note_marks marks = marks_of(device);
     QByteArray json = "{\"device\":" + QByteArray::number(device.shared_number)
@@ -65,11 +61,11 @@ QByteArray device_as_json(const report_case &that_case, const joined_device &dev
                       + text_of(marks.flag()) + ",\"joined_by\":" + keys_as_json(device) + ",\"sources\":[";
     QByteArrayList sources;
     for (const int source : device.sources)
-        sources.append(QByteArray::number(that_case.sources.at(source).record.number));
+        sources.append(QByteArray::number(the_case.sources.at(source).record.number));
     json += sources.join(',') + "],\"appearances\":[";
     for (const device_appearance &appearance : device.appearances) {
         json += json.endsWith('[') ? "" : ",";
-        appearances.append(json, cells_of(shared_columns(), line_of(that_case, device, appearance, marks)));
+        appearances.append(json, cells_of(shared_columns(), line_of(the_case, device, appearance, marks)));
     }
     return json + "]}\n";
 }
@@ -115,7 +111,7 @@ const line_columns<shared_line> &shared_columns()
     return columns;
 }
 
-void for_each_shared_appearance(const report_case &that_case, const QList<joined_device> &devices,
+void for_each_shared_appearance(const report_case &the_case, const QList<joined_device> &devices,
                                 const std::function<void(const line_cells &cells)> &take)
 {
     for (const joined_device &device : devices) {
@@ -123,16 +119,16 @@ void for_each_shared_appearance(const report_case &that_case, const QList<joined
             continue;
         const note_marks marks = marks_of(device);
         for (const device_appearance &appearance : device.appearances)
-            take(cells_of(shared_columns(), line_of(that_case, device, appearance, marks)));
+            take(cells_of(shared_columns(), line_of(the_case, device, appearance, marks)));
     }
 }
 
-void for_each_shared_device(const report_case &that_case, const QList<joined_device> &devices,
+void for_each_shared_device(const report_case &the_case, const QList<joined_device> &devices,
                             const std::function<void(QByteArrayView line)> &take)
 {
     const json_objects appearances(columns_of(shared_columns()));
     for (const joined_device &device : devices) {
         if (device.shared_number > 0)
-            take(device_as_json(that_case, device, appearances));
+            take(device_as_json(the_case, device, appearances));
     }
 }

@@ -30,11 +30,11 @@ struct shared_line
 const line_columns<shared_line> &shared_columns();
 
 /** The lines of shared.csv and its like: one for each appearance. */
-void for_each_shared_appearance(const report_case &that_case, const QList<joined_device> &devices,
+void for_each_shared_appearance(const report_case &the_case, const QList<joined_device> &devices,
                                 const std::function<void(const line_cells &cells)> &take);
 
 /** The lines of shared.jsonl, each with its line end: one for each device. */
-void for_each_shared_device(const report_case &that_case, const QList<joined_device> &devices,
+void for_each_shared_device(const report_case &the_case, const QList<joined_device> &devices,
                             const std::function<void(QByteArrayView line)> &take);
 
 #endif

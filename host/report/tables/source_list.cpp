@@ -55,8 +55,8 @@ const line_columns<source_line> &source_list_columns()
     return columns;
 }
 
-void for_each_source(const report_case &that_case, const std::function<void(const line_cells &cells)> &take)
+void for_each_source(const report_case &the_case, const std::function<void(const line_cells &cells)> &take)
 {
-    for (const report_source &source : that_case.sources)
+    for (const report_source &source : the_case.sources)
         take(cells_of(source_list_columns(), source_line(source)));
 }

@@ -27,6 +27,6 @@ struct source_line
 
 const line_columns<source_line> &source_list_columns();
 
-void for_each_source(const report_case &that_case, const std::function<void(const line_cells &cells)> &take);
+void for_each_source(const report_case &the_case, const std::function<void(const line_cells &cells)> &take);
 
 #endif

@@ -71,14 +71,14 @@ class timeline_reader
 {
 public:
     timeline_reader(const report_case &read_case, const timeline_options &given)
-        : that_case(read_case)
+        : the_case(read_case)
         , options(given)
     {
     }
 
     timeline read()
     {
-        for (const report_source &source : that_case.sources) {
+        for (const report_source &source : the_case.sources) {
             if (source.is_locked)
                 continue;
             read_lists(source);
@@ -97,7 +97,7 @@ private:
 
     void read_lists(const report_source &source)
     {
-        note(source, for_each_host_device(that_case, source, [this](const host_device_line &device) {
+        note(source, for_each_host_device(the_case, source, [this](const host_device_line &device) {
                  QJsonObject last;
                  for (const auto time : device.kept.json.value("times"_L1).toArray()) {
                      if (!is_another_reading(last, time.toObject()))
@@ -174,7 +174,7 @@ private:
         qint64 year = options.log_year.value_or(0);
         const QList<evidence_file> &files = source.record.evidence.files;
         const QByteArray log = files.isEmpty() ? QByteArray() : files.first().path.toUtf8();
-        const QString path = that_case.layout.source(source.record.number).ios_lines();
+        const QString path = the_case.layout.source(source.record.number).ios_lines();
         note(source, for_each_kept_line(path, [&](const kept_line &line) {
                  const std::optional<qint64> number = line.number("line"_L1);
                  if (number && number == last_line) // it has the words of both tables
@@ -188,7 +188,7 @@ private:
                      last_month = date->month;
                  add_line(source, {log, {}, {}, number, {}}, text, date, year);
              }));
-        note(source, for_each_unparsed_line(that_case, source, [&](const unparsed_line &line) {
+        note(source, for_each_unparsed_line(the_case, source, [&](const unparsed_line &line) {
                  if (!line.date.isEmpty())
                      add_line(source, line.place(), line.text, {}, 0);
              }));
@@ -230,7 +230,7 @@ private:
         return {};
     }
 
-    const report_case &that_case;
+    const report_case &the_case;
     const timeline_options &options;
     timeline result;
 };
@@ -283,9 +283,9 @@ void sort_events(std::vector<timeline_event> &events)
     });
 }
 
-timeline read_timeline(const report_case &that_case, const timeline_options &options, qint64 counters)
+timeline read_timeline(const report_case &the_case, const timeline_options &options, qint64 counters)
 {
-    timeline result = timeline_reader(that_case, options).read();
+    timeline result = timeline_reader(the_case, options).read();
     result.left_out[no_dates] = counters;
     return result;
 }

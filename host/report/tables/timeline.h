@@ -54,6 +54,6 @@ struct timeline
 void sort_events(std::vector<timeline_event> &events);
 
 /** All times of a case. Every event is held. @p counters: how many the rows of its results have, which are no dates. */
-timeline read_timeline(const report_case &that_case, const timeline_options &options, qint64 counters = 0);
+timeline read_timeline(const report_case &the_case, const timeline_options &options, qint64 counters = 0);
 
 #endif

@@ -20,47 +20,47 @@ using change = std::function<void(const made_case &)>;
 const QString beside_alone = u"no hash was given by --manifest-sha256: manifest.json was compared with "
                              "manifest.json.sha256 beside it alone, and an edit of both would pass"_s;
 
-check_outcome check(const made_case &that_case, const QString &noted = {})
+check_outcome check(const made_case &the_case, const QString &noted = {})
 {
     check_request request;
-    request.directory = that_case.directory();
+    request.directory = the_case.directory();
     request.manifest_sha256 = noted;
     request.leaves_out_evidence = true;
     return check_case(request);
 }
 
-QString path(const made_case &that_case, const QString &name)
+QString path(const made_case &the_case, const QString &name)
 {
-    return that_case.directory() + u'/' + name;
+    return the_case.directory() + u'/' + name;
 }
 
 change put(const QString &name, const QByteArray &content)
 {
-    return [=](const made_case &that_case) { made_case::write(path(that_case, name), content); };
+    return [=](const made_case &the_case) { made_case::write(path(the_case, name), content); };
 }
 
 change away(const QString &name)
 {
-    return [=](const made_case &that_case) { QVERIFY(QFile::remove(path(that_case, name))); };
+    return [=](const made_case &the_case) { QVERIFY(QFile::remove(path(the_case, name))); };
 }
 
 /** A text of a file of the case in place of another one. */
 change edit(const QString &name, const QByteArray &before, const QByteArray &after)
 {
-    return [=](const made_case &that_case) {
-        QByteArray content = made_case::content(path(that_case, name));
+    return [=](const made_case &the_case) {
+        QByteArray content = made_case::content(path(the_case, name));
         QVERIFY(content.contains(before));
-        made_case::write(path(that_case, name), content.replace(before, after));
+        made_case::write(path(the_case, name), content.replace(before, after));
     };
 }
 
 /** The manifest edited, and the hash beside it with it. */
 change forge(const QByteArray &before, const QByteArray &after)
 {
-    return [=](const made_case &that_case) {
-        edit(u"manifest.json"_s, before, after)(that_case);
-        const QString hash = sha256::of(made_case::content(that_case.layout().manifest()));
-        made_case::write(that_case.layout().manifest_hash(), hash.toLatin1() + "  manifest.json\n");
+    return [=](const made_case &the_case) {
+        edit(u"manifest.json"_s, before, after)(the_case);
+        const QString hash = sha256::of(made_case::content(the_case.layout().manifest()));
+        made_case::write(the_case.layout().manifest_hash(), hash.toLatin1() + "  manifest.json\n");
     };
 }
 
@@ -77,12 +77,12 @@ named_source listed(int number, const source_kind *kind)
 /** A source that ended otherwise. */
 change ended(source_status status, int code)
 {
-    return [=](const made_case &that_case) {
-        source_record record = that_case.finished(2);
+    return [=](const made_case &the_case) {
+        source_record record = the_case.finished(2);
         record.status = status;
         record.exit_code = code;
-        that_case.write_record(record);
-        collect_case(that_case.layout());
+        the_case.write_record(record);
+        collect_case(the_case.layout());
     };
 }
 
@@ -111,9 +111,9 @@ private Q_SLOTS:
 
 void test_case_check::unchanged()
 {
-    const made_case that_case;
-    const QString hash = collect_case(that_case.layout()).manifest_sha256;
-    const check_outcome outcome = check(that_case);
+    const made_case the_case;
+    const QString hash = collect_case(the_case.layout()).manifest_sha256;
+    const check_outcome outcome = check(the_case);
     QCOMPARE(outcome.differences + outcome.incomplete + outcome.missing, QStringList());
     QCOMPARE(outcome.notes, QStringList({beside_alone}));
     QCOMPARE(outcome.code(), outcome_code::done);
@@ -162,8 +162,8 @@ void test_case_check::differences_data()
     QTest::newRow("record, a member twice") << edit(u"Source1/source.json"_s, "{\n", "{ \"number\": 1,\n") << u"Source1/source.json cannot be read as a record of this program"_s;
     QTest::newRow("another list")     << put(u"sources.json"_s, R"({"sources": [{"path": "/evidence/1"}]})") << u"sources.json lists other sources than the manifest"_s;
     QTest::newRow("list, other form") << put(u"sources.json"_s, R"({"sources": [{"path": "/evidence/1", "number": 1}, {"path": "/evidence/2", "number": 2}]})") << u"sources.json was changed: this program writes it otherwise"_s;
-    QTest::newRow("list, other kind") << change([](const made_case &that_case) {
-        write_source_list(path(that_case, u"sources.json"_s), {listed(1, nullptr), listed(2, &ios_uid_kind)});
+    QTest::newRow("list, other kind") << change([](const made_case &the_case) {
+        write_source_list(path(the_case, u"sources.json"_s), {listed(1, nullptr), listed(2, &ios_uid_kind)});
     }) << u"sources.json lists other sources than the manifest"_s;
     QTest::newRow("list, no JSON")    << put(u"sources.json"_s, "{")                << u"sources.json is no list of sources: "_s;
     QTest::newRow("hash emptied")     << put(u"manifest.json.sha256"_s, "")         << u"manifest.json.sha256 holds no hash of manifest.json"_s;
@@ -176,10 +176,10 @@ void test_case_check::differences()
 {
     QFETCH(change, make_change);
     QFETCH(QString, start);
-    const made_case that_case;
-    collect_case(that_case.layout());
-    make_change(that_case);
-    const check_outcome outcome = check(that_case);
+    const made_case the_case;
+    collect_case(the_case.layout());
+    make_change(the_case);
+    const check_outcome outcome = check(the_case);
     QCOMPARE(outcome.code(), outcome_code::evidence_changed);
     const bool is_named = std::any_of(outcome.differences.cbegin(), outcome.differences.cend(),
                                       [&start](const QString &text) { return text.startsWith(start); });
@@ -208,10 +208,10 @@ void test_case_check::incomplete()
 {
     QFETCH(change, make_change);
     QFETCH(QString, text);
-    const made_case that_case;
-    collect_case(that_case.layout());
-    make_change(that_case);
-    const check_outcome outcome = check(that_case);
+    const made_case the_case;
+    collect_case(the_case.layout());
+    make_change(the_case);
+    const check_outcome outcome = check(the_case);
     QCOMPARE(outcome.differences, QStringList());
     QCOMPARE(outcome.incomplete, QStringList({text}));
     QCOMPARE(outcome.code(), outcome_code::partial);
@@ -219,53 +219,53 @@ void test_case_check::incomplete()
 
 void test_case_check::list_of_sources_that_is_unchanged()
 {
-    const made_case that_case;
-    collect_case(that_case.layout());
-    write_source_list(path(that_case, u"sources.json"_s), {listed(1, &macos_kind), listed(2, nullptr)});
-    QCOMPARE(check(that_case).differences, QStringList());
+    const made_case the_case;
+    collect_case(the_case.layout());
+    write_source_list(path(the_case, u"sources.json"_s), {listed(1, &macos_kind), listed(2, nullptr)});
+    QCOMPARE(check(the_case).differences, QStringList());
 }
 
 /** Of three hashes two agree, and the third one is named. */
 void test_case_check::hash_that_was_noted()
 {
-    const made_case that_case;
-    const QString hash = collect_case(that_case.layout()).manifest_sha256;
-    QCOMPARE(check(that_case, hash.toUpper()).notes, QStringList());
-    QCOMPARE(check(that_case, hash.toUpper()).code(), outcome_code::done);
+    const made_case the_case;
+    const QString hash = collect_case(the_case.layout()).manifest_sha256;
+    QCOMPARE(check(the_case, hash.toUpper()).notes, QStringList());
+    QCOMPARE(check(the_case, hash.toUpper()).code(), outcome_code::done);
 
     const QString other = sha256::of("other");
-    made_case::write(that_case.layout().manifest_hash(), other.toLatin1() + "  manifest.json\n");
-    QVERIFY(check(that_case, hash)
+    made_case::write(the_case.layout().manifest_hash(), other.toLatin1() + "  manifest.json\n");
+    QVERIFY(check(the_case, hash)
                 .differences.first()
                 .endsWith(u"; manifest.json is the one that was noted, manifest.json.sha256 was changed"_s));
-    QVERIFY(check(that_case, other)
+    QVERIFY(check(the_case, other)
                 .differences.last()
                 .endsWith(u"; manifest.json.sha256 says what was noted, manifest.json was changed"_s));
-    QVERIFY(check(that_case).differences.first().endsWith(u"; one of the two was changed"_s));
-    made_case::write(that_case.layout().manifest_hash(), hash.toLatin1() + "  manifest.json\n");
-    QCOMPARE(check(that_case, other).differences,
+    QVERIFY(check(the_case).differences.first().endsWith(u"; one of the two was changed"_s));
+    made_case::write(the_case.layout().manifest_hash(), hash.toLatin1() + "  manifest.json\n");
+    QCOMPARE(check(the_case, other).differences,
              QStringList({u"manifest.json is not the one that was noted: its SHA-256 is "_s + hash + u", and "_s + other
                           + u" was noted"_s}));
 }
 
 void test_case_check::newer_record_is_said_once()
 {
-    const made_case that_case;
-    collect_case(that_case.layout());
-    source_record record = that_case.finished(2);
+    const made_case the_case;
+    collect_case(the_case.layout());
+    source_record record = the_case.finished(2);
     record.finished = u"2026-01-31T13:00:00Z"_s;
-    that_case.write_record(record);
-    made_case::write(that_case.layout().source(2).plugin_log(), "another");
-    QCOMPARE(check(that_case).differences,
+    the_case.write_record(record);
+    made_case::write(the_case.layout().source(2).plugin_log(), "another");
+    QCOMPARE(check(the_case).differences,
              QStringList({u"Source2/source.json is newer than the manifest: \"collect\" makes it anew"_s}));
 }
 
 void test_case_check::source_of_no_manifest()
 {
-    const made_case that_case;
-    collect_case(that_case.layout());
+    const made_case the_case;
+    collect_case(the_case.layout());
     check_request request;
-    request.directory = that_case.directory();
+    request.directory = the_case.directory();
     request.moved_to.insert(3, u"/x"_s);
     try {
         check_case(request);
@@ -278,27 +278,27 @@ void test_case_check::source_of_no_manifest()
 
 void test_case_check::version_1_is_compared_as_far_as_it_goes()
 {
-    const made_case that_case({1});
-    source_record record = that_case.finished(1);
+    const made_case the_case({1});
+    source_record record = the_case.finished(1);
     record.files.reset();
-    that_case.write_record(record, 1);
-    collect_case(that_case.layout());
-    QVERIFY(!made_case::content(that_case.layout().manifest()).contains("\"files\""));
+    the_case.write_record(record, 1);
+    collect_case(the_case.layout());
+    QVERIFY(!made_case::content(the_case.layout().manifest()).contains("\"files\""));
 
-    check_outcome outcome = check(that_case);
+    check_outcome outcome = check(the_case);
     QCOMPARE(outcome.code(), outcome_code::done);
     QCOMPARE(outcome.count(compared_file::place::result), 1);
     QVERIFY(outcome.notes.last().contains(u"its other files were not compared"_s));
-    put(u"Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s, "raws")(that_case);
-    put(u"Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite-journal"_s, "x")(that_case);
-    QCOMPARE(check(that_case).differences.size(), 2);
+    put(u"Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s, "raws")(the_case);
+    put(u"Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite-journal"_s, "x")(the_case);
+    QCOMPARE(check(the_case).differences.size(), 2);
 }
 
 void test_case_check::reports()
 {
-    const made_case that_case;
-    const QString hash = collect_case(that_case.layout()).manifest_sha256;
-    const QString folder = path(that_case, u"Report"_s);
+    const made_case the_case;
+    const QString hash = collect_case(the_case.layout()).manifest_sha256;
+    const QString folder = path(the_case, u"Report"_s);
     const QTemporaryDir elsewhere;
     for (const QString &place : {folder, elsewhere.path()}) {
         made_case::write(place + u"/a.csv"_s, "a");
@@ -308,12 +308,12 @@ void test_case_check::reports()
                          {u"manifest_sha256"_s, hash},
                          {u"files"_s, kept_files_to_json({{u"a.csv"_s, 1, sha256::of("a")}})}});
     }
-    QCOMPARE(check(that_case, hash).code(), outcome_code::done);
-    QCOMPARE(check(that_case, hash).count(compared_file::place::report), 1);
-    QCOMPARE(check(that_case, hash).notes, QStringList());
+    QCOMPARE(check(the_case, hash).code(), outcome_code::done);
+    QCOMPARE(check(the_case, hash).count(compared_file::place::report), 1);
+    QCOMPARE(check(the_case, hash).notes, QStringList());
 
     check_request request;
-    request.directory = that_case.directory();
+    request.directory = the_case.directory();
     request.leaves_out_evidence = true;
     request.report_folders = {elsewhere.path()};
     made_case::write(elsewhere.filePath(u"a.csv"_s), "b");
@@ -324,26 +324,26 @@ void test_case_check::reports()
     QVERIFY(differences.at(1).startsWith(QString(elsewhere.filePath(u"a.csv"_s) + u" was changed: "_s)));
 
     QVERIFY(QFile::remove(folder + u"/a.csv"_s) && QFile::remove(folder + u"/b.csv"_s));
-    QCOMPARE(check(that_case, hash).differences, QStringList({u"Report/a.csv is gone"_s}));
+    QCOMPARE(check(the_case, hash).differences, QStringList({u"Report/a.csv is gone"_s}));
     made_case::write(folder + u"/report.json"_s, "{}");
-    QVERIFY(check(that_case, hash).differences.first().endsWith(u"is no list of a report's files of this program"_s));
+    QVERIFY(check(the_case, hash).differences.first().endsWith(u"is no list of a report's files of this program"_s));
 }
 
 void test_case_check::older_reports_are_named()
 {
-    const made_case that_case;
-    const QString hash = collect_case(that_case.layout()).manifest_sha256;
+    const made_case the_case;
+    const QString hash = collect_case(the_case.layout()).manifest_sha256;
     write_json_file(
         [&] {
-            made_case::write(path(that_case, u"Report/x"_s), {});
-            return path(that_case, u"Report/report.json"_s);
+            made_case::write(path(the_case, u"Report/x"_s), {});
+            return path(the_case, u"Report/report.json"_s);
         }(),
         {{u"format"_s, u"bluetooth-logs report"_s},
          {u"version"_s, 1},
          {u"manifest_sha256"_s, sha256::of("another")},
          {u"files"_s, kept_files_to_json({{u"x"_s, 0, sha256::of("")}})}});
-    QCOMPARE(outdated_reports(that_case.layout(), hash), QStringList({u"Report"_s}));
-    const check_outcome outcome = check(that_case, hash);
+    QCOMPARE(outdated_reports(the_case.layout(), hash), QStringList({u"Report"_s}));
+    const check_outcome outcome = check(the_case, hash);
     QCOMPARE(outcome.code(), outcome_code::done);
     QCOMPARE(outcome.notes, QStringList({u"the report in Report is older than the manifest, or of another case: "
                                          "\"report --force\" makes it anew"_s}));
@@ -351,13 +351,13 @@ void test_case_check::older_reports_are_named()
 
 void test_case_check::special_files_hang_nobody()
 {
-    const made_case that_case;
-    collect_case(that_case.layout());
-    const QByteArray log = QFile::encodeName(that_case.layout().source(1).plugin_log());
+    const made_case the_case;
+    collect_case(the_case.layout());
+    const QByteArray log = QFile::encodeName(the_case.layout().source(1).plugin_log());
     QVERIFY(::unlink(log.constData()) == 0 && ::mkfifo(log.constData(), 0600) == 0);
-    const QString other = that_case.layout().source(2).plugin_log();
-    QVERIFY(QFile::remove(other) && QFile::link(that_case.layout().source(2).result_database(), other));
-    const QStringList differences = check(that_case).differences;
+    const QString other = the_case.layout().source(2).plugin_log();
+    QVERIFY(QFile::remove(other) && QFile::link(the_case.layout().source(2).result_database(), other));
+    const QStringList differences = check(the_case).differences;
     QCOMPARE(differences.size(), 2);
     QCOMPARE(differences.at(0), u"Source1/plugin.log cannot be read"_s);
     QVERIFY(differences.at(1).startsWith(u"Source2/plugin.log "_s));
@@ -365,12 +365,12 @@ void test_case_check::special_files_hang_nobody()
 
 void test_case_check::windows_is_not_called_compared()
 {
-    const made_case that_case({1});
-    source_record record = that_case.finished(1);
+    const made_case the_case({1});
+    source_record record = the_case.finished(1);
     record.type = u"winOS"_s;
-    that_case.write_record(record);
-    collect_case(that_case.layout());
-    QCOMPARE(check(that_case).notes.last(),
+    the_case.write_record(record);
+    collect_case(the_case.layout());
+    QCOMPARE(check(the_case).notes.last(),
              u"Source1: nothing of a Windows source is read by this version, and none of it was compared"_s);
 }
 

@@ -86,8 +86,8 @@ void test_case_notes::rows()
 
 void test_case_notes::notes_are_appended_and_never_changed()
 {
-    const made_case that_case;
-    const case_layout layout = that_case.layout();
+    const made_case the_case;
+    const case_layout layout = the_case.layout();
     QVERIFY(read_case_notes(layout).isEmpty());
     case_note flag;
     flag.author = u"B"_s;
@@ -113,21 +113,21 @@ void test_case_notes::notes_are_appended_and_never_changed()
 
 void test_case_notes::what_is_refused()
 {
-    const made_case that_case;
+    const made_case the_case;
     case_note note;
     note.row = noted_row{3, u"devices"_s, 1}; // there is no such source
-    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(that_case.layout(), note));
-    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(that_case.layout(), 1, u"A"_s));
-    QVERIFY(!QFile::exists(that_case.layout().notes()));
+    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(the_case.layout(), note));
+    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(the_case.layout(), 1, u"A"_s));
+    QVERIFY(!QFile::exists(the_case.layout().notes()));
 
     note.row = {};
     note.device = u"B4:C2:6A:7F:D3:7A"_s;
     note.author = u"A"_s;
     note.is_flag = true;
-    QCOMPARE(add_case_note(that_case.layout(), note), 1);
-    remove_case_note(that_case.layout(), 1, u"A"_s);
-    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(that_case.layout(), 1, u"A"_s)); // it is removed already
-    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(that_case.layout(), 2, u"A"_s));
+    QCOMPARE(add_case_note(the_case.layout(), note), 1);
+    remove_case_note(the_case.layout(), 1, u"A"_s);
+    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(the_case.layout(), 1, u"A"_s)); // it is removed already
+    QVERIFY_THROWS_EXCEPTION(host_error, remove_case_note(the_case.layout(), 2, u"A"_s));
 }
 
 void test_case_notes::forged_lines_data()
@@ -147,35 +147,35 @@ void test_case_notes::forged_lines_data()
 void test_case_notes::forged_lines()
 {
     QFETCH(QByteArray, line);
-    const made_case that_case;
-    made_case::write(that_case.layout().notes(), line);
-    QVERIFY_THROWS_EXCEPTION(host_error, read_case_notes(that_case.layout()));
-    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(that_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s)));
-    QCOMPARE(made_case::content(that_case.layout().notes()), line);
+    const made_case the_case;
+    made_case::write(the_case.layout().notes(), line);
+    QVERIFY_THROWS_EXCEPTION(host_error, read_case_notes(the_case.layout()));
+    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(the_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s)));
+    QCOMPARE(made_case::content(the_case.layout().notes()), line);
 }
 
 void test_case_notes::links_are_not_followed()
 {
-    const made_case that_case;
-    const QString elsewhere = that_case.directory() + u"/../elsewhere"_s;
+    const made_case the_case;
+    const QString elsewhere = the_case.directory() + u"/../elsewhere"_s;
     made_case::write(elsewhere, {});
-    QVERIFY(QFile::link(elsewhere, that_case.layout().notes()));
-    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(that_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s)));
+    QVERIFY(QFile::link(elsewhere, the_case.layout().notes()));
+    QVERIFY_THROWS_EXCEPTION(host_error, add_case_note(the_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s)));
     QCOMPARE(made_case::content(elsewhere), QByteArray());
 }
 
 void test_case_notes::verification_takes_them_as_a_note()
 {
-    const made_case that_case;
+    const made_case the_case;
     check_request request;
-    request.directory = that_case.directory();
+    request.directory = the_case.directory();
     request.leaves_out_evidence = true;
-    request.manifest_sha256 = collect_case(that_case.layout()).manifest_sha256;
+    request.manifest_sha256 = collect_case(the_case.layout()).manifest_sha256;
     QCOMPARE(check_case(request).notes, QStringList());
-    add_case_note(that_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s));
+    add_case_note(the_case.layout(), note_on(u"B4:C2:6A:7F:D3:7A"_s, u"a"_s));
     QCOMPARE(check_case(request).notes, QStringList({u"notes.jsonl was changed after the manifest was made"_s}));
     QCOMPARE(check_case(request).code(), outcome_code::done);
-    request.manifest_sha256 = collect_case(that_case.layout()).manifest_sha256;
+    request.manifest_sha256 = collect_case(the_case.layout()).manifest_sha256;
     QCOMPARE(check_case(request).notes, QStringList());
 }
 

@@ -1,15 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-// container_mutants CONTAINER COUNT [FIRST]
+// container_mutants CONTAINER COUNT PROGRAM [FIRST]
 // Changes some bytes of the container, takes the evidence out in a process of its own, puts the bytes back, and again.
-// Ends with 1 when a mutant brought such a process down, 0 otherwise. A mutant is known by its number.
+// A mutant that brings such a process down is given to the program. Ends with 1 where that does not name it, 0
+// otherwise. A mutant is known by its number.
 
 #include "host/container/evidence_export.h"
 
 #include <QDir>
 #include <QFile>
 #include <QList>
+#include <QProcess>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -101,21 +103,32 @@ int take_out(const QString &container)
     return 0;
 }
 
+/** What the program ends with where a library brings its worker down: the source failed, and the program did not. */
+bool is_named_by(const QString &program, const QString &container)
+{
+    constexpr int partial_code = 4;
+    const QTemporaryDir folder;
+    return QProcess::execute(program, {u"extract"_s, u"-q"_s, u"-i"_s, container, u"-o"_s, folder.filePath(u"case"_s)})
+           == partial_code;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QFile file(QFile::decodeName(argc > 2 ? argv[1] : ""));
+    QFile file(QFile::decodeName(argc > 3 ? argv[1] : ""));
     if (!file.open(QIODevice::ReadWrite)) {
-        std::fprintf(stderr, "usage: container_mutants CONTAINER COUNT [FIRST]\n");
+        std::fprintf(stderr, "usage: container_mutants CONTAINER COUNT PROGRAM [FIRST]\n");
         return 2;
     }
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // what is said is said once, and not again by a child
     const unsigned count = unsigned(std::atoi(argv[2]));
-    const unsigned first = argc > 3 ? unsigned(std::atoi(argv[3])) : 0;
+    const QString program = QFile::decodeName(argv[3]);
+    const unsigned first = argc > 4 ? unsigned(std::atoi(argv[4])) : 0;
     const QList<qint64> sectors = filled_sectors(file);
     unsigned taken = 0;
     unsigned refused = 0;
+    unsigned named = 0;
     unsigned down = 0;
     for (unsigned number = first; number < first + count; ++number) {
         const QList<change> changes = mutate(file, sectors, number);
@@ -124,15 +137,19 @@ int main(int argc, char *argv[])
             std::exit(take_out(file.fileName()));
         int status = 0;
         ::waitpid(child, &status, 0);
+        const bool has_code = WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == refused_code);
+        const bool is_named = !has_code && is_named_by(program, file.fileName());
         put_back(file, changes);
-        if (WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == refused_code)) {
+        if (has_code) {
             ++(WEXITSTATUS(status) == 0 ? taken : refused);
             continue;
         }
-        ++down;
-        std::printf("mutant %u of %s: %s %d\n", number, argv[1], WIFSIGNALED(status) ? "signal" : "code",
-                    WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status));
+        ++(is_named ? named : down);
+        std::printf("mutant %u of %s: %s %d, %s\n", number, argv[1], WIFSIGNALED(status) ? "signal" : "code",
+                    WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status),
+                    is_named ? "named by the program" : "not named by the program");
     }
-    std::printf("%s: %u taken out, %u refused, %u brought down\n", argv[1], taken, refused, down);
+    std::printf("%s: %u taken out, %u refused, %u ended a worker, %u not named\n", argv[1], taken, refused, named,
+                down);
     return down == 0 ? 0 : 1;
 }

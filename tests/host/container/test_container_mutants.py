@@ -3,8 +3,9 @@
 # SPDX-License-Identifier: MIT
 #
 # test_container_mutants.py PROGRAM HIVE_WRITER MUTATOR [COUNT]
-# So many mutants of each form of container (50), taken out by the function that the worker calls. A few go through the
-# program besides: whatever its worker does, the program ends with a code of its own, and names the source.
+# So many mutants of each form of container (50), taken out by the function that the worker calls. One that brings that
+# down, in a library, goes through the program, which has to name the source and end with 4. A few go through the program
+# besides: whatever its worker does, the program ends with a code of its own, and names the source.
 
 import bz2
 import gzip
@@ -18,7 +19,7 @@ import unittest
 import zipfile
 
 import test_images
-from container_case import needs, run, tool
+from container_case import needs, program, run, tool
 
 mutator = sys.argv[3]
 count = sys.argv[4] if len(sys.argv) > 4 else "50"
@@ -43,7 +44,7 @@ class Mutants(unittest.TestCase):
         test_images.Images.tearDownClass()
 
     def torture(self, path):
-        result = subprocess.run([mutator, path, count], capture_output=True, text=True)
+        result = subprocess.run([mutator, path, count, program], capture_output=True, text=True)
         self.assertEqual(result.returncode, 0, result.stdout + result.stderr[-4000:])
         print(result.stdout.strip().splitlines()[-1], file=sys.stderr)
         content = path.read_bytes() if path.stat().st_size < 64 << 20 else None

@@ -352,7 +352,7 @@ class ContainerRuns(container_case):
         calls = trace.read_text().splitlines()
         self.assertEqual(sum("execve(" in call for call in calls), 1, "another program was started")
         reads = [place for place, call in enumerate(calls) if "confined.E01" in call]
-        wanted = ["RLIMIT_AS, {rlim_cur=2147483648"]  # what --memory-limit is without being given
+        wanted = ["RLIMIT_AS, {rlim_cur=2097152*1024"]  # what --memory-limit is without being given
         wanted += [name for name in ("seccomp(SECCOMP_SET_MODE_FILTER", "landlock_restrict_self(")
                    if self.record(case)["confinement"]["seccomp" if "seccomp" in name else "landlock"]]
         for name in wanted:

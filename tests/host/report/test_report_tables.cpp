@@ -312,12 +312,12 @@ void test_report_tables::times_of_lists()
     QFETCH(int, epoch);
     QFETCH(QStringList, events);
     QFETCH(QStringList, left_out);
-    const small_case that_case(macos_kind.name);
-    that_case.write(u"host_devices.jsonl"_s, phone_line);
+    const small_case the_case(macos_kind.name);
+    the_case.write(u"host_devices.jsonl"_s, phone_line);
     timeline_options options;
     if (epoch != 0)
         options.mobile_epoch = epoch;
-    const timeline found = read_timeline(that_case.facts, options);
+    const timeline found = read_timeline(the_case.facts, options);
     QCOMPARE(found.problems, QStringList());
     QCOMPARE(texts_of(found), events);
     QCOMPARE(found.left_out_texts(), left_out);
@@ -348,19 +348,19 @@ void test_report_tables::times_of_a_log()
     QFETCH(bool, is_placed);
     QFETCH(QStringList, events);
     QFETCH(QStringList, left_out);
-    const small_case that_case(ios_uid_kind.name);
+    const small_case the_case(ios_uid_kind.name);
     const QByteArray first = kept(1, "Dec 31 23:59:59 p");
-    that_case.write(u"ios_lines.jsonl"_s,
-                    first + first /* words of both tables */ + kept(2, "Jan  1 00:00:01 p")
-                        + kept(3, "Feb 29 01:00:00 p")
-                        + kept(4, "2024-05-17 12:11:05+0200 BLE device found: SFDevice ID 1A, Nm 'Car', Md 'a'")
-                        + kept(5, "no date"));
+    the_case.write(u"ios_lines.jsonl"_s,
+                   first + first /* words of both tables */ + kept(2, "Jan  1 00:00:01 p")
+                       + kept(3, "Feb 29 01:00:00 p")
+                       + kept(4, "2024-05-17 12:11:05+0200 BLE device found: SFDevice ID 1A, Nm 'Car', Md 'a'")
+                       + kept(5, "no date"));
     timeline_options options;
     if (is_placed) {
         options.log_year = 2023;
         options.log_zone = -8 * 3600;
     }
-    const timeline found = read_timeline(that_case.facts, options);
+    const timeline found = read_timeline(the_case.facts, options);
     QCOMPARE(found.problems, QStringList());
     QCOMPARE(texts_of(found), events);
     QCOMPARE(found.left_out_texts(), left_out);

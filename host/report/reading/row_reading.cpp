@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/report/reading/host_reading.h"
+#include "host/report/reading/row_reading.h"
 
 #include "host/files/paths.h"
 #include "host/report/reading/database_reading.h"
@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /** Where the host has kept nothing to read. */
-class no_reading : public host_reading
+class no_reading : public row_reading
 {
 public:
     void next(const sqlite_statement &) override
@@ -38,7 +38,7 @@ row_in_log row_in_log_of(const wal_change &change)
 }
 
 /** With what the records of the source say of it. */
-database_copy copy_with_wal(const report_case &that_case, const report_source &source, database_copy copy)
+database_copy copy_with_wal(const report_case &the_case, const report_source &source, database_copy copy)
 {
     const QString table = copy.database.result_table;
     if (const table_rows *counts = counts_of(source.record, table))
@@ -46,7 +46,7 @@ database_copy copy_with_wal(const report_case &that_case, const report_source &s
     copy.has_wal = source.record.wal.toObject().value(table).isObject();
     if (!copy.has_wal)
         return copy;
-    copy.problem = for_each_wal_change(that_case, source, [&](const wal_change &change) {
+    copy.problem = for_each_wal_change(the_case, source, [&](const wal_change &change) {
         if (change.table == table.toUtf8() && change.change != "added" && change.place().rowid)
             copy.wal_changes.insert(*change.place().rowid, row_in_log_of(change));
     });
@@ -55,24 +55,24 @@ database_copy copy_with_wal(const report_case &that_case, const report_source &s
 
 } // namespace
 
-std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, const report_source &source,
-                                                const QString &table, const sqlite_statement &row, reading_depth depth)
+std::unique_ptr<row_reading> open_row_reading(const report_case &the_case, const report_source &source,
+                                              const QString &table, const sqlite_statement &row, reading_depth depth)
 {
-    const source_layout layout = that_case.layout.source(source.record.number);
+    const source_layout layout = the_case.layout.source(source.record.number);
     const bool has_counters = source.record.type != ios_uid_kind.name;
     if (depth == reading_depth::counters && !has_counters)
         return std::make_unique<no_reading>();
     if (!has_counters && path_exists(layout.ios_lines())) {
         const QString log = source.record.evidence.files.isEmpty() ? QString() : source.record.evidence.files[0].path;
-        return std::make_unique<log_reading>(layout.ios_lines(), log, table, row, that_case.vendors);
+        return std::make_unique<log_reading>(layout.ios_lines(), log, table, row, the_case.vendors);
     }
     for (const macos_database *database : macos_databases) {
         const QString path = path_in_source(*database);
         const QString copy = layout.evidence_folder() + u'/' + path;
         if (source.record.driven_as != macos_kind.name || table != database->result_table || !path_exists(copy))
             continue;
-        return std::make_unique<database_reading>(copy_with_wal(that_case, source, {copy, path, *database}), row,
-                                                  that_case.vendors, source.preferences, depth);
+        return std::make_unique<database_reading>(copy_with_wal(the_case, source, {copy, path, *database}), row,
+                                                  the_case.vendors, source.preferences, depth);
     }
     return std::make_unique<no_reading>();
 }

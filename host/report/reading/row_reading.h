@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef HOST_REPORT_READING_HOST_READING_H
-#define HOST_REPORT_READING_HOST_READING_H
+#ifndef HOST_REPORT_READING_ROW_READING_H
+#define HOST_REPORT_READING_ROW_READING_H
 
 #include "host/report/reading/report_case.h"
 #include "host/report/reading/row_place.h"
@@ -48,12 +48,12 @@ struct host_values
 };
 
 /** Follows the rows of one result table in the evidence that they come from, one after the other. */
-class host_reading
+class row_reading
 {
 public:
-    host_reading() = default;
-    virtual ~host_reading() = default;
-    Q_DISABLE_COPY_MOVE(host_reading)
+    row_reading() = default;
+    virtual ~row_reading() = default;
+    Q_DISABLE_COPY_MOVE(row_reading)
 
     /** Goes to the evidence of the result's next row, @p row. Without any, the place is empty and all values are null.
      */
@@ -83,8 +83,8 @@ enum class reading_depth {
 };
 
 /** Never null. @p row is the statement of the result table, before its first row. */
-std::unique_ptr<host_reading> open_host_reading(const report_case &that_case, const report_source &source,
-                                                const QString &table, const sqlite_statement &row,
-                                                reading_depth depth = reading_depth::everything);
+std::unique_ptr<row_reading> open_row_reading(const report_case &the_case, const report_source &source,
+                                              const QString &table, const sqlite_statement &row,
+                                              reading_depth depth = reading_depth::everything);
 
 #endif
