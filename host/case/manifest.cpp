@@ -241,7 +241,7 @@ manifest_file read_manifest_file(const case_layout &layout)
 
 QJsonObject manifest_members(const manifest_file &file)
 {
-    const QJsonObject members = QJsonDocument::fromJson(file.bytes).object();
+    QJsonObject members = QJsonDocument::fromJson(file.bytes).object();
     if (members.value("format"_L1) != manifest_format)
         throw host_error(error_kind::not_found, u"manifest.json is no manifest of this program"_s);
     if (!is_known_version(members))

@@ -7,7 +7,7 @@
 
 std::shared_ptr<reading_limits> add_reading_limits(CLI::App &command, qint64 seconds)
 {
-    const auto limits = std::make_shared<reading_limits>();
+    auto limits = std::make_shared<reading_limits>();
     limits->timeout = seconds;
     add_process_limits(command, "reading the case", limits->memory, limits->timeout);
     return limits;

@@ -50,7 +50,7 @@ file_tree::resolved file_tree::resolve(const tree_node &start, const QString &pa
         if (part == ".."_L1) {
             if (place.path.isEmpty())
                 return {{}, u"it is a link that leads out of the container, to "_s + path};
-            const resolved above = resolve(root(), folder_above(place.path).path, links);
+            resolved above = resolve(root(), folder_above(place.path).path, links);
             if (!above.node)
                 return above;
             place = *above.node;
@@ -61,7 +61,7 @@ file_tree::resolved file_tree::resolve(const tree_node &start, const QString &pa
         const std::optional<tree_node> entry = entry_named(place, part);
         if (!entry)
             return {{}, u"it is a link that leads nowhere"_s};
-        const resolved next = follow(place, *entry, links);
+        resolved next = follow(place, *entry, links);
         if (!next.node)
             return next;
         place = *next.node;

@@ -52,7 +52,7 @@ QByteArray bytes_of(const QString &copy, const evidence_file &file, const list_r
                                + u" MiB, too much for such a list"_s);
         return {};
     }
-    const QByteArray bytes = opened.readAll();
+    QByteArray bytes = opened.readAll();
     if (sha256::of(bytes) != file.copy_sha256)
         result.problems.append(u"its working copy is not what was copied from the evidence"_s);
     return bytes;

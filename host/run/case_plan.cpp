@@ -118,7 +118,7 @@ bool are_of_the_first_run(const QList<named_source> &sources, const QList<earlie
 QList<named_source> sources_of_the_first_run(const case_request &request, const QList<earlier_source> &earlier,
                                              const QList<named_source> &listed)
 {
-    const QList<named_source> recorded = recorded_sources_of(earlier, u"--resume"_s);
+    QList<named_source> recorded = recorded_sources_of(earlier, u"--resume"_s);
     if (recorded.isEmpty() && listed.isEmpty())
         refuse(u"there is no case to continue: "_s + request.directory);
     if (!listed.isEmpty() && are_of_the_first_run(listed, earlier))

@@ -124,7 +124,7 @@ QStringList make_room(const QString &directory, bool replaced)
 
 QStringList write_sample(const QString &directory, const sample_content &content, bool replaced)
 {
-    const QStringList kept = make_room(directory, replaced);
+    QStringList kept = make_room(directory, replaced);
     for (const QString &folder :
          folders_of(content.has_containers ? plain_files() + ios_sample_files() : plain_files()))
         make_folder(directory + u'/' + folder);

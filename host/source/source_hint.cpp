@@ -30,7 +30,7 @@ bool holds_macos_databases(const QString &root)
 
 QString macos_root_around(const QString &path)
 {
-    const QString data_volume = path + u"/System/Volumes/Data"_s;
+    QString data_volume = path + u"/System/Volumes/Data"_s;
     if (holds_macos_databases(data_volume))
         return data_volume;
     // At most a database, its folder and "Library" stand between the path and the root.

@@ -61,7 +61,7 @@ QByteArray figure(const QByteArray &id, qint64 number, const char *words)
 
 QByteArray number_of(const device_facts &facts, const findings_form &form)
 {
-    const QByteArray number = QByteArray::number(facts.number);
+    QByteArray number = QByteArray::number(facts.number);
     if (!form.has_pages)
         return number;
     const QString page = form.pages.value(facts.device->sources.value(0));

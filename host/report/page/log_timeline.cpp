@@ -48,7 +48,7 @@ QByteArray duration_text(qint64 seconds)
 {
     if (seconds < 60)
         return counted(seconds, "second", "seconds");
-    if (seconds < 2 * 3600)
+    if (seconds < qint64(2) * 3600)
         return counted(seconds / 60, "minute", "minutes");
     return seconds < 2 * day ? counted(seconds / 3600, "hour", "hours") : counted(seconds / day, "day", "days");
 }
@@ -166,7 +166,7 @@ std::optional<qint64> second_of_year(QByteArrayView date)
     qint64 before = 0;
     for (std::size_t i = 0; i < std::size_t(month / 3); ++i)
         before += days[i];
-    return (before + *in_month - 1) * day + *hour * 3600 + *minute * 60 + *second;
+    return (before + *in_month - 1) * day + qint64(*hour) * 3600 + qint64(*minute) * 60 + *second;
 }
 
 void log_timeline::add(const report_source &source, const cell &date, const cell &rssi)
@@ -215,6 +215,7 @@ QByteArray log_timeline::html_of(const dated_log &log, const QList<device_facts>
         best = std::max(best, one.rssi);
     }
     std::vector<lane> lanes;
+    lanes.reserve(by_device.size());
     for (const auto &[device, lane] : by_device)
         lanes.push_back(lane);
     const auto is_before = [](const lane &one, const lane &two) {
