@@ -178,7 +178,8 @@ void look_again(evidence_file &file, const QString &full_path, const hash_observ
 QStringList listing_of(const evidence_source &source)
 {
     if (source.kind == &ios_uid_kind) // other files in the log's folder are not evidence
-        return QFileInfo(source.log_file).exists() || QFileInfo(source.log_file).isSymLink() ? evidence_paths(source) : QStringList();
+        return QFileInfo(source.log_file).exists() || QFileInfo(source.log_file).isSymLink() ? evidence_paths(source)
+                                                                                             : QStringList();
     return source.kind == &macos_kind ? entry_names(listed_folder(source)) : QStringList();
 }
 
