@@ -137,12 +137,16 @@ class every_source(case_in_a_folder):
 
     def test_one_headset(self):
         report = self.report()
-        shared = [line for line in self.lines("case/Report/shared.jsonl")
-                  if line["joined_by"] == [{"kind": "public_address", "value": headset.lower()}]]
+        every = self.lines("case/Report/shared.jsonl")
+        shared = [line for line in every if line["joined_by"] == [{"kind": "public_address", "value": headset.lower()}]]
         self.assertEqual(len(shared), 1)
         self.assertEqual(shared[0]["sources"], [1, 2, 3, 4, 5, 6])
         self.assertEqual({place["found_in"] for place in shared[0]["appearances"]}, {"row", "mobile_devices", "registry"})
-        self.assertTrue((report / "report.html").stat().st_size > 0)
+        page = (report / "report.html").read_text()
+        section = page[page.index('id="more-than-one-source"'):page.index('id="paired"')]
+        links = list(dict.fromkeys(re.findall(r'"#device-(\d+)"', section)))
+        self.assertEqual(len(links), 20)
+        self.assertLessEqual(set(links), {str(line["card"]) for line in every})
 
     def test_no_key_is_in_a_report(self):
         """Nor in what the case keeps, but for the hive itself and the program's copy of it."""
