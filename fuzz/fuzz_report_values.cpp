@@ -47,7 +47,8 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     require(bytes_of(json) == text, "a JSON text is not read back");
 
     const QByteArray html = html_evidence(text);
-    const QByteArray content = html.sliced(5, html.size() - 11); // between <bdi> and </bdi>
+    QByteArray content = html.sliced(5, html.size() - 11);                // between <bdi> and </bdi>
+    content.replace("<span class=\"blank\">", "").replace("</span>", ""); // around blanks at the ends
     require(!content.contains('<') && !content.contains('>') && !content.contains('"'), "markup is not escaped");
     const QByteArray shown = page_json(page_text(text).toUtf8());
     require(!shown.contains('<') && !shown.contains('>') && !shown.contains('&'), "the data block is not escaped");

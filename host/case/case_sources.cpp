@@ -41,7 +41,7 @@ QString text_of(const QJsonObject &entry, QLatin1StringView member, const QStrin
     return value.toString();
 }
 
-named_source read_entry(const QJsonValue &value, const QString &place, const QDir &folder)
+named_source read_entry(const QJsonValue &value, const QString &place, const QString &folder)
 {
     if (!value.isObject())
         refuse(place + u" is no object"_s);
@@ -57,7 +57,8 @@ named_source read_entry(const QJsonValue &value, const QString &place, const QDi
     const QString path = text_of(entry, "path"_L1, place);
     if (path.isEmpty())
         refuse(place + u".path is missing or empty"_s);
-    source.path = QDir::cleanPath(path.startsWith(u'/') ? path : folder.absoluteFilePath(path));
+    // Joined by hand: to QDir a name that begins with ":" is one of the program's own resources.
+    source.path = QDir::cleanPath(path.startsWith(u'/') ? path : QString(folder + u'/' + path));
     const QString type = text_of(entry, "type"_L1, place);
     source.kind = source_kind_named(type);
     if (!type.isEmpty() && type != "auto"_L1 && !source.kind)
@@ -104,7 +105,7 @@ QList<named_source> sources_in(const QJsonObject &list, const QString &file)
         refuse(name + u": sources is no list of at least one source"_s);
 
     QList<named_source> sources;
-    const QDir folder = QFileInfo(file).dir();
+    const QString folder = QFileInfo(file).absolutePath();
     for (const auto entry : entries.toArray())
         sources.append(read_entry(entry, name + u": sources["_s + QString::number(sources.size()) + u']', folder));
     return sources;

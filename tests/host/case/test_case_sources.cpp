@@ -59,6 +59,8 @@ private Q_SLOTS:
     void links_are_followed_where_places_are_compared();
     void list_of_sources();
     void a_written_list_reads_the_same();
+    void places_of_a_list_data();
+    void places_of_a_list();
     void faults_of_a_list_data();
     void faults_of_a_list();
     void list_that_is_a_link();
@@ -167,6 +169,29 @@ void test_case_sources::faults_of_a_list_data()
     QTest::newRow("a member twice") << QByteArray(R"({"sources": [{"path": "a", "path": "b"}]})") << u"%1/list.json gives the member \"path\" twice"_s;
     QTest::newRow("unknown type")   << QByteArray(R"({"sources": [{"path": "a", "type": "x"}]})") << u"list.json: sources[0].type is x, and only macOS, iOS_UID, iOS_files, iOS_backup, winOS and auto are known"_s;
     // clang-format on
+}
+
+void test_case_sources::places_of_a_list_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("place"); // %1: the folder of the list
+
+    QTest::newRow("absolute") << u"/a/b"_s << u"/a/b"_s;
+    QTest::newRow("relative") << u"a/b"_s << u"%1/a/b"_s;
+    QTest::newRow("dots") << u"./a//b/"_s << u"%1/a/b"_s;
+    QTest::newRow("a colon") << u":a"_s << u"%1/:a"_s;
+}
+
+void test_case_sources::places_of_a_list()
+{
+    QFETCH(QString, path);
+    QFETCH(QString, place);
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"list.json"_s));
+    QVERIFY(file.open(QIODevice::WriteOnly)
+            && file.write("{\"sources\": [{\"path\": \"" + path.toUtf8() + "\"}]}") > 0);
+    file.close();
+    QCOMPARE(read_source_list(file.fileName()).first().path, place.replace(u"%1"_s, folder.path()));
 }
 
 void test_case_sources::faults_of_a_list()
