@@ -336,7 +336,7 @@ private:
                 || !are_of_recorded_kinds(listed, manifest))
                 outcome.differences.append(u"sources.json lists other sources than the manifest"_s);
             const QByteArray content = read_whole_file(layout.source_list(), most_list_bytes);
-            if (QJsonDocument::fromJson(content).toJson() != content)
+            if (QJsonDocument(source_list_json(listed)).toJson() != content)
                 outcome.differences.append(u"sources.json was changed: this program writes it otherwise"_s);
         } catch (const host_error &error) {
             outcome.differences.append(u"sources.json is no list of sources: "_s + error.message());

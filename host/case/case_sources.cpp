@@ -154,7 +154,7 @@ QList<named_source> read_list_of_case(const QString &file)
     return sources_in(read_list_file(file), file);
 }
 
-void write_source_list(const QString &file, const QList<named_source> &sources)
+QJsonObject source_list_json(const QList<named_source> &sources)
 {
     QJsonArray entries;
     for (const named_source &source : sources) {
@@ -169,7 +169,12 @@ void write_source_list(const QString &file, const QList<named_source> &sources)
             entry.insert("member"_L1, source.member);
         entries.append(entry);
     }
-    write_json_file(file, {{u"sources"_s, entries}});
+    return {{u"sources"_s, entries}};
+}
+
+void write_source_list(const QString &file, const QList<named_source> &sources)
+{
+    write_json_file(file, source_list_json(sources));
 }
 
 void number_sources(QList<named_source> &sources)

@@ -32,6 +32,9 @@ QList<named_source> read_source_list(const QString &file);
 /** The same of a list that stands in a case, which is no link. */
 QList<named_source> read_list_of_case(const QString &file);
 
+/** What such a file holds when this program writes it. */
+QJsonObject source_list_json(const QList<named_source> &sources);
+
 /**
  * Writes such a file, with absolute paths: a run that is continued needs them of sources that never began, too. Throws
  * host_error (io).

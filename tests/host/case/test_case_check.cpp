@@ -165,6 +165,7 @@ void test_case_check::differences_data()
     QTest::newRow("list, other kind") << change([](const made_case &the_case) {
         write_source_list(path(the_case, u"sources.json"_s), {listed(1, nullptr), listed(2, &ios_uid_kind)});
     }) << u"sources.json lists other sources than the manifest"_s;
+    QTest::newRow("list, same path")  << put(u"sources.json"_s, "{\n    \"sources\": [\n        {\n            \"number\": 1,\n            \"path\": \"/evidence//1\"\n        },\n        {\n            \"number\": 2,\n            \"path\": \"/evidence/2\"\n        }\n    ]\n}\n") << u"sources.json was changed: this program writes it otherwise"_s;
     QTest::newRow("list, no JSON")    << put(u"sources.json"_s, "{")                << u"sources.json is no list of sources: "_s;
     QTest::newRow("hash emptied")     << put(u"manifest.json.sha256"_s, "")         << u"manifest.json.sha256 holds no hash of manifest.json"_s;
     QTest::newRow("hash, gigabytes")  << put(u"manifest.json.sha256"_s, QByteArray(5000, 'a')) << u"manifest.json.sha256 holds no hash of manifest.json"_s;
