@@ -15,7 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 most_json_bytes = qint64(1) << 30;
 constexpr qint64 growth_bytes = qint64(1) << 20;
 
 } // namespace

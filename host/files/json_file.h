@@ -19,6 +19,8 @@ void write_whole_file(const QString &path, const QByteArray &content);
 /** The same for JSON, indented, with a line end at the end. */
 void write_json_file(const QString &path, const QJsonObject &content);
 
+inline constexpr qint64 most_json_bytes = qint64(1) << 30; ///< of a file of this program
+
 /** The bytes of a regular file of at most @p most_bytes, which is no link. Throws host_error (not_found). */
 QByteArray read_whole_file(const QString &path, qint64 most_bytes);
 

@@ -250,8 +250,7 @@ QByteArray brief_sources_table(const report_case &the_case, qsizetype most_rows)
     constexpr qsizetype most_columns = 60;
     QByteArray rows;
     for (const report_source &source : the_case.sources.first(std::min(the_case.sources.size(), most_rows)))
-        rows += html_row({QByteArray::number(source.record.number),
-                          html_shown(page_text(source.name.toUtf8(), most_columns).toUtf8()),
+        rows += html_row({QByteArray::number(source.record.number), html_evidence(source.name.toUtf8(), most_columns),
                           html_text(source.record.type), html_text(status_name(source.record.status)),
                           counts_of(source.record).join(", "), html_hash(source.record.result_sha256)});
     const qsizetype left = the_case.sources.size() - most_rows;

@@ -71,25 +71,33 @@ QByteArray number_of(const device_facts &facts, const findings_form &form)
 /** As much of a text of the evidence as there is room for; nothing for an empty one. */
 QByteArray evidence(const QByteArray &text, const findings_form &form)
 {
-    if (text.isEmpty())
-        return {};
-    return html_shown((form.most_columns > 0 ? page_text(text, form.most_columns) : page_text(text)).toUtf8());
+    return text.isEmpty() ? QByteArray() : html_evidence(text, form.most_columns);
 }
 
 QByteArray name_cell(const device_facts &facts, const findings_form &form)
 {
-    const QByteArray name = name_of(*facts.device);
-    return name.isEmpty() ? QByteArray("<span class=\"quiet\">no name</span>") : evidence(name, form);
+    return html_name(name_of(*facts.device), form.most_columns);
 }
 
-/** Each in one line; of a short report the first, and how many more. */
+QByteArray and_others(const QByteArray &html, qsizetype count)
+{
+    return count > 0 ? html + " and " + grouped_digits(count) + " more" : html;
+}
+
+/** Of a short report the first, and how many more. */
+QByteArray in_a_cell(const QByteArrayList &parts, const findings_form &form)
+{
+    const qsizetype shown = form.is_brief ? std::min<qsizetype>(parts.size(), 1) : parts.size();
+    return and_others(parts.first(shown).join(" | "), parts.size() - shown);
+}
+
+/** Each in one line. */
 QByteArray addresses(const QByteArrayList &texts, const findings_form &form)
 {
-    const qsizetype left = form.is_brief && texts.size() > 1 ? texts.size() - 1 : 0;
-    QByteArrayList cells;
-    for (const QByteArray &text : texts.first(texts.size() - left))
-        cells.append(html_whole(evidence(text, form)));
-    return cells.join(" | ") + (left > 0 ? " and " + grouped_digits(left) + " more" : QByteArray());
+    QByteArrayList parts;
+    for (const QByteArray &text : texts)
+        parts.append(html_whole(evidence(text, form)));
+    return in_a_cell(parts, form);
 }
 
 QByteArray address_cell(const device_facts &facts, const findings_form &form)
@@ -110,18 +118,16 @@ QByteArray known_as_cell(const device_facts &facts)
 QByteArray sources_cell(const report_case &the_case, const QList<int> &places, const findings_form &form)
 {
     const qsizetype left = places.size() - form.most_sources;
-    if (left <= 1)
-        return source_numbers(the_case, places);
-    return source_numbers(the_case, places.first(form.most_sources)) + " and " + grouped_digits(left) + " more";
+    return left <= 1 ? source_numbers(the_case, places)
+                     : and_others(source_numbers(the_case, places.first(form.most_sources)), left);
 }
 
 QByteArray keys_cell(const joined_device &device, const findings_form &form)
 {
-    const qsizetype left = form.is_brief && device.keys.size() > 1 ? device.keys.size() - 1 : 0;
-    QByteArrayList cells;
-    for (const join_key &key : device.keys.first(device.keys.size() - left))
-        cells.append(key_kind_text(key) + ' ' + html_whole(evidence(key.value, form)));
-    return cells.join(" | ") + (left > 0 ? " and " + grouped_digits(left) + " more" : QByteArray());
+    QByteArrayList parts;
+    for (const join_key &key : device.keys)
+        parts.append(key_kind_text(key) + ' ' + html_whole(evidence(key.value, form)));
+    return in_a_cell(parts, form);
 }
 
 QByteArray and_more(qint64 count, const findings_form &form)

@@ -66,9 +66,14 @@ QByteArray html_text(const QString &text)
     return escaped(terminal_text(text).to_string());
 }
 
-QByteArray html_evidence(QByteArrayView bytes)
+QByteArray html_evidence(QByteArrayView bytes, qsizetype columns)
 {
-    return evidence(page_text(bytes));
+    return evidence(columns > 0 ? page_text(bytes, columns) : page_text(bytes));
+}
+
+QByteArray html_name(QByteArrayView name, qsizetype columns)
+{
+    return name.isEmpty() ? QByteArray("<span class=\"quiet\">no name</span>") : html_evidence(name, columns);
 }
 
 QByteArray html_shown(QByteArrayView shown)

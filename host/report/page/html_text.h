@@ -16,9 +16,12 @@ QByteArray html_text(const QString &text);
 
 /**
  * The same for a text of the evidence: isolated, so that its direction of writing moves nothing around it, and with
- * blanks at its ends that can be seen.
+ * blanks at its ends that can be seen. Cut as page_text() cuts it; 0 @p columns: only a text that is very long.
  */
-QByteArray html_evidence(QByteArrayView bytes);
+QByteArray html_evidence(QByteArrayView bytes, qsizetype columns = 0);
+
+/** The same for the name of a device, which many have not. */
+QByteArray html_name(QByteArrayView name, qsizetype columns = 0);
 
 /** The same for a text that page_value() or page_text() has made. */
 QByteArray html_shown(QByteArrayView shown);

@@ -18,7 +18,6 @@ constexpr std::array<int, 12> days = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30
 constexpr qint64 longest_year = 366 * day;
 constexpr QByteArrayView months("JanFebMarAprMayJunJulAugSepOctNovDec");
 
-constexpr int names_width = 230;
 constexpr int lane_width = 640;
 constexpr int lane_height = 34;
 constexpr int top = 28;
@@ -68,21 +67,21 @@ struct lane
 
 QByteArray lane_name(const lane &lane)
 {
-    const QString name = lane.facts ? page_text(name_of(*lane.facts->device), 20) : QString();
-    return svg_number(lane.device) + ' ' + (name.isEmpty() ? QByteArray("no name") : name.toHtmlEscaped().toUtf8());
+    return lane.facts ? name_of(*lane.facts->device) : QByteArray();
 }
 
 /** A point for each place on the axis; without an RSSI it stands at the foot, and hollow. */
 QByteArray lane_picture(const lane &lane, int foot)
 {
-    QByteArray html = svg_line("axis", names_width, foot, names_width + lane_width, foot)
-                      + svg_text(names_width - 8, foot - 8, "end", lane_name(lane));
+    QByteArray html = svg_line("axis", svg_names_width, foot, svg_names_width + lane_width, foot)
+                      + svg_text(svg_names_width - 8, foot - 8, "end",
+                                 svg_device_name(lane.device, lane_name(lane), 20));
     for (const auto &[place, rssi] : lane.best_at) {
         const int height = rssi ? (std::clamp(*rssi, weakest, strongest) - weakest) * (lane_height - 8)
                                       / (strongest - weakest)
                                 : 0;
-        html += "<circle class=\"" + QByteArray(rssi ? "point" : "ring") + "\" cx=\"" + svg_number(names_width + place)
-                + "\" cy=\"" + svg_number(foot - height) + "\" r=\"2.5\"/>";
+        html += "<circle class=\"" + QByteArray(rssi ? "point" : "ring") + "\" cx=\""
+                + svg_number(svg_names_width + place) + "\" cy=\"" + svg_number(foot - height) + "\" r=\"2.5\"/>";
     }
     return html;
 }
@@ -98,7 +97,7 @@ QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last, co
     QByteArray html;
     constexpr int ticks = 3;
     for (int tick = 0; tick <= ticks; ++tick) {
-        const qint64 x = names_width + qint64(lane_width) * tick / ticks;
+        const qint64 x = svg_names_width + qint64(lane_width) * tick / ticks;
         html += svg_line("axis", x, top, x, foot)
                 + svg_text(x, 16,
                            tick == 0       ? "start"
@@ -113,18 +112,10 @@ QByteArray picture(const std::vector<lane> &lanes, qint64 first, qint64 last, co
                                      "ring has none."
                                    : "A line for each device; no signal strength is known.";
     return html_figure(title,
-                       "<svg class=\"wide\" viewBox=\"0 0 " + svg_number(names_width + lane_width + 8) + ' '
+                       "<svg class=\"wide\" viewBox=\"0 0 " + svg_number(svg_names_width + lane_width + 8) + ' '
                            + svg_number(foot + 8) + "\" role=\"img\" aria-label=\"" + title
                            + "; the table below says the same\">" + html + "</svg>",
                        caption);
-}
-
-QByteArray name_cell(const lane &lane, qsizetype most_columns)
-{
-    const QByteArray name = lane.facts ? name_of(*lane.facts->device) : QByteArray();
-    if (name.isEmpty())
-        return "<span class=\"quiet\">no name</span>";
-    return most_columns > 0 ? html_shown(page_text(name, most_columns).toUtf8()) : html_evidence(name);
 }
 
 QByteArray table(const QByteArray &caption, const std::vector<lane> &lanes, const timeline_form &form)
@@ -137,7 +128,7 @@ QByteArray table(const QByteArray &caption, const std::vector<lane> &lanes, cons
     for (const lane &one : lanes) {
         const QByteArray device = svg_number(one.device);
         QByteArrayList cells{form.has_pages ? html_link("device-" + device, device) : device,
-                             name_cell(one, form.most_columns),
+                             html_name(lane_name(one), form.most_columns),
                              grouped_digits(one.count),
                              html_whole(date_text(one.first)),
                              html_whole(date_text(one.last)),

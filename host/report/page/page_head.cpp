@@ -62,9 +62,7 @@ QByteArray shortcomings_part(const QStringList &shortcomings, const shortcomings
     QByteArray html = "<div class=\"alarm\"><p><strong>This case is not complete.</strong>"
                       + QByteArray(is_unchanged ? "" : " Evidence changed while it was read.") + "</p><ul>";
     for (const QString &text : shortcomings.first(std::min(shortcomings.size(), form.most)))
-        html += "<li>"
-                + (form.most_columns > 0 ? html_shown(page_text(text.toUtf8(), form.most_columns).toUtf8())
-                                         : html_text(text))
+        html += "<li>" + (form.most_columns > 0 ? html_evidence(text.toUtf8(), form.most_columns) : html_text(text))
                 + "</li>";
     if (shortcomings.size() > form.most)
         html += "<li>and " + grouped_digits(shortcomings.size() - form.most) + " more</li>";

@@ -13,7 +13,6 @@ namespace {
 
 constexpr qsizetype most_matrix_sources = 40;
 constexpr qsizetype most_matrix_rows = 20;
-constexpr int matrix_names_width = 230;
 constexpr int step = 26;
 constexpr int row_height = 22;
 constexpr int matrix_top = 40;
@@ -32,13 +31,6 @@ QList<int> matrix_sources(const QList<const device_facts *> &devices)
     return places;
 }
 
-/** What fits in front of a row. */
-QByteArray matrix_name(const device_facts &facts)
-{
-    const QString name = page_text(name_of(*facts.device), 24);
-    return svg_number(facts.number) + ' ' + (name.isEmpty() ? QByteArray("no name") : name.toHtmlEscaped().toUtf8());
-}
-
 /** Three forms, so that no colour is needed. */
 QByteArray mark(int x, int y, const device_facts &facts, int place)
 {
@@ -52,12 +44,12 @@ QByteArray mark(int x, int y, const device_facts &facts, int place)
 
 QByteArray matrix_row(const device_facts &facts, const QList<int> &sources, int middle, int width)
 {
-    QByteArray html = svg_line("axis", matrix_names_width - 10, middle, width - 14, middle)
-                      + svg_text(0, middle + 4, "start", matrix_name(facts));
+    QByteArray html = svg_line("axis", svg_names_width - 10, middle, width - 14, middle)
+                      + svg_text(0, middle + 4, "start", svg_device_name(facts.number, name_of(*facts.device), 24));
     for (const int place : facts.device->sources) {
         const qsizetype column = sources.indexOf(place);
         if (column >= 0)
-            html += mark(matrix_names_width + int(column) * step + 6, middle, facts, place);
+            html += mark(svg_names_width + int(column) * step + 6, middle, facts, place);
     }
     return html;
 }
@@ -77,11 +69,11 @@ QByteArray source_matrix(const report_case &the_case, const QList<const device_f
     const QList<const device_facts *> shown = devices.first(std::min(devices.size(), most_matrix_rows));
     const QList<int> all = matrix_sources(shown);
     const QList<int> sources = all.first(std::min(all.size(), most_matrix_sources));
-    const int width = matrix_names_width + int(sources.size()) * step + 20;
+    const int width = svg_names_width + int(sources.size()) * step + 20;
     const int height = int(shown.size()) * row_height + matrix_top;
     QByteArray picture;
     for (qsizetype column = 0; column < sources.size(); ++column)
-        picture += svg_text(matrix_names_width + int(column) * step + 6, 20, "middle",
+        picture += svg_text(svg_names_width + int(column) * step + 6, 20, "middle",
                             svg_number(the_case.sources.at(sources.at(column)).record.number));
     for (qsizetype row = 0; row < shown.size(); ++row)
         picture += matrix_row(*shown.at(row), sources, matrix_top + int(row) * row_height, width);

@@ -3,6 +3,8 @@
 
 #include "host/report/page/svg_parts.h"
 
+#include "host/report/page/html_text.h"
+
 QByteArray svg_number(qint64 value)
 {
     return QByteArray::number(value);
@@ -18,4 +20,10 @@ QByteArray svg_text(qint64 x, qint64 y, const char *anchor, const QByteArray &te
 {
     return "<text x=\"" + svg_number(x) + "\" y=\"" + svg_number(y) + "\" text-anchor=\"" + anchor + "\">" + text
            + "</text>";
+}
+
+QByteArray svg_device_name(qint64 number, QByteArrayView name, qsizetype columns)
+{
+    return svg_number(number) + ' '
+           + (name.isEmpty() ? QByteArray("no name") : page_text(name, columns).toHtmlEscaped().toUtf8());
 }

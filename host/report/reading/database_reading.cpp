@@ -25,6 +25,7 @@ constexpr std::pair<cell host_values::*, QLatin1StringView> field_columns[] = {
     {&host_values::icloud_identifier, "iCloudIdentifier"_L1},
     {&host_values::name, "Name"_L1},
 };
+constexpr std::size_t counter_columns = 2;
 
 /** Columns of the result, and those of the evidence that hold the same; of other devices the first five. */
 constexpr std::pair<QLatin1StringView, QLatin1StringView> copied_columns[] = {
@@ -82,7 +83,8 @@ void database_reading::open(const database_copy &copy, const sqlite_statement &r
     rows = std::make_unique<sqlite_statement>(*opened, "SELECT rowid, * FROM "
                                                            + QByteArray(database.device_table.data())
                                                            + " NOT INDEXED ORDER BY 1");
-    for (const auto &[value, name] : std::span(field_columns).first(reads_counters_alone ? 2 : 8)) {
+    for (const auto &[value, name] :
+         std::span(field_columns).first(reads_counters_alone ? counter_columns : std::size(field_columns))) {
         if (const int column = rows->column_named(name); column >= 0)
             columns.emplace_back(value, column);
     }

@@ -3,6 +3,7 @@
 
 #include "host/case/case_sources.h"
 #include "host/files/host_error.h"
+#include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
@@ -121,11 +122,10 @@ void test_case_sources::links_are_followed_where_places_are_compared()
 void test_case_sources::list_of_sources()
 {
     const QTemporaryDir folder;
-    QFile file(folder.filePath(u"list.json"_s));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(R"({"sources": [{"path": "mac", "name": "Laptop", "number": 7}, {"path": "/log", "type": "iOS_UID"}]})");
-    file.close();
-    const QList<named_source> sources = read_source_list(file.fileName());
+    const QString list = folder.filePath(u"list.json"_s);
+    write_file(list,
+               R"({"sources": [{"path": "mac", "name": "Laptop", "number": 7}, {"path": "/log", "type": "iOS_UID"}]})");
+    const QList<named_source> sources = read_source_list(list);
     QCOMPARE(numbers_of(sources), QList<int>({7, -1}));
     QCOMPARE(sources.at(0).path, folder.filePath(u"mac"_s));
     QCOMPARE(sources.at(0).name, u"Laptop"_s);
@@ -187,11 +187,9 @@ void test_case_sources::places_of_a_list()
     QFETCH(QString, path);
     QFETCH(QString, place);
     const QTemporaryDir folder;
-    QFile file(folder.filePath(u"list.json"_s));
-    QVERIFY(file.open(QIODevice::WriteOnly)
-            && file.write("{\"sources\": [{\"path\": \"" + path.toUtf8() + "\"}]}") > 0);
-    file.close();
-    QCOMPARE(read_source_list(file.fileName()).first().path, place.replace(u"%1"_s, folder.path()));
+    const QString list = folder.filePath(u"list.json"_s);
+    write_file(list, "{\"sources\": [{\"path\": \"" + path.toUtf8() + "\"}]}");
+    QCOMPARE(read_source_list(list).first().path, place.replace(u"%1"_s, folder.path()));
 }
 
 void test_case_sources::faults_of_a_list()
@@ -199,10 +197,9 @@ void test_case_sources::faults_of_a_list()
     QFETCH(QByteArray, content);
     QFETCH(QString, message);
     const QTemporaryDir folder;
-    QFile file(folder.filePath(u"list.json"_s));
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-    file.close();
-    QCOMPARE(refusal([&] { read_source_list(file.fileName()); }), message.replace(u"%1"_s, folder.path()));
+    const QString list = folder.filePath(u"list.json"_s);
+    write_file(list, content);
+    QCOMPARE(refusal([&] { read_source_list(list); }), message.replace(u"%1"_s, folder.path()));
 }
 
 /** The examiner's own list may be a link; one that stands in a case is none. */
