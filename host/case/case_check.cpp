@@ -4,20 +4,16 @@
 #include "host/case/case_check.h"
 
 #include "host/case/case_sources.h"
+#include "host/case/evidence_check.h"
+#include "host/case/file_comparison.h"
 #include "host/case/kept_file.h"
 #include "host/case/manifest.h"
 #include "host/case/report_record.h"
-#include "host/files/file_hash.h"
-#include "host/files/file_times.h"
 #include "host/files/folder_listing.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/paths.h"
-#include "host/files/utc_time.h"
-#include "host/source/evidence_look.h"
-#include "host/source/macos_databases.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QJsonArray>
@@ -27,30 +23,18 @@
 
 #include <algorithm>
 
-#include <sys/stat.h>
-
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr qint64 unknown_size = -1; ///< of a file whose content alone is compared
 
 using place = compared_file::place;
 using finding = compared_file::finding;
 
 constexpr qint64 most_hash_file_bytes = 1000;
-constexpr qint64 most_list_bytes = qint64(1) << 30;
 
 QSet<QString> set_of(const QStringList &texts)
 {
     return {texts.cbegin(), texts.cend()};
-}
-
-/** Evidence that may not be looked at is as far away as evidence that is elsewhere. */
-bool is_within_reach(const QString &path)
-{
-    struct stat status = {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) == 0;
 }
 
 /** Compares one case; each function adds to the outcome. */
@@ -60,6 +44,7 @@ public:
     explicit case_check(const check_request &check)
         : request(check)
         , layout(check.directory)
+        , files(check.directory, outcome)
     {
     }
 
@@ -111,8 +96,8 @@ private:
         const bool is_beside = path_exists(layout.manifest_hash());
         const QString beside = is_beside ? hash_beside() : QString();
         const bool is_changed = noted.isEmpty() ? is_beside && beside != found : noted != found;
-        add({place::manifest, u"manifest.json"_s, is_changed ? finding::changed : finding::unchanged,
-             noted.isEmpty() ? beside : noted, found});
+        outcome.files.append({place::manifest, u"manifest.json"_s, is_changed ? finding::changed : finding::unchanged,
+                              noted.isEmpty() ? beside : noted, found});
         if (!noted.isEmpty() && noted != found)
             outcome.differences.append(u"manifest.json is not the one that was noted: its SHA-256 is "_s + found
                                        + u", and "_s + noted + u" was noted"_s);
@@ -168,7 +153,7 @@ private:
             else
                 check_known_files(source);
             if (!request.leaves_out_evidence && !source.evidence.files.isEmpty())
-                check_evidence(source);
+                check_evidence(request, source, outcome);
         }
     }
 
@@ -207,19 +192,19 @@ private:
     /** Every file that the manifest lists for a source, and every one that is there besides. */
     void check_listed_files(const source_record &source, record_state state)
     {
-        const source_layout files = layout.source(source.number);
-        const QString record = files.relative_to_case(files.record());
+        const source_layout own = layout.source(source.number);
+        const QString record = own.relative_to_case(own.record());
         QSet<QString> listed;
         for (const kept_file &file : *source.files) {
             listed.insert(file.path);
             if (file.path != record || state == record_state::alike)
-                check_file(layout.directory(), file, place::result);
+                files.compare(layout.directory(), file, place::result);
         }
         check_agreement(source);
         // A run that was killed listed nothing: what it left is not whole, which its status says.
         if (!source.finished.isEmpty())
-            check_added(layout.directory(), paths_or_fault(files.folder()),
-                        listed + set_of({record, files.relative_to_case(files.lock())}), place::result);
+            files.add_unknown(layout.directory(), paths_or_fault(own.folder()),
+                              listed + set_of({record, own.relative_to_case(own.lock())}), place::result);
     }
 
     /** What the manifest says twice, it must say alike. */
@@ -239,54 +224,26 @@ private:
     /** The result and the working copies, which a record names by themselves. */
     QList<kept_file> known_files(const source_record &source) const
     {
-        QList<kept_file> files;
+        QList<kept_file> known;
         if (!source.result_path.isEmpty())
-            files.append({source.result_path, -1, source.result_sha256});
+            known.append({source.result_path, file_comparison::unknown_size, source.result_sha256});
         for (const evidence_file &file : source.evidence.files) {
             if (!file.copy_sha256.isEmpty())
-                files.append({source_name(source.number) + u"/Evidence/"_s + file.path, -1, file.copy_sha256});
+                known.append({source_name(source.number) + u"/Evidence/"_s + file.path, file_comparison::unknown_size,
+                              file.copy_sha256});
         }
-        return files;
+        return known;
     }
 
     void check_known_files(const source_record &source)
     {
         for (const kept_file &file : known_files(source))
-            check_file(layout.directory(), file, place::result);
+            files.compare(layout.directory(), file, place::result);
         for (const QLatin1StringView ending : {"-wal"_L1, "-journal"_L1, "-shm"_L1}) {
             const QString path = source.result_path + ending;
             if (!source.result_path.isEmpty() && path_exists(layout.directory() + u'/' + path))
-                add_new_file(path, place::result);
+                files.add_new(path, place::result);
         }
-    }
-
-    /** A file whose size and hash are known; one of another size is not read. A size of -1 is not known. */
-    void check_file(const QString &root, const kept_file &expected, place kind)
-    {
-        const QString path = root + u'/' + expected.path;
-        compared_file file{kind, shown(root, expected.path), finding::unchanged, expected.sha256, {}};
-        const qint64 size = QFileInfo(path).size();
-        if (!path_exists(path)) {
-            file.outcome = finding::missing;
-            outcome.differences.append(file.path + u" is gone"_s);
-        } else if (QFileInfo(path).isFile() && expected.size >= 0 && size != expected.size) {
-            file.outcome = finding::changed;
-            outcome.differences.append(file.path + u" was changed: it had "_s + QString::number(expected.size)
-                                       + u" bytes and has "_s + QString::number(size));
-        } else if (const std::optional<kept_file> now = look_at_file(root, expected.path); !now) {
-            file.outcome = finding::unreadable;
-            outcome.differences.append(file.path + u" cannot be read"_s);
-        } else if (file.found = now->sha256; now->sha256 != expected.sha256) {
-            file.outcome = finding::changed;
-            outcome.differences.append(file.path + u" was changed: its SHA-256 was "_s + expected.sha256 + u" and is "_s
-                                       + now->sha256);
-        }
-        add(file);
-    }
-
-    QString shown(const QString &root, const QString &path) const
-    {
-        return source_layout(layout.directory(), 0).relative_to_case(root + u'/' + path);
     }
 
     QStringList paths_or_fault(const QString &folder, const QString &root = {})
@@ -297,20 +254,6 @@ private:
             outcome.incomplete.append(error.message());
             return {};
         }
-    }
-
-    void check_added(const QString &root, const QStringList &paths, const QSet<QString> &known, place kind)
-    {
-        for (const QString &path : paths) {
-            if (!known.contains(path))
-                add_new_file(shown(root, path), kind);
-        }
-    }
-
-    void add_new_file(const QString &path, place kind)
-    {
-        add({kind, path, finding::added, {}, {}});
-        outcome.differences.append(path + u" is new: nothing lists it"_s);
     }
 
     /** Folders of sources that the manifest does not have. */
@@ -335,7 +278,7 @@ private:
             if (sources_identity(listed) != manifest.value("case_sources"_L1).toObject()
                 || !are_of_recorded_kinds(listed, manifest))
                 outcome.differences.append(u"sources.json lists other sources than the manifest"_s);
-            const QByteArray content = read_whole_file(layout.source_list(), most_list_bytes);
+            const QByteArray content = read_whole_file(layout.source_list(), most_json_bytes);
             if (QJsonDocument(source_list_json(listed)).toJson() != content)
                 outcome.differences.append(u"sources.json was changed: this program writes it otherwise"_s);
         } catch (const host_error &error) {
@@ -398,175 +341,18 @@ private:
             QSet<QString> listed{QString(report_record_name)};
             for (const kept_file &file : report.files) {
                 listed.insert(file.path);
-                check_file(folder, file, place::report);
+                files.compare(folder, file, place::report);
             }
-            check_added(folder, paths_or_fault(folder, folder), listed, place::report);
+            files.add_unknown(folder, paths_or_fault(folder, folder), listed, place::report);
         } catch (const host_error &error) {
             outcome.differences.append(error.message());
         }
     }
 
-    static bool is_taken_out(const source_record &recorded)
-    {
-        return std::any_of(recorded.evidence.files.cbegin(), recorded.evidence.files.cend(),
-                           [](const evidence_file &file) { return file.origin.isObject(); });
-    }
-
-    /** The files of the container that the evidence was taken out of, or those of the folder. */
-    void check_container(const source_record &recorded)
-    {
-        const QString name = source_name(recorded.number);
-        const QString moved = request.moved_to.value(recorded.number);
-        const QJsonArray files = recorded.container[u"files"_s].toArray();
-        for (const auto value : files) {
-            const QString path = value[u"path"_s].toString();
-            // The further files of a container stand beside its first one.
-            const QString now = moved.isEmpty()            ? path
-                                : QFileInfo(moved).isDir() ? moved + u'/' + QFileInfo(path).fileName()
-                                : path == files.first()[u"path"_s].toString()
-                                    ? moved
-                                    : QFileInfo(moved).path() + u'/' + QFileInfo(path).fileName();
-            check_container_file(name, now, value.toObject());
-            if (path == files.first()[u"path"_s].toString() && is_within_reach(now))
-                check_stored_hashes(now, recorded.container[u"stored_hashes"_s].toObject());
-        }
-        if (!files.isEmpty())
-            return;
-        for (const evidence_file &file : recorded.evidence.files) {
-            if (file.origin.isObject() && file.before && !file.before->sha256.isEmpty())
-                check_file(moved.isEmpty() ? recorded.path : moved,
-                           {file.origin[u"path"_s].toString(), unknown_size, file.before->sha256}, place::evidence);
-        }
-    }
-
-    /** What an EWF holds is to have the hashes that stand in it since it was made. */
-    void check_stored_hashes(const QString &image, const QJsonObject &stored)
-    {
-        if (!request.hashes_containers || !request.rehash_image || stored.isEmpty())
-            return;
-        const QJsonObject found = request.rehash_image(image);
-        if (const QString problem = found.value("problem"_L1).toString(); !problem.isEmpty()) {
-            outcome.differences.append(image + u": what it holds cannot be hashed: "_s + problem);
-            return;
-        }
-        for (const auto &[member, name] : {std::pair("md5"_L1, "MD5"_L1), std::pair("sha1"_L1, "SHA-1"_L1)}) {
-            const QString expected = stored.value(member).toString();
-            if (expected.isEmpty())
-                continue;
-            const QString now = found.value(member).toString();
-            if (now == expected)
-                outcome.notes.append(image + u": what it holds has the "_s + name + u" that stands in it"_s);
-            else
-                outcome.differences.append(image + u": what it holds has the "_s + name + u' ' + now + u", and not "_s
-                                           + expected + u", which stands in it"_s);
-        }
-    }
-
-    void check_container_file(const QString &name, const QString &file, const QJsonObject &recorded)
-    {
-        struct stat status = {};
-        if (::stat(QFile::encodeName(file).constData(), &status) != 0) {
-            outcome.missing.append(name + u": the evidence is not there: "_s + file);
-            return;
-        }
-        const QString hash = recorded.value("sha256"_L1).toString();
-        const bool is_hashed = request.hashes_containers && !hash.isEmpty();
-        const QFileInfo behind_links(QFileInfo(file).canonicalFilePath());
-        const qint64 size = recorded.value("size"_L1).toInteger();
-        const bool is_resized = qint64(status.st_size) != size;
-        const bool has_other_times = utc_text(modification_time(status)) != recorded.value("modified"_L1).toString();
-        const bool is_modified = has_other_times && !is_hashed && request.moved_to.isEmpty();
-        if (is_hashed)
-            check_file(behind_links.path(), {behind_links.fileName(), unknown_size, hash}, place::evidence);
-        else
-            add({place::evidence, file, is_resized || is_modified ? finding::changed : finding::unchanged, {}, {}});
-        if (request.hashes_containers && hash.isEmpty())
-            outcome.notes.append(file + u" was not hashed when its evidence was taken out"_s);
-        if (is_resized)
-            outcome.differences.append(file + u" was changed: it had "_s + QString::number(size) + u" bytes, and has "_s
-                                       + QString::number(qint64(status.st_size)));
-        else if (has_other_times)
-            (is_modified ? outcome.differences : outcome.notes)
-                .append(file
-                        + (is_hashed ? u" has other times, and the same size"_s : u" was modified, by its time"_s));
-    }
-
-    void check_evidence(const source_record &recorded)
-    {
-        if (recorded.container.isObject() || is_taken_out(recorded)) {
-            check_container(recorded);
-            return;
-        }
-        const QString path = request.moved_to.value(recorded.number, recorded.path);
-        const QString name = source_name(recorded.number);
-        if (!is_within_reach(path)) {
-            outcome.missing.append(name + u": the evidence is not there: "_s + path);
-            return;
-        }
-        outcome.evidence_places.append(path);
-        evidence_source source;
-        source.kind = source_kind_named(recorded.type);
-        source.path = path;
-        const bool is_log = source.kind == &ios_uid_kind;
-        source.root = (is_log ? QFileInfo(path).path() : path) + u'/';
-        source.log_file = is_log ? path : QString();
-
-        evidence_state now;
-        now.files = recorded.evidence.files;
-        look_after(now, source, [](qint64) {});
-        for (qsizetype i = 0; i < now.files.size(); ++i)
-            compare(name, recorded.evidence.files.at(i), now.files.at(i));
-        if (!is_log)
-            compare_listings(name, recorded.evidence, now);
-    }
-
-    void compare(const QString &name, const evidence_file &recorded, const evidence_file &found)
-    {
-        const std::optional<file_state> &was = recorded.after ? recorded.after : recorded.before;
-        const std::optional<file_state> &is = found.after;
-        const QString file = name + u": "_s + recorded.path;
-        if (!was && !is)
-            return;
-        compared_file compared{place::evidence, file, finding::unchanged, was ? was->sha256 : QString(),
-                               is ? is->sha256 : QString()};
-        if (!was || !is) {
-            compared.outcome = is ? finding::added : finding::missing;
-            outcome.differences.append(file + (is ? u" was not there before"_s : u" is gone"_s));
-        } else if (was->size != is->size || was->sha256 != is->sha256) {
-            compared.outcome = finding::changed;
-            outcome.differences.append(file + u" was changed: it had "_s + QString::number(was->size)
-                                       + u" bytes and the SHA-256 "_s + was->sha256 + u", and has "_s
-                                       + QString::number(is->size) + u" bytes and "_s + is->sha256);
-        } else if (was->modified != is->modified || was->changed != is->changed) {
-            outcome.notes.append(file + u" has other times, and the same content"_s);
-        }
-        add(compared);
-    }
-
-    void compare_listings(const QString &name, const evidence_state &recorded, const evidence_state &now)
-    {
-        const QStringList &before = recorded.listing_after.isEmpty() ? recorded.listing_before : recorded.listing_after;
-        compare_entries(name, now.listing_after, set_of(before), u" was not there before"_s);
-        compare_entries(name, before, set_of(now.listing_after), u" is gone"_s);
-    }
-
-    void compare_entries(const QString &name, const QStringList &entries, const QSet<QString> &others,
-                         const QString &what)
-    {
-        for (const QString &entry : entries) {
-            if (!others.contains(entry))
-                outcome.differences.append(name + u": "_s + macos_database_folder + entry + what);
-        }
-    }
-
-    void add(const compared_file &file)
-    {
-        outcome.files.append(file);
-    }
-
     const check_request &request;
     case_layout layout;
     check_outcome outcome;
+    file_comparison files;
 };
 
 } // namespace

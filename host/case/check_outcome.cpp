@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#include "host/case/case_check.h"
+#include "host/case/check_outcome.h"
 #include "host/text/json_member.h"
 
 #include <QJsonArray>
