@@ -3,6 +3,7 @@
 
 #include "host/cli/command_line.h"
 #include "host/files/uncaught_exception.h"
+#include "host/run/source_survey.h"
 #include "host/worker/reading_process.h"
 #include "host/worker/worker.h"
 
@@ -89,6 +90,7 @@ int main(int argc, char **argv) // NOLINT(bugprone-exception-escape): an unknown
     std::setlocale(LC_ALL, "C.UTF-8"); // evidence is Unicode, whatever the terminal claims
     int application_argc = 1;
     const QCoreApplication application(application_argc, argv);
+    survey_in_copies(run_worker);
     const exit_code code = run_reporting_errors(parse_command_line(argc, argv));
     if (is_reading_process()) {
         std::fflush(nullptr);

@@ -57,7 +57,7 @@ const folder_rule folder_rules[] = {
     {u"host/run"_s,             {u"host/container"_s, u"host/devices"_s, u"host/files"_s, u"host/sqlite"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s}},
     {u"host/worker"_s,          {u"host/container"_s, u"host/files"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s, u"host/run"_s, frame_header, records_header}},
     {u"host/cli"_s,             {u"host/container"_s, u"host/files"_s, u"host/text"_s, u"host/source"_s, u"host/case"_s, u"host/sample"_s, u"host/report"_s, u"host/report/reading"_s, u"host/report/tables"_s, u"host/run"_s}},
-    {u"host"_s,                 {u"host/files"_s, u"host/worker"_s, u"host/cli"_s}},
+    {u"host"_s,                 {u"host/files"_s, u"host/run"_s, u"host/worker"_s, u"host/cli"_s}},
 };
 // clang-format on
 

@@ -15,6 +15,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -157,7 +158,7 @@ std::string version_text()
 void add_general_options(CLI::App &app)
 {
     app.set_help_flag("-h,--help", "Print this help");
-    app.set_version_flag("--version", version_text())->description("Print the version");
+    app.set_version_flag("--version", std::function<std::string()>(version_text))->description("Print the version");
     app.require_subcommand(1);
     app.fallthrough();
     app.add_flag("-q,--quiet")->description("Print only data, warnings and errors");

@@ -130,12 +130,12 @@ image_handle open_raw(const QStringList &segments)
     for (const QString &segment : segments) {
         image->files.push_back(open_evidence(segment));
         if (!image->files.back().is_open())
-            return {nullptr, tsk_img_close};
+            return {nullptr, tsk().img_close};
         image->starts.push_back(image->size);
         image->size += QFileInfo(segment).size();
     }
     raw_image *const kept = image.release(); // the library closes it by close_raw()
-    return {tsk_img_open_external(kept, kept->size, 512, read_raw, close_raw, describe_nothing), tsk_img_close};
+    return {tsk().img_open_external(kept, kept->size, 512, read_raw, close_raw, describe_nothing), tsk().img_close};
 }
 
 image_handle open_by_library(const QStringList &segments, TSK_IMG_TYPE_ENUM type)
@@ -146,7 +146,7 @@ image_handle open_by_library(const QStringList &segments, TSK_IMG_TYPE_ENUM type
         names.append(QFile::encodeName(segment));
     for (const QByteArray &name : std::as_const(names))
         texts.push_back(name.constData());
-    return {tsk_img_open_utf8(int(texts.size()), texts.data(), type, 0), tsk_img_close};
+    return {tsk().img_open_utf8(int(texts.size()), texts.data(), type, 0), tsk().img_close};
 }
 
 image_handle open_any(const QStringList &segments, QLatin1StringView format)
@@ -235,12 +235,13 @@ private:
     file_system_handle open_file_system(const known_volume &volume)
     {
         if (!volume.pool_block)
-            return file_system_handle(tsk_fs_open_img(image.get(), volume.facts.offset, TSK_FS_TYPE_ENUM(volume.type)));
+            return file_system_handle(
+                tsk().fs_open_img(image.get(), volume.facts.offset, TSK_FS_TYPE_ENUM(volume.type)));
         const pool_handle &pool = pools.at(volume.facts.offset);
-        image_handle inside(pool->get_img_info(pool.get(), *volume.pool_block), tsk_img_close);
+        image_handle inside(pool->get_img_info(pool.get(), *volume.pool_block), tsk().img_close);
         if (!inside)
             return {};
-        TSK_FS_INFO *const opened = tsk_fs_open_img(inside.get(), 0, TSK_FS_TYPE_APFS);
+        TSK_FS_INFO *const opened = tsk().fs_open_img(inside.get(), 0, TSK_FS_TYPE_APFS);
         return opened ? file_system_handle(opened, file_system_closer{inside.release()}) : file_system_handle();
     }
 
@@ -254,11 +255,11 @@ private:
 
     void find_partitions()
     {
-        const std::unique_ptr<TSK_VS_INFO, void (*)(TSK_VS_INFO *)> table(tsk_vs_open(image.get(), 0,
-                                                                                      TSK_VS_TYPE_DETECT),
-                                                                          tsk_vs_close);
+        const std::unique_ptr<TSK_VS_INFO, void (*)(TSK_VS_INFO *)> table(tsk().vs_open(image.get(), 0,
+                                                                                        TSK_VS_TYPE_DETECT),
+                                                                          tsk().vs_close);
         if (!table)
-            return tsk_error_reset();
+            return tsk().error_reset();
         const bool has_names = table->vstype == TSK_VS_TYPE_GPT || table->vstype == TSK_VS_TYPE_MAC;
         for (const TSK_VS_PART_INFO *part = table->part_list; part && known.size() < most_volumes; part = part->next) {
             if ((part->flags & TSK_VS_PART_FLAG_ALLOC) == 0 || (part->flags & TSK_VS_PART_FLAG_META) != 0)
@@ -285,7 +286,7 @@ private:
     bool add_volumes(qint64 offset, qint64 size, const QString &name)
     {
         QByteArray start(start_bytes, '\0');
-        if (tsk_img_read(image.get(), offset, start.data(), size_t(start.size())) <= 0)
+        if (tsk().img_read(image.get(), offset, start.data(), size_t(start.size())) <= 0)
             return false;
         const volume_signature *signature = signature_of(start);
         if (!signature)
@@ -324,7 +325,7 @@ private:
 
     void add_pool(qint64 offset, qint64 size, const QString &name)
     {
-        pool_handle pool(tsk_pool_open_img_sing(image.get(), offset, TSK_POOL_TYPE_APFS), tsk_pool_close);
+        pool_handle pool(tsk().pool_open_img_sing(image.get(), offset, TSK_POOL_TYPE_APFS), tsk().pool_close);
         if (!pool) {
             known_volume &volume = add(offset, size, name);
             volume.facts.file_system = u"apfs"_s;
@@ -374,7 +375,7 @@ ewf_hashes hashes_of_ewf_content(const QString &path)
     QByteArray block(1 << 20, Qt::Uninitialized);
     for (TSK_OFF_T place = 0; place < image->size;) {
         const auto wanted = size_t(qMin<TSK_OFF_T>(block.size(), image->size - place));
-        const ssize_t count = tsk_img_read(image.get(), place, block.data(), wanted);
+        const ssize_t count = tsk().img_read(image.get(), place, block.data(), wanted);
         if (count <= 0)
             throw host_error(error_kind::not_found,
                              u"the image cannot be read to its end: "_s + path + u": "_s + image_error());
@@ -387,5 +388,5 @@ ewf_hashes hashes_of_ewf_content(const QString &path)
 
 QString image_library()
 {
-    return u"The Sleuth Kit "_s + QString::fromLatin1(tsk_version_get_str());
+    return u"The Sleuth Kit "_s + QString::fromLatin1(tsk().version_get_str());
 }

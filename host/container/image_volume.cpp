@@ -25,7 +25,7 @@ using folder_handle = std::unique_ptr<TSK_FS_DIR, void (*)(TSK_FS_DIR *)>;
 
 file_handle open_file(TSK_FS_INFO &system, TSK_INUM_T inode)
 {
-    file_handle file(tsk_fs_file_open_meta(&system, nullptr, inode), tsk_fs_file_close);
+    file_handle file(tsk().fs_file_open_meta(&system, nullptr, inode), tsk().fs_file_close);
     if (!file || !file->meta)
         throw stream_failure(image_error());
     return file;
@@ -59,7 +59,7 @@ public:
         if (left <= 0)
             return 0;
         const auto wanted = size_t(qMin<TSK_OFF_T>(left, TSK_OFF_T(most)));
-        const ssize_t count = tsk_fs_file_read(file.get(), place, bytes, wanted, TSK_FS_FILE_READ_FLAG_NONE);
+        const ssize_t count = tsk().fs_file_read(file.get(), place, bytes, wanted, TSK_FS_FILE_READ_FLAG_NONE);
         if (count <= 0)
             throw stream_failure(count < 0 ? image_error() : u"it ends before its size"_s);
         place += count;
@@ -90,13 +90,13 @@ protected:
 
     QList<tree_node> entries(const tree_node &folder) override
     {
-        const folder_handle opened(tsk_fs_dir_open_meta(system.get(), TSK_INUM_T(folder.inode)), tsk_fs_dir_close);
+        const folder_handle opened(tsk().fs_dir_open_meta(system.get(), TSK_INUM_T(folder.inode)), tsk().fs_dir_close);
         if (!opened)
             throw stream_failure(image_error());
         QList<tree_node> nodes;
-        const size_t count = qMin(tsk_fs_dir_getsize(opened.get()), most_entries);
+        const size_t count = qMin(tsk().fs_dir_getsize(opened.get()), most_entries);
         for (size_t i = 0; i < count; ++i) {
-            const file_handle file(tsk_fs_dir_get(opened.get(), i), tsk_fs_file_close);
+            const file_handle file(tsk().fs_dir_get(opened.get(), i), tsk().fs_file_close);
             if (!file || !file->name || !file->name->name || (file->name->flags & TSK_FS_NAME_FLAG_ALLOC) == 0
                 || !file->meta || (file->meta->flags & TSK_FS_META_FLAG_ALLOC) == 0)
                 continue; // deleted, or of a name alone
@@ -137,7 +137,7 @@ protected:
     std::unique_ptr<byte_stream> open(const tree_node &node) override
     {
         file_handle file = open_file(*system, TSK_INUM_T(node.inode));
-        const TSK_FS_ATTR *content = tsk_fs_file_attr_get(file.get());
+        const TSK_FS_ATTR *content = tsk().fs_file_attr_get(file.get());
         if (content && (content->flags & TSK_FS_ATTR_ENC) != 0)
             throw stream_failure(u"it is encrypted"_s, true);
         return std::make_unique<image_stream>(std::move(file));
@@ -149,14 +149,14 @@ private:
 
 QString ntfs_label(TSK_FS_INFO &system)
 {
-    const file_handle file(tsk_fs_file_open_meta(&system, nullptr, ntfs_volume_entry), tsk_fs_file_close);
+    const file_handle file(tsk().fs_file_open_meta(&system, nullptr, ntfs_volume_entry), tsk().fs_file_close);
     if (!file)
         return {};
-    const TSK_FS_ATTR *label = tsk_fs_file_attr_get_type(file.get(), TSK_FS_ATTR_TYPE_NTFS_VNAME, 0, 0);
+    const TSK_FS_ATTR *label = tsk().fs_file_attr_get_type(file.get(), TSK_FS_ATTR_TYPE_NTFS_VNAME, 0, 0);
     if (!label || label->size > 512)
         return {};
     QByteArray bytes(qsizetype(label->size), '\0');
-    if (tsk_fs_attr_read(label, 0, bytes.data(), size_t(bytes.size()), TSK_FS_FILE_READ_FLAG_NONE) != bytes.size())
+    if (tsk().fs_attr_read(label, 0, bytes.data(), size_t(bytes.size()), TSK_FS_FILE_READ_FLAG_NONE) != bytes.size())
         return {};
     QString text;
     for (qsizetype i = 0; i + 1 < bytes.size(); i += 2)
@@ -167,7 +167,7 @@ QString ntfs_label(TSK_FS_INFO &system)
 QString ext_label(TSK_FS_INFO &system)
 {
     QByteArray bytes(ext_label_bytes + 1, '\0');
-    if (tsk_img_read(system.img_info, system.offset + ext_label_place, bytes.data(), ext_label_bytes)
+    if (tsk().img_read(system.img_info, system.offset + ext_label_place, bytes.data(), ext_label_bytes)
         != ssize_t(ext_label_bytes))
         return {};
     return evidence_name_text(bytes.constData());
@@ -176,10 +176,10 @@ QString ext_label(TSK_FS_INFO &system)
 /** The library lists the label of a FAT as a file of its root. */
 QString fat_label(TSK_FS_INFO &system)
 {
-    const folder_handle opened(tsk_fs_dir_open_meta(&system, system.root_inum), tsk_fs_dir_close);
-    const size_t count = opened ? qMin(tsk_fs_dir_getsize(opened.get()), most_entries) : 0;
+    const folder_handle opened(tsk().fs_dir_open_meta(&system, system.root_inum), tsk().fs_dir_close);
+    const size_t count = opened ? qMin(tsk().fs_dir_getsize(opened.get()), most_entries) : 0;
     for (size_t i = 0; i < count; ++i) {
-        const TSK_FS_NAME *name = tsk_fs_dir_get_name(opened.get(), i);
+        const TSK_FS_NAME *name = tsk().fs_dir_get_name(opened.get(), i);
         const QString text = name && name->name ? evidence_name_text(name->name) : QString();
         if (text.endsWith(fat_label_mark) && (name->flags & TSK_FS_NAME_FLAG_ALLOC) != 0)
             return text.chopped(fat_label_mark.size()).trimmed();
@@ -190,7 +190,7 @@ QString fat_label(TSK_FS_INFO &system)
 /** That of HFS+ is the name of its root folder. */
 QString hfs_label(TSK_FS_INFO &system)
 {
-    const file_handle file(tsk_fs_file_open_meta(&system, nullptr, system.root_inum), tsk_fs_file_close);
+    const file_handle file(tsk().fs_file_open_meta(&system, nullptr, system.root_inum), tsk().fs_file_close);
     return file && file->meta && file->meta->name2 ? evidence_name_text(file->meta->name2->name) : QString();
 }
 
@@ -198,9 +198,9 @@ QString hfs_label(TSK_FS_INFO &system)
 
 QString image_error()
 {
-    const char *words = tsk_error_get();
+    const char *words = tsk().error_get();
     QString text = words ? evidence_name_text(words).simplified() : QString();
-    tsk_error_reset();
+    tsk().error_reset();
     if (text.isEmpty())
         return u"no reason is known"_s;
     text[0] = text.at(0).toLower();
@@ -218,7 +218,7 @@ QString volume_label(TSK_FS_INFO &system)
         label = fat_label(system);
     else if (TSK_FS_TYPE_ISHFS(system.ftype))
         label = hfs_label(system);
-    tsk_error_reset();
+    tsk().error_reset();
     return label;
 }
 

@@ -5,10 +5,9 @@
 #define HOST_CONTAINER_IMAGE_VOLUME_H
 
 #include "host/container/file_tree.h"
+#include "host/container/sleuth_kit.h"
 
 #include <memory>
-
-#include <tsk/libtsk.h>
 
 using image_handle = std::unique_ptr<TSK_IMG_INFO, void (*)(TSK_IMG_INFO *)>;
 
@@ -19,8 +18,8 @@ struct file_system_closer
 
     void operator()(TSK_FS_INFO *system) const
     {
-        tsk_fs_close(system);
-        tsk_img_close(image);
+        tsk().fs_close(system);
+        tsk().img_close(image);
     }
 };
 

@@ -13,11 +13,15 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <vector>
 
 #include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
+
+extern char **environ; // NOLINT(readability-redundant-declaration): not every system's headers declare it
 
 using namespace Qt::StringLiterals;
 
@@ -25,20 +29,6 @@ namespace {
 
 constexpr int milliseconds_between_looks = 50; // at the clock and at Ctrl-C
 constexpr qsizetype longest_line = qsizetype(1) << 28;
-
-struct pipe_ends
-{
-    descriptor reading;
-    descriptor writing;
-};
-
-pipe_ends make_pipe()
-{
-    int ends[2] = {-1, -1};
-    if (!open_pipe(ends))
-        throw host_error(error_kind::io, u"no pipe can be made: "_s + system_error_text(errno));
-    return {descriptor(ends[0]), descriptor(ends[1])};
-}
 
 /** What the child takes over from this process, and what not. */
 class spawn_settings
@@ -71,6 +61,22 @@ public:
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
 };
+
+/** In a copy of the process: what posix_spawn() is told for another program. */
+void take_over_streams(descriptor &input, descriptor &output, descriptor &errors)
+{
+    ::setpgid(0, 0);
+    for (int signal = 1; signal < NSIG; ++signal)
+        std::signal(signal, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    int stream = STDIN_FILENO;
+    for (descriptor *const end : {&input, &output, &errors}) {
+        ::dup2(end->number(), stream++);
+        end->close();
+    }
+}
 
 std::vector<char *> pointers(const QList<QByteArray> &texts)
 {
@@ -126,27 +132,57 @@ QString child_end::signal_name() const
     return name_of_signal(signal);
 }
 
+child_process::pipe_ends child_process::make_pipe()
+{
+    int ends[2] = {-1, -1};
+    if (!open_pipe(ends))
+        throw host_error(error_kind::io, u"no pipe can be made: "_s + system_error_text(errno));
+    return {descriptor(ends[0]), descriptor(ends[1])};
+}
+
+void child_process::keep_own_ends(pipes &made)
+{
+    input = std::move(made.to_child.writing);
+    output = std::move(made.from_child.reading);
+    errors = std::move(made.errors_of_child.reading);
+}
+
 child_process::child_process(const QString &program, const QStringList &arguments, const QList<QByteArray> &environment)
 {
-    pipe_ends to_child = make_pipe();
-    pipe_ends from_child = make_pipe();
-    pipe_ends errors_of_child = make_pipe();
-
+    pipes made{make_pipe(), make_pipe(), make_pipe()};
     const QByteArray file = QFile::encodeName(program);
     QList<QByteArray> texts{file};
     for (const QString &argument : arguments)
         texts.append(QFile::encodeName(argument));
-    const spawn_settings settings(to_child.reading.number(), from_child.writing.number(),
-                                  errors_of_child.writing.number());
+    const spawn_settings settings(made.to_child.reading.number(), made.from_child.writing.number(),
+                                  made.errors_of_child.writing.number());
     const int error = ::posix_spawn(&process, file.constData(), &settings.actions, &settings.attributes,
                                     pointers(texts).data(), pointers(environment).data());
     if (error != 0) {
         process = -1;
         throw host_error(error_kind::io, program + u" cannot be started: "_s + system_error_text(error));
     }
-    input = std::move(to_child.writing);
-    output = std::move(from_child.reading);
-    errors = std::move(errors_of_child.reading);
+    keep_own_ends(made);
+}
+
+child_process::child_process(const std::function<int()> &work, const QList<QByteArray> &environment)
+{
+    pipes made{make_pipe(), make_pipe(), make_pipe()};
+    std::vector<char *> variables = pointers(environment);
+    std::fflush(nullptr); // what was said is not said again by the copy
+    process = ::fork();
+    if (process == -1)
+        throw host_error(error_kind::io, u"no process can be started: "_s + system_error_text(errno));
+    if (process == 0) {
+        take_over_streams(made.to_child.reading, made.from_child.writing, made.errors_of_child.writing);
+        keep_own_ends(made);
+        for (descriptor *const parents : {&input, &output, &errors})
+            parents->close();
+        environ = variables.data();
+        ::_exit(work());
+    }
+    ::setpgid(process, process); // the child does so too: whoever comes first
+    keep_own_ends(made);
 }
 
 child_process::~child_process()

@@ -36,6 +36,9 @@ class child_process
 public:
     /** @p environment: "NAME=value". Throws host_error (io). */
     child_process(const QString &program, const QStringList &arguments, const QList<QByteArray> &environment);
+    /** A copy of this process that does @p work, with the code that it gives: nothing is loaded again. Throws as above.
+     */
+    child_process(const std::function<int()> &work, const QList<QByteArray> &environment);
     /** Kills the child if it still runs. */
     ~child_process();
     child_process(const child_process &) = delete;
@@ -53,6 +56,21 @@ public:
                    const std::function<int()> &cancellations);
 
 private:
+    struct pipe_ends
+    {
+        descriptor reading;
+        descriptor writing;
+    };
+    struct pipes
+    {
+        pipe_ends to_child;
+        pipe_ends from_child;
+        pipe_ends errors_of_child;
+    };
+
+    static pipe_ends make_pipe();
+    void keep_own_ends(pipes &made);
+
     pid_t process = -1;
     descriptor input;
     descriptor output;

@@ -82,10 +82,14 @@ QJsonObject survey_in_place(const container_choice &choice)
     return survey;
 }
 
+int (*work_of_copy)() = nullptr;
+
 /** What another process says, under the limits of the order: the libraries that open containers run nowhere else. */
 QJsonObject answer_of(const worker_order &order, qint64 seconds)
 {
-    child_process worker(QCoreApplication::applicationFilePath(), {u"worker"_s}, worker_environment());
+    child_process worker = work_of_copy ? child_process(work_of_copy, worker_environment())
+                                        : child_process(QCoreApplication::applicationFilePath(), {u"worker"_s},
+                                                        worker_environment());
     worker.write(order.to_line());
     worker_report report;
     const child_end end = worker.wait([&report](const QByteArray &line) { report.take(line); },
@@ -103,6 +107,11 @@ QJsonObject answer_of(const worker_order &order, qint64 seconds)
 }
 
 } // namespace
+
+void survey_in_copies(int (*work)())
+{
+    work_of_copy = work;
+}
 
 QJsonObject survey_of_container(const container_choice &choice)
 {

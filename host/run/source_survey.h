@@ -16,6 +16,12 @@
  */
 QJsonObject survey_source(const container_choice &choice, qint64 mebibytes_of_memory, qint64 seconds);
 
+/**
+ * From here on a copy of this process, which does @p work, looks into containers: a new one would take longer to load
+ * its libraries than most archives take. For a process of one thread.
+ */
+void survey_in_copies(int (*work)());
+
 /** The part of it that the worker process does. */
 QJsonObject survey_of_container(const container_choice &choice);
 

@@ -4,6 +4,7 @@
 #include "host/worker/worker.h"
 
 #include "host/files/host_error.h"
+#include "host/files/program_part.h"
 #include "host/files/transfer.h"
 #include "host/files/uncaught_exception.h"
 #include "host/run/inspection.h"
@@ -19,9 +20,10 @@
 #include "host/worker/sqlite_memory.h"
 #include "plugin/bluetooth_logs.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QFileInfo>
 
+#include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -213,12 +215,29 @@ void extract(source_request request)
     send_inspection(request, evidence);
 }
 
+/** The plug-in is a widget. Qt gets none of our arguments, and none of its threads receives Ctrl-C. */
+void make_application(worker_order::task task)
+{
+    using maker = QCoreApplication *(int &argc, char **argv);
+    static int argument_count = 1;
+    static char name[] = "bluetooth-logs";
+    static char *arguments[] = {name, nullptr};
+    cancellation::hold();
+    if (task == worker_order::task::extract)
+        function_of_part<maker>(BLUETOOTH_LOGS_APPLICATION_FILE, "bluetooth_logs_application")(argument_count,
+                                                                                               arguments);
+    else if (!QCoreApplication::instance()) // a copy of a process has one
+        new QCoreApplication(argument_count, arguments);
+    cancellation::release();
+}
+
 int work()
 {
     const worker_order order = worker_order::from_line(QByteArray::fromStdString(order_line()));
     const source_request &request = order.request;
-    set_limits(request.options.memory_limit);
     try {
+        make_application(order.to_do);
+        set_limits(request.options.memory_limit);
         switch (order.to_do) {
         case worker_order::task::extract:
             extract(request);
@@ -262,16 +281,10 @@ int run_worker()
 {
     take_over_standard_output();
     std::set_terminate(terminate_work);
+    std::setlocale(LC_ALL, ""); // of the environment; a copy of a process has another
     make_sqlite_memory_watchable();
     static_cast<void>(::chdir("/") == 0);
-    // The plug-in is a widget. Qt gets none of our arguments, and none of its threads receives Ctrl-C.
-    static int argument_count = 1;
-    static char name[] = "bluetooth-logs";
-    static char *arguments[] = {name, nullptr};
-    cancellation::hold();
     qInstallMessageHandler(report_only_what_ends_us);
-    const QApplication application(argument_count, arguments);
-    cancellation::release();
     const int code = work();
     std::fflush(nullptr);
     ::_exit(code); // what the plug-in leaves behind is not run: its work is done and counted

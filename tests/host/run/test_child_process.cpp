@@ -11,6 +11,10 @@
 #include <QTest>
 
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -19,12 +23,9 @@ namespace {
 const QString shell = u"/bin/sh"_s;
 
 /** What a child did, in one text: its output and its error output line by line, then its end. */
-QString account_of(
-    const QString &script, qint64 seconds = 60, const std::function<int()> &cancellations = [] { return 0; },
-    const QByteArray &input = {})
+QString account_of_child(
+    child_process &child, qint64 seconds = 60, const std::function<int()> &cancellations = [] { return 0; })
 {
-    child_process child(shell, {u"-c"_s, script}, {"NAME=value", "PATH=/usr/bin:/bin"});
-    child.write(input);
     QStringList account;
     const child_end end =
         child.wait([&account](const QByteArray &line) { account.append(u"out "_s + QString::fromUtf8(line)); },
@@ -34,6 +35,15 @@ QString account_of(
     if (end.is_timed_out)
         account.append(u"timed out"_s);
     return account.join(u", "_s);
+}
+
+QString account_of(
+    const QString &script, qint64 seconds = 60, const std::function<int()> &cancellations = [] { return 0; },
+    const QByteArray &input = {})
+{
+    child_process child(shell, {u"-c"_s, script}, {"NAME=value", "PATH=/usr/bin:/bin"});
+    child.write(input);
+    return account_of_child(child, seconds, cancellations);
 }
 
 } // namespace
@@ -52,6 +62,7 @@ private Q_SLOTS:
     void time_that_is_up_ends_the_group();
     void nothing_of_its_group_stays();
     void program_that_is_not_there();
+    void copy_of_this_process();
     void signals_without_a_name();
 };
 
@@ -141,6 +152,27 @@ void test_child_process::program_that_is_not_there()
         QCOMPARE(error.kind(), error_kind::io);
         QVERIFY2(error.message().startsWith("/nowhere/program cannot be started: "_L1), qPrintable(error.message()));
     }
+}
+
+void test_child_process::copy_of_this_process()
+{
+    std::signal(SIGUSR1, SIG_IGN);
+    const auto work = [] {
+        char line[16] = {};
+        std::printf("%s", std::fgets(line, sizeof line, stdin) ? line : "nothing\n");
+        std::printf("%s\n", std::getenv("NAME"));
+        std::printf("%s\n", std::getenv("PATH") ? "more" : "no more");
+        std::printf("%s\n", ::getpgrp() == ::getpid() ? "a group" : "no group");
+        std::fflush(stdout);
+        return std::signal(SIGUSR1, SIG_DFL) == SIG_DFL ? 7 : 1;
+    };
+    child_process child(work, {"NAME=value"});
+    child.write("hello\n");
+    QCOMPARE(account_of_child(child), u"out hello, out value, out no more, out a group, 7"_s);
+    std::signal(SIGUSR1, SIG_DFL);
+
+    child_process crashed([] { return ::raise(SIGSEGV); }, {});
+    QCOMPARE(account_of_child(crashed), u"SIGSEGV"_s);
 }
 
 void test_child_process::signals_without_a_name()
