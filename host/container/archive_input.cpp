@@ -15,8 +15,8 @@
 
 namespace {
 
-constexpr qsizetype least_block = 1 << 12; // behind what was passed over: the header of one more member
-constexpr qsizetype most_block = 1 << 16;  // what was read is hashed from the cache
+constexpr qsizetype least_block = 1 << 9; // behind what was passed over: the header of one more member
+constexpr qsizetype most_block = 1 << 16; // what was read is hashed from the cache
 
 qint64 size_of(int file)
 {

@@ -313,15 +313,22 @@ public:
 
     void visit(const evidence_search &search, const file_taker &take) override
     {
-        read({[&search](const QStringList &parts) { return search.match(parts).has_value(); },
-              [&search](const QStringList &parts) { return search.nearly_matches(parts); }, others},
+        read({evidence_search::may_match,
+              [&search](const QStringList &parts) { return search.match(parts).has_value(); },
+              [&search](const QStringList &parts) { return search.nearly_matches(parts); }},
              take);
     }
 
     void visit_named(const std::function<bool(const QStringList &)> &is_wanted, const file_taker &take) override
     {
-        read({is_wanted, [](const QStringList &) { return false; }, false}, take);
+        read({[](QByteArrayView) { return true; }, is_wanted, [](const QStringList &) { return false; }}, take);
     }
+
+    void pass_over_others() override
+    {
+        others = false;
+    }
+
     QString damage() const override
     {
         return end_reason;
@@ -355,13 +362,15 @@ private:
     /** What a visit is after. */
     struct wish
     {
+        std::function<bool(QByteArrayView name)> may_be_wanted; ///< by a quick look; no is certain
         std::function<bool(const QStringList &parts)> is_wanted;
         std::function<bool(const QStringList &parts)> is_nearly_wanted;
-        bool takes_others;
     };
 
     void read(const wish &wanted, const file_taker &take)
     {
+        passed_over.clear();
+        passed_over_count = 0;
         archive_pass pass(path, observers, limits);
         while (archive_entry *const entry = pass.next())
             meet(pass, entry, wanted, take);
@@ -391,18 +400,20 @@ private:
     {
         if (pass.is_raw()) {
             is_raw = true;
-            if (wanted.takes_others)
+            if (others)
                 take_alone(pass, take);
             return;
         }
-        const member_name name = take_apart(
-            bytes_of(archive_entry_pathname_utf8(entry), archive_entry_pathname(entry)));
+        const QByteArrayView bytes(archive_entry_pathname(entry));
+        if (!others && is_plain_name(bytes) && !wanted.may_be_wanted(bytes))
+            return;
+        const member_name name = take_apart(bytes_of(archive_entry_pathname_utf8(entry), bytes.data()));
         const bool is_evidence = wanted.is_wanted(name.parts);
         if (!is_evidence && !name.danger.isEmpty())
             pass_over(name.text, name.danger);
         else if (!is_evidence && wanted.is_nearly_wanted(name.parts))
             pass_over(name.text, u"it is named as evidence but for letter case or the form of Unicode"_s);
-        if (!is_evidence && (!wanted.takes_others || !name.danger.isEmpty()))
+        if (!is_evidence && (!others || !name.danger.isEmpty()))
             return;
         stored_file file;
         file.parts = name.parts;
@@ -507,7 +518,7 @@ private:
     }
 
     QString path;
-    bool others;
+    bool others; ///< files that are no evidence by their paths are given, too
     container_observers observers;
     archive_limits limits;
     container_file archive_file;

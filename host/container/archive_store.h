@@ -19,7 +19,7 @@ struct archive_limits
 class archive_store : public evidence_store
 {
 public:
-    /** As visit(), for files that are wanted by their paths alone. */
+    /** As visit(), for files that are wanted by their paths, of an archive of which others are not. */
     virtual void visit_named(const std::function<bool(const QStringList &parts)> &is_wanted,
                              const file_taker &take) = 0;
     /** What it turned out to be, once a visit has begun. */
@@ -31,8 +31,8 @@ public:
 };
 
 /**
- * The archive in the regular file at @p path. @p others: every other file is given to the taker too. Throws host_error
- * (not_found) in a build without libarchive.
+ * The archive in the regular file at @p path. @p others: every other file is given to the taker of visit() too, until
+ * pass_over_others(). Throws host_error (not_found) in a build without libarchive.
  */
 std::unique_ptr<archive_store> open_archive(const QString &path, bool others, const container_observers &observers,
                                             const archive_limits &limits = {});

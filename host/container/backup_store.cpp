@@ -5,20 +5,25 @@
 
 #include "common/platform/property_list.h"
 #include "common/property_list/property_list_guard.h"
+#include "host/container/evidence_collector.h"
 #include "host/container/file_stream.h"
 #include "host/files/file_times.h"
 #include "host/files/host_error.h"
 #include "host/files/system_error.h"
 #include "host/files/utc_time.h"
 #include "host/source/evidence_folder.h"
+#include "host/source/macos_databases.h"
 #include "host/sqlite/sqlite.h"
 
+#include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
+#include <QSet>
 #include <QVariantMap>
 
+#include <algorithm>
 #include <cerrno>
 
 #include <sys/stat.h>
@@ -30,7 +35,10 @@ namespace {
 constexpr QLatin1StringView index_name("Manifest.db");
 constexpr QLatin1StringView properties_name("Manifest.plist");
 constexpr QLatin1StringView bluetooth_domain("SysSharedContainerDomain-systemgroup.com.apple.bluetooth");
-constexpr qint64 most_index_bytes = qint64(1) << 30; // it is held in memory
+constexpr QLatin1StringView database_folder("Library/Database/");
+constexpr QLatin1StringView preferences_path("Library/Preferences/com.apple.MobileBluetooth.devices.plist");
+constexpr qint64 most_index_bytes = qint64(1) << 30;  // it is held in memory
+constexpr qint64 most_bytes_kept = qint64(256) << 20; // of an archive, until it is known what its index lists
 constexpr int most_files = 1000;
 
 /** The path that stands for a file of the domain: as on the device, below a group of this name. */
@@ -39,6 +47,29 @@ const QStringList group_folder{u"containers"_s, u"Shared"_s, u"SystemGroup"_s, u
 [[noreturn]] void fail(const QString &path, const QString &reason)
 {
     throw host_error(error_kind::not_found, u"the backup cannot be read: "_s + path + u": "_s + reason);
+}
+
+/** All bytes of a stream, which its container says has @p said_size. Throws stream_failure, also for more than @p most.
+ */
+QByteArray content_of(byte_stream &stream, std::optional<qint64> said_size, qint64 most)
+{
+    QByteArray content;
+    content.reserve(qBound<qint64>(0, said_size.value_or(0), most));
+    QByteArray block(1 << 16, Qt::Uninitialized);
+    while (const qsizetype count = stream.read(block.data(), block.size())) {
+        if (content.size() + count > most)
+            throw stream_failure(u"it is larger than "_s + QString::number(most >> 20) + u" MiB"_s, true);
+        content.append(block.constData(), count);
+    }
+    return content;
+}
+
+/** Where a backup stores a file of the domain. */
+QString place_of(const QString &path)
+{
+    const QByteArray name = QByteArray(bluetooth_domain.data(), bluetooth_domain.size()) + '-' + path.toUtf8();
+    const QString id = QString::fromLatin1(QCryptographicHash::hash(name, QCryptographicHash::Sha1).toHex());
+    return id.first(2) + u'/' + id;
 }
 
 /** Gives files by their paths below the folder of the backup; those that are not there are not given. */
@@ -51,6 +82,15 @@ public:
     /** Those that are not hashed while they are read. */
     virtual void hash_files(const read_observer &)
     {
+    }
+    /** As of a store, of what was taken last. */
+    virtual QString damage() const
+    {
+        return {};
+    }
+    virtual QStringList warnings() const
+    {
+        return {};
     }
 };
 
@@ -112,25 +152,72 @@ private:
     QList<container_file> manifests;
 };
 
+/** A file of an archive that was read before anybody asked for it. */
+struct read_file
+{
+    stored_file file;
+    std::optional<QByteArray> content; ///< nothing where the archive gave no stream
+};
+
+class bytes_stream : public byte_stream
+{
+public:
+    explicit bytes_stream(const QByteArray &all)
+        : content(all)
+    {
+    }
+
+    qsizetype read(char *bytes, qsizetype most) override
+    {
+        const qsizetype count = qMin(most, content.size() - given);
+        std::copy_n(content.constData() + given, count, bytes);
+        given += count;
+        return count;
+    }
+
+private:
+    const QByteArray &content;
+    qsizetype given = 0;
+};
+
+/** Where the files of the evidence are stored that have the same names in every backup. */
+QSet<QString> usual_places()
+{
+    QSet<QString> places{place_of(preferences_path)};
+    for (const macos_database *database : macos_databases) {
+        for (const QLatin1StringView ending : {""_L1, "-wal"_L1, "-shm"_L1, "-journal"_L1})
+            places.insert(place_of(QString(database_folder) + database->file_name + ending));
+    }
+    return places;
+}
+
+/**
+ * A backup in an archive, whose files stand in any order. What every backup with evidence holds is kept in the first
+ * pass, while there is room; what else its index lists needs another one.
+ */
 class archive_files : public backup_files
 {
 public:
-    archive_files(const QString &path, const container_observers &observers)
+    archive_files(const QString &path, const QString &member, const container_observers &observers)
         : archive(open_archive(path, false, observers))
     {
-        // The folder of the backup is the one of the index; the first one counts.
-        archive->visit_named([](const QStringList &parts) { return !parts.isEmpty() && parts.last() == index_name; },
-                             [this](const stored_file &file, byte_stream *) {
-                                 if (!root)
-                                     root = file.parts.first(file.parts.size() - 1);
-                             });
+        archive->visit_named([this](const QStringList &parts) { return is_usual(parts); },
+                             [this](const stored_file &file, byte_stream *stream) { keep(file, stream); });
+        choose_root(member);
     }
 
     void take(const QStringList &paths, const file_taker &take) override
     {
         QHash<QStringList, QString> wanted;
-        for (const QString &wanted_path : paths)
-            wanted.insert(root.value_or(QStringList()) + wanted_path.split(u'/'), wanted_path);
+        for (const QString &path : paths) {
+            const QStringList parts = root + path.split(u'/');
+            if (is_full || !is_usual(parts))
+                wanted.insert(parts, path);
+            else
+                give(parts, path, take);
+        }
+        if (wanted.isEmpty())
+            return;
         archive->visit_named([&wanted](const QStringList &parts) { return wanted.contains(parts); },
                              [&wanted, &take](const stored_file &file, byte_stream *stream) {
                                  stored_file given = file;
@@ -147,24 +234,88 @@ public:
         return known;
     }
 
-private:
-    std::unique_ptr<archive_store> archive;
-    std::optional<QStringList> root;
-};
-
-/** A copy of a manifest, which is evidence as the rest: in memory, since looking at a backup writes nothing. */
-QByteArray copy_of(byte_stream &stream, qint64 said_size)
-{
-    QByteArray copy;
-    copy.reserve(qBound<qint64>(0, said_size, most_index_bytes));
-    QByteArray block(1 << 16, Qt::Uninitialized);
-    while (const qsizetype count = stream.read(block.data(), block.size())) {
-        if (copy.size() + count > most_index_bytes)
-            throw stream_failure(u"it is larger than 1 GiB"_s, true);
-        copy.append(block.constData(), count);
+    QString damage() const override
+    {
+        return archive->damage();
     }
-    return copy;
-}
+
+    QStringList warnings() const override
+    {
+        return archive->warnings();
+    }
+
+private:
+    bool is_usual(const QStringList &parts) const
+    {
+        if (parts.isEmpty())
+            return false;
+        return parts.last() == index_name || parts.last() == properties_name
+               || (parts.size() > 1 && places.contains(parts.at(parts.size() - 2) + u'/' + parts.last()));
+    }
+
+    void keep(const stored_file &file, byte_stream *stream)
+    {
+        const QStringList folder = file.parts.first(file.parts.size() - 1);
+        if (file.parts.last() == index_name && roots.size() < most_files && !roots.contains(folder))
+            roots.append(folder);
+        if (is_full)
+            return;
+        read_file read{file, {}};
+        try {
+            if (stream)
+                read.content = content_of(*stream, file.origin.size, room);
+        } catch (const stream_failure &) { // it fails again for who asks for it
+            is_full = true;
+        }
+        room -= read.content ? read.content->size() : 0;
+        is_full = is_full || --most_kept == 0;
+        kept[file.parts].append(read);
+        if (is_full)
+            kept.clear();
+    }
+
+    /** The folder of a backup is the one of its index; of several the one that is highest, as of all evidence. */
+    void choose_root(const QString &member)
+    {
+        QStringList highest;
+        for (const QStringList &folder : std::as_const(roots)) {
+            const bool is_meant = member.isEmpty() ? highest.isEmpty() || folder.size() <= root.size()
+                                                   : folder.join(u'/') == member;
+            if (!is_meant)
+                continue;
+            if (folder.size() < root.size())
+                highest.clear();
+            root = folder;
+            highest.append(folder.join(u'/'));
+        }
+        if (highest.size() > 1)
+            refuse_to_choose(u"there is evidence in several folders"_s, highest);
+        if (highest.isEmpty() && !member.isEmpty())
+            refuse_missing_member(member, {});
+    }
+
+    void give(const QStringList &parts, const QString &path, const file_taker &take) const
+    {
+        const QList<read_file> files = kept.value(parts);
+        for (const read_file &read : files) {
+            stored_file file = read.file;
+            file.parts = path.split(u'/');
+            std::optional<bytes_stream> stream;
+            if (read.content)
+                stream.emplace(*read.content);
+            take(file, stream ? &*stream : nullptr);
+        }
+    }
+
+    std::unique_ptr<archive_store> archive;
+    QList<QStringList> roots; ///< of all backups in it
+    QStringList root;
+    const QSet<QString> places = usual_places();
+    QHash<QStringList, QList<read_file>> kept;
+    qint64 room = most_bytes_kept;
+    int most_kept = most_files;
+    bool is_full = false; ///< nothing is kept: there was too much of it
+};
 
 class backup_container : public source_container
 {
@@ -232,7 +383,7 @@ private:
             const QString name = file.parts.last();
             try {
                 if (stream && !manifests.contains(name))
-                    manifests.insert(name, copy_of(*stream, file.origin.size.value_or(0)));
+                    manifests.insert(name, content_of(*stream, file.origin.size, most_index_bytes));
                 else if (!stream)
                     reasons.append(name + u": "_s + file.objection);
             } catch (const stream_failure &failure) {
@@ -298,6 +449,16 @@ public:
         }
     }
 
+    QString damage() const override
+    {
+        return backup.stored().damage();
+    }
+
+    QStringList warnings() const override
+    {
+        return backup.stored().warnings();
+    }
+
 private:
     const backup_container &backup;
 };
@@ -314,12 +475,13 @@ bool is_backup_folder(const QString &folder)
     return QFileInfo(folder + u'/' + index_name).isFile() && QFileInfo(folder + u'/' + properties_name).isFile();
 }
 
-std::unique_ptr<source_container> open_backup(const QString &path, const container_observers &observers)
+std::unique_ptr<source_container> open_backup(const QString &path, const QString &member,
+                                              const container_observers &observers)
 {
     std::unique_ptr<backup_files> files;
     if (QFileInfo(path).isDir())
         files = std::make_unique<folder_files>(path);
     else
-        files = std::make_unique<archive_files>(path, observers);
+        files = std::make_unique<archive_files>(path, member, observers);
     return std::make_unique<backup_container>(path, std::move(files));
 }

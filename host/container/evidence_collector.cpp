@@ -132,11 +132,6 @@ QString listed(const QStringList &names)
     return text;
 }
 
-[[noreturn]] void refuse_choice(const QString &message)
-{
-    throw host_error(error_kind::refused, message);
-}
-
 /** The kinds in the order in which they are looked for. */
 qsizetype rank(const collected_source &source)
 {
@@ -145,6 +140,17 @@ qsizetype rank(const collected_source &source)
 }
 
 } // namespace
+
+void refuse_to_choose(const QString &what, const QStringList &names)
+{
+    throw host_error(error_kind::refused, what + u", choose one:"_s + listed(names));
+}
+
+void refuse_missing_member(const QString &name, const QString &reason)
+{
+    throw host_error(error_kind::refused, u"there is no device log and no evidence with the name of --member: "_s + name
+                                              + (reason.isEmpty() ? QString() : u" ("_s + reason + u')'));
+}
 
 evidence_collector::evidence_collector(const evidence_search &wanted, const QString &staging, const QString &member,
                                        const collection_limits &most)
@@ -160,16 +166,21 @@ void evidence_collector::take(const stored_file &file, byte_stream *stream)
 {
     if (const std::optional<evidence_match> match = search.match(file.parts))
         take_evidence(file, *match, stream);
-    else if (stream && search.looks_for(ios_uid_kind) && is_asked_for(file))
+    else if (stream && takes_others() && is_asked_for(file))
         take_log(file, stream);
+}
+
+bool evidence_collector::takes_others() const
+{
+    return search.looks_for(ios_uid_kind)
+           && (!asked_for.isEmpty()
+               || std::none_of(sources.cbegin(), sources.cend(),
+                               [](const collected_source &source) { return source.has_a_sign; }));
 }
 
 bool evidence_collector::is_asked_for(const stored_file &file) const
 {
-    if (!asked_for.isEmpty())
-        return asked_for == file.origin.path || asked_for == joined(file.parts);
-    return std::none_of(sources.cbegin(), sources.cend(),
-                        [](const collected_source &source) { return source.has_a_sign; });
+    return asked_for.isEmpty() || asked_for == file.origin.path || asked_for == joined(file.parts);
 }
 
 QString evidence_collector::next_place()
@@ -377,16 +388,15 @@ const collected_source &evidence_collector::chosen() const
                 equals.append(source->root);
         }
         if (equals.size() > 1)
-            refuse_choice(u"there is evidence in several folders, choose one:"_s + listed(equals));
+            refuse_to_choose(u"there is evidence in several folders"_s, equals);
         return *found.first();
     }
     if (log_names.size() > 1 && asked_for.isEmpty())
-        refuse_choice(u"there are several device logs, choose one:"_s + listed(log_names));
+        refuse_to_choose(u"there are several device logs"_s, log_names);
     if (log.has_a_sign)
         return log;
     if (!asked_for.isEmpty())
-        refuse_choice(u"there is no device log and no evidence with the name of --member: "_s + asked_for
-                      + (why_no_log.isEmpty() ? QString() : u" ("_s + why_no_log + u')'));
+        refuse_missing_member(asked_for, why_no_log);
     throw host_error(error_kind::not_found,
                      u"there is no evidence in it"_s
                          + (other_files == 1 && !why_no_log.isEmpty() ? u": as a log text, "_s + why_no_log

@@ -52,6 +52,9 @@ public:
 
     void take(const stored_file &file, byte_stream *stream);
 
+    /** Whether a file that is no evidence by its path can still be the one that is wanted, a log. */
+    bool takes_others() const;
+
     /**
      * The one source of the container. Throws host_error: refused with the list when there are several to choose from
      * or the one that was asked for is not there, not_found when there is none.
@@ -90,5 +93,12 @@ private:
     int places = 0;
     qint64 later_copies = 0; ///< bytes of what was taken that the run copies again
 };
+
+/** Throws host_error (refused) with the list of what --member can say. */
+[[noreturn]] void refuse_to_choose(const QString &what, const QStringList &names);
+
+/** Throws host_error (refused): nothing has the name of --member; @p reason why one file that was looked at has not,
+ * may be empty. */
+[[noreturn]] void refuse_missing_member(const QString &name, const QString &reason);
 
 #endif

@@ -34,7 +34,7 @@ public:
         : choice(asked)
         , observers(who)
     {
-        open(choice.kind);
+        open(choice.kind, choice.member);
     }
 
     source_container &container() const
@@ -60,9 +60,13 @@ public:
     {
         const source_kind *const kind = opened->kind() ? &ios_files_kind : choice.kind;
         const evidence_search search(kind);
-        visit_end end{opened->store(volume), evidence_collector(search, staging, choice.member, choice.limits)};
-        end.store->visit(search,
-                         [&end](const stored_file &file, byte_stream *stream) { end.collector.take(file, stream); });
+        const QString member = opened->kind() ? QString() : choice.member; // a backup was chosen when it was opened
+        visit_end end{opened->store(volume), evidence_collector(search, staging, member, choice.limits)};
+        end.store->visit(search, [&end](const stored_file &file, byte_stream *stream) {
+            end.collector.take(file, stream);
+            if (!end.collector.takes_others())
+                end.store->pass_over_others();
+        });
         return end;
     }
 
@@ -73,16 +77,17 @@ public:
             return false;
         known_files = opened->facts().files;
         observers.hashed = {};
-        open(&ios_backup_kind);
+        open(&ios_backup_kind, found.chosen().root);
         return true;
     }
 
 private:
-    void open(const source_kind *kind)
+    void open(const source_kind *kind, const QString &member)
     {
         opening how;
         how.kind = kind;
         how.follow_links = choice.follow_links;
+        how.member = member;
         how.observers = observers;
         opened = open_container(choice.path, how);
         if (!opened)

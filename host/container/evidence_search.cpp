@@ -154,6 +154,28 @@ std::optional<evidence_match> evidence_search::match(const QStringList &parts) c
     return {};
 }
 
+bool evidence_search::may_match(QByteArrayView path)
+{
+    static const QList<QByteArray> beginnings = [] {
+        QList<QByteArray> names;
+        for (const macos_database *database : macos_databases)
+            names.append(QByteArray(database->file_name.data(), database->file_name.size()));
+        for (const parted_rule &parted : parted_rules()) {
+            if (parted.rule->name != databases)
+                names.append(parted.rule->name.isEmpty() ? parted.folder.last().toLatin1()
+                                                         : QString(parted.rule->name).toLatin1());
+        }
+        return names;
+    }();
+    if (path.endsWith('/'))
+        path.chop(1);
+    const QByteArrayView name = path.sliced(path.lastIndexOf('/') + 1);
+    return std::any_of(beginnings.cbegin(), beginnings.cend(), [name](const QByteArray &beginning) {
+        return name.size() >= beginning.size()
+               && qstrnicmp(name.data(), beginning.size(), beginning.constData(), beginning.size()) == 0;
+    });
+}
+
 bool evidence_search::nearly_matches(const QStringList &parts) const
 {
     static const QHash<QString, QStringList> spellings = [] {

@@ -6,6 +6,7 @@
 
 #include "host/source/source_kinds.h"
 
+#include <QByteArrayView>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -32,6 +33,12 @@ public:
 
     /** Nothing for a path that is no evidence. Of a folder the path is a sign alone: it has no target. */
     std::optional<evidence_match> match(const QStringList &parts) const;
+
+    /**
+     * Whether match() or nearly_matches() may say yes to a path that ends like this one, of ASCII. It looks at the last
+     * name alone: archives have millions of paths.
+     */
+    static bool may_match(QByteArrayView path);
 
     /** A path that would match if letter case and the form of Unicode did not count. */
     bool nearly_matches(const QStringList &parts) const;

@@ -90,6 +90,11 @@ public:
      */
     virtual void visit(const evidence_search &search, const file_taker &take) = 0;
 
+    /** A visit gives no more files, from here on, that are not evidence by their paths. */
+    virtual void pass_over_others()
+    {
+    }
+
     /** Why the visit ended before the end of the store: what came behind it is unknown. Empty: it did not. */
     virtual QString damage() const
     {

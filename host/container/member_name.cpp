@@ -59,6 +59,20 @@ member_name take_apart(QByteArrayView bytes)
     return name;
 }
 
+bool is_plain_name(QByteArrayView bytes)
+{
+    if (bytes.isEmpty() || bytes.size() > longest_name || bytes.front() == '/' || (bytes.size() > 1 && bytes[1] == ':')
+        || bytes == "." || bytes.endsWith("/.") || bytes.endsWith("//"))
+        return false;
+    char before = '\0';
+    for (const char byte : bytes) {
+        if (byte < ' ' || byte > '~' || byte == '\\' || (byte == '.' && before == '.'))
+            return false;
+        before = byte;
+    }
+    return true;
+}
+
 QString folded_name(const QString &path)
 {
     return path.normalized(QString::NormalizationForm_D).toCaseFolded();

@@ -19,6 +19,12 @@ struct member_name
 /** Takes a name apart whose bytes anybody may have chosen. */
 member_name take_apart(QByteArrayView bytes);
 
+/**
+ * Whether a name is safe, of printed ASCII, and has its own name at its end, but for one slash: all but a few of the
+ * names of an archive, which need not be taken apart then to see that they are not looked for. False is no judgement.
+ */
+bool is_plain_name(QByteArrayView bytes);
+
 /** What two names share that a file system without letter case or with one Unicode form takes for one. */
 QString folded_name(const QString &path);
 

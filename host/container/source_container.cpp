@@ -32,6 +32,10 @@ public:
     {
         store.visit(search, take);
     }
+    void pass_over_others() override
+    {
+        store.pass_over_others();
+    }
     QString damage() const override
     {
         return store.damage();
@@ -121,7 +125,7 @@ std::unique_ptr<source_container> open_folder_container(const QString &path, con
     if (is_sparse_bundle(path))
         refuse(path, u"it is a sparse bundle of macOS, which this program does not read"_s);
     if (how.kind == &ios_backup_kind || (!how.kind && is_backup_folder(path)))
-        return open_backup(path, how.observers);
+        return open_backup(path, {}, how.observers);
     if (how.kind == &ios_files_kind || (!how.kind && is_ios_folder(path)))
         return std::make_unique<folder_container>(path, how.follow_links);
     return nullptr;
@@ -163,7 +167,7 @@ std::unique_ptr<source_container> open_container(const QString &path, const open
     case guessed::archive:
     case guessed::compressed:
         if (how.kind == &ios_backup_kind)
-            return open_backup(path, how.observers);
+            return open_backup(path, how.member, how.observers);
         return std::make_unique<archive_container>(path, how);
     case guessed::none:
         break;

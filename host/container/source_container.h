@@ -71,6 +71,7 @@ struct opening
 {
     const source_kind *kind = nullptr; ///< that was asked for; null: any
     bool follow_links = false;         ///< of a folder: also out of it
+    QString member;                    ///< of an archive: the folder of the backup that is meant; empty: the only one
     container_observers observers;
 };
 

@@ -43,7 +43,8 @@ struct visited
     QString sha256;
 };
 
-visited visit(const QByteArray &archive, const archive_limits &limits, bool others = true)
+/** @p most_others: of the files that are no evidence, which are not asked for behind so many; 0: of none. */
+visited visit(const QByteArray &archive, const archive_limits &limits, int most_others = 1000)
 {
     const QTemporaryDir folder;
     QFile file(folder.filePath(u"a.tar"_s));
@@ -53,9 +54,11 @@ visited visit(const QByteArray &archive, const archive_limits &limits, bool othe
     visited found;
     const container_observers observers{[&found](qint64 bytes) { found.read += bytes; },
                                         [&found](qint64 bytes) { found.hashed += bytes; }};
-    const auto store = open_archive(file.fileName(), others, observers, limits);
-    store->visit(evidence_search(), [&found](const stored_file &stored, byte_stream *stream) {
+    const auto store = open_archive(file.fileName(), most_others > 0, observers, limits);
+    store->visit(evidence_search(), [&](const stored_file &stored, byte_stream *stream) {
         found.names.append(joined(stored.parts));
+        if (found.names.size() == most_others)
+            store->pass_over_others();
         QByteArray block(1 << 16, Qt::Uninitialized);
         try {
             while (const qsizetype count = stream ? stream->read(block.data(), block.size()) : 0)
@@ -88,6 +91,7 @@ private Q_SLOTS:
     void usual_limits();
     void members_are_counted();
     void ratio_is_watched();
+    void others_are_passed_over_from_a_file_on();
     void cut_in_what_is_passed_over_is_told();
     void hash_is_that_of_the_whole_file();
 };
@@ -120,19 +124,29 @@ void test_archive_store::ratio_is_watched()
     QCOMPARE(stopped.failure, u"it unpacks to more than 0 times its size, which no evidence does"_s);
 }
 
+void test_archive_store::others_are_passed_over_from_a_file_on()
+{
+    const QByteArray archive = member("a") + member("b/../SYSTEM") + member("./Library/Bluetooth/") + member("b")
+                               + member("x/Windows/System32/config/system") + member("c\xff") + QByteArray(1024, '\0');
+    const QString hive = u"x/Windows/System32/config/system"_s;
+    QCOMPARE(visit(archive, {}).names, QStringList({u"a"_s, u"Library/Bluetooth"_s, u"b"_s, hive, u"c\\xff"_s}));
+    QCOMPARE(visit(archive, {}, 1).names, QStringList({u"a"_s, hive}));
+    QCOMPARE(visit(archive, {}, 0).names, QStringList({hive}));
+}
+
 void test_archive_store::cut_in_what_is_passed_over_is_told()
 {
     const QByteArray archive = member("a", QByteArray(100'000, 'x')) + member("b") + QByteArray(1024, '\0');
-    QCOMPARE(visit(archive, {}, false).damage, QString());
-    const visited cut = visit(archive.first(50'000), {}, false);
+    QCOMPARE(visit(archive, {}, 0).damage, QString());
+    const visited cut = visit(archive.first(50'000), {}, 0);
     QVERIFY2(cut.damage.startsWith(u"truncated"_s), qPrintable(cut.damage));
 }
 
 void test_archive_store::hash_is_that_of_the_whole_file()
 {
     const QByteArray archive = member("a", QByteArray(100'000, 'x')) + QByteArray(1024, '\0') + "behind its end";
-    for (const bool others : {true, false}) {
-        const visited found = visit(archive, {}, others);
+    for (const int most_others : {1, 0}) {
+        const visited found = visit(archive, {}, most_others);
         QCOMPARE(found.sha256, sha256::of(archive));
         QCOMPARE(found.hashed, archive.size());
         QCOMPARE(found.read, archive.size());

@@ -17,6 +17,8 @@ class test_container_names : public QObject
 private Q_SLOTS:
     void name_is_taken_apart_data();
     void name_is_taken_apart();
+    void plain_names_data();
+    void plain_names();
     void names_fold_alike();
     void path_is_evidence_data();
     void path_is_evidence();
@@ -53,6 +55,45 @@ void test_container_names::name_is_taken_apart()
     const member_name name = take_apart(bytes);
     QTEST(name.danger, "danger");
     QTEST(name.parts.join(u'|'), "parts");
+}
+
+void test_container_names::plain_names_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("is_plain");
+
+    // clang-format off
+    QTest::newRow("plain")        << "./a/b 1~.db"_ba        << true;
+    QTest::newRow("folder")       << "a/b/"_ba               << true;
+    QTest::newRow("hidden")       << "a/.b"_ba               << true;
+    QTest::newRow("colon inside") << "a/b:c"_ba              << true;
+    QTest::newRow("as long as allowed") << QByteArray(4096, 'a') << true;
+    QTest::newRow("too long")     << QByteArray(4097, 'a')   << false;
+    QTest::newRow("empty")        << ""_ba                   << false;
+    QTest::newRow("dot")          << "."_ba                  << false;
+    QTest::newRow("dot last")     << "a/."_ba                << false;
+    QTest::newRow("slashes last") << "a//"_ba                << false;
+    QTest::newRow("above")        << "a/../b"_ba             << false;
+    QTest::newRow("absolute")     << "/a"_ba                 << false;
+    QTest::newRow("drive")        << "C:a"_ba                << false;
+    QTest::newRow("backslash")    << "a\\b"_ba               << false;
+    QTest::newRow("zero byte")    << QByteArray("a\0b", 3)   << false;
+    QTest::newRow("line end")     << "a\nb"_ba               << false;
+    QTest::newRow("delete")       << "a\x7f"_ba              << false;
+    QTest::newRow("no ASCII")     << "a\xc3\xa9"_ba          << false;
+    // clang-format on
+}
+
+void test_container_names::plain_names()
+{
+    QFETCH(const QByteArray, bytes);
+    QTEST(is_plain_name(bytes), "is_plain");
+    if (!is_plain_name(bytes))
+        return;
+    const member_name name = take_apart(bytes);
+    QCOMPARE(name.danger, QString());
+    QCOMPARE(name.text, QString::fromLatin1(bytes));
+    QVERIFY(name.parts.last() == name.text.split(u'/', Qt::SkipEmptyParts).last());
 }
 
 void test_container_names::names_fold_alike()
@@ -101,6 +142,10 @@ void test_container_names::path_is_evidence()
     QCOMPARE(match ? QString(match->kind->name) : QString(), kind);
     if (!match)
         return;
+    const QByteArray bytes = path.toUtf8();
+    QVERIFY(evidence_search::may_match(bytes));
+    QVERIFY(evidence_search::may_match(QByteArray(bytes + '/')));
+    QVERIFY(!evidence_search::may_match(QByteArray(bytes + "/x")));
     QTEST(match->root, "root");
     QTEST(match->target, "target");
     QTEST(match->is_a_sign, "is_a_sign");
@@ -116,6 +161,9 @@ void test_container_names::near_name_is_told()
     QVERIFY(!search.nearly_matches({u"Library"_s, u"Bluetooth"_s, name}));
     QVERIFY(!search.nearly_matches({u"Elsewhere"_s, name.toUpper()}));
     QVERIFY(!search.nearly_matches({}));
+    QVERIFY(evidence_search::may_match(QByteArray("LIBRARY/Bluetooth/" + name.toUpper().toUtf8())));
+    for (const char *other : {"", "/", "a", "Library/Bluetooth/com.apple", "SYSTE", "SYSTEM/a"})
+        QVERIFY2(!evidence_search::may_match(other), other);
 }
 
 namespace {

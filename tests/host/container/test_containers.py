@@ -274,19 +274,20 @@ class Containers(container_case):
             archive.add(folder, "dump")
         self.compare(path, "ios_tar", "archive", "tar", type="iOS_files", hashes=(other, paired))
 
-    def backup(self, name, encrypted=False, stored=True):
+    def backup(self, name, encrypted=False, stored=True, more=()):
         folder = self.folder / name
         folder.mkdir()
         index = sqlite3.connect(folder / "Manifest.db")
         index.execute("CREATE TABLE Files (fileID TEXT PRIMARY KEY, domain TEXT, relativePath TEXT, flags INTEGER, "
                       "file BLOB)")
-        for database in (other, paired):
+        for database in (other, paired, *more):
             path = "Library/Database/" + database
             number = hashlib.sha1(f"{domain}-{path}".encode()).hexdigest()
             index.execute("INSERT INTO Files VALUES (?, ?, ?, 1, NULL)", (number, domain, path))
             if stored or database == other:
                 (folder / number[:2]).mkdir(exist_ok=True)
-                shutil.copy(self.macos / "Library/Bluetooth" / database, folder / number[:2] / number)
+                content = self.macos / "Library/Bluetooth" / database
+                shutil.copy(content if content.exists() else self.log, folder / number[:2] / number)
         index.commit()
         index.close()
         (folder / "Manifest.plist").write_bytes(plistlib.dumps({"IsEncrypted": encrypted}, fmt=plistlib.FMT_BINARY))
@@ -308,6 +309,53 @@ class Containers(container_case):
         self.assertEqual(run("extract", "-i", self.backup("lacking", stored=False), "-o", case).returncode, 4)
         states = {file["path"]: file["state"] for file in self.record(case)["evidence"]}
         self.assertEqual(states["Library/Bluetooth/" + paired], "unreadable")
+
+    def test_cut_backup(self):
+        """What is behind the cut is unknown, even where the index and the databases stand before it."""
+        folder = self.backup("behind")
+        path = self.folder / "behind.tar"
+        with tarfile.open(path, "w") as archive:
+            archive.add(folder, "0000")
+            (folder / "last").write_bytes(bytes(1 << 16))
+            archive.add(folder / "last", "0001")
+        path.write_bytes(path.read_bytes()[:-(1 << 15)])
+        case = self.folder / "case_behind"
+        result = run("extract", "-i", path, "-o", case)
+        self.assertEqual(result.returncode, 4, result.stderr)
+        self.assertIn("the container cannot be read to its end", result.stderr)
+        self.assertEqual(self.rows(case), self.rows(self.of_folder))
+
+    def test_backup_with_more_than_the_usual(self):
+        """What only the index names is found too, behind and before it."""
+        leftover = other + ".12:00:00_01-31-2026.corrupt"
+        folder = self.backup("more", more=(leftover,))
+        for name, is_backwards in (("before", False), ("behind", True)):
+            path = self.folder / (name + "_more.tar.gz")
+            with tarfile.open(path, "w:gz") as archive:
+                for file in sorted((file for file in folder.rglob("*") if file.is_file()), reverse=is_backwards):
+                    archive.add(file, "dump/" + str(file.relative_to(folder)))
+            case = self.extract(path, name + "_more")
+            self.assertEqual(self.rows(case), self.rows(self.of_folder))
+            self.assertIn("Library/Bluetooth/" + leftover,
+                          [path.relative_to(case / "Source1/Evidence").as_posix()
+                           for path in (case / "Source1/Evidence").rglob("*.corrupt")])
+
+    def test_several_backups(self):
+        path = self.folder / "several.tar"
+        with tarfile.open(path, "w") as archive:
+            archive.add(self.backup("lacks", stored=False), "first")
+            archive.add(self.backup("whole"), "second")
+        for options in ((), ("-t", "ios-backup")):
+            self.refuse(path, 2, "choose one: --member first, --member second", *options)
+            self.refuse(path, 2, "there is no device log and no evidence with the name of --member: third", *options,
+                        "--member", "third")
+            name = "second" + "_".join(options)
+            case = self.extract(path, name, "--member", "second", *options)
+            self.assertEqual(self.rows(case), self.rows(self.of_folder))
+            self.assertEqual({file["origin"]["path"].split("/")[0] for file in self.record(case)["evidence"]
+                              if file["origin"]}, {"second"})
+            first = self.folder / ("case_first" + "_".join(options))
+            self.assertEqual(run("extract", "-i", path, "-o", first, "--member", "first", *options).returncode, 4)
 
     def test_sample_with_containers(self):
         sample = self.folder / "with_containers"

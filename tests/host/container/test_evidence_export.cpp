@@ -9,6 +9,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QJsonArray>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -42,6 +43,7 @@ private Q_SLOTS:
     void initTestCase();
     void files_are_hashed_before_evidence_is_taken_out();
     void archive_is_hashed_once();
+    void backup_in_an_archive_is_read_in_few_passes();
     void no_hash_where_none_is_wanted();
 
 private:
@@ -92,6 +94,32 @@ void test_evidence_export::archive_is_hashed_once()
     QCOMPARE(files.size(), 1);
     QCOMPARE(files.first()[u"sha256"_s].toString(), sha256_of_file(path));
     QCOMPARE(taken.errors, QStringList());
+}
+
+/** As many as it takes to know that it is one, and one more; where it is known, one. */
+void test_evidence_export::backup_in_an_archive_is_read_in_few_passes()
+{
+    const QString archive = folder.filePath(u"backup.tar"_s);
+    QCOMPARE(QProcess::execute(u"tar"_s, {u"-cf"_s, archive, u"-C"_s, folder.filePath(u"sample"_s), ios_backup_sample}),
+             0);
+    for (const source_kind *kind : {&ios_backup_kind, static_cast<const source_kind *>(nullptr)}) {
+        qint64 read = 0;
+        qint64 hashed = 0;
+        container_observers observers;
+        observers.read = [&read](qint64 bytes) { read += bytes; };
+        observers.hashed = [&hashed](qint64 bytes) { hashed += bytes; };
+        container_choice choice;
+        choice.path = archive;
+        choice.kind = kind;
+        const QString place = folder.filePath(u"export"_s + QString::number(++exports));
+        const exported_source taken = export_evidence(choice, {place + u"/taken"_s, place + u"/evidence"_s}, observers);
+        QCOMPARE(taken.kind, &ios_backup_kind);
+        QCOMPARE(taken.files.size(), 5);
+        for (const collected_file &file : taken.files)
+            QCOMPARE(file.objection, QString());
+        QCOMPARE(read, QFile(archive).size() * (kind ? 1 : 2));
+        QCOMPARE(hashed, QFile(archive).size());
+    }
 }
 
 void test_evidence_export::no_hash_where_none_is_wanted()
