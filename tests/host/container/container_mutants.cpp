@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-// container_mutants CONTAINER COUNT PROGRAM [FIRST]
-// Changes some bytes of the container, takes the evidence out in a process of its own, puts the bytes back, and again.
-// A mutant that brings such a process down is given to the program. Ends with 1 where that does not name it, 0
-// otherwise. A mutant is known by its number.
+// container_mutants CONTAINER FILE COUNT PROGRAM [FIRST]
+// Changes some bytes of a file of the container, takes the evidence out in a process of its own, puts the bytes back,
+// and again. A mutant that brings such a process down is given to the program. Ends with 1 where that does not name it,
+// 0 otherwise. A mutant is known by its number.
 
 #include "host/container/evidence_export.h"
+#include "host/container/sleuth_kit.h"
 
 #include <QDir>
 #include <QFile>
@@ -114,17 +115,25 @@ bool is_named_by(const QString &program, const QString &container)
 
 } // namespace
 
+/** Linked here: the file that the program loads stands beside the program alone. */
+const sleuth_kit &tsk()
+{
+    static const sleuth_kit functions;
+    return functions;
+}
+
 int main(int argc, char *argv[])
 {
-    QFile file(QFile::decodeName(argc > 3 ? argv[1] : ""));
+    QFile file(QFile::decodeName(argc > 4 ? argv[2] : ""));
     if (!file.open(QIODevice::ReadWrite)) {
-        std::fprintf(stderr, "usage: container_mutants CONTAINER COUNT PROGRAM [FIRST]\n");
+        std::fprintf(stderr, "usage: container_mutants CONTAINER FILE COUNT PROGRAM [FIRST]\n");
         return 2;
     }
+    const QString container = QFile::decodeName(argv[1]);
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // what is said is said once, and not again by a child
-    const unsigned count = unsigned(std::atoi(argv[2]));
-    const QString program = QFile::decodeName(argv[3]);
-    const unsigned first = argc > 4 ? unsigned(std::atoi(argv[4])) : 0;
+    const unsigned count = unsigned(std::atoi(argv[3]));
+    const QString program = QFile::decodeName(argv[4]);
+    const unsigned first = argc > 5 ? unsigned(std::atoi(argv[5])) : 0;
     const QList<qint64> sectors = filled_sectors(file);
     unsigned taken = 0;
     unsigned refused = 0;
@@ -134,22 +143,22 @@ int main(int argc, char *argv[])
         const QList<change> changes = mutate(file, sectors, number);
         const pid_t child = ::fork();
         if (child == 0)
-            std::exit(take_out(file.fileName()));
+            std::exit(take_out(container));
         int status = 0;
         ::waitpid(child, &status, 0);
         const bool has_code = WIFEXITED(status) && (WEXITSTATUS(status) == 0 || WEXITSTATUS(status) == refused_code);
-        const bool is_named = !has_code && is_named_by(program, file.fileName());
+        const bool is_named = !has_code && is_named_by(program, container);
         put_back(file, changes);
         if (has_code) {
             ++(WEXITSTATUS(status) == 0 ? taken : refused);
             continue;
         }
         ++(is_named ? named : down);
-        std::printf("mutant %u of %s: %s %d, %s\n", number, argv[1], WIFSIGNALED(status) ? "signal" : "code",
+        std::printf("mutant %u of %s: %s %d, %s\n", number, argv[2], WIFSIGNALED(status) ? "signal" : "code",
                     WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status),
                     is_named ? "named by the program" : "not named by the program");
     }
-    std::printf("%s: %u taken out, %u refused, %u ended a worker, %u not named\n", argv[1], taken, refused, named,
+    std::printf("%s: %u taken out, %u refused, %u ended a worker, %u not named\n", argv[2], taken, refused, named,
                 down);
     return down == 0 ? 0 : 1;
 }

@@ -2,8 +2,8 @@
 # SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 # SPDX-License-Identifier: MIT
 #
-# test_container_mutants.py PROGRAM HIVE_WRITER MUTATOR [COUNT]
-# So many mutants of each form of container (50), taken out by the function that the worker calls. One that brings that
+# test_container_mutants.py PROGRAM HIVE_WRITER MUTATOR [COUNT [FORM...]]
+# So many mutants (50) of each form of container, or of those that are named (tar, zip, apfs, …), taken out by the function that the worker calls. One that brings that
 # down, in a library, goes through the program, which has to name the source and end with 4. A few go through the program
 # besides: whatever its worker does, the program ends with a code of its own, and names the source.
 
@@ -43,8 +43,10 @@ class Mutants(unittest.TestCase):
     def tearDownClass(cls):
         test_images.Images.tearDownClass()
 
-    def torture(self, path):
-        result = subprocess.run([mutator, path, count, program], capture_output=True, text=True)
+    def torture(self, path, container=None):
+        """Changes a file, which is the container or stands in it."""
+        container = container or path
+        result = subprocess.run([mutator, container, path, count, program], capture_output=True, text=True)
         self.assertEqual(result.returncode, 0, result.stdout + result.stderr[-4000:])
         print(result.stdout.strip().splitlines()[-1], file=sys.stderr)
         content = path.read_bytes() if path.stat().st_size < 64 << 20 else None
@@ -54,9 +56,11 @@ class Mutants(unittest.TestCase):
             for _ in range(20):
                 mutant[chance.randrange(min(len(mutant), 1 << 16))] = chance.randrange(256)
             path.write_bytes(mutant)
-            result = run("inspect", path)
+            result = run("inspect", container)
             self.assertIn(result.returncode, known_codes, result.stderr)
-            self.assertTrue(result.returncode == 0 or str(path) in result.stderr, result.stderr)
+            self.assertTrue(result.returncode == 0 or str(container) in result.stderr, result.stderr)
+        if content:
+            path.write_bytes(content)
 
     def packed(self, name, content):
         path = self.folder / name
@@ -94,15 +98,23 @@ class Mutants(unittest.TestCase):
         self.torture(self.folder / "seed.cpio")
 
     def test_compressed_log(self):
-        self.torture(self.packed("seed.log.gz", gzip.compress(self.log.read_bytes())))
+        content = self.log.read_bytes()
+        for suffix, pack in (("gz", gzip.compress), ("bz2", bz2.compress), ("xz", lzma.compress)):
+            self.torture(self.packed("seed.log." + suffix, pack(content)))
+        needs("zstd")
+        tool("zstd", "-q", "-f", self.log, "-o", self.folder / "seed.log.zst")
+        self.torture(self.folder / "seed.log.zst")
 
     def test_backup(self):
         sample = self.folder / "backup_sample"
         run("sample", sample, "--image")
+        backup = sample / "ios_backup"
         path = self.folder / "backup.tar"
         with tarfile.open(path, "w") as archive:
-            archive.add(sample / "ios_backup", ".")
+            archive.add(backup, ".")
         self.torture(path)
+        self.torture(backup / "Manifest.db", backup)
+        self.torture(backup / "Manifest.plist", backup)
 
     def test_apfs(self):
         needs("mkapfs")
@@ -138,18 +150,24 @@ class Mutants(unittest.TestCase):
         tool("xorriso", "-as", "mkisofs", "-hfsplus", "-quiet", "-o", path, self.macos)
         self.torture(path)
 
-    def test_forms_of_images(self):
-        needs("qemu-img", "ewfacquirestream")
-        ext = self.folder / "forms.dd"
-        shutil.copy(self.images.ext(), ext)
-        for suffix, format in (("vmdk", "vmdk"), ("vhd", "vpc")):
-            path = self.folder / f"seed.{suffix}"
-            tool("qemu-img", "convert", "-O", format, ext, path)
-            self.torture(path)
-        with open(ext, "rb") as stream:
+    def converted(self, suffix, format):
+        needs("qemu-img")
+        path = self.folder / f"seed.{suffix}"
+        tool("qemu-img", "convert", "-O", format, self.images.ext(), path)
+        return path
+
+    def test_vmdk(self):
+        self.torture(self.converted("vmdk", "vmdk"))
+
+    def test_vhd(self):
+        self.torture(self.converted("vhd", "vpc"))
+
+    def test_ewf(self):
+        needs("ewfacquirestream")
+        with open(self.images.ext(), "rb") as stream:
             tool("ewfacquirestream", "-q", "-t", self.folder / "seed", stdin=stream)
         self.torture(self.folder / "seed.E01")
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+    unittest.main(argv=sys.argv[:1] + [f"Mutants.test_{form}" for form in sys.argv[5:]])
