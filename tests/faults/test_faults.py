@@ -162,7 +162,8 @@ class Command:
 
 
 SOURCES = ["-i", "evidence/mac", "-i", "evidence/log.txt", "-o", "case", "--jobs", "1"]
-FORMATS = [part for name in ("html", "csv", "jsonl", "timeline", "sqlite", "xlsx") for part in ("-f", name)]
+FORMATS = [part for name in ("html", "csv", "jsonl", "timeline", "sqlite", "xlsx") for part in ("-f", name)
+           if name != "xlsx" or "BLUETOOTH_LOGS_WITHOUT_WORKBOOKS" not in os.environ]
 COMMANDS = [
     Command("extract", None, ["extract", *SOURCES], ["extract", "--resume", *SOURCES]),
     Command("resume", "half", ["extract", "--resume", *SOURCES], ["extract", "--resume", *SOURCES]),

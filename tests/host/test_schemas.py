@@ -6,14 +6,19 @@
 # Cases of every kind that can be made quickly fit docs/*.schema.json, what does not fit is refused, and the lists of
 # sources that the program takes and refuses are those that their schema takes and refuses.
 
+import bz2
 import contextlib
 import copy
+import gzip
 import json
+import lzma
 import pathlib
 import shutil
 import signal
 import sqlite3
+import subprocess
 import sys
+import tarfile
 import time
 import unittest
 
@@ -27,6 +32,7 @@ from case_in_a_folder import case_in_a_folder, patience
 
 docs = pathlib.Path(__file__).resolve().parents[2] / "docs"
 waiting_plugin = sys.argv[2]
+search_path = "/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin"
 
 
 def validator(name):
@@ -165,6 +171,127 @@ class manifests(fitting_case):
                 changed = copy.deepcopy(manifest)
                 change(changed)
                 self.assertFalse(fits(changed))
+
+
+class containers(fitting_case):
+    """What a case says of containers; a build without a library has fewer kinds of them."""
+
+    def setUp(self):
+        super().setUp()
+        self.version = self.start("--version").communicate(timeout=patience)[0]
+
+    def needs(self, what, *tools):
+        if f"{what}: not in this build" in self.version:
+            self.skipTest(f"built without the library for {what}")
+        for name in tools:
+            if not shutil.which(name, path=search_path):
+                self.skipTest(f"{name} is missing")
+
+    def call(self, *command, stdin=None):
+        subprocess.run(command, cwd=self.folder, check=True, stdin=stdin, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.DEVNULL, env={"PATH": search_path})
+
+    def tar(self, name, folder, *mode):
+        with tarfile.open(self.folder / name, *mode) as archive:
+            archive.add(self.folder / folder, "dump")
+        return name
+
+    def container_of(self, source, *options):
+        """What the manifest has of the source's container; it fits, and so do the origins of the evidence."""
+        self.run_program("extract", "-i", source, "-o", "case", "--force", *options)
+        self.assertEqual(self.statuses_that_fit(), ["done"])
+        [found] = self.read("case/manifest.json")["sources"]
+        origins = [file["origin"] for file in found["evidence"] if file["state"] == "present"]
+        self.assertTrue(origins and all(origins), found["evidence"])
+        return found["container"]
+
+    def assert_is(self, container, kind, format):
+        self.assertEqual((container["kind"], container["format"]), (kind, format))
+
+    def test_archives(self):
+        self.needs("archives")
+        self.assert_is(self.container_of(self.tar("a.tar", "sample/macos", "w")), "archive", "tar")
+        packed = self.container_of(self.tar("a.tgz", "sample/macos", "w:gz"), "--no-container-hash")
+        self.assert_is(packed, "archive", "tar")
+        self.assertIsNone(packed["files"][0]["sha256"])
+        shutil.make_archive(self.folder / "a", "zip", self.folder / "sample/macos")
+        self.assert_is(self.container_of("a.zip"), "archive", "zip")
+
+    def test_other_archives(self):
+        self.needs("archives", "7z", "cpio")
+        self.call("7z", "a", "-bd", "a.7z", "sample/macos")
+        self.assert_is(self.container_of("a.7z"), "archive", "7z")
+        self.call("sh", "-c", "find sample/macos | cpio -o -H newc > a.cpio")
+        self.assert_is(self.container_of("a.cpio"), "archive", "cpio")
+
+    def test_compressed_logs(self):
+        self.needs("archives")
+        log = (self.folder / "sample/ios/system.log").read_bytes()
+        for name, pack in (("gzip", gzip.compress), ("bzip2", bz2.compress), ("xz", lzma.compress)):
+            (self.folder / name).write_bytes(pack(log))
+            self.assert_is(self.container_of(name), "compressed", name)
+
+    def test_backups_and_file_systems_of_ios(self):
+        self.run_program("sample", "more", "--image")
+        self.assert_is(self.container_of("more/ios_backup"), "backup", "folder")
+        self.assertIsNone(self.container_of("more/ios_files"))
+        self.needs("archives")
+        self.assert_is(self.container_of(self.tar("backup.tar", "more/ios_backup", "w")), "backup", "tar")
+
+    def test_images(self):
+        self.needs("images", "mke2fs", "ewfacquirestream", "qemu-img")
+        with open(self.folder / "disk.dd", "wb") as file:
+            file.truncate(8 << 20)
+        self.call("mke2fs", "-q", "-t", "ext4", "-d", "sample/macos", "-L", "Disk", "disk.dd")
+        raw = self.container_of("disk.dd")
+        self.assert_is(raw, "image", "raw")
+        self.assertEqual(raw["volume"], {"number": 1, "offset": 0, "file_system": "ext4", "name": "Disk"})
+        with open(self.folder / "disk.dd", "rb") as image:
+            self.call("ewfacquirestream", "-q", "-d", "sha1", "-t", "disk", stdin=image)
+        ewf = self.container_of("disk.E01")
+        self.assert_is(ewf, "image", "ewf")
+        self.assertIsNotNone(ewf["stored_hashes"]["md5"])
+        for format, name in (("vmdk", "vmdk"), ("vpc", "vhd")):
+            self.call("qemu-img", "convert", "-O", format, "disk.dd", "disk." + name)
+            self.assert_is(self.container_of("disk." + name), "image", name)
+
+    def test_what_does_not_fit(self):
+        self.run_program("sample", "more", "--image")
+        self.run_program("extract", "-i", "more/ios_backup", "-o", "case")
+        manifest = self.read("case/manifest.json")
+        fits = validator("manifest.schema.json").is_valid
+        self.assertTrue(fits(manifest))
+        volume = {"number": 1, "offset": 0, "file_system": None, "name": None}
+        hashes = {"md5": "0" * 32, "sha1": None}
+
+        def fits_with(source=None, **members):
+            changed = copy.deepcopy(manifest)
+            changed["sources"][0]["container"].update(members)
+            if source:
+                source(changed["sources"][0])
+            return fits(changed)
+
+        self.assertTrue(fits_with(volume=volume, stored_hashes=hashes))
+        refused = {
+            "an unknown kind": {"kind": "disk"},
+            "an unknown format": {"format": "rar"},
+            "an unknown member": {"more": 1},
+            "no files": {"files": []},
+            "a file without a path": {"files": [{"size": 1, "modified": None, "sha256": None}]},
+            "a hash that is none": {"files": [{"path": "a", "size": 1, "modified": None, "sha256": "F" * 64}]},
+            "a local time": {"files": [{"path": "a", "size": 1, "modified": "2026-01-31T12:00:00+01:00", "sha256": None}]},
+            "a stored hash that is none": {"stored_hashes": {**hashes, "md5": "0" * 31}},
+            "one stored hash": {"stored_hashes": {"md5": "0" * 32}},
+            "a volume before the first": {"volume": {**volume, "number": 0}},
+            "a volume before the image": {"volume": {**volume, "offset": -1}},
+            "a file system that nobody takes": {"volume": {**volume, "file_system": "zfs"}},
+            "no container of a path": {"source": lambda source: source.update(container={})},
+            "no word of a container": {"source": lambda source: source.pop("container")},
+            "an origin without a size": {"source": lambda source: source["evidence"][0]["origin"].pop("size")},
+        }
+        for what, members in refused.items():
+            with self.subTest(what):
+                self.assertFalse(fits_with(**members))
 
 
 class lists_of_sources(case_in_a_folder):
