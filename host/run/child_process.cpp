@@ -140,7 +140,7 @@ child_process::pipe_ends child_process::make_pipe()
     return {descriptor(ends[0]), descriptor(ends[1])};
 }
 
-void child_process::keep_own_ends(pipes &made)
+void child_process::keep_own_ends(child_pipes &made)
 {
     input = std::move(made.to_child.writing);
     output = std::move(made.from_child.reading);
@@ -149,7 +149,7 @@ void child_process::keep_own_ends(pipes &made)
 
 child_process::child_process(const QString &program, const QStringList &arguments, const QList<QByteArray> &environment)
 {
-    pipes made{make_pipe(), make_pipe(), make_pipe()};
+    child_pipes made{make_pipe(), make_pipe(), make_pipe()};
     const QByteArray file = QFile::encodeName(program);
     QList<QByteArray> texts{file};
     for (const QString &argument : arguments)
@@ -167,7 +167,7 @@ child_process::child_process(const QString &program, const QStringList &argument
 
 child_process::child_process(const std::function<int()> &work, const QList<QByteArray> &environment)
 {
-    pipes made{make_pipe(), make_pipe(), make_pipe()};
+    child_pipes made{make_pipe(), make_pipe(), make_pipe()};
     std::vector<char *> variables = pointers(environment);
     std::fflush(nullptr); // what was said is not said again by the copy
     process = ::fork();

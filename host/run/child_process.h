@@ -61,7 +61,7 @@ private:
         descriptor reading;
         descriptor writing;
     };
-    struct pipes
+    struct child_pipes
     {
         pipe_ends to_child;
         pipe_ends from_child;
@@ -69,7 +69,7 @@ private:
     };
 
     static pipe_ends make_pipe();
-    void keep_own_ends(pipes &made);
+    void keep_own_ends(child_pipes &made);
 
     pid_t process = -1;
     descriptor input;
