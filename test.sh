@@ -12,4 +12,5 @@ source scripts/browser_tests.sh
 set_up "${debian_test_packages[@]}"
 set_up_browser_tests
 build release
+use_memory_for_tests
 ctest --preset release "$@"

@@ -4,6 +4,7 @@
 # A folder's sources are one translation unit where this is on, which takes a third of the time; without it each source
 # shows that it stands alone.
 option(BLUETOOTH_LOGS_JOINED_SOURCES "Compile the sources of a folder together" OFF)
+option(BLUETOOTH_LOGS_JOINED_TESTS "Compile the tests of a folder together" "${BLUETOOTH_LOGS_JOINED_SOURCES}")
 
 # Whether a sanitizer watches: its memory and its ends are not the program's.
 string(FIND "${CMAKE_CXX_FLAGS}" "sanitize=" at)

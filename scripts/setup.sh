@@ -104,3 +104,24 @@ build() {
     shift
     quietly cmake --preset "$preset" && quietly cmake --build --preset "$preset" "$@"
 }
+
+# What tests write has to outlast nothing, but they wait for the disk to have it: from here on temporary files stand in
+# memory, where the system has a folder of it that is large enough and runs programs. A TMPDIR that is set stays.
+use_memory_for_tests() {
+    local least_kib=$((4 << 20)) available folder
+    available=$(df --output=avail /dev/shm 2>/dev/null | tail -n 1)
+    if [ -n "${TMPDIR:-}" ] || [ "${available:-0}" -lt "$least_kib" ] || ! folder=$(mktemp -d /dev/shm/tests.XXXXXX); then
+        return 0
+    fi
+    export TMPDIR=$folder
+    trap 'rm -rf "$TMPDIR"' EXIT
+    printf '#!/bin/sh\n' >"$folder/program"
+    chmod +x "$folder/program"
+    if "$folder/program" 2>/dev/null; then
+        rm "$folder/program"
+    else
+        unset TMPDIR
+        trap - EXIT
+        rm -rf "$folder"
+    fi
+}

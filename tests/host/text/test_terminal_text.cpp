@@ -82,6 +82,10 @@ void test_terminal_text::text()
 void test_terminal_text::nothing_that_acts_gets_through()
 {
     for (char32_t character = 0; character <= 0x10ffff; ++character) {
+        if (character == 0x40000) // nothing is assigned from here to the tags
+            character = 0xe0000;
+        if (character == 0xe1000) // one plane of private characters is like the other
+            character = 0xfff00;
         const QString shown = terminal_text(u'a' + QString::fromUcs4(&character, 1) + u'b').to_string();
         const QList<uint> characters = shown.toUcs4();
         for (const uint value : characters) {
