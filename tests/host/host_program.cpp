@@ -3,6 +3,8 @@
 
 #include "tests/host/host_program.h"
 
+#include "tests/support/file_content.h"
+
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
@@ -135,6 +137,16 @@ host_result host_program::finish(QProcess &process)
     result.output = QString::fromUtf8(process.readAllStandardOutput());
     result.errors = QString::fromUtf8(process.readAllStandardError());
     return result;
+}
+
+QList<qint64> host_program::children_of(const QProcess &process)
+{
+    const QString number = QString::number(process.processId());
+    QList<qint64> children;
+    for (const QByteArray &child :
+         content_of(u"/proc/"_s + number + u"/task/"_s + number + u"/children"_s).simplified().split(' '))
+        children.append(child.toLongLong());
+    return children;
 }
 
 QString host_program::without_manifest(const QString &output)

@@ -5,6 +5,7 @@
 #define TESTS_HOST_HOST_PROGRAM_H
 
 #include <QJsonObject>
+#include <QList>
 #include <QMap>
 #include <QProcess>
 #include <QString>
@@ -60,6 +61,9 @@ public:
     /** Starts the program and leaves it running. */
     void start(QProcess &process, const QStringList &arguments) const;
     static host_result finish(QProcess &process);
+
+    /** The processes that the program made, and that still run; of systems with /proc. */
+    static QList<qint64> children_of(const QProcess &process);
 
     /** What "extract" printed, without its last line, which is the manifest's hash. Ends the test program without. */
     static QString without_manifest(const QString &output);

@@ -29,17 +29,6 @@ constexpr int longest = 60000; // milliseconds; one that hangs takes for ever
 const QString slow_column =
     u"length(hex(zeroblob(150000000 + length(uuid))))"_s; // of the row: a constant is reckoned once
 
-/** The processes that a process made, and that still run. */
-QList<qint64> children_of(qint64 process)
-{
-    const QString number = QString::number(process);
-    QList<qint64> children;
-    for (const QByteArray &child :
-         content_of(u"/proc/"_s + number + u"/task/"_s + number + u"/children"_s).simplified().split(' '))
-        children.append(child.toLongLong());
-    return children;
-}
-
 /** The value of a line of /proc/PROCESS/status. */
 QByteArray status_of(qint64 process, const QByteArray &name)
 {
@@ -292,7 +281,7 @@ void test_foreign_case::hangup_that_is_ignored()
                           u"case"_s, u"-f"_s, u"jsonl"_s, u"-o"_s, u"report"_s});
     process.start();
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(host.path(u"report/devices.jsonl.new"_s)), longest);
-    for (const qint64 child : children_of(process.processId()))
+    for (const qint64 child : host_program::children_of(process))
         QCOMPARE(::kill(pid_t(child), SIGHUP), 0);
     QCOMPARE(::kill(pid_t(process.processId()), SIGHUP), 0);
     host_program::finish(process);
@@ -340,7 +329,7 @@ void test_foreign_case::signal()
     QFETCH(QString, file);
     QProcess process;
     start_report(process, format, file);
-    const QList<qint64> children = children_of(process.processId());
+    const QList<qint64> children = host_program::children_of(process);
     QCOMPARE(::kill(pid_t(process.processId()), signal), 0);
     const host_result result = host_program::finish(process);
     QCOMPARE(result.exit_code, 130);
@@ -354,7 +343,7 @@ void test_foreign_case::killed_program()
 {
     QProcess process;
     start_report(process);
-    const QList<qint64> children = children_of(process.processId());
+    const QList<qint64> children = host_program::children_of(process);
     QCOMPARE(children.size(), 1);
     process.kill();
     QVERIFY(process.waitForFinished(longest));
@@ -379,7 +368,7 @@ void test_foreign_case::process_that_reads()
     QFETCH(QString, message);
     QProcess process;
     start_report(process);
-    const QList<qint64> children = children_of(process.processId());
+    const QList<qint64> children = host_program::children_of(process);
     QCOMPARE(children.size(), 1);
     QCOMPARE(status_of(children.first(), "NoNewPrivs"), "1");
     QCOMPARE(status_of(children.first(), "Seccomp"), "2");

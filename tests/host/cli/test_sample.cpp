@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "common/property_list/property_list_file.h"
 #include "host/sample/sample_parts.h"
 #include "tests/host/host_program.h"
+#include "tests/support/file_content.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -10,6 +12,7 @@
 #include <QCryptographicHash>
 #include <QDirIterator>
 #include <QFile>
+#include <QJsonDocument>
 #include <QMap>
 #include <QTest>
 
@@ -21,6 +24,8 @@ class test_sample : public strict_test
 
 private Q_SLOTS:
     void two_runs_write_the_same_bytes();
+    void content_stays_what_it_was_data();
+    void content_stays_what_it_was();
     void every_file_is_there();
     void containers_are_there_on_request();
     void databases_have_the_real_layout_data();
@@ -53,7 +58,99 @@ QMap<QString, QByteArray> hashes(const QString &folder)
     return result;
 }
 
+using content_function = QByteArray (*)(const host_program &host);
+
+QByteArray rows_of(const QString &file, const QString &table, const QStringList &columns)
+{
+    return sqlite_file(file).quoted_rows(table, columns).join(u'\n').toUtf8();
+}
+
+/** Of a database in the folder, every value; of names the bytes. */
+QByteArray devices_in(const QString &folder)
+{
+    QByteArray rows;
+    for (const auto &[file, table] :
+         {std::pair(u"other"_s, u"OtherDevices"_s), std::pair(u"paired"_s, u"PairedDevices"_s)})
+        rows += rows_of(folder + u"com.apple.MobileBluetooth.ledevices."_s + file + u".db"_s, table,
+                        {u"Uuid"_s, u"hex(CAST(Name AS BLOB))"_s, u"NameOrigin"_s, u"Address"_s, u"ResolvedAddress"_s,
+                         u"LastSeenTime"_s, u"LastConnectionTime"_s, u"GATTServiceChangeConfig"_s, u"Tags"_s,
+                         u"iCloudIdentifier"_s});
+    return rows;
+}
+
+QByteArray bytes_of_sample(const host_program &host, const QString &file)
+{
+    return content_of(host.path(u"sample/"_s + file));
+}
+
+QString macos_folder(const host_program &host)
+{
+    return host.path(u"sample/macos/Library/Bluetooth/"_s);
+}
+
+/** Without what the logs change. */
+QByteArray main_files(const host_program &host)
+{
+    for (const QString &name : {u"other"_s, u"paired"_s})
+        QFile::remove(macos_folder(host) + u"com.apple.MobileBluetooth.ledevices."_s + name + u".db-wal"_s);
+    return devices_in(macos_folder(host));
+}
+
+QByteArray preferences(const host_program &host)
+{
+    const QVariant list = read_property_list(
+        host.path(u"sample/macos/Library/Preferences/com.apple.Bluetooth.plist"_s));
+    return QJsonDocument::fromVariant(list).toJson();
+}
+
+/** Where each file of the backup belongs. */
+QByteArray backup_index(const host_program &host)
+{
+    return rows_of(host.path(u"sample/ios_backup/Manifest.db"_s), u"Files"_s,
+                   {u"fileID"_s, u"domain"_s, u"relativePath"_s, u"flags"_s, u"file"_s});
+}
+
 } // namespace
+
+Q_DECLARE_METATYPE(content_function)
+
+void test_sample::content_stays_what_it_was_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<content_function>("content");
+    QTest::addColumn<QByteArray>("sha256");
+
+    const QStringList image{u"--image"_s};
+    const QStringList hostile{u"--hostile"_s};
+    using host = host_program;
+    // clang-format off
+    QTest::newRow("readme")       << QStringList() << content_function([](const host &that) { return bytes_of_sample(that, u"README.txt"_s); }) << QByteArray("2aef7b7b4e37096b");
+    QTest::newRow("readme of containers") << image << content_function([](const host &that) { return bytes_of_sample(that, u"README.txt"_s); }) << QByteArray("7081a9f1b1cc47f4");
+    QTest::newRow("log")          << QStringList() << content_function([](const host &that) { return bytes_of_sample(that, u"ios/system.log"_s); }) << QByteArray("2409892523137a88");
+    QTest::newRow("main files")   << QStringList() << content_function(main_files) << QByteArray("135780360ff322aa");
+    QTest::newRow("databases with their logs") << QStringList() << content_function([](const host &that) { return devices_in(macos_folder(that)); }) << QByteArray("670f8248d7d51ad5");
+    QTest::newRow("hostile names") << hostile      << content_function([](const host &that) { return devices_in(macos_folder(that)); }) << QByteArray("c0cffbab24c97ca1");
+    QTest::newRow("preferences")  << QStringList() << content_function(preferences) << QByteArray("c23542daa884d344");
+    QTest::newRow("Windows")      << QStringList() << content_function([](const host &that) { return bytes_of_sample(that, u"windows/Windows/System32/config/SOFTWARE"_s); }) << QByteArray("ad829fd52eb78dbf");
+    QTest::newRow("index of the backup") << image  << content_function(backup_index) << QByteArray("61dff5cf93fa5ee1");
+    QTest::newRow("properties of the backup") << image << content_function([](const host &that) { return bytes_of_sample(that, u"ios_backup/Manifest.plist"_s); }) << QByteArray("7e61ff4558aecb21");
+    QTest::newRow("list in the backup") << image   << content_function([](const host &that) { return bytes_of_sample(that, u"ios_backup/35/3563f4a234af8c67a8a6a664d5e70fa131739c2f"_s); }) << QByteArray("04dd8c7d5bdc7f69");
+    QTest::newRow("databases of the file system") << image << content_function([](const host &that) { return devices_in(that.path(u"sample/ios_files/private/var/containers/Shared/SystemGroup/5A3C9E10-7B42-4D8F-9C11-0E6D2A7F4B38/Library/Database/"_s)); }) << QByteArray("670f8248d7d51ad5");
+    // clang-format on
+}
+
+/** Every value is the same in each version: whoever compares two of them with samples sees their differences alone. */
+void test_sample::content_stays_what_it_was()
+{
+    QFETCH(const QStringList, options);
+    QFETCH(const content_function, content);
+    QFETCH(const QByteArray, sha256);
+    const host_program host;
+    QCOMPARE(host.run(QStringList{u"sample"_s, u"sample"_s} + options).exit_code, 0);
+    const QByteArray found = content(host);
+    QVERIFY(found.size() > 50);
+    QCOMPARE(QCryptographicHash::hash(found, QCryptographicHash::Sha256).toHex().first(16), sha256);
+}
 
 void test_sample::two_runs_write_the_same_bytes()
 {

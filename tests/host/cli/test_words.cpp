@@ -22,6 +22,10 @@ class test_words : public strict_test
 private Q_SLOTS:
     void refusal_data();
     void refusal();
+    void ranges_of_numbers_data();
+    void ranges_of_numbers();
+    void limits_of_reading_data();
+    void limits_of_reading();
     void refusal_through_the_program();
     void help_is_found_data();
     void help_is_found();
@@ -115,6 +119,33 @@ void test_words::refusal_data()
     QTest::newRow("empty plug-in")     << (extract(u"--plugin"_s) << u""_s)     << u"--plugin is an empty path"_s;
     QTest::newRow("empty sample")      << QStringList{u"sample"_s, u""_s}       << u"DIR is an empty path"_s;
     QTest::newRow("empty shown case")  << QStringList{u"show"_s, u""_s}         << u"CASE is an empty path"_s;
+    QTest::newRow("zone, minutes")     << extract(u"--timezone-offset +05:60"_s) << u"--timezone-offset: must look like +05:30, -08:00 or 19800, and not be +05:60"_s;
+    QTest::newRow("log of no size")    << extract(u"--max-log 0"_s)             << u"--max-log: must be a number above 0, and not be 0"_s;
+    QTest::newRow("log of words")      << extract(u"--max-log many"_s)          << u"--max-log: must be a number above 0, and not be many"_s;
+    QTest::newRow("log beyond all")    << extract(u"--max-log 1048577"_s)       << u"--max-log: must be a number above 0, and not be 1048577"_s;
+    QTest::newRow("two ways")          << extract(u"--sources l.json"_s)        << u"--input and --sources are two ways to say the same: use one of them"_s;
+    for (const char *option : {"-t macos", "--source-number 1", "--volume 1", "--member m"})
+        QTest::newRow(option) << QString(u"extract --sources l.json -o c "_s + QLatin1StringView(option)).split(u' ')
+                              << u"--type, --source-number, --volume and --member go with --input; in the file of --sources each source has its own"_s;
+    QTest::newRow("volume of two")     << extract(u"-i t --volume 1"_s)         << u"--volume and --member are for one source; several are told them by --sources"_s;
+    QTest::newRow("member of two")     << extract(u"-i t --member m"_s)         << u"--volume and --member are for one source; several are told them by --sources"_s;
+    QTest::newRow("number of two")     << extract(u"-i t --source-number 4"_s)  << u"--source-number is for one source; several are numbered in their order, or by --sources"_s;
+    for (const char *option : {"--force --resume", "--force --add", "--resume --add"})
+        QTest::newRow(option) << extract(QLatin1StringView(option)) << u"--force, --resume and --add exclude each other"_s;
+    for (const char *option : {"--only 1 --resume", "--only 1 --add"})
+        QTest::newRow(option) << extract(QLatin1StringView(option)) << u"--only works on one source of the case; --resume and --add are for the whole"_s;
+    QTest::newRow("file of no table")  << QStringList{u"show"_s, u"c"_s, u"-f"_s, u"csv"_s} << u"--format: it needs --table"_s;
+    for (const QString &option : {u"--rows 1"_s, u"--layout table"_s})
+        QTest::newRow(qPrintable(option)) << QString(u"show c -f csv --table devices "_s + option).split(u' ')
+                                          << u"--format: a program gets all rows: --rows and --layout are for readers"_s;
+    QTest::newRow("file for nobody")   << QStringList{u"show"_s, u"c"_s, u"-f"_s, u"html"_s} << u"--format: html is none of csv, tsv, jsonl"_s;
+    QTest::newRow("shown table")       << QStringList{u"show"_s, u"c"_s, u"--table"_s, u"x"_s} << u"--table: x is none of devices, paired_devices, host_devices"_s;
+    QTest::newRow("report's format")   << QStringList{u"report"_s, u"c"_s, u"-f"_s, u"pdf"_s} << u"--format: pdf is none of html, timeline, sqlite, xlsx, csv, tsv, jsonl"_s;
+    QTest::newRow("zone of logs")      << QStringList{u"report"_s, u"c"_s, u"--log-zone"_s, u"+2:00"_s} << u"--log-zone: +2:00 is no zone like +02:00"_s;
+    QTest::newRow("zone of no place")  << QStringList{u"report"_s, u"c"_s, u"--log-zone"_s, u"+20:00"_s} << u"--log-zone: +20:00 is no zone like +02:00"_s;
+    QTest::newRow("epoch")             << QStringList{u"report"_s, u"c"_s, u"--mobile-epoch"_s, u"1904"_s} << u"--mobile-epoch: 1904 is none of 1970, 2001"_s;
+    QTest::newRow("short hash")        << QStringList{u"verify"_s, u"c"_s, u"--manifest-sha256"_s, u"abc"_s} << u"--manifest-sha256: abc is no SHA-256 of 64 hexadecimal digits"_s;
+    QTest::newRow("place of no source") << QStringList{u"verify"_s, u"c"_s, u"--evidence"_s, u"/new"_s} << u"--evidence: must look like 3=/new/place, and not be /new"_s;
     QTest::newRow("note of nothing")   << note(u"c --device b4c26a7fd37a"_s)    << nothing_asked;
     QTest::newRow("note by somebody")  << note(u"c --by A"_s)                   << nothing_asked;
     QTest::newRow("noted and listed")  << note(u"c --device b4c26a7fd37a --flag --list"_s) << nothing_asked;
@@ -142,6 +173,77 @@ void test_words::refusal()
     QVERIFY(line.problem && !line.command);
     QCOMPARE(line.problem->message(), message);
     QCOMPARE(exit_code_of(line.problem->kind()), exit_code::usage);
+}
+
+void test_words::ranges_of_numbers_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<qint64>("least");
+    QTest::addColumn<qint64>("most");
+
+    const QString extract = u"extract -i s -o c"_s;
+    constexpr qint64 most_mebibytes = 1073741824;
+    constexpr qint64 most_seconds = 1073741824;
+    // clang-format off
+    QTest::newRow("volume")          << extract      << u"--volume"_s        << qint64(1)    << qint64(1000000);
+    QTest::newRow("number")          << extract      << u"--source-number"_s << qint64(0)    << qint64(1000000);
+    QTest::newRow("one source")      << extract      << u"--only"_s          << qint64(1)    << qint64(1000000);
+    QTest::newRow("jobs")            << extract      << u"--jobs"_s          << qint64(1)    << qint64(1024);
+    QTest::newRow("largest database") << extract     << u"--max-database"_s  << qint64(1)    << most_mebibytes;
+    QTest::newRow("memory")          << extract      << u"--memory-limit"_s  << qint64(128)  << most_mebibytes;
+    QTest::newRow("time")            << extract      << u"--timeout"_s       << qint64(1)    << most_seconds;
+    QTest::newRow("note")            << u"note c"_s  << u"--remove"_s        << qint64(1)    << qint64(1000000000);
+    QTest::newRow("year")            << u"report c"_s << u"--log-year"_s     << qint64(1970) << qint64(9999);
+    QTest::newRow("shown source")    << u"show c"_s  << u"--source"_s        << qint64(0)    << qint64(9999999);
+    QTest::newRow("shown rows")      << u"show c"_s  << u"--rows"_s          << qint64(0)    << (qint64(1) << 53);
+    // clang-format on
+}
+
+void test_words::ranges_of_numbers()
+{
+    QFETCH(const QString, command);
+    QFETCH(const QString, option);
+    QFETCH(const qint64, least);
+    QFETCH(const qint64, most);
+    const auto problem_with = [&](qint64 number) {
+        const command_line line = parsed(command.split(u' ') + QStringList{option, QString::number(number)});
+        return line.problem ? line.problem->message() : QString();
+    };
+    const QString range = u" is no number from %1 to %2"_s.arg(least).arg(most);
+    QCOMPARE(problem_with(least), QString());
+    QCOMPARE(problem_with(most), QString());
+    QCOMPARE(problem_with(least - 1), QString(option + u": "_s + QString::number(least - 1) + range));
+    QCOMPARE(problem_with(most + 1), QString(option + u": "_s + QString::number(most + 1) + range));
+}
+
+/** In what a stranger's case is read: memory, time, and where may be written. */
+void test_words::limits_of_reading_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<qint64>("memory");
+    QTest::addColumn<qint64>("timeout");
+    QTest::addColumn<QStringList>("writable");
+
+    // clang-format off
+    QTest::newRow("show")             << QStringList{u"show"_s, u"/c"_s}    << qint64(2048) << qint64(0)    << QStringList();
+    QTest::newRow("show, limited")    << QStringList{u"show"_s, u"/c"_s, u"--memory-limit"_s, u"200"_s, u"--timeout"_s, u"7"_s} << qint64(200) << qint64(7) << QStringList();
+    QTest::newRow("verify")           << QStringList{u"verify"_s, u"/c"_s}  << qint64(2048) << qint64(0)    << QStringList();
+    QTest::newRow("verify, recorded") << QStringList{u"verify"_s, u"/c"_s, u"--record"_s, u"/d/r.json"_s} << qint64(2048) << qint64(0) << QStringList{u"/d"_s};
+    QTest::newRow("collect")          << QStringList{u"collect"_s, u"/c"_s} << qint64(2048) << qint64(3600) << QStringList{u"/c"_s};
+    QTest::newRow("report")           << QStringList{u"report"_s, u"/c"_s}  << qint64(2048) << qint64(3600) << QStringList{u"/c/Report"_s};
+    QTest::newRow("report elsewhere") << QStringList{u"report"_s, u"/c"_s, u"-o"_s, u"/d"_s} << qint64(2048) << qint64(3600) << QStringList{u"/d"_s};
+    // clang-format on
+}
+
+void test_words::limits_of_reading()
+{
+    QFETCH(const QStringList, arguments);
+    const command_line line = parsed(arguments);
+    QVERIFY(line.reading && line.command);
+    QTEST(line.reading->memory, "memory");
+    QTEST(line.reading->timeout, "timeout");
+    QTEST(line.reading->writable, "writable");
 }
 
 void test_words::refusal_through_the_program()

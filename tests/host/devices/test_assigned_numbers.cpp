@@ -16,6 +16,9 @@ class test_assigned_numbers : public strict_test
 private Q_SLOTS:
     void classes_data();
     void classes();
+    void minor_classes_data();
+    void minor_classes();
+    void every_service();
     void versions_data();
     void versions();
 };
@@ -61,17 +64,56 @@ void test_assigned_numbers::classes()
     QCOMPARE(QString(decoded.services.join(u", "_s) + u"; "_s + decoded.major + u"; "_s + decoded.minor), words);
 }
 
+void test_assigned_numbers::minor_classes_data()
+{
+    QTest::addColumn<qint64>("number"); // of the first one
+    QTest::addColumn<qint64>("step");   // to the next one
+    QTest::addColumn<QString>("words"); // major: minors
+
+    // clang-format off
+    QTest::newRow("miscellaneous") << qint64(0x000) << qint64(4)  << u"Miscellaneous: "_s;
+    QTest::newRow("computers")     << qint64(0x100) << qint64(4)  << u"Computer: Uncategorized, Desktop workstation, Server-class computer, Laptop, Handheld PC/PDA (clamshell), Palm-size PC/PDA, Wearable computer (watch size), Tablet"_s;
+    QTest::newRow("phones")        << qint64(0x200) << qint64(4)  << u"Phone: Uncategorized, Cellular, Cordless, Smartphone, Wired modem, Common ISDN access"_s;
+    QTest::newRow("access points") << qint64(0x300) << qint64(32) << u"LAN/Network access point: Fully available, 1% to 17% utilized, 17% to 33% utilized, 33% to 50% utilized, 50% to 67% utilized, 67% to 83% utilized, 83% to 99% utilized, No service available"_s;
+    QTest::newRow("audio, video")  << qint64(0x400) << qint64(4)  << u"Audio/Video: Uncategorized, Wearable headset, Hands-free, , Microphone, Loudspeaker, Headphones, Portable audio, Car audio, Set-top box, HiFi audio, VCR, Video camera, Camcorder, Video monitor, Video display and loudspeaker, Video conferencing, , Gaming/Toy"_s;
+    QTest::newRow("input devices") << qint64(0x500) << qint64(64) << u"Peripheral: Uncategorized, Keyboard, Pointing device, Combo keyboard/pointing device"_s;
+    QTest::newRow("peripherals")   << qint64(0x500) << qint64(4)  << u"Peripheral: Uncategorized, Joystick, Gamepad, Remote control, Sensing device, Digitizer tablet, Card reader, Digital pen, Handheld scanner, Handheld gestural input device"_s;
+    QTest::newRow("imaging")       << qint64(0x610) << qint64(16) << u"Imaging: Display, Camera, Display+Camera, Scanner, Display+Scanner, Camera+Scanner, Display+Camera+Scanner, Printer"_s;
+    QTest::newRow("wearables")     << qint64(0x700) << qint64(4)  << u"Wearable: , Wristwatch, Pager, Jacket, Helmet, Glasses, Pin"_s;
+    QTest::newRow("toys")          << qint64(0x800) << qint64(4)  << u"Toy: , Robot, Vehicle, Doll/Action figure, Controller, Game"_s;
+    QTest::newRow("health")        << qint64(0x900) << qint64(4)  << u"Health: Undefined, Blood pressure monitor, Thermometer, Weighing scale, Glucose meter, Pulse oximeter, Heart/Pulse rate monitor, Health data display, Step counter, Body composition analyzer, Peak flow monitor, Medication monitor, Knee prosthesis, Ankle prosthesis, Generic health manager, Personal mobility device"_s;
+    // clang-format on
+}
+
+void test_assigned_numbers::minor_classes()
+{
+    QFETCH(const qint64, number);
+    QFETCH(const qint64, step);
+    QFETCH(const QString, words);
+    QStringList minors;
+    for (qsizetype i = 0; i <= words.count(u", "_s); ++i)
+        minors.append(class_of_device(number + i * step).minor.replace(u", "_s, u"+"_s));
+    QCOMPARE(QString(class_of_device(number).major + u": "_s + minors.join(u", "_s)), words);
+}
+
+void test_assigned_numbers::every_service()
+{
+    QCOMPARE(class_of_device(0xFFE000).services,
+             QStringList({u"Limited Discoverable Mode"_s, u"LE audio"_s, u"Positioning"_s, u"Networking"_s,
+                          u"Rendering"_s, u"Capturing"_s, u"Object Transfer"_s, u"Audio"_s, u"Telephony"_s,
+                          u"Information"_s}));
+}
+
 void test_assigned_numbers::versions_data()
 {
     QTest::addColumn<qint64>("number");
     QTest::addColumn<QString>("version");
 
-    QTest::newRow("first") << qint64(0) << u"1.0b"_s;
-    QTest::newRow("2.1") << qint64(4) << u"2.1 + EDR"_s;
-    QTest::newRow("4.0") << qint64(6) << u"4.0"_s;
-    QTest::newRow("5.0") << qint64(9) << u"5.0"_s;
-    QTest::newRow("5.3") << qint64(12) << u"5.3"_s;
-    QTest::newRow("last") << qint64(14) << u"6.0"_s;
+    const QStringList names{u"1.0b"_s,     u"1.1"_s, u"1.2"_s, u"2.0 + EDR"_s, u"2.1 + EDR"_s,
+                            u"3.0 + HS"_s, u"4.0"_s, u"4.1"_s, u"4.2"_s,       u"5.0"_s,
+                            u"5.1"_s,      u"5.2"_s, u"5.3"_s, u"5.4"_s,       u"6.0"_s};
+    for (const QString &name : names)
+        QTest::newRow(qPrintable(name)) << qint64(names.indexOf(name)) << name;
     QTest::newRow("not assigned") << qint64(15) << QString();
     QTest::newRow("negative") << qint64(-1) << QString();
 }

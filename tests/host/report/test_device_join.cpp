@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/report/join/device_join.h"
+#include "tests/host/report/joined_rows.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
@@ -30,15 +31,8 @@ device_appearance seen(int source, const char *name, const char *uuid, const cha
 /** "a+b by public_address b4:…; c": the devices that several sources know first say what joined them. */
 QString joined_text(const appearances &rows)
 {
-    device_join join;
-    for (const device_appearance &row : rows)
-        join.learn(row);
-    device_numbers numbers(join);
-    joined_device_list devices(join);
-    for (const device_appearance &row : rows)
-        devices.add(row, numbers.next(row));
     QStringList texts;
-    for (const joined_device &device : devices.devices()) {
+    for (const joined_device &device : joined_rows(rows)) {
         QStringList names;
         for (const device_appearance &appearance : device.appearances)
             names.append(QString::fromUtf8(appearance.name));

@@ -66,6 +66,42 @@ QStringList texts_of(const source_record &record)
     return texts;
 }
 
+/** As they are printed: "error: …". */
+QStringList said(const source_record &record)
+{
+    QStringList texts;
+    for (const run_message &message : record.messages)
+        texts.append(weight_name(message.importance) + u": "_s + message.text);
+    return texts;
+}
+
+/** The state of a file of the evidence that is there beside the databases. */
+void add_file(worker_report &report, const QString &path, const QString &reason = {})
+{
+    evidence_file file = whole_file(path);
+    file.reason = reason;
+    report.inspected->evidence.files.append(file);
+}
+
+/** A source whose two tables hold @p rows rows each, all of them counted alike. */
+void make_ios(source_request &request, worker_report &report, qint64 rows)
+{
+    request.source.kind = &ios_uid_kind;
+    request.source.log_file = u"/evidence/system.log"_s;
+    report.inspected->evidence.files = {whole_file(u"system.log"_s)};
+    report.inspected->rows = {{u"devices"_s, {}, {}, rows}, {u"paired_devices"_s, {}, {}, rows}};
+    report.announced = {{u"devices"_s, rows}, {u"paired_devices"_s, rows}};
+}
+
+/** Its tables are never announced. */
+void make_windows(source_request &request, worker_report &report)
+{
+    request.source.kind = &winos_kind;
+    report.inspected->evidence.files.clear();
+    report.inspected->rows = {{u"devices"_s, 0, {}, 0}, {u"paired_devices"_s, 0, {}, 0}};
+    report.announced.clear();
+}
+
 outcome_code code_of(const source_record &record)
 {
     return outcome_code(record.exit_code.value_or(-1));
@@ -99,10 +135,10 @@ void test_source_outcome::verdict_data()
     QTest::addColumn<QStringList>("messages");
 
     const QString lost =
-        u"the plug-in's log, plugin.log, does not hold all that the plug-in wrote into it: failures may be missing there"_s;
+        u"error: the plug-in's log, plugin.log, does not hold all that the plug-in wrote into it: failures may be missing there"_s;
     const auto rows = [](const QString &table, const QString &found, const QString &announced, const QString &stored) {
         return QString(
-            u"the rows of the table %1 do not agree: %2 found in the evidence, %3 announced by the plug-in, %4 stored in the result"_s
+            u"error: the rows of the table %1 do not agree: %2 found in the evidence, %3 announced by the plug-in, %4 stored in the result"_s
                 .arg(table, found, announced, stored));
     };
     const QString other = QString(macos_database_folder) + other_devices_database.file_name;
@@ -136,74 +172,154 @@ void test_source_outcome::verdict_data()
         << outcome_code::partial << partial << QStringList{lost};
     QTest::newRow("log without its end")
         << deviation([](source_request &, worker_report &report) { report.extracted->is_last = false; })
-        << outcome_code::partial << partial << QStringList{u"the plug-in's log has no line that ends it: the plug-in stopped early"_s};
+        << outcome_code::partial << partial << QStringList{u"error: the plug-in's log has no line that ends it: the plug-in stopped early"_s};
     QTest::newRow("failures in the log")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.failures = {{u"a row could not be written: x"_s, 3, true}, {u"y"_s, 1, false}}; })
-        << outcome_code::partial << partial << QStringList{u"a row could not be written: x (3 times)"_s, u"y"_s};
+        << outcome_code::partial << partial << QStringList{u"warning: a row could not be written: x (3 times)"_s, u"warning: y"_s};
     QTest::newRow("more failures than are shown")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.failures = {{u"a"_s, 1, false}, {u"b"_s, 1, false}, {u"c"_s, 1, false}, {u"d"_s, 1, false}, {u"e"_s, 1, false}, {u"f"_s, 1, false}}; })
-        << outcome_code::partial << partial << QStringList{u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s, u"1 more kinds of failure are in the plug-in's log"_s};
+        << outcome_code::partial << partial << QStringList{u"warning: a"_s, u"warning: b"_s, u"warning: c"_s, u"warning: d"_s, u"warning: e"_s, u"warning: 1 more kinds of failure are in the plug-in's log"_s};
     QTest::newRow("rows that cannot be counted")
         << deviation([](source_request &, worker_report &report) { report.inspected->problems = {u"the rows of x cannot be counted: y"_s}; })
-        << outcome_code::partial << partial << QStringList{u"the rows of x cannot be counted: y"_s};
+        << outcome_code::partial << partial << QStringList{u"error: the rows of x cannot be counted: y"_s};
     QTest::newRow("rows that cannot be counted, and all else agrees")
         << deviation([](source_request &, worker_report &report) { report.inspected->problems = {u"the rows of x cannot be counted: y"_s};
                                                                    report.inspected->rows[0] = {u"devices"_s, {}, {}, 0}; report.announced[u"devices"_s] = 0; })
-        << outcome_code::partial << partial << QStringList{u"the rows of x cannot be counted: y"_s};
+        << outcome_code::partial << partial << QStringList{u"error: the rows of x cannot be counted: y"_s};
     QTest::newRow("crash")
         << deviation([](source_request &, worker_report &report) { report.end.signal = SIGSEGV; report.extracted.reset(); report.announced.clear(); report.inspected->rows[0].stored = 0; report.inspected->rows[1].stored = 0; })
-        << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGSEGV"_s,
+        << outcome_code::partial << crashed << QStringList{u"error: crashed: the process that runs the plug-in ended with SIGSEGV"_s,
             rows(u"devices"_s, u"5"_s, u"an unknown number"_s, u"0"_s), rows(u"paired_devices"_s, u"2"_s, u"an unknown number"_s, u"0"_s)};
     QTest::newRow("crash after all was done")
         << deviation([](source_request &, worker_report &report) { report.end.signal = SIGABRT; })
-        << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGABRT"_s};
+        << outcome_code::partial << crashed << QStringList{u"error: crashed: the process that runs the plug-in ended with SIGABRT"_s};
     QTest::newRow("ends too early")
         << deviation([](source_request &, worker_report &report) { report.end.exit_code = 7; report.extracted.reset(); })
-        << outcome_code::partial << failed << QStringList{u"the process that runs the plug-in ended before the extraction did, with exit code 7"_s};
+        << outcome_code::partial << failed << QStringList{u"error: the process that runs the plug-in ended before the extraction did, with exit code 7"_s};
     QTest::newRow("timed out")
         << deviation([](source_request &request, worker_report &report) { request.options.timeout = 9; report.end = {0, SIGKILL, true}; report.extracted.reset(); })
-        << outcome_code::partial << timed_out << QStringList{u"timed out: the run took longer than the 9 seconds of --timeout"_s};
+        << outcome_code::partial << timed_out << QStringList{u"error: timed out: the run took longer than the 9 seconds of --timeout"_s};
     QTest::newRow("out of memory")
         << deviation([](source_request &, worker_report &report) { report.is_out_of_memory = true; report.end.exit_code = 4; report.extracted.reset(); })
-        << outcome_code::partial << out_of_memory << QStringList{u"out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
+        << outcome_code::partial << out_of_memory << QStringList{u"error: out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
     QTest::newRow("out of memory, by the log")
         << deviation([](source_request &, worker_report &report) { report.inspected->log.is_out_of_memory = true; })
-        << outcome_code::partial << out_of_memory << QStringList{u"out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
+        << outcome_code::partial << out_of_memory << QStringList{u"error: out of memory: the run needs more than the 2048 MiB of --memory-limit"_s};
     QTest::newRow("worker gives up")
         << deviation([](source_request &, worker_report &report) { report.problems = {u"no room"_s}; report.extracted.reset(); })
-        << outcome_code::partial << failed << QStringList{u"no room"_s};
+        << outcome_code::partial << failed << QStringList{u"error: no room"_s};
     QTest::newRow("evidence was not looked at again")
         << deviation([](source_request &, worker_report &report) { report.inspected.reset(); report.end.signal = SIGKILL; report.extracted.reset(); })
-        << outcome_code::partial << crashed << QStringList{u"crashed: the process that runs the plug-in ended with SIGKILL"_s, u"the evidence could not be looked at again after the run"_s};
+        << outcome_code::partial << crashed << QStringList{u"error: crashed: the process that runs the plug-in ended with SIGKILL"_s, u"error: the evidence could not be looked at again after the run"_s};
     QTest::newRow("evidence changed")
         << deviation([](source_request &, worker_report &report) { report.inspected->changes = {u"x: it is gone"_s}; report.inspected->rows[0].stored = 4; })
-        << outcome_code::evidence_changed << evidence_changed << QStringList{u"the evidence changed during the run: x: it is gone"_s, rows(u"devices"_s, u"5"_s, u"5"_s, u"4"_s)};
+        << outcome_code::evidence_changed << evidence_changed << QStringList{u"error: the evidence changed during the run: x: it is gone"_s, rows(u"devices"_s, u"5"_s, u"5"_s, u"4"_s)};
     QTest::newRow("live evidence changed")
         << deviation([](source_request &request, worker_report &report) { request.options.is_live = true; report.inspected->changes = {u"x: it is gone"_s}; })
-        << outcome_code::done << done << QStringList{u"the live evidence changed during the run: x: it is gone"_s};
+        << outcome_code::done << done << QStringList{u"note: the live evidence changed during the run: x: it is gone"_s};
     QTest::newRow("one file unread")
         << deviation([](source_request &, worker_report &report) { auto &file = report.inspected->evidence.files[0]; file.state = evidence_file::presence::refused; file.reason = u"it is large"_s;
                                                                    report.inspected->rows[0] = {u"devices"_s, {}, {}, 0}; report.announced.remove(u"devices"_s); })
-        << outcome_code::partial << partial << QStringList{other + u" was not read: it is large"_s};
+        << outcome_code::partial << partial << QStringList{u"error: "_s + other + u" was not read: it is large"_s};
     QTest::newRow("nothing readable")
         << deviation([](source_request &, worker_report &report) { for (auto &file : report.inspected->evidence.files) { file.state = evidence_file::presence::unreadable; file.reason = u"it is no SQLite database"_s; }
                                                                    report.inspected->rows = {{u"devices"_s, {}, {}, 0}, {u"paired_devices"_s, {}, {}, 0}}; report.announced.clear(); })
-        << outcome_code::no_evidence << failed << QStringList{other + u" was not read: it is no SQLite database"_s, paired + u" was not read: it is no SQLite database"_s};
+        << outcome_code::no_evidence << failed << QStringList{u"error: "_s + other + u" was not read: it is no SQLite database"_s, u"error: "_s + paired + u" was not read: it is no SQLite database"_s};
     QTest::newRow("worker gives up after the extraction")
         << deviation([](source_request &, worker_report &report) { report.problems = {u"no room"_s}; })
-        << outcome_code::partial << partial << QStringList{u"no room"_s};
+        << outcome_code::partial << partial << QStringList{u"error: no room"_s};
     QTest::newRow("result without a hash")
         << deviation([](source_request &, worker_report &report) { report.inspected->result_sha256.clear(); })
-        << outcome_code::partial << partial << QStringList{u"the result database could not be hashed: nothing proves later that it is unchanged"_s};
+        << outcome_code::partial << partial << QStringList{u"error: the result database could not be hashed: nothing proves later that it is unchanged"_s};
     QTest::newRow("evidence is gone")
         << deviation([](source_request &, worker_report &report) { for (auto &file : report.inspected->evidence.files) { file.state = evidence_file::presence::absent; file.before.reset(); file.after.reset(); }
                                                                    report.inspected->rows = {{u"devices"_s, 0, {}, 0}, {u"paired_devices"_s, 0, {}, 0}}; report.announced = {{u"devices"_s, 0}, {u"paired_devices"_s, 0}}; })
-        << outcome_code::no_evidence << failed << QStringList{u"the evidence is gone: it was there when the run was planned"_s,
-            u"the source holds no database for the table devices"_s, u"the source holds no database for the table paired_devices"_s};
+        << outcome_code::no_evidence << failed << QStringList{u"error: the evidence is gone: it was there when the run was planned"_s,
+            u"note: the source holds no database for the table devices"_s, u"note: the source holds no database for the table paired_devices"_s};
     QTest::newRow("absent")
         << deviation([](source_request &, worker_report &report) { report.inspected->evidence.files[1] = {}; report.inspected->evidence.files[1].path = QString(macos_database_folder) + paired_devices_database.file_name;
                                                                    report.inspected->rows[1] = {u"paired_devices"_s, 0, {}, 0}; report.announced[u"paired_devices"_s] = 0; })
-        << outcome_code::done << done << QStringList{u"the source holds no database for the table paired_devices"_s};
+        << outcome_code::done << done << QStringList{u"note: the source holds no database for the table paired_devices"_s};
+    QTest::newRow("a row less is announced, as many are found as stored, of a log")
+        << deviation([](source_request &request, worker_report &report) { make_ios(request, report, 3); report.announced[u"devices"_s] = 2; })
+        << outcome_code::partial << partial << QStringList{u"error: the rows of the table devices do not agree: 2 announced by the plug-in, 3 stored in the result"_s};
+    QTest::newRow("failures in the log, and more than it keeps")
+        << deviation([](source_request &, worker_report &report) { report.inspected->log.failures = {{u"y"_s, 2, false}}; report.inspected->log.other_failures = 3; })
+        << outcome_code::partial << partial << QStringList{u"warning: y (2 times)"_s, u"warning: 3 more kinds of failure are in the plug-in's log"_s};
+    QTest::newRow("no columns for rows of a log")
+        << deviation([](source_request &request, worker_report &report) { make_ios(request, report, 0); request.options.suite_tables = true;
+                                                                          report.inspected->log.failures = {{u"a row could not be written: x"_s, 4, true}, {u"y"_s, 1, false}, {u"z"_s, 1, true}}; })
+        << outcome_code::partial << partial << QStringList{u"warning: y"_s,
+            u"warning: 5 rows found and not written: the suite's result tables have no columns for iOS rows; without --suite-tables the program adds them"_s};
+    QTest::newRow("rows of a log that could not be written")
+        << deviation([](source_request &request, worker_report &report) { make_ios(request, report, 1); report.inspected->log.failures = {{u"a row could not be written: x"_s, 1, true}}; })
+        << outcome_code::partial << partial << QStringList{u"warning: a row could not be written: x"_s};
+    QTest::newRow("crash while it is loaded")
+        << deviation([](source_request &, worker_report &report) { report.is_loaded = false; report.end.signal = SIGKILL; report.extracted.reset(); report.announced = {{u"devices"_s, 5}, {u"paired_devices"_s, 2}}; })
+        << outcome_code::partial << crashed << QStringList{u"error: crashed while the plug-in was loaded: the process that runs the plug-in ended with SIGKILL"_s};
+    QTest::newRow("timed out while it is loaded")
+        << deviation([](source_request &request, worker_report &report) { report.is_loaded = false; request.options.timeout = 9; report.end = {0, SIGKILL, true}; report.extracted.reset(); })
+        << outcome_code::partial << timed_out << QStringList{u"error: timed out while the plug-in was loaded: the run took longer than the 9 seconds of --timeout"_s};
+    QTest::newRow("out of memory while it is loaded")
+        << deviation([](source_request &, worker_report &report) { report.is_loaded = false; report.is_out_of_memory = true; report.extracted.reset(); })
+        << outcome_code::partial << out_of_memory << QStringList{u"error: out of memory while the plug-in was loaded: the run needs more than the 2048 MiB of --memory-limit"_s};
+    QTest::newRow("out of memory, by a count")
+        << deviation([](source_request &request, worker_report &report) { request.options.memory_limit = 99; report.inspected->is_out_of_memory = true; })
+        << outcome_code::partial << out_of_memory << QStringList{u"error: out of memory: the run needs more than the 99 MiB of --memory-limit"_s};
+    QTest::newRow("rows unlike the log")
+        << deviation([](source_request &, worker_report &report) { report.inspected->differences = {u"1 row is unlike"_s}; })
+        << outcome_code::partial << partial << QStringList{u"error: 1 row is unlike"_s};
+    QTest::newRow("stopped plug-in has no log to compare")
+        << deviation([](source_request &, worker_report &report) { report.problems = {u"no room"_s}; report.extracted.reset(); report.inspected->result_sha256.clear(); report.inspected->log.sha256 = u"other"_s; })
+        << outcome_code::partial << failed << QStringList{u"error: no room"_s};
+    QTest::newRow("faults and oddities of a container")
+        << deviation([](source_request &, worker_report &report) { report.taken_out = taken_evidence{{}, {u"odd"_s}, {u"faulty"_s}}; })
+        << outcome_code::partial << partial << QStringList{u"error: faulty"_s, u"warning: odd"_s};
+    QTest::newRow("odd file")
+        << deviation([](source_request &, worker_report &report) { add_file(report, u"x-wal"_s, u"it is no write-ahead log"_s); })
+        << outcome_code::done << done << QStringList{u"warning: x-wal: it is no write-ahead log"_s};
+    QTest::newRow("write-ahead log with rows")
+        << deviation([](source_request &, worker_report &report) { report.inspected->wal = QJsonObject{{u"devices"_s, QJsonObject{{u"added"_s, 1}, {u"changed"_s, 2000}, {u"deleted"_s, 3}}}}; })
+        << outcome_code::done << done << QStringList{u"warning: the plug-in's rows are those of the main file; the host compared it with its log: 1 added, 2,000 changed, 3 deleted"_s};
+    QTest::newRow("write-ahead log without rows")
+        << deviation([](source_request &, worker_report &report) { report.inspected->wal = QJsonObject{{u"devices"_s, QJsonObject{{u"added"_s, 0}, {u"changed"_s, 0}, {u"deleted"_s, 0}}}}; })
+        << outcome_code::done << done << QStringList();
+    QTest::newRow("rollback journal")
+        << deviation([](source_request &, worker_report &report) { add_file(report, u"x-journal"_s); })
+        << outcome_code::done << done << QStringList{u"warning: the rollback journal x-journal belongs to a change that was not finished: the result has the rows of the database as it stands, half changed"_s};
+    QTest::newRow("rollback journal that is empty")
+        << deviation([](source_request &, worker_report &report) { add_file(report, u"x-journal"_s); report.inspected->evidence.files.last().before->size = 0; })
+        << outcome_code::done << done << QStringList();
+    QTest::newRow("rollback journal that is not there")
+        << deviation([](source_request &, worker_report &report) { add_file(report, u"x-journal"_s); report.inspected->evidence.files.last().state = evidence_file::presence::absent; })
+        << outcome_code::done << done << QStringList();
+    QTest::newRow("leftover")
+        << deviation([](source_request &, worker_report &report) { add_file(report, u"x.corrupt"_s); })
+        << outcome_code::done << done << QStringList{u"note: the leftover of a damaged database is not read: x.corrupt"_s};
+    QTest::newRow("leftover that is gone")
+        << deviation([](source_request &, worker_report &report) { add_file(report, u"x.corrupt"_s); report.inspected->evidence.files.last().state = evidence_file::presence::absent; })
+        << outcome_code::done << done << QStringList();
+    QTest::newRow("warnings and notes of the worker")
+        << deviation([](source_request &, worker_report &report) { report.inspected->warnings = {u"odd"_s}; report.inspected->notes = {u"by the way"_s}; })
+        << outcome_code::done << done << QStringList{u"warning: odd"_s, u"note: by the way"_s};
+    QTest::newRow("lines without rows")
+        << deviation([](source_request &request, worker_report &report) { make_ios(request, report, 1); report.inspected->evidence.unparsed_lines = QJsonObject{{u"devices"_s, 1}, {u"paired_devices"_s, 1200}}; })
+        << outcome_code::done << done << QStringList{u"warning: 1 line with \"BLE device found:\" gave no row"_s, u"warning: 1,200 lines with \"active device:\" gave no row"_s};
+    QTest::newRow("log without devices")
+        << deviation([](source_request &request, worker_report &report) { make_ios(request, report, 0); })
+        << outcome_code::done << done << QStringList{u"note: no line of the log tells of a Bluetooth device"_s};
+    QTest::newRow("log with devices in one table")
+        << deviation([](source_request &request, worker_report &report) { make_ios(request, report, 0); report.announced[u"devices"_s] = 1; report.inspected->rows[0].stored = 1; })
+        << outcome_code::done << done << QStringList();
+    QTest::newRow("table that was not asked for")
+        << deviation([](source_request &request, worker_report &report) { request.options.tables = {u"devices"_s}; report.inspected->rows.removeLast(); report.inspected->evidence.files[1].state = evidence_file::presence::absent; })
+        << outcome_code::done << done << QStringList();
+    QTest::newRow("Windows without a registry")
+        << deviation([](source_request &request, worker_report &report) { make_windows(request, report); })
+        << outcome_code::done << done << QStringList{u"note: nothing of this Windows source is read: it holds no registry hive Windows/System32/config/SYSTEM that can be read"_s};
+    QTest::newRow("Windows with a registry")
+        << deviation([](source_request &request, worker_report &report) { make_windows(request, report); report.inspected->host_devices = 0; })
+        << outcome_code::done << done << QStringList{u"note: the plug-in extracts nothing from Windows sources: the devices of its registry are in host_devices.jsonl"_s};
     // clang-format on
 }
 
@@ -217,7 +333,7 @@ void test_source_outcome::verdict()
     worker_report report = good_report();
     deviate(request, report);
     const source_record record = judge_source(request, {}, report, false);
-    QCOMPARE(texts_of(record), messages);
+    QCOMPARE(said(record), messages);
     QCOMPARE(code_of(record), code);
     QCOMPARE(status_name(record.status), status_name(status));
 }
