@@ -4,6 +4,7 @@
 #include "host/container/evidence_export.h"
 #include "host/files/sha256.h"
 #include "host/sample/sample.h"
+#include "host/sample/sample_parts.h"
 #include "tests/support/test_entry.h"
 
 #include <QDirIterator>
@@ -44,6 +45,7 @@ private Q_SLOTS:
     void files_are_hashed_before_evidence_is_taken_out();
     void archive_is_hashed_once();
     void backup_in_an_archive_is_read_in_few_passes();
+    void doubled_names_are_told();
     void no_hash_where_none_is_wanted();
 
 private:
@@ -78,6 +80,7 @@ void test_evidence_export::files_are_hashed_before_evidence_is_taken_out()
     const exported_source taken = export_from(ios_backup_sample, observers);
     QCOMPARE(staged, QStringList());
     QVERIFY(!taken.files.isEmpty());
+    QCOMPARE(taken.warnings, QStringList());
     for (const auto file : taken.container[u"files"_s].toArray())
         QCOMPARE(file[u"sha256"_s].toString(), sha256_of_file(file[u"path"_s].toString()));
 }
@@ -94,6 +97,17 @@ void test_evidence_export::archive_is_hashed_once()
     QCOMPARE(files.size(), 1);
     QCOMPARE(files.first()[u"sha256"_s].toString(), sha256_of_file(path));
     QCOMPARE(taken.errors, QStringList());
+    QCOMPARE(taken.warnings, QStringList());
+}
+
+/** A tar is appended to: the later one is what the earlier one became. */
+void test_evidence_export::doubled_names_are_told()
+{
+    const QString name = u"macos/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s;
+    write_packed_sample(folder.filePath(u"sample/doubled.tar.gz"_s), folder.filePath(u"sample/"_s), {name, name, name});
+    const exported_source taken = export_from(u"doubled.tar.gz"_s, {});
+    QCOMPARE(taken.warnings,
+             QStringList{u"the container holds 3 files of the name "_s + name + u": the last one was taken"_s});
 }
 
 /** As many as it takes to know that it is one, and one more; where it is known, one. */

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/files/file_lock.h"
+#include "host/files/folder_listing.h"
+#include "host/files/free_room.h"
 #include "host/files/host_error.h"
 #include "host/files/json_file.h"
 #include "host/files/open_without_links.h"
@@ -17,6 +19,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <limits>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -67,6 +70,8 @@ private Q_SLOTS:
     void json_that_is_none();
     void lock_is_held_once();
     void lock_is_no_link();
+    void folders_are_listed();
+    void room_that_is_not_there();
     void links_are_followed_nowhere_data();
     void links_are_followed_nowhere();
     void folders_are_made_without_links();
@@ -185,6 +190,30 @@ void test_whole_files::lock_is_no_link()
              0);
     const file_lock lock(folder.filePath(u"twin"_s));
     QCOMPARE(content_of(folder.filePath(u"elsewhere"_s)), "keep");
+}
+
+void test_whole_files::folders_are_listed()
+{
+    const QTemporaryDir folder;
+    for (const QString &name : {u"b"_s, u"a"_s, u".c"_s, u"B"_s})
+        write_file(folder.filePath(name), {});
+    QCOMPARE(names_in(folder.path()), QStringList({u".c"_s, u"B"_s, u"a"_s, u"b"_s}));
+    QCOMPARE(names_in(folder.filePath(u"none"_s)), QStringList());
+    QCOMPARE(names_in(folder.filePath(u"a"_s)), QStringList());
+    int entries = 0;
+    QCOMPARE(for_each_entry(open_without_links(folder.filePath(u"a"_s), O_RDONLY), [&](const dirent &) { ++entries; }),
+             ENOTDIR);
+    QCOMPARE(entries, 0);
+}
+
+void test_whole_files::room_that_is_not_there()
+{
+    const QTemporaryDir folder;
+    QCOMPARE(refusal([&] { require_room(folder.path(), 0); }), u"done"_s);
+    QVERIFY(
+        refusal([&] { require_room(folder.path(), std::numeric_limits<qint64>::max()); })
+            .startsWith(u"another kind: there is no room in the case to copy the evidence: 9223372036854775807 bytes "
+                        "are needed and "_s));
 }
 
 void test_whole_files::links_are_followed_nowhere_data()
