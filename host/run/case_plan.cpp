@@ -82,11 +82,26 @@ QList<named_source> recorded_sources_of(const QList<earlier_source> &earlier, co
     return recorded;
 }
 
+/** What was chosen in containers stands in the case's list. */
+void take_choices(QList<named_source> &recorded, const QList<named_source> &listed)
+{
+    for (named_source &source : recorded) {
+        for (const named_source &known : listed) {
+            if (known.number != source.number || known.path != source.path)
+                continue;
+            source.volume = known.volume;
+            source.member = known.member;
+        }
+    }
+}
+
 /** --add: the new ones get the highest number plus one, and so on. */
-source_choice added_sources(const case_request &request, const QList<earlier_source> &earlier)
+source_choice added_sources(const case_request &request, const QList<earlier_source> &earlier,
+                            const QList<named_source> &listed)
 {
     source_choice choice;
     choice.all = recorded_sources_of(earlier, u"--add"_s);
+    take_choices(choice.all, listed);
     if (choice.all.isEmpty())
         refuse(u"there is no case to add to: "_s + request.directory);
     int highest = 0;
@@ -186,11 +201,13 @@ QList<earlier_source> earlier_sources(const case_request &request)
     return read_earlier_sources(layout);
 }
 
-/** What the case's own list says, for a run that is continued without naming its sources; else nothing. */
+/** What the case's own list says, for a run that goes on with sources that are not named again; else nothing. */
 QList<named_source> listed_sources(const case_request &request)
 {
     const QString list = case_layout(request.directory).source_list();
-    const bool is_needed = request.earlier == case_request::earlier_run::continued && request.sources.isEmpty();
+    using earlier_run = case_request::earlier_run;
+    const bool is_needed = request.earlier == earlier_run::added_to
+                           || (request.earlier == earlier_run::continued && request.sources.isEmpty());
     return is_needed && path_exists(list) ? read_list_of_case(list) : QList<named_source>();
 }
 
@@ -272,7 +289,7 @@ source_choice choose_sources(const case_request &request, const QList<earlier_so
     using earlier_run = case_request::earlier_run;
     source_choice choice;
     if (request.earlier == earlier_run::added_to) {
-        choice = added_sources(request, earlier);
+        choice = added_sources(request, earlier, listed);
     } else {
         const bool is_named = request.earlier != earlier_run::continued || !request.sources.isEmpty();
         choice.all = is_named ? request.sources : sources_of_the_first_run(request, earlier, listed);

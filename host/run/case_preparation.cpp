@@ -69,6 +69,8 @@ void case_preparation::undo(int number)
     if (was_there)
         return;
     folder_entry(layout.lock()).remove();
+    if (plan.all.size() == 1)
+        folder_entry(layout.source_list()).remove();
     folder_entry(request.directory).remove_folder();
 }
 
@@ -81,7 +83,10 @@ void case_preparation::make_room()
         lock = std::make_unique<file_lock>(layout.lock());
     check_plan(request, plan); // another run may have been here meanwhile
     remove_earlier_runs(layout);
-    if (!request.only && plan.all.size() > 1)
+    const bool is_chosen_from = std::any_of(plan.all.cbegin(), plan.all.cend(), [](const named_source &source) {
+        return source.volume > 0 || !source.member.isEmpty();
+    });
+    if (!request.only && (plan.all.size() > 1 || is_chosen_from))
         write_source_list(layout.source_list(), plan.all);
 }
 

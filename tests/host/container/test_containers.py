@@ -251,6 +251,36 @@ class Containers(container_case):
         record = self.compare(path, "gpt", "image", "raw", "--volume", "2")
         self.assertEqual(record["container"]["volume"]["offset"], 34816 * 512)
 
+    def test_volumes_of_one_image_in_one_case(self):
+        """All of them in one list, one after the other by --add, and continued without naming them again."""
+        needs("sfdisk")
+        ext = self.file_systems().read_bytes()
+        path = self.folder / "both.dd"
+        with open(path, "wb") as image:
+            image.truncate(40 << 20)
+        subprocess.run(["/sbin/sfdisk", "-q", path], text=True, check=True, stdout=subprocess.DEVNULL,
+                       input="label: gpt\nstart=2048,size=32768,name=One\nstart=36864,size=32768,name=Two\n")
+        with open(path, "r+b") as image:
+            for start in (2048, 36864):
+                image.seek(start * 512)
+                image.write(ext)
+        (self.folder / "both.json").write_text(json.dumps({"sources": [
+            {"path": str(path), "volume": 1}, {"path": str(path), "volume": 2}]}))
+        listed = self.folder / "case_listed"
+        self.assertEqual(run("extract", "-q", "--sources", self.folder / "both.json", "-o", listed).returncode, 0)
+        added = self.extract(path, "added_volumes", "--volume", "1")
+        self.assertEqual(run("extract", "-q", "-o", added, "--resume").returncode, 0)
+        self.assertEqual(run("extract", "-q", "-i", path, "--volume", "2", "-o", added, "--add").returncode, 0)
+        for case in (listed, added):
+            result = run("extract", "-q", "-i", path, "--volume", "2", "-o", case, "--add")
+            self.assertEqual((result.returncode, "a source is given twice" in result.stderr), (2, True), result.stderr)
+            result = run("extract", "-q", "-i", self.macos, "-o", case, "--add")
+            self.assertEqual(result.returncode, 0, result.stderr)
+            sources = json.loads((case / "manifest.json").read_text())["sources"]
+            self.assertEqual([source["container"] and source["container"]["volume"]["number"] for source in sources],
+                             [1, 2, None])
+            self.assertEqual(run("verify", case, "--containers").returncode, 0)
+
     def test_encrypted_volume_is_named(self):
         path = self.folder / "luks.dd"
         path.write_bytes(b"LUKS\xba\xbe\x00\x01" + bytes(1 << 20))

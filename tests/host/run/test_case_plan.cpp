@@ -105,6 +105,7 @@ private Q_SLOTS:
     void choice_data();
     void choice();
     void added_sources_are_numbered_behind_all_others();
+    void added_source_may_be_of_a_container_of_the_case();
     void sources_that_never_began_are_listed();
     void record_that_cannot_be_read_is_no_leftover();
 };
@@ -181,6 +182,27 @@ void test_case_plan::added_sources_are_numbered_behind_all_others()
     const case_request request = request_for(earlier_run::added_to, {source_at(u"/d"_s), source_at(u"/e"_s)});
     const source_choice choice = choose_sources(request, {left(1, source_status::done), left(3, source_status::done)});
     QCOMPARE(described(choice.all), u"1 /a, 3 /c, 4 /d, 5 /e"_s);
+}
+
+/** What was chosen in a container sets its sources apart, also where the case has them already. */
+void test_case_plan::added_source_may_be_of_a_container_of_the_case()
+{
+    named_source third = source_at(u"/a"_s);
+    third.volume = 3;
+    const case_request request = request_for(earlier_run::added_to, {third});
+    const QList<earlier_source> earlier{left(1, source_status::done), left(2, source_status::done)};
+    QList<named_source> listed{source_at(u"/a"_s), source_at(u"/b"_s)};
+    number_sources(listed);
+    listed[0].volume = 2;
+    listed[1].member = u"x.log"_s;
+    const source_choice choice = choose_sources(request, earlier, listed);
+    QCOMPARE(described(choice.all), u"1 /a, 2 /b, 3 /a"_s);
+    QCOMPARE(choice.all.at(0).volume, 2);
+    QCOMPARE(choice.all.at(1).member, u"x.log"_s);
+    refuse_overlaps(choice.all, path_comparison::texts);
+
+    listed[0].path = u"/elsewhere"_s; // a list of other sources says nothing of these
+    QCOMPARE(choose_sources(request, earlier, listed).all.at(0).volume, 0);
 }
 
 /** What the case lists counts only where it is the list that its records are of. */
