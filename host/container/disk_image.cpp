@@ -188,6 +188,8 @@ public:
     {
         if (!image)
             throw host_error(error_kind::not_found, u"the image cannot be opened: "_s + path + u": "_s + image_error());
+        if (format == "ewf"_L1)
+            stored = hashes_in_ewf(segments.last());
         find_volumes();
         for (qsizetype i = 0; i < known.size(); ++i)
             known[i].facts.number = int(i) + 1;
@@ -199,12 +201,16 @@ public:
         facts.kind = u"image"_s;
         facts.format = format;
         facts.files = files;
-        if (format == "ewf"_L1) {
-            const ewf_hashes hashes = hashes_in_ewf(segments.last());
-            facts.md5 = hashes.md5;
-            facts.sha1 = hashes.sha1;
-        }
+        facts.md5 = stored.md5;
+        facts.sha1 = stored.sha1;
         return facts;
+    }
+
+    QString damage() const override
+    {
+        return format != "ewf"_L1 || stored.is_whole
+                   ? QString()
+                   : u"its end is missing, it was cut or a file that follows is not there: "_s + segments.last();
     }
 
     void hash_files(const read_observer &hashed) override
@@ -286,8 +292,10 @@ private:
     bool add_volumes(qint64 offset, qint64 size, const QString &name)
     {
         QByteArray start(start_bytes, '\0');
-        if (tsk().img_read(image.get(), offset, start.data(), size_t(start.size())) <= 0)
-            return false;
+        if (tsk().img_read(image.get(), offset, start.data(), size_t(start.size())) <= 0) {
+            add(offset, size, name).facts.problem = u"its first bytes cannot be read: "_s + image_error();
+            return true;
+        }
         const volume_signature *signature = signature_of(start);
         if (!signature)
             return false;
@@ -351,6 +359,7 @@ private:
     QString path;
     QString format;
     QStringList segments;
+    ewf_hashes stored;
     QList<container_file> files; ///< as they were before the image was opened
     image_handle image;
     std::map<qint64, pool_handle> pools;

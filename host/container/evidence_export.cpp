@@ -200,9 +200,9 @@ void refuse_unreadable(const source_kind &kind, const QList<collected_file> &fil
         throw host_error(error_kind::not_found, u"the evidence cannot be read: "_s + reasons.join(u"; "_s));
 }
 
-QString damage_text(const evidence_store &store)
+QString damage_text(const QString &damage)
 {
-    return store.damage().isEmpty() ? QString() : u"the container cannot be read to its end: "_s + store.damage();
+    return damage.isEmpty() ? QString() : u"the container cannot be read to its end: "_s + damage;
 }
 
 /** Of what would be taken, the files that cannot be read: without them all is missing, or some of it. */
@@ -223,6 +223,7 @@ void find_unreadable(container_survey &found)
 container_survey survey(open_source &source, const container_choice &choice)
 {
     container_survey found;
+    found.damage = damage_text(source.container().damage());
     for (const volume_facts &facts : source.container().volumes()) {
         looked_volume volume;
         volume.facts = facts;
@@ -242,7 +243,7 @@ container_survey survey(open_source &source, const container_choice &choice)
             if (source.reopen_as_backup(end.collector))
                 end = source.visit(0, {});
             found.warnings += end.store->warnings();
-            found.damage = damage_text(*end.store);
+            found.damage = damage_text(end.store->damage());
             const collected_source &chosen = end.collector.chosen();
             found.kind = source.kind_of(chosen);
             found.evidence = chosen.files.values();
@@ -316,7 +317,10 @@ exported_source export_evidence(const container_choice &choice, const export_pla
     if (!source.container().volumes().isEmpty()) {
         const container_survey looked = survey(source, choice);
         if (!looked.problem.isEmpty())
-            throw host_error(looked.reason, choice.path + u": "_s + looked.problem);
+            throw host_error(looked.reason, choice.path + u": "_s + looked.problem
+                                                + (looked.damage.isEmpty() ? QString() : u"; "_s + looked.damage));
+        if (!looked.damage.isEmpty())
+            taken.errors.append(looked.damage);
         volume = looked.container.volume;
         taken.warnings += unread_volumes(looked.volumes);
     }
@@ -329,7 +333,7 @@ exported_source export_evidence(const container_choice &choice, const export_pla
         end = source.visit(0, staging);
     }
     taken.warnings += end.store->warnings();
-    if (const QString damage = damage_text(*end.store); !damage.isEmpty())
+    if (const QString damage = damage_text(end.store->damage()); !damage.isEmpty())
         taken.errors.append(damage);
 
     try {

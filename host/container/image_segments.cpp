@@ -121,7 +121,8 @@ QStringList extent_names(const QByteArray &description)
 }
 
 // Sections of an EWF: type (16 bytes), place of the next one (8), size (8), padding, sum; 76 bytes. "hash" holds an
-// MD5, "digest" an MD5 and a SHA-1. https://github.com/libyal/libewf/blob/main/documentation/
+// MD5, "digest" an MD5 and a SHA-1; "done" ends the image, "next" a segment before the last.
+// https://github.com/libyal/libewf/blob/main/documentation/
 ewf_hashes hashes_in_ewf(const QString &last_segment)
 {
     constexpr qint64 file_header_bytes = 13;
@@ -142,7 +143,8 @@ ewf_hashes hashes_in_ewf(const QString &last_segment)
                 hashes.sha1 = QString::fromLatin1(content.sliced(16, 20).toHex());
         }
         const qint64 next = qFromLittleEndian<qint64>(section.constData() + 16);
-        if (type == "done" || type == "next" || next <= place)
+        hashes.is_whole = type == "done";
+        if (hashes.is_whole || type == "next" || next <= place)
             break;
         place = next;
     }

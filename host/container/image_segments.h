@@ -23,9 +23,10 @@ struct ewf_hashes
 {
     QString md5;
     QString sha1;
+    bool is_whole = false; ///< its last section is there
 };
 
-/** From the sections "hash" and "digest" of the last segment. */
+/** From the sections "hash", "digest" and "done" of the last segment. */
 ewf_hashes hashes_in_ewf(const QString &last_segment);
 
 #endif

@@ -59,6 +59,11 @@ public:
     }
     /** The files of a volume; @p number is without a meaning where there are none. */
     virtual std::unique_ptr<evidence_store> store(int number) = 0;
+    /** What of it is missing, in plain words; empty: nothing that can be seen before its files are read. */
+    virtual QString damage() const
+    {
+        return {};
+    }
     /** The kind of source that it is by itself; null: its files decide. */
     virtual const source_kind *kind() const
     {

@@ -119,7 +119,9 @@ QJsonObject survey_of_container(const container_choice &choice)
     try {
         const container_survey found = survey_container(choice, [](qint64) {});
         survey.insert(u"type"_s, name_or_null(found.kind));
-        survey.insert(u"container"_s, found.is_in_place ? QJsonValue() : QJsonValue(found.container.to_json()));
+        const bool is_known = !found.is_in_place
+                              && !found.container.format.isEmpty(); // a damaged archive is of no format
+        survey.insert(u"container"_s, is_known ? QJsonValue(found.container.to_json()) : QJsonValue());
         survey.insert(u"problem"_s, text_or_null(found.problem));
         survey.insert(u"kind_of_problem"_s, int(found.reason));
         survey.insert(u"volumes"_s, volume_array(found.volumes));

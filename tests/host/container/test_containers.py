@@ -122,6 +122,8 @@ class Containers(container_case):
         self.assertEqual(states["Library/Bluetooth/" + other], "present")
         self.assertEqual(states["Library/Bluetooth/" + paired], "unreadable")
         self.looked_at(cut, 4, "the container cannot be read to its end: truncated")
+        cut.write_bytes(b"\x1f\x8b" + bytes(4000))
+        self.assertIsNone(self.looked_at(cut, 3, "the archive cannot be read")["container"])
 
     def test_archive_that_is_cut_behind_the_evidence_is_partial(self):
         cut = self.folder / "cut_behind.tar"
@@ -234,10 +236,11 @@ class Containers(container_case):
         tool("qemu-img", "create", "-f", "qcow2", path, "1M")
         self.refuse(path, 3, f"qemu-img convert -O raw {path}")
 
-    def test_choice_of_a_volume(self):
+    def two_volumes(self, name):
+        """The same file system in two partitions."""
         needs("sfdisk")
         ext = self.file_systems().read_bytes()
-        path = self.folder / "gpt.dd"
+        path = self.folder / name
         with open(path, "wb") as image:
             image.truncate(40 << 20)
         subprocess.run(["/sbin/sfdisk", "-q", path], text=True, check=True, stdout=subprocess.DEVNULL,
@@ -246,6 +249,10 @@ class Containers(container_case):
             for start in (2048, 34816):
                 image.seek(start * 512)
                 image.write(ext)
+        return path
+
+    def test_choice_of_a_volume(self):
+        path = self.two_volumes("gpt.dd")
         self.refuse(path, 2, "--volume 1 (macOS")
         self.refuse(path, 2, "there is no volume 9", "--volume", "9")
         record = self.compare(path, "gpt", "image", "raw", "--volume", "2")
@@ -253,17 +260,7 @@ class Containers(container_case):
 
     def test_volumes_of_one_image_in_one_case(self):
         """All of them in one list, one after the other by --add, and continued without naming them again."""
-        needs("sfdisk")
-        ext = self.file_systems().read_bytes()
-        path = self.folder / "both.dd"
-        with open(path, "wb") as image:
-            image.truncate(40 << 20)
-        subprocess.run(["/sbin/sfdisk", "-q", path], text=True, check=True, stdout=subprocess.DEVNULL,
-                       input="label: gpt\nstart=2048,size=32768,name=One\nstart=36864,size=32768,name=Two\n")
-        with open(path, "r+b") as image:
-            for start in (2048, 36864):
-                image.seek(start * 512)
-                image.write(ext)
+        path = self.two_volumes("both.dd")
         (self.folder / "both.json").write_text(json.dumps({"sources": [
             {"path": str(path), "volume": 1}, {"path": str(path), "volume": 2}]}))
         listed = self.folder / "case_listed"

@@ -270,6 +270,36 @@ class Images(container_case):
         self.refuse(path, 3, "these volumes were looked at: volume 1 at 1048576 (no file system that is known, Raw); "
                              "volume 2 at 2097152 (ext2, EMPTY)")
 
+    def test_what_is_cut_off_is_told(self):
+        """A volume behind the end of its image is no volume without evidence."""
+        needs("sfdisk")
+        ext = self.ext().read_bytes()
+        path = self.empty("cut.dd", 40 << 20)
+        self.partition(path, f"label: dos\nstart=2048,size={len(ext) // sector},type=83\nstart=40960,size=16384,type=83\n")
+        self.put(path, 2048 * sector, ext)
+        with open(path, "r+b") as image:
+            image.truncate(20 << 20)
+        record = self.compare(path, "cut", "image", "raw")
+        self.assertIn("its first bytes cannot be read", " ".join(message["text"] for message in record["messages"]))
+        self.put(path, 2048 * sector, bytes(1 << 20))
+        self.refuse(path, 3, "its first bytes cannot be read")
+
+    def test_ewf_without_its_end_is_told(self):
+        needs("ewfacquirestream")
+        with open(self.ext(), "rb") as stream:
+            tool("ewfacquirestream", "-q", "-c", "none", "-S", "5MiB", "-t", self.folder / "lost", stdin=stream)
+        (self.folder / "lost.E04").unlink()
+        path = self.folder / "lost.E01"
+        result = run("extract", "-q", "-i", path, "-o", self.folder / "case_lost")
+        self.assertIn("the container cannot be read to its end: its end is missing", result.stderr)
+        self.assertIn(result.returncode, (3, 4))
+        self.looked_at(path, result.returncode, "its end is missing")
+        with open(self.ext(), "rb") as stream:
+            tool("ewfacquirestream", "-q", "-t", self.folder / "short", stdin=stream)
+        short = self.folder / "short.E01"
+        short.write_bytes(short.read_bytes()[:40000])
+        self.refuse(short, 3, "its end is missing")
+
     def test_deleted_evidence_is_not_taken(self):
         needs("mke2fs", "debugfs")
         path = self.folder / "deleted.dd"
