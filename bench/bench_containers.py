@@ -7,7 +7,7 @@
 # bench_containers.py PROGRAM tar [GIB]     a tar of files of 64 KiB, and one of 1 MiB: inspect and extract against tar -tf,
 #                                           extract with the container's hash against openssl and tar -tf
 # bench_containers.py PROGRAM hash [GIB]    the hash of a container against openssl of the same libcrypto
-# By turns, five rounds; the ratios are medians of those of the rounds. Containers stand in the temporary folder meanwhile.
+# By turns, nine rounds; the ratios are medians of those of the rounds. Containers stand in the temporary folder meanwhile.
 
 import io
 import os
@@ -19,7 +19,7 @@ import tarfile
 import tempfile
 import time
 
-rounds = 5
+rounds = 9
 sector = 512
 
 
@@ -55,8 +55,8 @@ def show(what, pairs):
     for name in ("clock", "processor"):
         both = [(getattr(our, name), getattr(their, name)) for our, their in pairs]
         ratios = [our / their for our, their in both if their > 0]
-        text += (f"; {name} {statistics.median(our for our, _ in both):.2f} s against "
-                 f"{statistics.median(their for _, their in both):.2f} s, ratio {statistics.median(ratios):.2f} "
+        text += (f"; {name} {statistics.median(our for our, _ in both):.3f} s against "
+                 f"{statistics.median(their for _, their in both):.3f} s, ratio {statistics.median(ratios):.2f} "
                  f"({min(ratios):.2f} to {max(ratios):.2f})")
     print(f"{text}; peak {max(our.peak for our, _ in pairs)} KiB; load {os.getloadavg()[0]:.0f}", flush=True)
 

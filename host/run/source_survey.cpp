@@ -129,6 +129,7 @@ QJsonObject survey_of_container(const container_choice &choice)
         survey.insert(u"warnings"_s, QJsonArray::fromStringList(found.warnings));
     } catch (const host_error &error) {
         survey.insert(u"problem"_s, error.message());
+        survey.insert(u"kind_of_problem"_s, int(error.kind()));
     }
     return survey;
 }

@@ -20,7 +20,7 @@ import tarfile
 import unittest
 import zipfile
 
-from container_case import container_case, domain, needs, other, paired, run, tool
+from container_case import container_case, domain, needs, other, paired, program, run, skip_what_is_left_out, tool
 
 
 class Containers(container_case):
@@ -414,6 +414,24 @@ class Containers(container_case):
                          {"Library/Bluetooth/" + other, "Library/Bluetooth/" + paired,
                           "Library/Preferences/com.apple.Bluetooth.plist"})
         self.assertIsNone(report["sources"][1]["container"])
+
+
+    def test_program_without_its_parts(self):
+        """The program is whole with the files beside it; without them it says what is missing."""
+        alone = self.folder / "alone"
+        alone.mkdir()
+        copied = shutil.copy(program, alone)
+        for file in pathlib.Path(program).parent.glob("libbluetooth_logs.*"):
+            shutil.copy(file, alone)
+        case = self.folder / "case_alone"
+        for arguments, part in ((("inspect", self.file_systems()), "bluetooth_logs_images"),
+                                (("extract", "-i", self.macos, "-o", case), "bluetooth_logs_application")):
+            result = subprocess.run([copied, *arguments], capture_output=True, text=True)
+            skip_what_is_left_out(result.stderr)
+            self.assertEqual(result.returncode, 1, result.stderr)
+            self.assertIn("a part of the program, beside it, cannot be loaded: ", result.stderr)
+            self.assertIn(part, result.stderr)
+        self.assertFalse(case.exists())
 
 
 if __name__ == "__main__":
