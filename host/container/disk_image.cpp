@@ -397,5 +397,9 @@ ewf_hashes hashes_of_ewf_content(const QString &path)
 
 QString image_library()
 {
-    return u"The Sleuth Kit "_s + QString::fromLatin1(tsk().version_get_str());
+    try {
+        return u"The Sleuth Kit "_s + QString::fromLatin1(tsk().version_get_str());
+    } catch (const host_error &error) {
+        return error.message();
+    }
 }

@@ -4,7 +4,6 @@
 #include "host/worker/worker.h"
 
 #include "host/files/host_error.h"
-#include "host/files/program_part.h"
 #include "host/files/transfer.h"
 #include "host/files/uncaught_exception.h"
 #include "host/run/inspection.h"
@@ -20,7 +19,7 @@
 #include "host/worker/sqlite_memory.h"
 #include "plugin/bluetooth_logs.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFileInfo>
 
 #include <clocale>
@@ -218,14 +217,12 @@ void extract(source_request request)
 /** The plug-in is a widget. Qt gets none of our arguments, and none of its threads receives Ctrl-C. */
 void make_application(worker_order::task task)
 {
-    using maker = QCoreApplication *(int &argc, char **argv);
     static int argument_count = 1;
     static char name[] = "bluetooth-logs";
     static char *arguments[] = {name, nullptr};
     cancellation::hold();
     if (task == worker_order::task::extract)
-        function_of_part<maker>(BLUETOOTH_LOGS_APPLICATION_FILE, "bluetooth_logs_application")(argument_count,
-                                                                                               arguments);
+        new QApplication(argument_count, arguments);
     else if (!QCoreApplication::instance()) // a copy of a process has one
         new QCoreApplication(argument_count, arguments);
     cancellation::release();

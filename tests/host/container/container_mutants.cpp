@@ -7,7 +7,6 @@
 // 0 otherwise. A mutant is known by its number.
 
 #include "host/container/evidence_export.h"
-#include "host/container/sleuth_kit.h"
 
 #include <QDir>
 #include <QFile>
@@ -114,13 +113,6 @@ bool is_named_by(const QString &program, const QString &container)
 }
 
 } // namespace
-
-/** Linked here: the file that the program loads stands beside the program alone. */
-const sleuth_kit &tsk()
-{
-    static const sleuth_kit functions;
-    return functions;
-}
 
 int main(int argc, char *argv[])
 {

@@ -6,7 +6,9 @@
 # Images of each file system, partition table and form, made here, give the same rows and the same hashes of evidence as
 # the folder that they were made from. An image whose tool is missing is passed over, and said so.
 
+import ctypes.util
 import json
+import os
 import pathlib
 import shutil
 import struct
@@ -16,7 +18,7 @@ import tarfile
 import unittest
 
 from apfs_image import apfs_image
-from container_case import container_case, needs, other, paired, run, tool
+from container_case import container_case, needs, other, paired, program, run, tool
 from exfat_image import exfat_image
 from ntfs_image import has_library, make_folders
 
@@ -328,6 +330,18 @@ class Images(container_case):
         states = {file["path"]: file["state"] for file in self.record(case)["evidence"]}
         self.assertEqual(states["Library/Bluetooth/" + paired], "present")
         self.assertEqual(states["Library/Bluetooth/" + other], "refused")
+
+    def test_library_that_cannot_be_loaded(self):
+        path = self.ext()
+        libraries = self.folder / "libraries"
+        libraries.mkdir()
+        (libraries / ctypes.util.find_library("tsk")).write_text("no library")
+        for arguments, code, said in ((["--version"], 0, "images: The Sleuth Kit cannot be loaded: "),
+                                      (["inspect", path], 3, f"error: {path}: The Sleuth Kit cannot be loaded: ")):
+            result = subprocess.run([program, *arguments], capture_output=True, text=True,
+                                    env=dict(os.environ, LD_LIBRARY_PATH=str(libraries)))
+            self.assertIn(said, result.stdout + result.stderr)
+            self.assertEqual(result.returncode, code)
 
 
 if __name__ == "__main__":
