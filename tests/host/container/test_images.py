@@ -337,7 +337,7 @@ class Images(container_case):
         libraries.mkdir()
         (libraries / ctypes.util.find_library("tsk")).write_text("no library")
         for arguments, code, said in ((["--version"], 0, "images: The Sleuth Kit cannot be loaded: "),
-                                      (["inspect", path], 3, f"error: {path}: The Sleuth Kit cannot be loaded: ")):
+                                      (["inspect", path], 1, f"error: {path}: The Sleuth Kit cannot be loaded: ")):
             result = subprocess.run([program, *arguments], capture_output=True, text=True,
                                     env=dict(os.environ, LD_LIBRARY_PATH=str(libraries)))
             self.assertIn(said, result.stdout + result.stderr)
