@@ -89,7 +89,7 @@ std::optional<qsizetype> console::columns() const
 
 void console::error(const terminal_text &text)
 {
-    is_error_told = true;
+    printed_error = true;
     message(terminal_style::error, "error"_L1, text);
 }
 

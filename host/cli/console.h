@@ -41,7 +41,7 @@ public:
     void error(const terminal_text &text);
     bool has_printed_error() const
     {
-        return is_error_told;
+        return printed_error;
     }
     void warning(const terminal_text &text);
     void note(const terminal_text &text);
@@ -68,7 +68,7 @@ private:
     bool has_events;
     bool has_output_colors;
     bool has_error_colors;
-    bool is_error_told = false;
+    bool printed_error = false;
     progress_lines run_progress;
 };
 

@@ -12,7 +12,7 @@
 /** Called with how many more bytes of a container were read or hashed. */
 using read_observer = std::function<void(qint64 bytes)>;
 
-/** Who is told how far a container was read and hashed. */
+/** Called with how far a container was read and hashed. */
 struct container_observers
 {
     read_observer read = [](qint64) {};

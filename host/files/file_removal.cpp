@@ -41,9 +41,9 @@ void add_entries(const QString &folder, QStringList &kept)
     std::error_code error;
     for (const auto &entry : filesystem::directory_iterator(to_std_path(folder), error)) {
         const QString path = QFile::decodeName(entry.path().c_str());
-        const bool is_told = std::any_of(kept.cbegin(), kept.cend(),
-                                         [&path](const QString &listed) { return listed.startsWith(path + u'/'); });
-        if (!is_told)
+        const bool is_listed = std::any_of(kept.cbegin(), kept.cend(),
+                                           [&path](const QString &listed) { return listed.startsWith(path + u'/'); });
+        if (!is_listed)
             kept.append(path);
     }
 }

@@ -62,7 +62,7 @@ public:
     posix_spawnattr_t attributes;
 };
 
-/** In a copy of the process: what posix_spawn() is told for another program. */
+/** In a copy of the process: what posix_spawn() does for another program. */
 void take_over_streams(descriptor &input, descriptor &output, descriptor &errors)
 {
     ::setpgid(0, 0);

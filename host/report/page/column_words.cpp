@@ -151,9 +151,9 @@ public:
     {
         QByteArray rows;
         for (const column_about &about : columns) {
-            if (const QByteArray row = term(about); !told.contains(row)) {
+            if (const QByteArray row = term(about); !listed.contains(row)) {
                 rows += row;
-                told.insert(row);
+                listed.insert(row);
             }
         }
         html += html_static_table(caption, {"Column", "What it says"}, rows);
@@ -162,7 +162,7 @@ public:
     QByteArray html;
 
 private:
-    QSet<QByteArray> told;
+    QSet<QByteArray> listed;
 };
 
 QList<column_about> about_columns(const QList<report_column> &columns)
