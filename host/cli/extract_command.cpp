@@ -33,8 +33,9 @@ exit_code run_extract(const extract_options &options, console &out)
     std::signal(SIGPIPE, SIG_IGN); // of a worker that is gone
     const case_request &request = options.request;
     const qsizetype sources = source_count(request);
-    const std::unique_ptr<run_observer> display =
-        make_display({.source_count = sources, .jobs = request.jobs, .is_json = options.json_progress}, out);
+    const std::unique_ptr<run_observer> display = make_display({.source_count = sources,
+                                                                .is_json = options.json_progress},
+                                                               out);
     const case_tally tally = run_case(request, *display);
     out.progress().clear();
     if (makes_reports_old(request) && path_exists(request.directory + u"/Report"_s))

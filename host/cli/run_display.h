@@ -13,7 +13,6 @@
 struct display_options
 {
     qsizetype source_count = 1;
-    int jobs = 1;
     bool is_json = false; ///< JSON Lines on standard error, in place of a progress line
 };
 
