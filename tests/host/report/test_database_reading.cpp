@@ -183,6 +183,8 @@ void test_database_reading::rows_that_the_result_lacks()
     QCOMPARE(made.account(), QStringList({u"rowid 1"_s, u"rowid 2, differs uuid"_s, u"rowid 3, differs uuid"_s}));
     made.copy.lost = 1;
     QCOMPARE(made.account(), QStringList({u"rowid 1"_s, u"rowid 3"_s, u"rowid 4"_s}));
+    made.result.execute(u"DELETE FROM devices WHERE uuid = 'U-3'"_s);
+    QCOMPARE(made.account(), QStringList({u"rowid 1"_s, u"rowid 3, differs uuid"_s}));
 }
 
 void test_database_reading::rows_that_the_evidence_lacks()
