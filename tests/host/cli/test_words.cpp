@@ -22,6 +22,8 @@ class test_words : public strict_test
 private Q_SLOTS:
     void refusal_data();
     void refusal();
+    void what_is_taken_data();
+    void what_is_taken();
     void ranges_of_numbers_data();
     void ranges_of_numbers();
     void limits_of_reading_data();
@@ -173,6 +175,42 @@ void test_words::refusal()
     QVERIFY(line.problem && !line.command);
     QCOMPARE(line.problem->message(), message);
     QCOMPARE(exit_code_of(line.problem->kind()), exit_code::usage);
+}
+
+void test_words::what_is_taken_data()
+{
+    QTest::addColumn<QString>("arguments");
+
+    const QString extract = u"extract -i s -o c "_s;
+    // clang-format off
+    for (const char *form : {"-t macos", "-t iOS_UID", "-t IOS", "-t ios_files", "-t ios-files", "-t iOS_backup", "-t ios-backup", "-t winos", "-t Windows", "-t auto",
+                             "--input t", "--type auto", "--volume 2", "--member a/b", "--source-number 2", "--live", "--output=d", "--add", "--resume", "--force", "--only 2",
+                             "--examiner A", "--case-number 7", "--table devices", "--table paired_devices --table devices", "--engine KALDO_DESK", "--engine KALDO_FIELD",
+                             "--engine KALDO_BOOT", "--os-name x", "--timezone-offset +14:00", "--timezone-offset -08:30", "--timezone-offset 19800", "--timezone-offset -50400",
+                             "--suite-tables", "--no-container-hash", "--follow-links", "--jobs 2", "--memory-limit 200", "--timeout 5", "--max-database 5", "--max-log 0.5",
+                             "--max-log 1048576", "--no-confinement", "--plugin p.so", "--progress text", "--progress json", "-v", "--verbose", "-q", "--quiet", "--no-color"}) {
+        const QString option = QLatin1StringView(form);
+        const bool is_output = option.startsWith("--output"_L1);
+        QTest::newRow(form) << (is_output ? QString(u"extract -i s "_s + option) : extract + option);
+    }
+    for (const char *line : {"extract -o c --resume", "show c --source 2", "show c --rows 5", "show c --table host_devices", "show c --layout auto", "show c --layout table",
+                             "show c --layout records", "show c --table devices -f csv", "show c --table devices -f tsv", "show c --table devices --format jsonl",
+                             "report c -f html -f csv -f tsv -f jsonl", "report c -f timeline -f sqlite", "report c --format xlsx", "report c -o d --raw-cells --csv-bom --vendors v",
+                             "report c --log-year 2024 --log-zone -08:30 --mobile-epoch 1970", "report c --log-zone +19:59 --mobile-epoch 2001", "report c --split --brief --force",
+                             "verify c --manifest-sha256 0123456789abcdefABCDEF0123456789abcdef0123456789abcdef0123456789", "verify c --evidence 2=/x --evidence 1234567=/y=z",
+                             "verify c --containers --results-only --report d --json", "verify c --record r.json", "collect c", "sample d --force --hostile --image",
+                             "inspect a b --json", "note c --device b4:c2:6a:7f:d3:7a --flag --text t --by A", "note c --row 1:devices:17 --text t", "note c --list", "note c --remove 3",
+                             "help", "help note"})
+        QTest::newRow(line) << QString::fromLatin1(line);
+    // clang-format on
+}
+
+void test_words::what_is_taken()
+{
+    QFETCH(const QString, arguments);
+    const command_line line = parsed(arguments.split(u' '));
+    QCOMPARE(line.problem ? line.problem->message() : QString(), QString());
+    QVERIFY(line.command);
 }
 
 void test_words::ranges_of_numbers_data()
