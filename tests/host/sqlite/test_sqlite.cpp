@@ -10,7 +10,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sqlite3.h>
+
 using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(cell)
 
 class test_sqlite : public strict_test
 {
@@ -26,6 +30,11 @@ private Q_SLOTS:
     void content_is_read_in_memory();
     void links_and_odd_names();
     void values_come_as_they_are();
+    void cells_go_as_they_are_data();
+    void cells_go_as_they_are();
+    void kinds_of_errors_data();
+    void kinds_of_errors();
+    void path_that_is_too_long();
     void bytes_are_no_text_of_the_database();
 };
 
@@ -192,6 +201,81 @@ void test_sqlite::values_come_as_they_are()
     QCOMPARE(row.integer(7), -1);
     QCOMPARE(row.column_name(8), u"name"_s);
     QVERIFY(!row.next());
+}
+
+void test_sqlite::cells_go_as_they_are_data()
+{
+    QTest::addColumn<cell>("value");
+    QTest::addColumn<QByteArray>("quoted");
+
+    // clang-format off
+    QTest::newRow("null")       << cell()                                          << QByteArray("NULL");
+    QTest::newRow("integer")    << cell::of_integer(-9223372036854775807)          << QByteArray("-9223372036854775807");
+    QTest::newRow("real")       << cell{cell::type::real, 0, 0.5, {}}              << QByteArray("0.5");
+    QTest::newRow("text")       << cell::of_text("it's")                           << QByteArray("'it''s'");
+    QTest::newRow("empty text") << cell::of_text({})                               << QByteArray("''");
+    QTest::newRow("no UTF-8")   << cell::of_text("a\xff")                          << QByteArray("X'61FF'");
+    QTest::newRow("blob")       << cell{cell::type::blob, 0, 0, "ab"}              << QByteArray("X'6162'");
+    QTest::newRow("empty blob") << cell{cell::type::blob, 0, 0, {}}                << QByteArray("X''");
+    // clang-format on
+}
+
+void test_sqlite::cells_go_as_they_are()
+{
+    QFETCH(const cell, value);
+    const QTemporaryDir folder;
+    const sqlite_database database(folder.filePath(u"x.db"_s), sqlite_database::access::create);
+    sqlite_statement row(database, "SELECT quote(?)");
+    row.bind(0, value);
+    QVERIFY(row.next());
+    QTEST(row.bytes(0).toByteArray(), "quoted");
+}
+
+void test_sqlite::kinds_of_errors_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<bool>("is_out_of_memory");
+    QTest::addColumn<bool>("is_of_the_system");
+
+    // clang-format off
+    QTest::newRow("no memory")      << SQLITE_NOMEM      << true  << true;
+    QTest::newRow("reading")        << SQLITE_IOERR_READ << false << true;
+    QTest::newRow("full disk")      << SQLITE_FULL       << false << true;
+    QTest::newRow("cannot open")    << SQLITE_CANTOPEN   << false << true;
+    QTest::newRow("not permitted")  << SQLITE_PERM       << false << true;
+    QTest::newRow("not writable")   << SQLITE_READONLY   << false << true;
+    QTest::newRow("no memory to read") << SQLITE_IOERR_NOMEM << false << true;
+    QTest::newRow("damaged")        << SQLITE_CORRUPT    << false << false;
+    QTest::newRow("no database")    << SQLITE_NOTADB     << false << false;
+    QTest::newRow("the program's own") << 0              << false << false;
+    // clang-format on
+}
+
+void test_sqlite::kinds_of_errors()
+{
+    QFETCH(const int, code);
+    const sqlite_error error(code, u"words"_s);
+    QCOMPARE(error.message(), u"words"_s);
+    QCOMPARE(error.result_code(), code);
+    QTEST(error.is_out_of_memory(), "is_out_of_memory");
+    QTEST(error.is_of_the_system(), "is_of_the_system");
+}
+
+void test_sqlite::path_that_is_too_long()
+{
+    const QTemporaryDir folder;
+    const QString longest = folder.path() + u'/'
+                            + u"./"_s.repeated((longest_sqlite_path - folder.path().size()) / 2 - 3);
+    const QString path = longest + QString(longest_sqlite_path - longest.size() + 1, u'x');
+    try {
+        const sqlite_database database(path, sqlite_database::access::create);
+        QFAIL("it was opened");
+    } catch (const sqlite_error &error) {
+        QCOMPARE(error.message(),
+                 QString(u"its path has "_s + QString::number(longest_sqlite_path + 1)
+                         + u" bytes, and SQLite opens none of more than "_s + QString::number(longest_sqlite_path)));
+        QVERIFY(error.is_of_the_system());
+    }
 }
 
 /** SQLite would convert them where its texts are UTF-16. */
