@@ -155,20 +155,21 @@ void test_image_segments::hashes_data()
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<QString>("md5");
     QTest::addColumn<QString>("sha1");
+    QTest::addColumn<bool>("is_whole");
 
     const QByteArray md5(16, '\1');
     const QByteArray sha1(20, '\2');
     const QString md5_text = u"01"_s.repeated(16);
     const QString sha1_text = u"02"_s.repeated(20);
     // clang-format off
-    QTest::newRow("none")          << ewf(section("header", 89) + section("done", 89))              << QString() << QString();
-    QTest::newRow("hash")          << ewf(section("hash", 13 + 76 + 36, md5 + QByteArray(20, '\3')) + section("done", 0)) << md5_text << QString();
-    QTest::newRow("digest")        << ewf(section("digest", 13 + 76 + 36, md5 + sha1) + section("done", 0)) << md5_text << sha1_text;
-    QTest::newRow("cut digest")    << ewf(section("digest", 13 + 76 + 36, md5 + sha1.chopped(1)))    << md5_text << QString();
-    QTest::newRow("behind the end") << ewf(section("done", 13 + 76) + section("digest", 0, md5 + sha1)) << QString() << QString();
-    QTest::newRow("behind the next file") << ewf(section("next", 13 + 76) + section("digest", 0, md5 + sha1)) << QString() << QString();
-    QTest::newRow("going back")    << ewf(section("header", 13) + section("digest", 0, md5 + sha1))  << QString() << QString();
-    QTest::newRow("empty")         << QByteArray()                                                   << QString() << QString();
+    QTest::newRow("none")          << ewf(section("header", 89) + section("done", 89))              << QString() << QString() << true;
+    QTest::newRow("hash")          << ewf(section("hash", 13 + 76 + 36, md5 + QByteArray(20, '\3')) + section("done", 0)) << md5_text << QString() << true;
+    QTest::newRow("digest")        << ewf(section("digest", 13 + 76 + 36, md5 + sha1) + section("done", 0)) << md5_text << sha1_text << true;
+    QTest::newRow("cut digest")    << ewf(section("digest", 13 + 76 + 36, md5 + sha1.chopped(1)))    << md5_text << QString() << false;
+    QTest::newRow("behind the end") << ewf(section("done", 13 + 76) + section("digest", 0, md5 + sha1)) << QString() << QString() << true;
+    QTest::newRow("behind the next file") << ewf(section("next", 13 + 76) + section("digest", 0, md5 + sha1)) << QString() << QString() << false;
+    QTest::newRow("going back")    << ewf(section("header", 13) + section("digest", 0, md5 + sha1))  << QString() << QString() << false;
+    QTest::newRow("empty")         << QByteArray()                                                   << QString() << QString() << false;
     // clang-format on
 }
 
@@ -180,6 +181,7 @@ void test_image_segments::hashes()
     const ewf_hashes found = hashes_in_ewf(folder.filePath(u"a.E01"_s));
     QTEST(found.md5, "md5");
     QTEST(found.sha1, "sha1");
+    QTEST(found.is_whole, "is_whole");
 }
 
 BLUETOOTH_LOGS_TEST(test_image_segments, QCoreApplication)
