@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /** A member of a tar, "ustar", of so many bytes that follow each other in the archive. */
-QByteArray member(const QByteArray &name, const QByteArray &content = {})
+QByteArray member(const QByteArray &name, const QByteArray &content = {}, char type = '0', const QByteArray &link = {})
 {
     QByteArray header(512, '\0');
     const auto put = [&header](qsizetype place, const QByteArray &text) { header.replace(place, text.size(), text); };
@@ -22,7 +22,8 @@ QByteArray member(const QByteArray &name, const QByteArray &content = {})
     put(100, "0000644");
     put(124, QByteArray::number(content.size(), 8).rightJustified(11, '0'));
     put(148, QByteArray(8, ' '));
-    put(156, "0");
+    put(156, QByteArray(1, type));
+    put(157, link);
     put(257, QByteArray("ustar\00000", 8));
     qint64 sum = 0;
     for (const char byte : std::as_const(header))
@@ -81,6 +82,31 @@ archive_limits limits_of(qint64 ratio, qint64 members, qint64 free_bytes)
     return limits;
 }
 
+/** What a visit says of each wanted file, and in the end of the archive: "path (of the member), flags: text". */
+QStringList accounts(const QByteArray &archive, const QStringList &wanted)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(u"a.tar"_s));
+    if (!file.open(QIODevice::WriteOnly) || file.write(archive) != archive.size())
+        qFatal("the archive cannot be written");
+    file.close();
+    const container_observers observers{[](qint64) {}, [](qint64) {}};
+    const auto store = open_archive(file.fileName(), false, observers);
+    QStringList found;
+    const auto take = [&found](const stored_file &stored, byte_stream *stream) {
+        QByteArray content(100, Qt::Uninitialized);
+        content.truncate(stream ? stream->read(content.data(), content.size()) : 0);
+        found.append(joined(stored.parts) + u" ("_s + stored.origin.path + u')'
+                     + (stored.is_folder ? u", folder"_s : QString()) + (stored.is_refused ? u", refused"_s : QString())
+                     + u": "_s + (stream ? u'"' + QString::fromUtf8(content) + u'"' : stored.objection));
+    };
+    if (wanted.isEmpty())
+        store->visit(evidence_search(), take);
+    else
+        store->visit_named([&wanted](const QStringList &parts) { return wanted.contains(joined(parts)); }, take);
+    return found + store->warnings() + (store->damage().isEmpty() ? QStringList() : QStringList{store->damage()});
+}
+
 } // namespace
 
 class test_archive_store : public QObject
@@ -94,6 +120,8 @@ private Q_SLOTS:
     void others_are_passed_over_from_a_file_on();
     void cut_in_what_is_passed_over_is_told();
     void hash_is_that_of_the_whole_file();
+    void members_data();
+    void members();
 };
 
 void test_archive_store::usual_limits()
@@ -151,6 +179,58 @@ void test_archive_store::hash_is_that_of_the_whole_file()
         QCOMPARE(found.hashed, archive.size());
         QCOMPARE(found.read, archive.size());
     }
+}
+
+void test_archive_store::members_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    QTest::addColumn<QStringList>("wanted"); // none: evidence
+    QTest::addColumn<QStringList>("accounts");
+
+    const QString evidence = u"Windows/System32/config/SYSTEM"_s;
+    const QByteArray end(1024, '\0');
+    QByteArray misnamed;
+    QStringList passed_over;
+    for (int count = 10; count < 32; ++count) {
+        const QString name = QString::number(count) + u"/WINDOWS/System32/config/SYSTEM/../x"_s;
+        misnamed += member(name.toUtf8());
+        if (count < 30)
+            passed_over.append(u"passed over in the archive, its name leads to a folder above: "_s + name);
+    }
+    QByteArray chain;
+    for (char link = 'a'; link < 'k'; ++link)
+        chain += member(QByteArray(1, link), {}, '2', QByteArray(1, char(link + 1)));
+
+    // clang-format off
+    QTest::newRow("file")             << member("d/f", "x") + member("d/g") + end          << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f): \"x\""_s};
+    QTest::newRow("folder")           << member("d/f/", {}, '5') + end                     << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f/), folder: "_s};
+    QTest::newRow("FIFO")             << member("d/f", {}, '6') + end                      << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is not a regular file"_s};
+    QTest::newRow("device")           << member("d/f", {}, '3') + end                      << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is not a regular file"_s};
+    QTest::newRow("link")             << member("g", "y") + member("d/f", {}, '2', "../g") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (g): \"y\""_s};
+    QTest::newRow("link to what comes") << member("d/f", {}, '2', "g") + member("d/g", "y") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (d/g): \"y\""_s};
+    QTest::newRow("from the root")    << member("g", "y") + member("d/f", {}, '2', "/g") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (g): \"y\""_s};
+    QTest::newRow("hard link")        << member("d/g", "y") + member("e/f", {}, '1', "d/g") + end << QStringList{u"e/f"_s} << QStringList{u"e/f (d/g): \"y\""_s};
+    QTest::newRow("link to a link")   << member("f", {}, '2', "g") + member("g", {}, '2', "h") + member("h", "z") + end << QStringList{u"f"_s} << QStringList{u"f (h): \"z\""_s};
+    QTest::newRow("link to a folder") << member("f", {}, '2', "g") + member("g/", {}, '5') + end << QStringList{u"f"_s} << QStringList{u"f (g/), folder: "_s};
+    QTest::newRow("link to a FIFO")   << member("f", {}, '2', "g") + member("g", {}, '6') + end << QStringList{u"f"_s} << QStringList{u"f (g), refused: it is not a regular file"_s};
+    QTest::newRow("link to nowhere")  << member("d/f", {}, '2', "g") + end                 << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f): it is a link that leads nowhere"_s};
+    QTest::newRow("link to itself")   << member("f", {}, '2', "f") + end                   << QStringList{u"f"_s}   << QStringList{u"f (f): it is a link that leads nowhere"_s};
+    QTest::newRow("too many links")   << chain + member("k", "z") + end                    << QStringList{u"a"_s}   << QStringList{u"a (i): it is a link that leads nowhere"_s};
+    QTest::newRow("eight links")      << chain + member("k", "z") + end                    << QStringList{u"c"_s}   << QStringList{u"c (k): \"z\""_s};
+    QTest::newRow("link out")         << member("d/f", {}, '2', "../../g") + end           << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is a link that leads out of the container, to ../../g"_s};
+    QTest::newRow("link to the top")  << member("d/f", {}, '2', "..") + end                << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is a link that leads out of the container, to .."_s};
+    QTest::newRow("link to a link out") << member("f", {}, '2', "g") + member("g", {}, '2', "../h") + end << QStringList{u"f"_s} << QStringList{u"f (g), refused: it is a link that leads out of the container, to ../h"_s};
+    QTest::newRow("evidence")         << member(evidence.toUtf8(), "r") + member("Windows/System32/config/SOFTWARE") + end << QStringList() << QStringList{evidence + u" ("_s + evidence + u"): \"r\""_s};
+    QTest::newRow("other letters")    << member("library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db") + end << QStringList() << QStringList{u"passed over in the archive, it is named as evidence but for letter case or the form of Unicode: library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s};
+    QTest::newRow("dangerous names")  << misnamed + end                                    << QStringList()         << passed_over + QStringList{u"2 more names of the archive were passed over"_s};
+    // clang-format on
+}
+
+void test_archive_store::members()
+{
+    QFETCH(const QByteArray, archive);
+    QFETCH(const QStringList, wanted);
+    QTEST(accounts(archive, wanted), "accounts");
 }
 
 BLUETOOTH_LOGS_TEST(test_archive_store, QCoreApplication)
