@@ -49,7 +49,9 @@ public:
     {
         const sqlite_database opened(result.path(), sqlite_database::access::read_only);
         sqlite_statement row(opened, "SELECT * FROM " + QByteArray(database.result_table.data()));
-        database_reading reading(copy, row, {}, {}, depth);
+        const vendor_list vendors;
+        const preferences_names names;
+        database_reading reading(copy, row, vendors, names, depth);
         QStringList lines;
         while (row.next()) {
             reading.next(row);
@@ -165,7 +167,9 @@ void test_database_reading::differences()
     made.add_row(u"'U-1', "_s + result);
     const sqlite_database opened(made.result.path(), sqlite_database::access::read_only);
     sqlite_statement row(opened, "SELECT * FROM " + QByteArray(made.database.result_table.data()));
-    database_reading reading(made.copy, row, {}, {}, reading_depth::everything);
+    const vendor_list vendors;
+    const preferences_names names;
+    database_reading reading(made.copy, row, vendors, names, reading_depth::everything);
     QVERIFY(row.next());
     reading.next(row);
     QTEST(QString::fromUtf8(text_of(reading.values().differs)), "differs");
