@@ -11,6 +11,7 @@
 #include "host/text/json_member.h"
 
 #include <QFile>
+#include <QHash>
 #include <QJsonArray>
 #include <QSet>
 
@@ -85,12 +86,14 @@ QList<named_source> recorded_sources_of(const QList<earlier_source> &earlier, co
 /** What was chosen in containers stands in the case's list. */
 void take_choices(QList<named_source> &recorded, const QList<named_source> &listed)
 {
+    QHash<int, const named_source *> by_number;
+    for (const named_source &known : listed)
+        by_number.insert(known.number, &known);
     for (named_source &source : recorded) {
-        for (const named_source &known : listed) {
-            if (known.number != source.number || known.path != source.path)
-                continue;
-            source.volume = known.volume;
-            source.member = known.member;
+        const named_source *const known = by_number.value(source.number);
+        if (known && known->path == source.path) {
+            source.volume = known->volume;
+            source.member = known->member;
         }
     }
 }
