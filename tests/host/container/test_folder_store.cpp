@@ -96,6 +96,8 @@ void test_folder_store::found_data()
         << QStringList{database_path + u": it is not a regular file!"_s} << QStringList{database_path + u": it is not a regular file!"_s};
     QTest::newRow("link to a file")   << change_of_folder([](const made_folder &made) { write_file(made.path(u"top/a.db"_s), "linked"); made.link(database_path, u"../../a.db"_s); })
         << QStringList{database_path + u" = linked"_s} << QStringList{database_path + u" = linked"_s};
+    QTest::newRow("link to a link")   << change_of_folder([](const made_folder &made) { write_file(made.path(u"top/a.db"_s), "linked"); made.link(u"b.db"_s, u"a.db"_s); made.link(database_path, u"../../b.db"_s); })
+        << QStringList{database_path + u" = linked"_s} << QStringList{database_path + u" = linked"_s};
     QTest::newRow("from the root")    << change_of_folder([](const made_folder &made) { write_file(made.path(u"top/a.db"_s), "linked"); made.link(database_path, u"/./a.db"_s); })
         << QStringList{database_path + u" = linked"_s} << QStringList{database_path + u": it is not a regular file!"_s};
     QTest::newRow("other letters")    << change_of_folder([](const made_folder &made) { write_file(made.path(u"top/A.db"_s), "linked"); made.link(database_path, u"/a.db"_s); })
