@@ -115,6 +115,7 @@ use_memory_for_tests() {
     fi
     export TMPDIR=$folder
     trap 'rm -rf "$TMPDIR"' EXIT
+    chmod 1777 "$folder" # as /tmp: some tests are run by another user
     printf '#!/bin/sh\n' >"$folder/program"
     chmod +x "$folder/program"
     if "$folder/program" 2>/dev/null; then

@@ -259,6 +259,8 @@ void test_case_check::newer_record_is_said_once()
     made_case::write(the_case.layout().source(2).plugin_log(), "another");
     QCOMPARE(check(the_case).differences,
              QStringList({u"Source2/source.json is newer than the manifest: \"collect\" makes it anew"_s}));
+    const QJsonObject manifest = manifest_members(read_manifest_file(the_case.layout()));
+    QCOMPARE(sources_unlike_manifest(the_case.layout(), manifest), QList<int>{2});
 }
 
 void test_case_check::source_of_no_manifest()
