@@ -11,7 +11,7 @@
 #include "host/report/page/provenance.h"
 #include "host/report/report_readme.h"
 #include "tests/host/report/joined_rows.h"
-#include "tests/support/file_content.h"
+#include "tests/host/report/report_text.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
@@ -338,8 +338,7 @@ using text_function_of_case = QByteArray (*)();
 Q_DECLARE_METATYPE(text_function_of_case)
 
 /**
- * Each section of the page, and the readme, as a whole: texts/NAME. They are made of the case that stands above. With
- * BLUETOOTH_LOGS_WRITE_TEXTS in the environment they are written anew; what is different then is to be read.
+ * Each section of the page, and the readme, as a whole: texts/NAME. They are made of the case that stands above.
  */
 class test_report_texts : public strict_test
 {
@@ -373,15 +372,7 @@ void test_report_texts::text_data()
 void test_report_texts::text()
 {
     QFETCH(const text_function_of_case, make);
-    const QString file = QStringLiteral(REPORT_TEXTS_FOLDER) + u'/' + QString::fromLatin1(QTest::currentDataTag());
-    const QByteArray html = make();
-    if (qEnvironmentVariableIsSet("BLUETOOTH_LOGS_WRITE_TEXTS"))
-        write_file(file, html);
-    const QList<QByteArray> lines = html.split('\n');
-    const QList<QByteArray> expected = content_of(file).split('\n');
-    for (qsizetype i = 0; i < qMin(lines.size(), expected.size()); ++i)
-        QCOMPARE(lines.at(i), expected.at(i));
-    QCOMPARE(lines.size(), expected.size());
+    compare_with_text(QString::fromLatin1(QTest::currentDataTag()), make());
 }
 
 BLUETOOTH_LOGS_TEST(test_report_texts, QCoreApplication)
