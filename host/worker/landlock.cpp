@@ -22,13 +22,6 @@ constexpr std::uint64_t rights_of_version_1 = (1ULL << 13) - 1;
 constexpr std::uint64_t net_bind_and_connect = 3;     // 4
 constexpr std::uint64_t abstract_sockets_signals = 3; // 6
 
-struct ruleset_attributes
-{
-    std::uint64_t files;
-    std::uint64_t net;
-    std::uint64_t scoped;
-};
-
 constexpr std::uint64_t rights_of_files = LANDLOCK_ACCESS_FS_EXECUTE | LANDLOCK_ACCESS_FS_WRITE_FILE
                                           | LANDLOCK_ACCESS_FS_READ_FILE | right_to_truncate | right_to_use_ioctl;
 constexpr std::uint64_t reading = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR;
@@ -40,7 +33,7 @@ constexpr std::uint64_t making = LANDLOCK_ACCESS_FS_REMOVE_DIR | LANDLOCK_ACCESS
 struct rights_since
 {
     int version;
-    ruleset_attributes rights;
+    landlock_rights rights;
 };
 
 constexpr rights_since known_rights[] = {
@@ -48,9 +41,11 @@ constexpr rights_since known_rights[] = {
     {4, {0, net_bind_and_connect, 0}}, {5, {right_to_use_ioctl, 0, 0}}, {6, {0, 0, abstract_sockets_signals}},
 };
 
-ruleset_attributes rights_of(int version)
+} // namespace
+
+landlock_rights rights_of_landlock(int version)
 {
-    ruleset_attributes all = {};
+    landlock_rights all;
     for (const auto &[first_version, rights] : known_rights) {
         if (first_version > version)
             break;
@@ -61,15 +56,13 @@ ruleset_attributes rights_of(int version)
     return all;
 }
 
-} // namespace
-
 landlock_rules::landlock_rules()
     : version(int(::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION)))
 {
     if (version < 1)
         return;
     // What an older kernel does not know of the structure is zero, which it accepts.
-    const ruleset_attributes attributes = rights_of(version);
+    const landlock_rights attributes = rights_of_landlock(version); // as the kernel takes them
     handled = attributes.files;
     rules = descriptor(int(::syscall(SYS_landlock_create_ruleset, &attributes, sizeof attributes, 0)));
 }

@@ -11,6 +11,17 @@
 #include <cstdint>
 #include <optional>
 
+/** Rights as Landlock counts them: to files and folders, to the network, and beyond the processes that are held. */
+struct landlock_rights
+{
+    std::uint64_t files = 0;
+    std::uint64_t net = 0;
+    std::uint64_t scoped = 0;
+};
+
+/** All that a version of Landlock knows. */
+landlock_rights rights_of_landlock(int version);
+
 /**
  * Rules of Linux's Landlock: what is not allowed is denied, as far as the kernel's version of it knows the right.
  * https://docs.kernel.org/userspace-api/landlock.html. Paths that are not there get no rule. Rules hold for what a path
