@@ -47,8 +47,8 @@ private Q_SLOTS:
     void refused();
     void refused_by_the_guard_data();
     void refused_by_the_guard();
-    void nesting_ends_at_a_level_data();
-    void nesting_ends_at_a_level();
+    void what_the_guard_bears_data();
+    void what_the_guard_bears();
     void largest_list();
     void xml_is_written_anew();
     void damaged_binary_lists_are_survived();
@@ -193,7 +193,7 @@ QByteArray crowded_tag(int attributes)
     QByteArray list = "<plist";
     for (int i = 0; i < attributes; ++i)
         list += " a" + QByteArray::number(i) + "='>'";
-    return list + "/>";
+    return list + "><true/></plist>";
 }
 
 QByteArray replaced(QByteArray list, qsizetype from_end, const QByteArray &bytes)
@@ -307,7 +307,7 @@ void test_property_list::refused_by_the_guard()
     QVERIFY(guarded_property_list(list).isNull());
 }
 
-void test_property_list::nesting_ends_at_a_level_data()
+void test_property_list::what_the_guard_bears_data()
 {
     QTest::addColumn<QByteArray>("list");
     QTest::addColumn<bool>("readable");
@@ -321,10 +321,13 @@ void test_property_list::nesting_ends_at_a_level_data()
     QTest::newRow("one more, above the root")    << with_second_object_as_root(nested_binary(most + 1, one_entry)) << true;
     QTest::newRow("binary dictionaries")         << nested_binary(most, one_value)              << true;
     QTest::newRow("binary dictionaries, one more") << nested_binary(most + 1, one_value)        << false;
+    QTest::newRow("attributes")                  << crowded_tag(4472)                           << true;
+    QTest::newRow("attributes, one more")        << crowded_tag(4473)                           << false;
+    QTest::newRow("signs in many tags")          << xml_list("<array>" + QByteArray("<string>=</string>").repeated(5000) + "</array>") << true;
     // clang-format on
 }
 
-void test_property_list::nesting_ends_at_a_level()
+void test_property_list::what_the_guard_bears()
 {
     QFETCH(QByteArray, list);
     QFETCH(bool, readable);

@@ -56,8 +56,6 @@ private Q_SLOTS:
     void paired_devices();
     void whole_rows();
     void nul_bytes_are_kept();
-    void a_huge_line_data();
-    void a_huge_line();
 };
 
 void test_log_rows::devices_data()
@@ -232,38 +230,6 @@ void test_log_rows::nul_bytes_are_kept()
     test.extractor.extract_available_devices();
     QCOMPARE(test.results.rows(u"SELECT hex(device_name), hex(model), hex(date) FROM devices"_s),
              QList<QVariantList>({{u"610062"_s, u"002700"_s, u"006F762031352032303A33323A3136"_s}}));
-}
-
-void test_log_rows::a_huge_line_data()
-{
-    QTest::addColumn<QByteArray>("start");
-    QTest::addColumn<QByteArray>("filling");
-    QTest::addColumn<QByteArray>("end");
-    QTest::addColumn<QStringList>("rows");
-
-    // clang-format off
-    QTest::newRow("no marker") << QByteArray() << QByteArray("x") << QByteArray("\n" + found("Nm a")) << row(u"'a'|NULL|NULL"_s);
-    QTest::newRow("marker at its start") << found("Nm a, ").chopped(1) << QByteArray("x") << QByteArray(", Md b\n")
-        << row(u"'a'|'b'|NULL"_s);
-    QTest::newRow("marker at its end") << QByteArray("Nov 15 20:32:16") << QByteArray("x") << found("Nm a") << row(u"'a'|NULL|NULL"_s);
-    QTest::newRow("nothing but parts") << found("").chopped(1) << QByteArray(", ") << QByteArray("Nm a") << row(u"'a'|NULL|NULL"_s);
-    QTest::newRow("nothing but names") << found("").chopped(1) << QByteArray("Nm x, ") << QByteArray("Nm a") << row(u"'a'|NULL|NULL"_s);
-    // clang-format on
-}
-
-void test_log_rows::a_huge_line()
-{
-    QFETCH(QByteArray, start);
-    QFETCH(QByteArray, filling);
-    QFETCH(QByteArray, end);
-    QFETCH(QStringList, rows);
-
-    constexpr qsizetype huge = 50'000'000;
-    ios_uid_case test;
-    widen_tables(test.results);
-    test.write_log(start + filling.repeated(huge / filling.size()) + end);
-    test.extractor.extract_available_devices();
-    QCOMPARE(device_rows(test), rows);
 }
 
 BLUETOOTH_LOGS_TEST(test_log_rows, QApplication)

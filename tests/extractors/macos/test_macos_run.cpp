@@ -6,6 +6,7 @@
 #include "tests/support/log_watch.h"
 #include "tests/support/macos_source.h"
 #include "tests/support/plugin_run.h"
+#include "tests/support/progress_record.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
@@ -92,21 +93,6 @@ QString executed_text(const QString &statement)
     return text;
 }
 
-/** What the host saw of the progress, in order: "records 3", "tabs 1". */
-class progress_record
-{
-public:
-    explicit progress_record(bluetooth_logs &frame)
-    {
-        QObject::connect(&frame, &bluetooth_logs::signal_extracted_records_of_plugin_overall, &frame,
-                         [this](qint64 records) { events.append(u"records "_s + QString::number(records)); });
-        QObject::connect(&frame, &bluetooth_logs::signal_tab_processed_of_plugin_overall, &frame,
-                         [this](int tabs) { events.append(u"tabs "_s + QString::number(tabs)); });
-    }
-
-    QStringList events;
-};
-
 } // namespace
 
 class test_macos_run : public strict_test
@@ -139,7 +125,6 @@ private Q_SLOTS:
     void no_progress_within_a_second();
     void second_extraction();
     void second_extraction_keeps_the_first_copies();
-    void progress_during_long_runs();
     void records_seeded_by_an_earlier_source();
     void copies_are_exact_and_stay();
     void rows_of_a_write_ahead_log_are_not_read();
@@ -542,34 +527,6 @@ void test_macos_run::second_extraction_keeps_the_first_copies()
     macos_source::add_device(sqlite_file(source->other_db()), u"OtherDevices"_s, {u"UUID-NEW"_s});
     run->extract();
     QCOMPARE(run->database().rows(u"SELECT * FROM devices WHERE uuid = 'UUID-NEW'"_s).size(), 0);
-}
-
-void test_macos_run::progress_during_long_runs()
-{
-    QList<QVariantList> rows;
-    for (int row = 0; row < 120000; ++row)
-        rows.append({u"UUID"_s});
-    sqlite_file(source->other_db()).execute_many(u"INSERT INTO OtherDevices(Uuid) VALUES(?)"_s, rows);
-    run->tabs = QStringList{u"devices"_s};
-    progress_record progress(run->frame);
-    QElapsedTimer timer;
-    timer.start();
-    run->run();
-    const qint64 seconds = timer.elapsed() / 1000;
-
-    // Between the frame's first signal and the tab's: at most one a second, growing, never the whole.
-    const qsizetype tab = progress.events.indexOf(u"tabs 1"_s);
-    QStringList during = progress.events.mid(1, tab - 2);
-    QVERIFY2(during.size() <= seconds, qPrintable(during.join(u' ')));
-    qint64 last = 0;
-    for (const QString &event : during) {
-        const qint64 records = event.section(u' ', 1).toLongLong();
-        QVERIFY(records > last);
-        last = records;
-    }
-    QVERIFY(last <= 120003);
-    QCOMPARE(progress.events.mid(tab - 1),
-             QStringList({u"records 120003"_s, u"tabs 1"_s, u"records 120003"_s, u"records 120003"_s}));
 }
 
 void test_macos_run::records_seeded_by_an_earlier_source()

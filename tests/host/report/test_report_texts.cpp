@@ -9,9 +9,20 @@
 #include "host/report/page/log_timeline.h"
 #include "host/report/page/page_head.h"
 #include "host/report/page/provenance.h"
+#include "host/report/reading/host_device_line.h"
+#include "host/report/reading/row_columns.h"
+#include "host/report/reading/salvage_line.h"
+#include "host/report/reading/unparsed_line.h"
+#include "host/report/reading/wal_change.h"
 #include "host/report/report_readme.h"
+#include "host/report/tables/container_list.h"
+#include "host/report/tables/evidence_list.h"
+#include "host/report/tables/shared_devices.h"
+#include "host/report/tables/source_list.h"
+#include "host/report/tables/timeline.h"
 #include "tests/host/report/joined_rows.h"
 #include "tests/host/report/report_text.h"
+#include "tests/support/plugin_run.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
@@ -313,6 +324,41 @@ QByteArray parts()
            + html_section("id", "Title", "content");
 }
 
+QByteArray line_of(const column_about &about)
+{
+    return about.name + " | " + about.heading + " | " + about.group + " | " + (about.is_hidden ? "hidden" : "shown")
+           + " | " + about.twin + about.link + '\n';
+}
+
+/** Where each column of each list stands, and what the page says of it but for its meaning, which terms.html has. */
+QByteArray columns()
+{
+    constexpr const char *places[] = {"", "cells: ", "members: ", "members of databases: ", "members of logs: "};
+    QByteArray lines;
+    const auto add = [&](const char *list, const QList<report_column> &columns) {
+        lines += QByteArray(list) + "\n\n";
+        for (const report_column &column : columns) {
+            const QByteArray place = places[size_t(column.use)];
+            lines += place + (column.is_json ? "JSON " : "") + line_of(about_column(column));
+        }
+        lines += '\n';
+    };
+    add("rows", row_cells(result_columns()).columns());
+    add("devices in lists", columns_of(host_device_columns()));
+    add("shared devices", columns_of(shared_columns()));
+    add("write-ahead logs", columns_of(wal_columns()));
+    add("lines without a row", columns_of(unparsed_columns()));
+    add("salvaged rows", columns_of(salvage_columns()));
+    add("events", columns_of(timeline_columns()));
+    add("evidence files", columns_of(evidence_columns()));
+    add("containers", columns_of(container_columns()));
+    add("sources", columns_of(source_list_columns()));
+    lines += "the page's own\n\n";
+    for (const char *name : {"device", "rows", "shared_device", "host_name", "uuid", "not_joined_because", "unknown"})
+        lines += line_of(about_own_column(name));
+    return lines;
+}
+
 /** With all that may be said, with nothing, and with what stands in its place. */
 QByteArray readmes()
 {
@@ -355,6 +401,7 @@ void test_report_texts::text_data()
 
     // clang-format off
     QTest::newRow("cards.html")              << text_function_of_case(cards);
+    QTest::newRow("columns.txt")             << text_function_of_case(columns);
     QTest::newRow("evidence.html")           << text_function_of_case(evidence);
     QTest::newRow("findings.html")           << text_function_of_case(findings_of_page);
     QTest::newRow("findings_of_pages.html")  << text_function_of_case(findings_of_pages);
