@@ -3,6 +3,7 @@
 
 #include "host/case/case_sources.h"
 #include "host/files/host_error.h"
+#include "host/files/sha256.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -65,7 +66,8 @@ private Q_SLOTS:
     void faults_of_a_list_data();
     void faults_of_a_list();
     void list_that_is_a_link();
-    void identity_and_its_numbers();
+    void identity_data();
+    void identity();
     void numbers_in_a_text_data();
     void numbers_in_a_text();
 };
@@ -215,16 +217,40 @@ void test_case_sources::list_that_is_a_link()
     QCOMPARE(refusal([&] { read_list_of_case(link); }), link + u" cannot be read: too many levels of symbolic links"_s);
 }
 
-void test_case_sources::identity_and_its_numbers()
+void test_case_sources::identity_data()
 {
-    const QList<named_source> sources{source_at(u"/a"_s, 3), source_at(u"/b"_s, 1), source_at(u"/c"_s, 2),
-                                      source_at(u"/d"_s, 7)};
-    const QJsonObject identity = sources_identity(sources);
-    QCOMPARE(identity.value("count"_L1).toInt(), 4);
-    QCOMPARE(identity.value("numbers"_L1).toString(), u"1-3,7"_s);
-    QList<named_source> renamed = sources;
-    renamed[0].name = u"x"_s;
-    QVERIFY(sources_identity(renamed).value("sha256"_L1) != identity.value("sha256"_L1));
+    QTest::addColumn<QList<named_source>>("sources");
+    QTest::addColumn<QString>("numbers");
+    QTest::addColumn<QByteArray>("list"); // whose hash it is
+
+    const auto of = [](int number, const QString &path, const QString &name, int volume, const QString &member) {
+        named_source source = source_at(path, number);
+        source.name = name;
+        source.volume = volume;
+        source.member = member;
+        return source;
+    };
+    const auto plain = [&of](int number, const QString &path) { return of(number, path, {}, 0, {}); };
+    // clang-format off
+    QTest::newRow("one")       << QList{plain(1, u"/a"_s)} << u"1"_s << R"([[1,"","/a"]])"_ba;
+    QTest::newRow("by number") << QList{plain(3, u"/a"_s), plain(1, u"/b"_s), plain(2, u"/c"_s), plain(7, u"/d"_s)}
+        << u"1-3,7"_s << R"([[1,"","/b"],[2,"","/c"],[3,"","/a"],[7,"","/d"]])"_ba;
+    QTest::newRow("name")      << QList{of(1, u"/a"_s, u"it's"_s, 0, {})} << u"1"_s << R"([[1,"it's","/a"]])"_ba;
+    QTest::newRow("volume")    << QList{of(1, u"/a"_s, {}, 2, {})} << u"1"_s << R"([[1,"","/a",{"member":"","volume":2}]])"_ba;
+    QTest::newRow("first volume") << QList{of(1, u"/a"_s, {}, 1, {})} << u"1"_s << R"([[1,"","/a",{"member":"","volume":1}]])"_ba;
+    QTest::newRow("member")    << QList{of(1, u"/a"_s, {}, 0, u"b/c"_s)} << u"1"_s << R"([[1,"","/a",{"member":"b/c","volume":0}]])"_ba;
+    QTest::newRow("both")      << QList{of(9, u"/a"_s, u"x"_s, 4, u"b"_s), plain(10, u"/a"_s)}
+        << u"9-10"_s << R"([[9,"x","/a",{"member":"b","volume":4}],[10,"","/a"]])"_ba;
+    // clang-format on
+}
+
+void test_case_sources::identity()
+{
+    QFETCH(const QList<named_source>, sources);
+    QFETCH(const QString, numbers);
+    QFETCH(const QByteArray, list);
+    QCOMPARE(sources_identity(sources),
+             (QJsonObject{{u"count"_s, sources.size()}, {u"numbers"_s, numbers}, {u"sha256"_s, sha256::of(list)}}));
 }
 
 void test_case_sources::numbers_in_a_text_data()

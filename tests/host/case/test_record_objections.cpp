@@ -18,6 +18,7 @@ class test_record_objections : public strict_test
 private Q_SLOTS:
     void record_data();
     void record();
+    void codes();
     void sources_data();
     void sources();
 };
@@ -59,6 +60,16 @@ void test_record_objections::record()
     const QJsonDocument document = QJsonDocument::fromJson(json);
     QVERIFY(document.isObject());
     QCOMPARE(objection_to_record(document.object(), 4), objection);
+}
+
+void test_record_objections::codes()
+{
+    QList<int> known;
+    for (int code = -1; code <= 256; ++code) {
+        if (objection_to_record({{u"number"_s, 4}, {u"status"_s, u"done"_s}, {u"exit_code"_s, code}}, 4).isEmpty())
+            known.append(code);
+    }
+    QCOMPARE(known, QList<int>({0, 1, 3, 4, 5, 130}));
 }
 
 void test_record_objections::sources_data()

@@ -3,7 +3,7 @@
 
 #include "host/worker/seccomp.h"
 
-#include "tests/host/worker/child_answers.h"
+#include "tests/support/child_answers.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 

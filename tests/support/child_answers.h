@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_HOST_WORKER_CHILD_ANSWERS_H
-#define TESTS_HOST_WORKER_CHILD_ANSWERS_H
+#ifndef TESTS_SUPPORT_CHILD_ANSWERS_H
+#define TESTS_SUPPORT_CHILD_ANSWERS_H
 
 #include <QtGlobal>
 
