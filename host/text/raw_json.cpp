@@ -77,8 +77,7 @@ std::optional<QHash<QByteArrayView, QByteArrayView>> raw_json_members(QByteArray
     QHash<QByteArrayView, QByteArrayView> members;
     json_scanner scanner(object);
     for (scanner.is_at('{'), scanner.pass(); !scanner.is_at('}'); scanner.is_at(',') ? scanner.pass() : void()) {
-        const QByteArrayView name = scanner.value();
-        scanner.is_at(':');
+        const QByteArrayView name = scanner.value(); // up to the colon
         scanner.pass();
         members.insert(name.sliced(1, name.size() - 2), scanner.value());
     }

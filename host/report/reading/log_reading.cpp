@@ -3,6 +3,7 @@
 
 #include "host/report/reading/log_reading.h"
 
+#include "host/files/open_without_links.h"
 #include "host/report/reading/kept_lines.h"
 #include "host/report/reading/log_date.h"
 
@@ -33,14 +34,13 @@ cell number_or_text(const std::optional<QByteArray> &text)
 log_reading::log_reading(const QString &lines, const QString &log, const QString &result_table,
                          const sqlite_statement &row, const vendor_list &vendor_names)
     : vendors(vendor_names)
-    , file(lines)
     , log_name(log.toUtf8())
     , table(result_table)
     , date_column(row.column_named("date"_L1))
     , name_column(row.column_named("device_name"_L1))
 {
-    if (!file.open(QIODevice::ReadOnly))
-        problem_text = u"ios_lines.jsonl cannot be read: "_s + file.errorString();
+    if (const QString problem = open_case_file(file, lines); !problem.isEmpty())
+        problem_text = u"ios_lines.jsonl cannot be read: "_s + problem;
 }
 
 bool log_reading::advance()

@@ -132,6 +132,8 @@ const line_columns<wal_change> &wal_columns()
 QString for_each_wal_change(const report_case &the_case, const report_source &source,
                             const std::function<void(const wal_change &change)> &take)
 {
+    if (source.is_locked)
+        return {};
     const source_layout layout = the_case.layout.source(source.record.number);
     wal_change_reader reader(source, *the_case.notes, take);
     if (path_exists(layout.wal_changes()))

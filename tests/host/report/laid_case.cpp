@@ -194,9 +194,10 @@ void lay_laptop(const laid_case &the_case)
 void lay_phone(const laid_case &the_case)
 {
     const QString result = the_case.path(u"Source4"_s + result_file);
-    add_table(result, u"devices"_s, u"INT INTEGER, device_name, sf_device_id, date, model"_s,
-              {u"1, 'Car', '1a', 'May 17 12:11:05', 'a1'"_s, u"2, 'Car', '1A', '2024-05-17 12:2', 'a1'"_s,
-               u"3, CAST(x'ff' AS TEXT), '2B', 'May 18 12:31:05', NULL"_s, u"4, '', '3C', 'May 18 12:31:07', NULL"_s});
+    add_table(result, u"devices"_s, u"INT INTEGER, device_name, address, sf_device_id, date, model"_s,
+              {u"1, 'Car', NULL, '1a', 'May 17 12:11:05', 'a1'"_s, u"2, 'Car', NULL, '1A', '2024-05-17 12:2', 'a1'"_s,
+               u"3, CAST(x'ff' AS TEXT), NULL, '2B', 'May 18 12:31:05', NULL"_s,
+               u"4, '', '5A:1B:2C:3D:4E:5F', NULL, 'May 18 12:31:07', NULL"_s});
     add_table(result, u"paired_devices"_s, u"INT INTEGER, device_name, device_address, date, status"_s,
               {u"1, 'Pods', 'B4:C2:6A:7F:D3:7A', 'May 17 12:11:06', 'PairedBT'"_s});
     write_file(the_case.path(u"Source4/ios_lines.jsonl"_s), lines_of_the_log);

@@ -87,6 +87,14 @@ void test_log_timeline::seconds_data()
     QTest::newRow("between two names") << QByteArray("anF  1 00:00:00") << qint64(-1);
     QTest::newRow("cut off") << QByteArray("Jan  1 00:00:0") << qint64(-1);
     QTest::newRow("sign") << QByteArray("Jan -1 00:00:00") << qint64(-1);
+    QTest::newRow("no blank behind the month") << QByteArray("Jan:01 00:00:00") << qint64(-1);
+    QTest::newRow("no colon behind the hour") << QByteArray("Jan 01 00.00:00") << qint64(-1);
+    QTest::newRow("no colon behind the minute") << QByteArray("Jan 01 00:00.00") << qint64(-1);
+    QTest::newRow("no month") << QByteArray("Jax  1 00:00:00") << qint64(-1);
+    QTest::newRow("letters for a day") << QByteArray("Jan xx 00:00:00") << qint64(-1);
+    QTest::newRow("letters for an hour") << QByteArray("Jan  1 xx:00:00") << qint64(-1);
+    QTest::newRow("letters for a minute") << QByteArray("Jan  1 00:xx:00") << qint64(-1);
+    QTest::newRow("letters for a second") << QByteArray("Jan  1 00:00:xx") << qint64(-1);
     QTest::newRow("ISO") << QByteArray("2026-01-01T00:00:00Z") << qint64(-1);
 }
 
