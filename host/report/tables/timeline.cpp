@@ -39,25 +39,34 @@ QByteArray iso_text(const QDateTime &time)
            + QByteArray::number(std::abs(minutes) % 60).rightJustified(2, '0');
 }
 
-/** The microseconds behind the point of an ISO 8601 text that Qt does not read. */
-qint64 microseconds_in(QByteArrayView iso)
+/** The digits behind the point of an ISO 8601 text. */
+QByteArrayView fraction_in(QByteArrayView iso)
 {
     const qsizetype point = iso.indexOf('.');
     if (point < 0)
-        return 0;
-    QByteArray digits;
-    for (const char character : iso.sliced(point + 1)) {
-        if (character < '0' || character > '9')
-            break;
-        digits.append(character);
-    }
-    return digits.leftJustified(6, '0', true).toLongLong();
+        return {};
+    const QByteArrayView rest = iso.sliced(point + 1);
+    const auto *const end = std::find_if(rest.begin(), rest.end(), [](char one) { return one < '0' || one > '9'; });
+    return rest.first(end - rest.begin());
+}
+
+qint64 microseconds_in(QByteArrayView iso)
+{
+    return fraction_in(iso).toByteArray().leftJustified(6, '0', true).toLongLong();
+}
+
+/** Without the fraction, which Qt would round, up to the next second. */
+QDateTime whole_second_of(QByteArrayView iso)
+{
+    QByteArray text = iso.toByteArray();
+    if (const QByteArrayView fraction = fraction_in(iso); !fraction.isEmpty())
+        text.remove(fraction.data() - iso.data() - 1, fraction.size() + 1);
+    return QDateTime::fromString(QString::fromLatin1(text), Qt::ISODate);
 }
 
 qint64 timestamp_of(QByteArrayView iso)
 {
-    const QDateTime time = QDateTime::fromString(QString::fromLatin1(iso), Qt::ISODateWithMs);
-    return time.toSecsSinceEpoch() * 1000000 + microseconds_in(iso);
+    return whole_second_of(iso).toSecsSinceEpoch() * 1000000 + microseconds_in(iso);
 }
 
 QByteArray place_text(const row_place &place, QByteArrayView path)
@@ -130,7 +139,7 @@ private:
             return;
         timeline_event event;
         event.timestamp = timestamp_of(iso);
-        event.datetime = iso_text(QDateTime::fromString(QString::fromLatin1(iso), Qt::ISODateWithMs));
+        event.datetime = iso_text(whole_second_of(iso).addMSecs(microseconds_in(iso) / 1000));
         event.description = meaning_of(time);
         event.source = device.source.record.number;
         event.address = device.address_normal.isEmpty() ? device.address : device.address_normal;

@@ -44,6 +44,18 @@ QString joined_text(const appearances &rows)
     return texts.join(u"; "_s);
 }
 
+/** In a list, where it has a name besides. */
+device_appearance listed(int source, const char *name, const char *local_name, const char *uuid = "")
+{
+    device_appearance one = seen(source, name, uuid, "");
+    one.local_name = local_name;
+    return one;
+}
+
+constexpr const char *uuid = "01234567-89AB-CDEF-0123-456789ABCDEF";
+constexpr const char *other_uuid = "01234567-89AB-CDEF-0123-456789ABCDE0";
+constexpr const char *long_name = "a name of as many characters: 36 ...";
+constexpr const char *other_long_name = "another one of as many characters ..";
 constexpr const char *address = "Public B4:C2:6A:7F:D3:7A";
 
 } // namespace
@@ -57,6 +69,7 @@ private Q_SLOTS:
     void devices_data();
     void devices();
     void shared_ones_are_numbered();
+    void shared_ones_are_known();
 };
 
 void test_device_join::devices_data()
@@ -78,6 +91,16 @@ void test_device_join::devices_data()
     QTest::newRow("no address")            << appearances{seen(0, "a", "", ""), seen(1, "b", "", "")} << u"a; b"_s;
     QTest::newRow("UUID in one source")    << appearances{seen(0, "a", "U-1", ""), seen(0, "b", "U-1", "")} << u"a+b"_s;
     QTest::newRow("UUID in two sources")   << appearances{seen(0, "a", "U-1", ""), seen(1, "b", "U-1", "")} << u"a; b"_s;
+    QTest::newRow("long UUID in one source")  << appearances{seen(0, "a", uuid, ""), seen(0, "b", uuid, ""), seen(0, "c", other_uuid, "")} << u"a+b; c"_s;
+    QTest::newRow("long UUID in two sources") << appearances{seen(0, "a", uuid, ""), seen(1, "b", uuid, ""), seen(1, "c", uuid, "")} << u"a; b+c"_s;
+    QTest::newRow("long names")            << appearances{seen(0, "a", long_name, ""), seen(0, "b", long_name, ""), seen(0, "c", other_long_name, "")} << u"a+b; c"_s;
+    QTest::newRow("local names")           << appearances{listed(0, "a", "x"), listed(0, "b", "x"), listed(0, "c", "y"), listed(1, "d", "x")} << u"a+b; c; d"_s;
+    QTest::newRow("UUID before a local name") << appearances{listed(0, "a", "x", "U-1"), listed(0, "b", "x", "U-2"), listed(0, "c", "y", "U-1")} << u"a+c; b"_s;
+    QTest::newRow("sources in turn")       << appearances{seen(0, "a", "U-1", ""), seen(1, "b", "U-1", ""), seen(1, "c", "U-2", ""), seen(2, "d", "U-2", "")} << u"a; b; c; d"_s;
+    QTest::newRow("keys of one source alone") << appearances{seen(0, "a", "", address, "ic-1"), seen(0, "b", "", "", "ic-1"), seen(1, "c", "", address)}
+                                           << u"a+b+c by public_address b4:c2:6a:7f:d3:7a"_s;
+    QTest::newRow("keys are sorted")       << appearances{seen(0, "a", "", address, "ic-1"), seen(1, "b", "", "", "IC-1"), seen(2, "c", "", "b4c26a7fd37a"), seen(2, "d", "", "b4c26a7fd37b", "ic-1"), seen(0, "e", "", "b4c26a7fd37b")}
+                                           << u"a+b+c+d+e by public_address b4:c2:6a:7f:d3:7a by public_address b4:c2:6a:7f:d3:7b by icloud_identifier IC-1"_s;
     QTest::newRow("chain")                 << appearances{seen(0, "a", "U-1", address), seen(1, "b", "U-2", address), seen(1, "c", "U-2", "", "ic-1"), seen(2, "d", "U-3", "", "IC-1")}
                                            << u"a+b+c+d by public_address b4:c2:6a:7f:d3:7a by icloud_identifier IC-1"_s;
     QTest::newRow("joined by a later row") << appearances{seen(0, "a", "U-1", address), seen(1, "b", "", "", "ic-1"), seen(2, "c", "", address, "ic-1")}
@@ -102,6 +125,31 @@ void test_device_join::shared_ones_are_numbered()
     QCOMPARE(devices.at(0).shared_number, 0);
     QCOMPARE(devices.at(1).shared_number, 1);
     QCOMPARE(devices.at(2).shared_number, 2);
+}
+
+void test_device_join::shared_ones_are_known()
+{
+    device_join join;
+    const device_appearance one = seen(0, "a", "U-1", address);
+    const device_appearance by_uuid = seen(0, "b", "U-1", "");
+    const device_appearance another = seen(1, "c", "U-1", "", "ic-1");
+    for (const device_appearance &row : {one, by_uuid, another})
+        join.learn(row);
+    QVERIFY(!join.is_any_shared());
+    QVERIFY(!join.is_shared(one) && !join.is_shared(another));
+    join.learn(seen(1, "d", "", address));
+    QVERIFY(join.is_any_shared());
+    QVERIFY(join.is_shared(one) && join.is_shared(by_uuid));
+    QVERIFY(!join.is_shared(another));
+    QVERIFY(!join.is_shared(seen(2, "e", "U-1", "")));
+    QVERIFY(join.is_in_several_sources(one.keys.first()));
+    QVERIFY(!join.is_in_several_sources(another.keys.first()));
+    QVERIFY(!join.is_in_several_sources({join_key::kind::icloud_identifier, "b4:c2:6a:7f:d3:7a"}));
+    QCOMPARE(join.device_of(one), join.device_of(by_uuid));
+    QVERIFY(join.device_of(one) != join.device_of(another));
+    QVERIFY(join.device_of(seen(2, "e", "U-1", "")) != join.device_of(seen(3, "f", "U-1", "")));
+    QCOMPARE(join.device_of(seen(2, "g", "", "")), QByteArray());
+    QCOMPARE(join.group_of(seen(2, "g", "", "")), -1);
 }
 
 BLUETOOTH_LOGS_TEST(test_device_join, QCoreApplication)

@@ -145,6 +145,8 @@ private Q_SLOTS:
     void readings_of_counters();
     void times_of_lists_data();
     void times_of_lists();
+    void clocks_of_lists_data();
+    void clocks_of_lists();
     void times_of_a_log_data();
     void times_of_a_log();
     void database();
@@ -323,13 +325,54 @@ void test_report_tables::times_of_lists()
     QCOMPARE(found.left_out_texts(), left_out);
 }
 
+void test_report_tables::clocks_of_lists_data()
+{
+    QTest::addColumn<QByteArray>("time");
+    QTest::addColumn<QString>("event"); // or why there is none
+
+    const QString meaning = u" | Seen | Car | a x | "_s;
+    const QString counted = u" | T of the mobile list, taken as seconds since 2001 | Car | a x | "_s;
+    const QString beyond = u"left out of the timeline: 1 times of mobile lists that lie beyond the year 9000"_s;
+    // clang-format off
+    QTest::newRow("whole")           << QByteArray(R"("raw":1,"utc":"2024-05-17T10:11:05Z","clock":"utc")") << u"2024-05-17T10:11:05+00:00"_s + meaning + u"1715940665000000"_s;
+    QTest::newRow("microseconds")    << QByteArray(R"("raw":1,"utc":"2024-05-17T10:11:05.123456Z","clock":"utc")") << u"2024-05-17T10:11:05.123+00:00"_s + meaning + u"1715940665123456"_s;
+    QTest::newRow("nanoseconds")     << QByteArray(R"("raw":1,"utc":"2024-05-17T10:11:05.1234567Z","clock":"utc")") << u"2024-05-17T10:11:05.123+00:00"_s + meaning + u"1715940665123456"_s;
+    QTest::newRow("end of a second") << QByteArray(R"("raw":1,"utc":"2024-05-17T10:11:05.9999999Z","clock":"utc")") << u"2024-05-17T10:11:05.999+00:00"_s + meaning + u"1715940665999999"_s;
+    QTest::newRow("few digits")      << QByteArray(R"("raw":1,"utc":"2024-05-17T10:11:05.5Z","clock":"utc")") << u"2024-05-17T10:11:05.500+00:00"_s + meaning + u"1715940665500000"_s;
+    QTest::newRow("before 1970")     << QByteArray(R"("raw":1,"utc":"1969-12-31T23:59:59.25Z","clock":"utc")") << u"1969-12-31T23:59:59.250+00:00"_s + meaning + u"-750000"_s;
+    QTest::newRow("with a zone")     << QByteArray(R"("raw":1,"utc":"2024-05-17T10:11:05+05:30","clock":"utc")") << u"2024-05-17T10:11:05+05:30"_s + meaning + u"1715920865000000"_s;
+    QTest::newRow("west")            << QByteArray(R"("raw":1,"utc":"2024-05-17T10:11:05-03:30","clock":"utc")") << u"2024-05-17T10:11:05-03:30"_s + meaning + u"1715953265000000"_s;
+    QTest::newRow("never")           << QByteArray(R"("raw":0,"utc":null,"clock":"utc")") << u"left out of the timeline: 1 times that say never"_s;
+    QTest::newRow("the start")       << QByteArray(R"("raw":0,"utc":null,"clock":"unknown")") << u"2001-01-01T00:00:00+00:00"_s + counted + u"978307200000000"_s;
+    QTest::newRow("before it")       << QByteArray(R"("raw":-1,"utc":null,"clock":"unknown")") << beyond;
+    QTest::newRow("last")            << QByteArray(R"("raw":221356800000,"utc":null,"clock":"unknown")") << u"9015-07-10T00:00:00+00:00"_s + counted + u"222335107200000000"_s;
+    QTest::newRow("beyond it")       << QByteArray(R"("raw":221356800001,"utc":null,"clock":"unknown")") << beyond;
+    QTest::newRow("no number")       << QByteArray(R"("raw":"1","utc":null,"clock":"unknown")") << u"left out of the timeline: 1 times of mobile lists whose start is not known: --mobile-epoch says it"_s;
+    // clang-format on
+}
+
+void test_report_tables::clocks_of_lists()
+{
+    QFETCH(const QByteArray, time);
+    const small_case the_case(macos_kind.name);
+    the_case.write(u"host_devices.jsonl"_s,
+                   R"({"list":"x","address":"y","names":["Car"],"times":[{"name":"T","meaning":"Seen",)" + time
+                       + R"(}],"locator":{"file":"a","path":"x"}})"
+                         "\n");
+    timeline_options options;
+    options.mobile_epoch = 2001;
+    const timeline found = read_timeline(the_case.facts, options);
+    QTEST((texts_of(found) + found.left_out_texts()).join(u", "_s), "event");
+}
+
 void test_report_tables::times_of_a_log_data()
 {
     QTest::addColumn<bool>("is_placed");
     QTest::addColumn<QStringList>("events");
     QTest::addColumn<QStringList>("left_out");
 
-    const QString zoned = u"2024-05-17T12:11:05+02:00 | Line of a log | Car | system.log line 4 | 1715940665000000"_s;
+    const QString zoned =
+        u"2024-05-17T12:11:05.999999+02:00 | Line of a log | Car | system.log line 4 | 1715940665999999"_s;
     // clang-format off
     QTest::newRow("as it is") << false << QStringList{zoned}
                               << QStringList{u"left out of the timeline: 1 lines of logs without a date of a known form"_s,
@@ -353,7 +396,7 @@ void test_report_tables::times_of_a_log()
     the_case.write(u"ios_lines.jsonl"_s,
                    first + first /* words of both tables */ + kept(2, "Jan  1 00:00:01 p")
                        + kept(3, "Feb 29 01:00:00 p")
-                       + kept(4, "2024-05-17 12:11:05+0200 BLE device found: SFDevice ID 1A, Nm 'Car', Md 'a'")
+                       + kept(4, "2024-05-17 12:11:05.999999+0200 BLE device found: SFDevice ID 1A, Nm 'Car', Md 'a'")
                        + kept(5, "no date"));
     timeline_options options;
     if (is_placed) {

@@ -128,6 +128,20 @@ void test_report_values::log_lines_data()
     QTest::newRow("other escapes") << QByteArray(R"(BLE device found: SFDevice ID 1, Nm 'a\\b\^Ic\q')") << u"\"a\\b\tc\\q\" \"1\" none none"_s;
     QTest::newRow("cut in an escape") << QByteArray(R"(BLE device found: SFDevice ID 1, Nm 'a\M-)") << u"\"a\\M-\" \"1\" none none"_s;
     QTest::newRow("nothing")       << QByteArray("BLE device found:") << u"none none none none"_s;
+    QTest::newRow("name before a model")   << QByteArray("x, Nm 'a', Md 'b', c', AID 7") << u"\"a\" none none \"7\""_s;
+    QTest::newRow("name before an AID")    << QByteArray("x, Nm 'a', b', AID 7F") << u"\"a', b\" none none \"7F\""_s;
+    QTest::newRow("name before a pairing") << QByteArray("x, Nm 'a', b', PairedBT") << u"\"a', b\" none none none paired"_s;
+    QTest::newRow("name before an SSID")   << QByteArray("x, Nm 'a', b', SSID c'") << u"\"a', b\" none none none"_s;
+    QTest::newRow("the nearest end")       << QByteArray("x, Nm 'a', SSID b', PairedBT, Md 'c', Md 'd'") << u"\"a\" none none none paired"_s;
+    QTest::newRow("name without an end")   << QByteArray("x, Nm 'a b") << u"\"a b\" none none none"_s;
+    QTest::newRow("two names")             << QByteArray("x, Nm 'a', Md 'b', Nm 'c', Md 'd'") << u"\"a\" none none none"_s;
+    QTest::newRow("parts in a name")       << QByteArray("x SFDevice ID 1, Nm 'a, RSSI 5, SFDevice ID 2, AID 3', Md 'm', RSSI -60, AID 7") << u"\"a, RSSI 5, SFDevice ID 2, AID 3\" \"2\" \"-60\" \"7\""_s;
+    QTest::newRow("both identifiers")      << QByteArray("x, PI 83:52, SFDevice ID 1A") << u"none \"1A\" none none"_s;
+    QTest::newRow("blanks around parts")   << QByteArray("x SFDevice ID  1A , RSSI  -60 ") << u"none \"1A\" \"-60\" none"_s;
+    QTest::newRow("nothing in a part")     << QByteArray("x SFDevice ID , RSSI , Nm '', Md 'a'") << u"\"\" \"\" \"\" none"_s;
+    QTest::newRow("first and last escape") << QByteArray(R"(x, Nm '\^@\M^?\^?')") << QString(u"\"\0\ufffd\u007f\" none none none"_s);
+    QTest::newRow("cut in an escape of two") << QByteArray(R"(x, Nm '\^)") << u"\"\\^\" none none none"_s;
+    QTest::newRow("a backslash alone")     << QByteArray(R"(x, Nm '\)") << u"\"\\\" none none none"_s;
     // clang-format on
 }
 
