@@ -81,12 +81,10 @@ file_tree::resolved file_tree::follow(const tree_node &folder, const tree_node &
 void file_tree::look(const tree_node &folder, const QStringList &pattern, qsizetype place, const QStringList &parts,
                      const evidence_search &search, const file_taker &take)
 {
-    if (place == pattern.size()) {
-        take_folder(folder, parts, search, take);
-        return;
-    }
-    QList<tree_node> next;
     try {
+        if (place == pattern.size())
+            return take_folder(folder, parts, search, take);
+        QList<tree_node> next;
         if (pattern.at(place) == "*"_L1)
             next = entries(folder);
         else if (const std::optional<tree_node> entry = entry_named(folder, pattern.at(place)))

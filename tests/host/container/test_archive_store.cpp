@@ -3,6 +3,7 @@
 
 #include "host/container/archive_store.h"
 #include "host/files/sha256.h"
+#include "tests/support/tar_bytes.h"
 #include "tests/support/test_entry.h"
 
 #include <QFile>
@@ -12,25 +13,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/** A member of a tar, "ustar", of so many bytes that follow each other in the archive. */
-QByteArray member(const QByteArray &name, const QByteArray &content = {}, char type = '0', const QByteArray &link = {})
-{
-    QByteArray header(512, '\0');
-    const auto put = [&header](qsizetype place, const QByteArray &text) { header.replace(place, text.size(), text); };
-    put(0, name);
-    put(100, "0000644");
-    put(124, QByteArray::number(content.size(), 8).rightJustified(11, '0'));
-    put(148, QByteArray(8, ' '));
-    put(156, QByteArray(1, type));
-    put(157, link);
-    put(257, QByteArray("ustar\00000", 8));
-    qint64 sum = 0;
-    for (const char byte : std::as_const(header))
-        sum += static_cast<unsigned char>(byte);
-    put(148, QByteArray::number(sum, 8).rightJustified(6, '0') + '\0');
-    return header + content + QByteArray((512 - content.size() % 512) % 512, '\0');
-}
 
 /** What a visit of an archive gave. */
 struct visited
@@ -132,7 +114,7 @@ void test_archive_store::usual_limits()
 
 void test_archive_store::members_are_counted()
 {
-    const QByteArray archive = member("a") + member("b") + member("c") + QByteArray(1024, '\0');
+    const QByteArray archive = tar_member("a") + tar_member("b") + tar_member("c") + QByteArray(1024, '\0');
     const visited all = visit(archive, limits_of(1000, 3, 1 << 20));
     QCOMPARE(all.names, QStringList({u"a"_s, u"b"_s, u"c"_s}));
     QCOMPARE(all.damage, QString());
@@ -146,7 +128,7 @@ void test_archive_store::members_are_counted()
 void test_archive_store::ratio_is_watched()
 {
     // Of what is not compressed no byte is unpacked to more: one for one is all that is left.
-    const QByteArray archive = member("a", QByteArray(4096, 'x')) + QByteArray(1024, '\0');
+    const QByteArray archive = tar_member("a", QByteArray(4096, 'x')) + QByteArray(1024, '\0');
     QCOMPARE(visit(archive, limits_of(2, 10, 0)).bytes, 4096);
     const visited stopped = visit(archive, limits_of(0, 10, 0));
     QCOMPARE(stopped.failure, u"it unpacks to more than 0 times its size, which no evidence does"_s);
@@ -154,8 +136,9 @@ void test_archive_store::ratio_is_watched()
 
 void test_archive_store::others_are_passed_over_from_a_file_on()
 {
-    const QByteArray archive = member("a") + member("b/../SYSTEM") + member("./Library/Bluetooth/") + member("b")
-                               + member("x/Windows/System32/config/system") + member("c\xff") + QByteArray(1024, '\0');
+    const QByteArray archive = tar_member("a") + tar_member("b/../SYSTEM") + tar_member("./Library/Bluetooth/")
+                               + tar_member("b") + tar_member("x/Windows/System32/config/system") + tar_member("c\xff")
+                               + QByteArray(1024, '\0');
     const QString hive = u"x/Windows/System32/config/system"_s;
     QCOMPARE(visit(archive, {}).names, QStringList({u"a"_s, u"Library/Bluetooth"_s, u"b"_s, hive, u"c\\xff"_s}));
     QCOMPARE(visit(archive, {}, 1).names, QStringList({u"a"_s, hive}));
@@ -164,7 +147,7 @@ void test_archive_store::others_are_passed_over_from_a_file_on()
 
 void test_archive_store::cut_in_what_is_passed_over_is_told()
 {
-    const QByteArray archive = member("a", QByteArray(100'000, 'x')) + member("b") + QByteArray(1024, '\0');
+    const QByteArray archive = tar_member("a", QByteArray(100'000, 'x')) + tar_member("b") + QByteArray(1024, '\0');
     QCOMPARE(visit(archive, {}, 0).damage, QString());
     const visited cut = visit(archive.first(50'000), {}, 0);
     QVERIFY2(cut.damage.startsWith(u"truncated"_s), qPrintable(cut.damage));
@@ -172,7 +155,7 @@ void test_archive_store::cut_in_what_is_passed_over_is_told()
 
 void test_archive_store::hash_is_that_of_the_whole_file()
 {
-    const QByteArray archive = member("a", QByteArray(100'000, 'x')) + QByteArray(1024, '\0') + "behind its end";
+    const QByteArray archive = tar_member("a", QByteArray(100'000, 'x')) + QByteArray(1024, '\0') + "behind its end";
     for (const int most_others : {1, 0}) {
         const visited found = visit(archive, {}, most_others);
         QCOMPARE(found.sha256, sha256::of(archive));
@@ -193,35 +176,35 @@ void test_archive_store::members_data()
     QStringList passed_over;
     for (int count = 10; count < 32; ++count) {
         const QString name = QString::number(count) + u"/WINDOWS/System32/config/SYSTEM/../x"_s;
-        misnamed += member(name.toUtf8());
+        misnamed += tar_member(name.toUtf8());
         if (count < 30)
             passed_over.append(u"passed over in the archive, its name leads to a folder above: "_s + name);
     }
     QByteArray chain;
     for (char link = 'a'; link < 'k'; ++link)
-        chain += member(QByteArray(1, link), {}, '2', QByteArray(1, char(link + 1)));
+        chain += tar_member(QByteArray(1, link), {}, '2', QByteArray(1, char(link + 1)));
 
     // clang-format off
-    QTest::newRow("file")             << member("d/f", "x") + member("d/g") + end          << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f): \"x\""_s};
-    QTest::newRow("folder")           << member("d/f/", {}, '5') + end                     << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f/), folder: "_s};
-    QTest::newRow("FIFO")             << member("d/f", {}, '6') + end                      << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is not a regular file"_s};
-    QTest::newRow("device")           << member("d/f", {}, '3') + end                      << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is not a regular file"_s};
-    QTest::newRow("link")             << member("g", "y") + member("d/f", {}, '2', "../g") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (g): \"y\""_s};
-    QTest::newRow("link to what comes") << member("d/f", {}, '2', "g") + member("d/g", "y") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (d/g): \"y\""_s};
-    QTest::newRow("from the root")    << member("g", "y") + member("d/f", {}, '2', "/g") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (g): \"y\""_s};
-    QTest::newRow("hard link")        << member("d/g", "y") + member("e/f", {}, '1', "d/g") + end << QStringList{u"e/f"_s} << QStringList{u"e/f (d/g): \"y\""_s};
-    QTest::newRow("link to a link")   << member("f", {}, '2', "g") + member("g", {}, '2', "h") + member("h", "z") + end << QStringList{u"f"_s} << QStringList{u"f (h): \"z\""_s};
-    QTest::newRow("link to a folder") << member("f", {}, '2', "g") + member("g/", {}, '5') + end << QStringList{u"f"_s} << QStringList{u"f (g/), folder: "_s};
-    QTest::newRow("link to a FIFO")   << member("f", {}, '2', "g") + member("g", {}, '6') + end << QStringList{u"f"_s} << QStringList{u"f (g), refused: it is not a regular file"_s};
-    QTest::newRow("link to nowhere")  << member("d/f", {}, '2', "g") + end                 << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f): it is a link that leads nowhere"_s};
-    QTest::newRow("link to itself")   << member("f", {}, '2', "f") + end                   << QStringList{u"f"_s}   << QStringList{u"f (f): it is a link that leads nowhere"_s};
-    QTest::newRow("too many links")   << chain + member("k", "z") + end                    << QStringList{u"a"_s}   << QStringList{u"a (i): it is a link that leads nowhere"_s};
-    QTest::newRow("eight links")      << chain + member("k", "z") + end                    << QStringList{u"c"_s}   << QStringList{u"c (k): \"z\""_s};
-    QTest::newRow("link out")         << member("d/f", {}, '2', "../../g") + end           << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is a link that leads out of the container, to ../../g"_s};
-    QTest::newRow("link to the top")  << member("d/f", {}, '2', "..") + end                << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is a link that leads out of the container, to .."_s};
-    QTest::newRow("link to a link out") << member("f", {}, '2', "g") + member("g", {}, '2', "../h") + end << QStringList{u"f"_s} << QStringList{u"f (g), refused: it is a link that leads out of the container, to ../h"_s};
-    QTest::newRow("evidence")         << member(evidence.toUtf8(), "r") + member("Windows/System32/config/SOFTWARE") + end << QStringList() << QStringList{evidence + u" ("_s + evidence + u"): \"r\""_s};
-    QTest::newRow("other letters")    << member("library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db") + end << QStringList() << QStringList{u"passed over in the archive, it is named as evidence but for letter case or the form of Unicode: library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s};
+    QTest::newRow("file")             << tar_member("d/f", "x") + tar_member("d/g") + end          << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f): \"x\""_s};
+    QTest::newRow("folder")           << tar_member("d/f/", {}, '5') + end                     << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f/), folder: "_s};
+    QTest::newRow("FIFO")             << tar_member("d/f", {}, '6') + end                      << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is not a regular file"_s};
+    QTest::newRow("device")           << tar_member("d/f", {}, '3') + end                      << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is not a regular file"_s};
+    QTest::newRow("link")             << tar_member("g", "y") + tar_member("d/f", {}, '2', "../g") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (g): \"y\""_s};
+    QTest::newRow("link to what comes") << tar_member("d/f", {}, '2', "g") + tar_member("d/g", "y") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (d/g): \"y\""_s};
+    QTest::newRow("from the root")    << tar_member("g", "y") + tar_member("d/f", {}, '2', "/g") + end << QStringList{u"d/f"_s} << QStringList{u"d/f (g): \"y\""_s};
+    QTest::newRow("hard link")        << tar_member("d/g", "y") + tar_member("e/f", {}, '1', "d/g") + end << QStringList{u"e/f"_s} << QStringList{u"e/f (d/g): \"y\""_s};
+    QTest::newRow("link to a link")   << tar_member("f", {}, '2', "g") + tar_member("g", {}, '2', "h") + tar_member("h", "z") + end << QStringList{u"f"_s} << QStringList{u"f (h): \"z\""_s};
+    QTest::newRow("link to a folder") << tar_member("f", {}, '2', "g") + tar_member("g/", {}, '5') + end << QStringList{u"f"_s} << QStringList{u"f (g/), folder: "_s};
+    QTest::newRow("link to a FIFO")   << tar_member("f", {}, '2', "g") + tar_member("g", {}, '6') + end << QStringList{u"f"_s} << QStringList{u"f (g), refused: it is not a regular file"_s};
+    QTest::newRow("link to nowhere")  << tar_member("d/f", {}, '2', "g") + end                 << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f): it is a link that leads nowhere"_s};
+    QTest::newRow("link to itself")   << tar_member("f", {}, '2', "f") + end                   << QStringList{u"f"_s}   << QStringList{u"f (f): it is a link that leads nowhere"_s};
+    QTest::newRow("too many links")   << chain + tar_member("k", "z") + end                    << QStringList{u"a"_s}   << QStringList{u"a (i): it is a link that leads nowhere"_s};
+    QTest::newRow("eight links")      << chain + tar_member("k", "z") + end                    << QStringList{u"c"_s}   << QStringList{u"c (k): \"z\""_s};
+    QTest::newRow("link out")         << tar_member("d/f", {}, '2', "../../g") + end           << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is a link that leads out of the container, to ../../g"_s};
+    QTest::newRow("link to the top")  << tar_member("d/f", {}, '2', "..") + end                << QStringList{u"d/f"_s} << QStringList{u"d/f (d/f), refused: it is a link that leads out of the container, to .."_s};
+    QTest::newRow("link to a link out") << tar_member("f", {}, '2', "g") + tar_member("g", {}, '2', "../h") + end << QStringList{u"f"_s} << QStringList{u"f (g), refused: it is a link that leads out of the container, to ../h"_s};
+    QTest::newRow("evidence")         << tar_member(evidence.toUtf8(), "r") + tar_member("Windows/System32/config/SOFTWARE") + end << QStringList() << QStringList{evidence + u" ("_s + evidence + u"): \"r\""_s};
+    QTest::newRow("other letters")    << tar_member("library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db") + end << QStringList() << QStringList{u"passed over in the archive, it is named as evidence but for letter case or the form of Unicode: library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s};
     QTest::newRow("dangerous names")  << misnamed + end                                    << QStringList()         << passed_over + QStringList{u"2 more names of the archive were passed over"_s};
     // clang-format on
 }
