@@ -18,7 +18,7 @@ constexpr example examples[] = {
 
 } // namespace
 
-void add_collect_command(CLI::App &app, command_line &line)
+std::shared_ptr<const QString> add_collect_command(CLI::App &app, command_line &line)
 {
     const auto directory = std::make_shared<QString>();
     CLI::App &collect = *app.add_subcommand("collect", "Make the manifest of a case from the records of its sources");
@@ -31,4 +31,5 @@ void add_collect_command(CLI::App &app, command_line &line)
         line.reading = *limits;
         line.command = [directory](console &out) { return run_collect(*directory, out); };
     });
+    return directory;
 }

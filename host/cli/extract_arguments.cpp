@@ -280,7 +280,7 @@ extract_options options_of(const extract_arguments &arguments, const QStringList
 
 } // namespace
 
-void add_extract_command(CLI::App &app, command_line &line)
+std::shared_ptr<const extract_options> add_extract_command(CLI::App &app, command_line &line)
 {
     const auto arguments = std::make_shared<extract_arguments>();
     extraction_options &options = arguments->result.request.options;
@@ -293,8 +293,8 @@ void add_extract_command(CLI::App &app, command_line &line)
     extract.final_callback([arguments, &line] {
         line.output.has_events = arguments->result.json_progress;
         line.output.no_progress = arguments->result.request.options.is_verbose || line.output.has_events;
-        line.command = [options = options_of(*arguments, line.arguments)](console &out) {
-            return run_extract(options, out);
-        };
+        arguments->result = options_of(*arguments, line.arguments);
+        line.command = [arguments](console &out) { return run_extract(arguments->result, out); };
     });
+    return {arguments, &arguments->result};
 }

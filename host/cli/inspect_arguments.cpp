@@ -8,7 +8,7 @@
 
 #include <memory>
 
-void add_inspect_command(CLI::App &app, command_line &line)
+std::shared_ptr<const inspect_options> add_inspect_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<inspect_options>();
     CLI::App &inspect = *app.add_subcommand("inspect", "Tell what sources are and which evidence they hold");
@@ -29,4 +29,5 @@ void add_inspect_command(CLI::App &app, command_line &line)
     add_process_limits(inspect, "a container", options->memory_limit, options->timeout);
     inspect.final_callback(
         [options, &line] { line.command = [options](console &out) { return run_inspect(*options, out); }; });
+    return options;
 }

@@ -30,7 +30,7 @@ void require_sense(const note_options &options)
 
 } // namespace
 
-void add_note_command(CLI::App &app, command_line &line)
+std::shared_ptr<const note_options> add_note_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<note_options>();
     CLI::App &note = *app.add_subcommand("note", "Note something of a device or of a row, beside the case's results");
@@ -66,4 +66,5 @@ void add_note_command(CLI::App &app, command_line &line)
         require_sense(*options);
         line.command = [options](console &out) { return run_note(*options, out); };
     });
+    return options;
 }

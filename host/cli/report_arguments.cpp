@@ -59,7 +59,7 @@ void add_time_options(CLI::App &report, const std::shared_ptr<report_options> &o
 
 } // namespace
 
-void add_report_command(CLI::App &app, command_line &line)
+std::shared_ptr<const report_options> add_report_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<report_options>();
     CLI::App &report = *app.add_subcommand("report", "Write reports of a case, for readers and for programs");
@@ -96,4 +96,5 @@ void add_report_command(CLI::App &app, command_line &line)
         line.reading = *limits;
         line.command = [options](console &out) { return run_report(*options, out); };
     });
+    return options;
 }

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-void add_sample_command(CLI::App &app, command_line &line)
+std::shared_ptr<const sample_options> add_sample_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<sample_options>();
     CLI::App &sample = *app.add_subcommand("sample", "Write synthetic macOS, iOS and Windows sources to try things on");
@@ -31,4 +31,5 @@ void add_sample_command(CLI::App &app, command_line &line)
              options->has_containers);
     sample.final_callback(
         [options, &line] { line.command = [options](console &out) { return run_sample(*options, out); }; });
+    return options;
 }

@@ -48,7 +48,7 @@ void refuse_contradictions(const show_options &options)
 
 } // namespace
 
-void add_show_command(CLI::App &app, command_line &line)
+std::shared_ptr<const show_options> add_show_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<show_options>();
     CLI::App &show = *app.add_subcommand("show", "Show the extracted rows of a case, safe for the terminal");
@@ -90,4 +90,5 @@ void add_show_command(CLI::App &app, command_line &line)
         line.reading = *limits;
         line.command = [options](console &out) { return run_show(*options, out); };
     });
+    return options;
 }

@@ -14,7 +14,7 @@
 
 using namespace Qt::StringLiterals;
 
-void add_verify_command(CLI::App &app, command_line &line)
+std::shared_ptr<const verify_options> add_verify_command(CLI::App &app, command_line &line)
 {
     const auto options = std::make_shared<verify_options>();
     check_request *const request = &options->request;
@@ -65,4 +65,5 @@ void add_verify_command(CLI::App &app, command_line &line)
         line.reading = *limits;
         line.command = [options](console &out) { return run_verify(*options, out); };
     });
+    return options;
 }
