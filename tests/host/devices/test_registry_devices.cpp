@@ -82,6 +82,9 @@ private Q_SLOTS:
     void whole_line();
     void kinds_data();
     void kinds();
+    void in_keys_alone();
+    void values_of_a_device_data();
+    void values_of_a_device();
     void names_data();
     void names();
     void times_data();
@@ -159,6 +162,10 @@ void test_registry_devices::kinds_data()
     const hive_key with_le{address, {hive_number_value("LEAppearance", 0)}};
     const hive_value link_key{address, hive_binary, "x"};
     const hive_value root_key{"MasterIRK", hive_binary, "x"};
+    const hive_key two_adapters{"Keys",
+                                {},
+                                {{"00aa", {link_key}, {device}}, {"00bb", {{"B4C26A7FD37A", hive_binary, "x"}}}}};
+    const QByteArray both_named = R"(["Keys\\00aa","Keys\\00bb"])";
     const QByteArray keys_named = R"(["Keys\\001122334455"])";
 
     // clang-format off
@@ -173,6 +180,10 @@ void test_registry_devices::kinds_data()
     QTest::newRow("both")                << QList<hive_key>{devices({with_class}), keys({}, {device})} << QByteArray(R"([["b4c26a7fd37a","both",true,)" + keys_named + "]]");
     QTest::newRow("only in Keys")        << QList<hive_key>{keys({link_key})} << QByteArray(R"([["b4c26a7fd37a","classic",true,)" + keys_named + "]]");
     QTest::newRow("only in LE keys")     << QList<hive_key>{keys({}, {device})} << QByteArray(R"([["b4c26a7fd37a","le",true,)" + keys_named + "]]");
+    QTest::newRow("two adapters")        << QList<hive_key>{devices({device}), two_adapters} << QByteArray(R"([["b4c26a7fd37a","both",true,)" + both_named + "]]");
+    QTest::newRow("two adapters alone")  << QList<hive_key>{two_adapters} << QByteArray(R"([["b4c26a7fd37a","both",true,)" + both_named + "]]");
+    QTest::newRow("neither kind")        << QList<hive_key>{devices({{address, {hive_number_value("L", 1), hive_number_value("Le", 1)}}})} << QByteArray(R"([["b4c26a7fd37a",null,null,[]]])");
+    QTest::newRow("two devices")         << QList<hive_key>{devices({{"001122334455"}, device}), keys({{"aabbccddeeff", hive_binary, "x"}})} << QByteArray(R"([["001122334455",null,false,[]],["b4c26a7fd37a",null,false,[]],["aabbccddeeff","classic",true,)" + keys_named + "]]");
     QTest::newRow("other letter case")   << QList<hive_key>{devices({device}), keys({{"B4C26A7FD37A", hive_binary, "x"}})} << QByteArray(R"([["b4c26a7fd37a","classic",true,)" + keys_named + "]]");
     QTest::newRow("names of other forms")<< QList<hive_key>{devices({{"b4c26a7fd37"}, {"b4c26a7fd37ab"}, {"b4c26a7fd37g"}})} << QByteArray("[]");
     // clang-format on
@@ -185,6 +196,57 @@ void test_registry_devices::kinds()
     const device_list list = read_registry_devices(hive_bytes(hive_with(below_parameters)));
     QCOMPARE(members_of(list, {u"address"_s, u"kind"_s, u"is_paired"_s, u"listed_in"_s}), lines);
     QCOMPARE(list.problems, QStringList());
+}
+
+/** Where it stands, and when it was written there. */
+void test_registry_devices::in_keys_alone()
+{
+    const device_list list = read_registry_devices(
+        hive_bytes(hive_with({keys({{"00112233445a", hive_binary, "x"}}, {{address, {}, {}, june_2024}})})));
+    const QByteArray place =
+        R"({"file":"SYSTEM","path":"ControlSet001\\Services\\BTHPORT\\Parameters\\Keys\\001122334455\\)";
+    QCOMPARE(
+        members_of(list, {u"locator"_s, u"times"_s, u"is_current"_s, u"raw"_s}),
+        "[[" + place + R"(00112233445a"},[],true,null],[)" + place
+            + R"(b4c26a7fd37a"},[{"clock":"utc","meaning":"last write of the device's key below Keys in the registry",)"
+              R"("name":"key","raw":133626240000000000,"utc":"2024-06-12T00:00:00Z"}],true,null]])");
+}
+
+void test_registry_devices::values_of_a_device_data()
+{
+    QTest::addColumn<QList<hive_value>>("values");
+    QTest::addColumn<QList<hive_key>>("below");
+    QTest::addColumn<QByteArray>("line"); // vendor, product, bluetooth_version, names, raw
+
+    const auto levels = [](int count) {
+        hive_key key{"k" + QByteArray::number(count)};
+        while (--count > 0)
+            key = {"k" + QByteArray::number(count), {}, {key}};
+        return QList<hive_key>{key};
+    };
+    // clang-format off
+    QTest::newRow("none")            << QList<hive_value>() << QList<hive_key>() << QByteArray(R"([null,null,null,[],{}])");
+    QTest::newRow("vendor of USB")   << QList<hive_value>{hive_number_value("VID", 1133), hive_number_value("VIDType", 2)} << QList<hive_key>() << QByteArray(R"([{"id":1133,"source":"USB"},null,null,[],{"VID":1133,"VIDType":2}])");
+    QTest::newRow("vendor alone")    << QList<hive_value>{hive_number_value("VID", 1)} << QList<hive_key>() << QByteArray(R"([{"id":1,"source":null},null,null,[],{"VID":1}])");
+    QTest::newRow("product alone")   << QList<hive_value>{hive_number_value("PID", 0)} << QList<hive_key>() << QByteArray(R"([null,0,null,[],{"PID":0}])");
+    QTest::newRow("version of old")  << QList<hive_value>{hive_number_value("LmpVersion", 6)} << QList<hive_key>() << QByteArray(R"([null,null,"4.0",[],{"LmpVersion":6}])");
+    QTest::newRow("three names")     << QList<hive_value>{{"LEName", hive_binary, "c"}, hive_text_value("FriendlyName", u"a"_s), {"Name", hive_binary, "a"}} << QList<hive_key>() << QByteArray(R"([null,null,null,["a","c"],{"FriendlyName":"a","LEName":{"base64":"Yw=="},"Name":{"base64":"YQ=="}}])");
+    QTest::newRow("one name twice")  << QList<hive_value>{hive_number_value("a", 1), hive_number_value("a", 2)} << QList<hive_key>() << QByteArray(R"_([null,null,null,[],{"a":1,"a (2)":2}])_");
+    QTest::newRow("four levels")     << QList<hive_value>() << levels(4) << QByteArray(R"([null,null,null,[],{"k1\\":{"k2\\":{"k3\\":{"k4\\":{}}}}}])");
+    QTest::newRow("five levels")     << QList<hive_value>() << levels(5) << QByteArray(R"([null,null,null,[],{"k1\\":{"k2\\":{"k3\\":{"k4\\":{}}}}}])");
+    // clang-format on
+}
+
+void test_registry_devices::values_of_a_device()
+{
+    QFETCH(const QList<hive_value>, values);
+    QFETCH(const QList<hive_key>, below);
+    const device_list list = read_registry_devices(hive_bytes(hive_with({devices({{address, values, below}})})));
+    QCOMPARE(list.problems, QStringList());
+    QTEST(members_of(list, {u"vendor"_s, u"product"_s, u"bluetooth_version"_s, u"names"_s, u"raw"_s})
+              .chopped(1)
+              .sliced(1),
+          "line");
 }
 
 void test_registry_devices::names_data()

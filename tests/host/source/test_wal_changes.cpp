@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/source/evidence_look.h"
+#include "host/source/macos_databases.h"
 #include "host/source/wal_changes.h"
 #include "host/sqlite/sqlite.h"
 #include "tests/support/file_content.h"
@@ -116,7 +117,11 @@ private Q_SLOTS:
     void file_that_is_no_log();
     void log_of_another_database_data();
     void log_of_another_database();
+    void log_that_cannot_be_compared_data();
+    void log_that_cannot_be_compared();
     void log_without_a_database();
+    void log_of_a_database_that_is_not_read();
+    void logs_of_both_databases();
     void view_in_place_of_the_table();
 };
 
@@ -156,6 +161,21 @@ void test_wal_changes::differences_data()
     QTest::newRow("a column hides the row number") << QByteArray("CREATE TABLE OtherDevices(rowid, _rowid_); INSERT INTO OtherDevices VALUES(7, 7)")
         << QByteArray("INSERT INTO OtherDevices VALUES(7, 8)") << counts(1, 0, 0)
         << QByteArray("{\"change\":\"added\",\"rowid\":2,\"before\":null,\"after\":{\"rowid\":7,\"_rowid_\":8}}\n");
+    QTest::newRow("in capitals too") << QByteArray("CREATE TABLE OtherDevices(ROWID, _RowId_, a); INSERT INTO OtherDevices VALUES(7, 7, 1)")
+        << QByteArray("DELETE FROM OtherDevices") << counts(0, 0, 1)
+        << QByteArray("{\"change\":\"deleted\",\"rowid\":1,\"before\":{\"ROWID\":7,\"_RowId_\":7,\"a\":1},\"after\":null}\n");
+    QTest::newRow("another name of a column") << QByteArray("CREATE TABLE OtherDevices(a); INSERT INTO OtherDevices VALUES(1)")
+        << QByteArray("ALTER TABLE OtherDevices RENAME COLUMN a TO b") << counts(0, 1, 0)
+        << QByteArray("{\"change\":\"changed\",\"rowid\":1,\"before\":{\"a\":1},\"after\":{\"b\":1}}\n");
+    QTest::newRow("the largest pages") << QByteArray("PRAGMA page_size=65536; CREATE TABLE OtherDevices(a); INSERT INTO OtherDevices VALUES(1)")
+        << QByteArray("DELETE FROM OtherDevices") << counts(0, 0, 1)
+        << QByteArray("{\"change\":\"deleted\",\"rowid\":1,\"before\":{\"a\":1},\"after\":null}\n");
+    QTest::newRow("rows between, in front and behind") << QByteArray("CREATE TABLE OtherDevices(a); INSERT INTO OtherDevices(rowid, a) VALUES(-2, 'c'), (3, 'd'), (5, 'e')")
+        << QByteArray("UPDATE OtherDevices SET rowid = rowid + 1 WHERE a <> 'd'") << counts(2, 0, 2)
+        << QByteArray("{\"change\":\"deleted\",\"rowid\":-2,\"before\":{\"a\":\"c\"},\"after\":null}\n"
+                      "{\"change\":\"added\",\"rowid\":-1,\"before\":null,\"after\":{\"a\":\"c\"}}\n"
+                      "{\"change\":\"deleted\",\"rowid\":5,\"before\":{\"a\":\"e\"},\"after\":null}\n"
+                      "{\"change\":\"added\",\"rowid\":6,\"before\":null,\"after\":{\"a\":\"e\"}}\n");
     QTest::newRow("nothing that matters") << QByteArray(two_rows) << QByteArray("CREATE TABLE x(a)") << counts(0, 0, 0) << QByteArray("");
     // clang-format on
 }
@@ -253,6 +273,37 @@ void test_wal_changes::log_of_another_database()
     QCOMPARE(source.written(), problem_line('"' + problem.toUtf8() + '"'));
 }
 
+void test_wal_changes::log_that_cannot_be_compared_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<char>("version"); // the last byte of the log's
+    QTest::addColumn<QString>("problem");
+
+    // clang-format off
+    QTest::newRow("another version")      << QByteArray(two_rows) << char(0x19) << u"it is of another version of the format"_s;
+    QTest::newRow("every name is hidden") << QByteArray("CREATE TABLE OtherDevices(rowid, _rowid_, oid)") << char(0x18) << u"its columns hide the row numbers"_s;
+    // clang-format on
+}
+
+void test_wal_changes::log_that_cannot_be_compared()
+{
+    QFETCH(const QByteArray, before);
+    QFETCH(const char, version);
+    QFETCH(const QString, problem);
+
+    const open_source source(before.constData(), "DELETE FROM OtherDevices; CREATE TABLE x(a)");
+    QFile log(source.source.other_db() + u"-wal"_s);
+    QVERIFY(log.open(QIODevice::ReadWrite) && log.seek(7) && log.write(&version, 1) == 1);
+    log.close();
+    const wal_findings findings = source.compare();
+    QCOMPARE(findings.problems, QStringList{log.fileName().sliced(source.source.root().size())
+                                            + u" cannot be compared with its database: "_s + problem});
+    QCOMPARE(findings.failures, QStringList());
+    QVERIFY(!findings.is_out_of_memory);
+    QCOMPARE(findings.counts, QJsonValue(QJsonObject{{u"devices"_s, QJsonValue()}}));
+    QCOMPARE(source.written(), problem_line('"' + problem.toUtf8() + '"'));
+}
+
 void test_wal_changes::log_without_a_database()
 {
     const open_source source(two_rows, "DELETE FROM OtherDevices");
@@ -263,6 +314,41 @@ void test_wal_changes::log_without_a_database()
              QStringList{
                  u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db-wal cannot be compared with its "
                  "database: the database that it belongs to is not there"_s});
+}
+
+void test_wal_changes::log_of_a_database_that_is_not_read()
+{
+    const open_source source(two_rows, "DELETE FROM OtherDevices");
+    QFile::remove(source.source.other_db());
+    QDir().mkpath(source.source.other_db());
+    const sqlite_file paired = source.source.make_paired();
+    const wal_findings findings = source.compare();
+    QCOMPARE(findings.problems,
+             QStringList{
+                 u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db-wal cannot be compared with its "
+                 "database: its database was not read: it is not a regular file"_s});
+    QCOMPARE(findings.counts, QJsonValue(QJsonObject{{u"devices"_s, QJsonValue()}}));
+    QCOMPARE(source.written(), problem_line("\"its database was not read: it is not a regular file\""));
+}
+
+/** In one file, each with its own table. */
+void test_wal_changes::logs_of_both_databases()
+{
+    const open_source source("CREATE TABLE OtherDevices(a); CREATE TABLE PairedDevices(b)",
+                             "INSERT INTO OtherDevices VALUES(1); INSERT INTO PairedDevices VALUES(2), (3)");
+    const QString paired = source.source.root() + path_in_source(paired_devices_database);
+    QVERIFY(QFile::copy(source.source.other_db(), paired));
+    QVERIFY(QFile::copy(source.source.other_db() + u"-wal"_s, paired + u"-wal"_s));
+    const wal_findings findings = source.compare();
+    QCOMPARE(findings.problems, QStringList());
+    const auto added = [](int count) { return QJsonObject{{u"added"_s, count}, {u"changed"_s, 0}, {u"deleted"_s, 0}}; };
+    QCOMPARE(findings.counts, QJsonValue(QJsonObject{{u"devices"_s, added(1)}, {u"paired_devices"_s, added(2)}}));
+    const QByteArray in_paired = ",\"result_table\":\"paired_devices\",\"file\":\"Library/Bluetooth/"
+                                 "com.apple.MobileBluetooth.ledevices.paired.db\",\"table\":\"PairedDevices\",";
+    QCOMPARE(source.written(), in_table("{\"change\":\"added\",\"rowid\":1,\"before\":null,\"after\":{\"a\":1}}\n")
+                                   + "{\"change\":\"added\"" + in_paired
+                                   + "\"rowid\":1,\"before\":null,\"after\":{\"b\":2}}\n" + "{\"change\":\"added\""
+                                   + in_paired + "\"rowid\":2,\"before\":null,\"after\":{\"b\":3}}\n");
 }
 
 void test_wal_changes::view_in_place_of_the_table()
