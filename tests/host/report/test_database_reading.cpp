@@ -113,6 +113,7 @@ private Q_SLOTS:
     void rows_that_the_evidence_lacks();
     void what_the_log_makes_of_rows();
     void what_cannot_be_read();
+    void more_custom_properties_than_are_read();
 };
 
 void test_database_reading::values()
@@ -226,6 +227,20 @@ void test_database_reading::what_cannot_be_read()
     made.copy.problem.clear();
     made.copy.file = made.folder.filePath(u"none.db"_s);
     QCOMPARE(made.account(), QStringList({u"nothing"_s, u"problem: its path: unable to open database file"_s}));
+}
+
+void test_database_reading::more_custom_properties_than_are_read()
+{
+    made_database made(other_devices_database);
+    made.add_evidence(u"'U-1', NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL"_s);
+    made.add_row(u"'U-1', '', '', '', '', '', ''"_s);
+    made.evidence.execute(u"INSERT INTO CustomProperties VALUES('U-1', '{}')"_s);
+    made.evidence.execute(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 99999) "
+                          "INSERT INTO CustomProperties SELECT i, '' FROM n"_s);
+    QCOMPARE(made.account(), QStringList{u"rowid 1, custom {}"_s});
+    made.evidence.execute(u"INSERT INTO CustomProperties VALUES('U-2', '{}')"_s);
+    QCOMPARE(made.account(),
+             QStringList({u"rowid 1, custom {}"_s, u"problem: CustomProperties holds more rows than are read here"_s}));
 }
 
 BLUETOOTH_LOGS_TEST(test_database_reading, QCoreApplication)

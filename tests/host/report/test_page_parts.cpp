@@ -3,12 +3,14 @@
 
 #include "host/report/page/html_table.h"
 #include "host/report/page/html_text.h"
+#include "host/report/page/provenance.h"
 #include "host/report/page/source_matrix.h"
 #include "host/report/page/svg_parts.h"
 #include "tests/host/report/report_text.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
+#include <QJsonArray>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -137,6 +139,7 @@ private Q_SLOTS:
     void devices_that_join_nothing();
     void many_texts_of_a_device();
     void names_of_a_device();
+    void words_of_a_command_line();
 };
 
 void test_page_parts::tables()
@@ -354,6 +357,17 @@ void test_page_parts::names_of_a_device()
     device.appearances[0].host_name = "the first";
     QCOMPARE(name_of(device), "the first"_ba);
     QVERIFY(is_named(device.appearances.at(0)));
+}
+
+/** Long ones may go on in the next line. */
+void test_page_parts::words_of_a_command_line()
+{
+    report_case the_case = case_of(1);
+    const QString longest_whole(60, u'w');
+    the_case.heading = {{u"options"_s, QJsonArray{longest_whole, QString(61, u'x')}}};
+    const QByteArray line = "<code><span class=\"whole\">bluetooth-logs</span> <span class=\"whole\">"
+                            + longest_whole.toLatin1() + "</span> " + QByteArray(61, 'x') + "</code>";
+    QVERIFY(provenance_section(the_case).contains(line));
 }
 
 BLUETOOTH_LOGS_TEST(test_page_parts, QCoreApplication)

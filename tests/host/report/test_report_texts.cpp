@@ -279,10 +279,13 @@ QByteArray head()
                                    u"a third"_s};
     report_case one = unchanged;
     one.sources.resize(1);
-    return start_of(changed, true) + start_of(bare_case(), false) + case_heading(changed, "A title", shortcomings)
-           + case_heading(changed, "A title", {}) + case_heading(unchanged, "A title", shortcomings, {2, 20})
-           + case_heading(unchanged, "A title", {}) + case_heading(one, "A title", {})
-           + case_heading(bare_case(), "A title", {}) + page_tools() + navigation({{"a", "A"}, {"b", "B"}});
+    report_case long_words = bare_case();
+    long_words.heading = {{u"case_number"_s, QString(u'c').repeated(61)}, {u"examiner"_s, u"Aé "_s.repeated(21)}};
+    return start_of(changed, true) + start_of(bare_case(), false) + start_of(long_words, false)
+           + case_heading(changed, "A title", shortcomings) + case_heading(changed, "A title", {})
+           + case_heading(unchanged, "A title", shortcomings, {2, 20}) + case_heading(unchanged, "A title", {})
+           + case_heading(one, "A title", {}) + case_heading(bare_case(), "A title", {}) + page_tools()
+           + navigation({{"a", "A"}, {"b", "B"}});
 }
 
 QByteArray log_times()

@@ -12,7 +12,7 @@ import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent))
-from workbook_sheets import open_book, rows_of_sheet, sheet_names  # noqa: E402
+from workbook_sheets import open_book, rows_of_sheet, sheet_names, sheet_namespace  # noqa: E402
 
 writer = sys.argv[1]
 longest = 32767  # UTF-16 units that a cell takes
@@ -80,6 +80,31 @@ class workbook(unittest.TestCase):
     def test_full_sheet(self):
         sheets, _ = self.written(["a", "b", "c"], rows_of_sheet_at_most=4)
         self.assertEqual(list(sheets), ["devices"])
+
+    def test_values(self):
+        with tempfile.TemporaryDirectory() as folder:
+            file = pathlib.Path(folder) / "values.xlsx"
+            if subprocess.run([writer, file], stdin=subprocess.DEVNULL).returncode == without_workbooks:
+                self.skipTest("built without libxlsxwriter")
+            with open_book(file) as book:
+                self.assertEqual(sheet_names(book), ["values", "nothing"])
+                rows, sheet = rows_of_sheet(book, "xl/worksheets/sheet1.xml")
+                nothing, empty_sheet = rows_of_sheet(book, "xl/worksheets/sheet2.xml")
+                properties = book.read("docProps/core.xml").decode()
+        self.assertEqual(rows, [{"A": "value", "B": "=text"}, {"A": 2.0**53, "B": "largest exact"},
+                                {"A": "9007199254740993", "B": "beyond it"}, {"A": -2.0**53, "B": "least exact"},
+                                {"A": "-9007199254740993", "B": "below it"}, {"A": 0.5, "B": "real"},
+                                {"A": "inf", "B": "infinite"}, {"A": "x'6162'", "B": "blob"}, {"B": "null"}])
+        self.assertEqual(nothing, [{"A": "a", "B": "b", "C": "c"}])
+        self.assertIn(">1970-01-01T00:00:01Z</dcterms:created>", properties)
+        for one, filtered, columns in (sheet, "A1:B10", "2"), (empty_sheet, "A1:C1", "3"):
+            (pane,) = one.iter(sheet_namespace + "pane")
+            self.assertEqual((pane.get("ySplit"), pane.get("xSplit"), pane.get("state")), ("1", None, "frozen"))
+            (wide,) = one.iter(sheet_namespace + "col")
+            self.assertEqual((wide.get("min"), wide.get("max"), round(float(wide.get("width")))), ("1", columns, 21))
+            self.assertEqual([part.get("ref") for part in one.iter(sheet_namespace + "autoFilter")], [filtered])
+            bold = {cell.get("s") for row in list(one.iter(sheet_namespace + "row"))[:1] for cell in row}
+            self.assertEqual(bold, {"1"})
 
 
 if __name__ == "__main__":

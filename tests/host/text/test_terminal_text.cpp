@@ -172,6 +172,8 @@ void test_terminal_text::ascii_can_be_pasted()
 
 void test_terminal_text::style_ends_with_the_text()
 {
+    QCOMPARE(terminal_text(u"a"_s).styled(terminal_style::bold).to_string(), u"\x1b[1ma\x1b[0m"_s);
+    QCOMPARE(terminal_text(u"a"_s).styled(terminal_style::error).to_string(), u"\x1b[1;31ma\x1b[0m"_s);
     QCOMPARE(terminal_text(u"a\x1b"_s).styled(terminal_style::warning).to_string(), u"\x1b[1;33ma\\u{1b}\x1b[0m"_s);
 }
 
