@@ -62,7 +62,7 @@ constexpr const char *changes_by_the_log =
     "\n"
     R"({"change":"changed","result_table":"devices","file":"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db","table":"OtherDevices","rowid":2,"before":{"Uuid":"U-2","Name":null,"LastSeenTime":null},"after":{"Uuid":"U-2","Name":"Later","LastSeenTime":500}})"
     "\n"
-    R"({"change":"deleted","result_table":"devices","file":"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db","table":"OtherDevices","rowid":4,"before":{"Uuid":"U-4","Name":{"base64":"/w=="}},"after":null})"
+    R"({"change":"deleted","result_table":"devices","file":"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db","table":"OtherDevices","rowid":5,"before":{"Uuid":"U-4","Name":{"base64":"/w=="}},"after":null})"
     "\n";
 
 constexpr const char *lists_of_the_laptop =
@@ -169,9 +169,9 @@ void lay_laptop(const laid_case &the_case)
     add_table(the_case.path(database_folder + u"other.db"_s), u"OtherDevices"_s, evidence_columns,
               {u"'U-1', 'Car, <front>', 2, 'Random C0:00:00:00:00:01', 'Public B4:C2:6A:7F:D3:7A', 300, 200, 1, 't', 'ic-1'"_s,
                u"'U-2', NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL"_s,
+               u"'U-5', 'lost', 1, NULL, NULL, 1, 1, NULL, NULL, NULL"_s,
                u"'U-3', '=1+1', 3, 'Random 40:00:00:00:00:01', NULL, 700000000, 200, NULL, x'00ff', ''"_s,
-               u"'U-4', 'a name', 1.5, 'Public 00:00:00:00:00:00', NULL, 0, 100, NULL, NULL, '0000'"_s,
-               u"'U-5', 'lost', 1, NULL, NULL, 1, 1, NULL, NULL, NULL"_s});
+               u"'U-4', 'a name', 1.5, 'Public 00:00:00:00:00:00', NULL, 0, 100, NULL, NULL, '0000'"_s});
     add_table(the_case.path(database_folder + u"other.db"_s), u"CustomProperties"_s, u"Uuid, JSON"_s, {u"'U-1', '{\"a\": 1}'"_s});
     add_table(the_case.path(database_folder + u"paired.db"_s), u"PairedDevices"_s, evidence_columns,
               {u"'U-1', 'Car', 1, 'Public B4:C2:6A:7F:D3:7A', NULL, 5, 7, NULL, 'Connected', 'IC-1'"_s});
@@ -213,4 +213,13 @@ laid_case::laid_case()
     write_file(path(u"Source3/host_devices.jsonl"_s), list_of_the_pc);
     lay_phone(*this);
     write_file(path(u"notes.jsonl"_s), notes);
+}
+
+void laid_case::replace(const QString &name, const QByteArray &text, const QByteArray &other) const
+{
+    QByteArray content = content_of(path(name));
+    const qsizetype place = content.indexOf(text);
+    if (place < 0)
+        qFatal("%s has no %s", qPrintable(name), text.constData());
+    write_file(path(name), content.replace(place, text.size(), other));
 }

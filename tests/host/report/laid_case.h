@@ -24,6 +24,8 @@ public:
     {
         return folder.filePath(name);
     }
+    /** In a file of the case, the first place of a text. */
+    void replace(const QString &name, const QByteArray &text, const QByteArray &other) const;
 
 private:
     QTemporaryDir folder;

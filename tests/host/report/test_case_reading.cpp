@@ -8,6 +8,7 @@
 #include "host/report/reading/kept_lines.h"
 #include "host/report/reading/log_reading.h"
 #include "host/report/reading/report_row.h"
+#include "host/report/reading/wal_change.h"
 #include "host/report/report_record.h"
 #include "host/report/tables/case_lists.h"
 #include "tests/host/report/laid_case.h"
@@ -29,16 +30,6 @@ namespace {
 
 const QString result_of_laptop = u"Source1/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s;
 const QString other_database = u"Source1/Evidence/Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s;
-
-/** In a file of the case, the first place of a text. */
-void replace_in(const laid_case &the_case, const QString &name, const QByteArray &text, const QByteArray &other)
-{
-    QByteArray content = content_of(the_case.path(name));
-    const qsizetype place = content.indexOf(text);
-    if (place < 0)
-        qFatal("%s has no %s", qPrintable(name), text.constData());
-    write_file(the_case.path(name), content.replace(place, text.size(), other));
-}
 
 QString failure_of(const std::function<void()> &what)
 {
@@ -79,6 +70,9 @@ private Q_SLOTS:
     void lines_of_a_log();
     void rows();
     void rows_of_a_damaged_table();
+    void rows_with_damaged_changes();
+    void notes_of_rows();
+    void notes_of_changes();
     void columns_and_counts();
     void case_without_a_manifest();
     void shortcomings_data();
@@ -253,6 +247,75 @@ void test_case_reading::rows_of_a_damaged_table()
     QVERIFY2(account.section(u' ', 0, 0).toInt() > 4, qPrintable(account));
 }
 
+void test_case_reading::rows_with_damaged_changes()
+{
+    const laid_case laid;
+    laid.replace(u"Source1/wal_changes.jsonl"_s, "{\"change\"", "{change");
+    QCOMPARE(reading_of(laid, u"devices"_s), u"4 rows: wal_changes.jsonl is damaged"_s);
+    QCOMPARE(reading_of(laid, u"paired_devices"_s), u"1 rows: wal_changes.jsonl is damaged"_s);
+}
+
+/** A row has the notes on whatever it calls its device, and its own. */
+void test_case_reading::notes_of_rows()
+{
+    const laid_case laid;
+    const QString result = laid.path(u"Source4/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s);
+    sqlite_file(result).execute(u"DROP TABLE devices"_s);
+    sqlite_file(result).execute(u"CREATE TABLE devices(INT, uuid, sf_device_id, address, device_address)"_s);
+    sqlite_file(result).execute(u"INSERT INTO devices VALUES(7, '01234567-89ab-cdef-0123-456789abcdef', "
+                                "'11234567-89ab-cdef-0123-456789abcdef', 'Public 00:00:00:00:00:03', '000000000004'), "
+                                "(8, '', '', '', '')"_s);
+    const QByteArray none = R"("row":null,"flag":false,"text":"x"})"
+                            "\n";
+    const auto note = [](int number, const QByteArray &rest) -> QByteArray {
+        return "{\"number\":" + QByteArray::number(number) + ",\"time\":\"t\",\"by\":\"b\"," + rest;
+    };
+    write_file(laid.path(u"notes.jsonl"_s),
+               note(1, R"("device":"01234567-89AB-CDEF-0123-456789ABCDEF",)" + none)
+                   + note(2, R"("device":"11234567-89AB-CDEF-0123-456789ABCDEF",)" + none)
+                   + note(3, R"("device":"00:00:00:00:00:03",)" + none)
+                   + note(4, R"("device":"00:00:00:00:00:04",)" + none)
+                   + note(5, R"("device":"00:00:00:00:00:05",)" + none)
+                   + note(6, R"("device":null,"row":{"source":4,"table":"devices","row":7},"text":"x"})"
+                             "\n")
+                   + note(7, R"("device":null,"row":{"source":4,"table":"devices","row":8},"flag":true})"
+                             "\n"));
+    const report_case the_case = read_report_case(laid.directory());
+    QStringList notes;
+    read_rows(the_case, the_case.sources.at(2), u"devices"_s, [&notes](const report_row &row) {
+        for (const case_note *one : row.notes)
+            notes.append(QString::number(one->number));
+        notes.append(QString::fromUtf8(row.marks.text) + u' ' + QString::fromUtf8(text_of(row.marks.flag())));
+    });
+    QCOMPARE(notes.join(u' '), u"1 2 3 4 6 x | x | x | x | x false 7  true"_s);
+}
+
+/** A change has the notes on whatever either side of it calls the device. */
+void test_case_reading::notes_of_changes()
+{
+    const laid_case laid;
+    QByteArray notes;
+    for (const char number : {'1', '2', '3', '4', '5', '6', '7'})
+        notes += QByteArray(R"({"number":#,"time":"t","device":"00:00:00:00:00:0#"})"
+                            "\n")
+                     .replace('#', number);
+    write_file(laid.path(u"notes.jsonl"_s), notes);
+    write_file(laid.path(u"Source1/wal_changes.jsonl"_s),
+               R"({"change":"changed","result_table":"devices","before":{"Uuid":"00:00:00:00:00:01",)"
+               R"("Address":"00:00:00:00:00:02","ResolvedAddress":"00:00:00:00:00:03"},"after":{)"
+               R"("Uuid":"00:00:00:00:00:04","Address":"00:00:00:00:00:05","ResolvedAddress":"00:00:00:00:00:06"}})"
+               "\n");
+    const report_case the_case = read_report_case(laid.directory());
+    QStringList numbers;
+    QCOMPARE(for_each_wal_change(the_case, the_case.sources.first(),
+                                 [&numbers](const wal_change &change) {
+                                     for (const case_note *note : change.notes)
+                                         numbers.append(QString::number(note->number));
+                                 }),
+             QString());
+    QCOMPARE(numbers.join(u' '), u"1 2 3 4 5 6"_s);
+}
+
 void test_case_reading::columns_and_counts()
 {
     const laid_case laid;
@@ -326,7 +389,7 @@ void test_case_reading::shortcomings()
     QFETCH(const QByteArray, other);
     const laid_case laid;
     write_file(laid.path(u"oui.txt"_s), {});
-    replace_in(laid, file, text, other);
+    laid.replace(file, text, other);
     QTEST(read_report_case(laid.directory()).shortcomings, "shortcomings");
 }
 
@@ -371,8 +434,8 @@ void test_case_reading::places_in_messages()
     };
     QCOMPARE(messages(),
              QStringList({u"(source)/a.db leads out of the source: --follow-links allows it"_s, u"a second text"_s}));
-    replace_in(laid, u"manifest.json"_s, "a second text", laid.path(u"Source1/x is in the way"_s).toUtf8());
-    replace_in(laid, u"manifest.json"_s, "/evidence/laptop\"", "/\"");
+    laid.replace(u"manifest.json"_s, "a second text", laid.path(u"Source1/x is in the way"_s).toUtf8());
+    laid.replace(u"manifest.json"_s, "/evidence/laptop\"", "/\"");
     QCOMPARE(messages(), QStringList({u"/evidence/laptop/a.db leads out of the source: --follow-links allows it"_s,
                                       u"(case)/Source1/x is in the way"_s}));
     QCOMPARE(read_report_case(laid.directory()).sources.first().record.evidence.files.at(1).reason,
@@ -391,10 +454,10 @@ void test_case_reading::files_without_a_hash()
 void test_case_reading::other_appearances()
 {
     const laid_case laid;
-    replace_in(laid, u"Source1/host_devices.jsonl"_s, "mobile_devices\",\"address\":\"B4:C2",
-               "mobile_devices\",\"address\":\"Public B4:C2");
-    replace_in(laid, u"Source1/host_devices.jsonl"_s, "\"kind\":\"classic\",\"is_paired\":null",
-               "\"kind\":\"le\",\"is_paired\":true");
+    laid.replace(u"Source1/host_devices.jsonl"_s, "mobile_devices\",\"address\":\"B4:C2",
+                 "mobile_devices\",\"address\":\"Public B4:C2");
+    laid.replace(u"Source1/host_devices.jsonl"_s, "\"kind\":\"classic\",\"is_paired\":null",
+                 "\"kind\":\"le\",\"is_paired\":true");
     report_case the_case = read_report_case(laid.directory());
     write_file(laid.path(u"oui.txt"_s), "B4-C2-6A   (hex)\t\tSome & Sons\n");
     the_case.vendors = vendor_list(laid.path(u"oui.txt"_s));

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "host/report/page/findings.h"
 #include "host/report/page/html_table.h"
 #include "host/report/page/html_text.h"
 #include "host/report/page/provenance.h"
@@ -11,6 +12,7 @@
 #include "tests/support/test_entry.h"
 
 #include <QJsonArray>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -140,6 +142,7 @@ private Q_SLOTS:
     void many_texts_of_a_device();
     void names_of_a_device();
     void words_of_a_command_line();
+    void order_of_shared_devices();
 };
 
 void test_page_parts::tables()
@@ -368,6 +371,26 @@ void test_page_parts::words_of_a_command_line()
     const QByteArray line = "<code><span class=\"whole\">bluetooth-logs</span> <span class=\"whole\">"
                             + longest_whole.toLatin1() + "</span> " + QByteArray(61, 'x') + "</code>";
     QVERIFY(provenance_section(the_case).contains(line));
+}
+
+/** The strongest links first, then those with a name. */
+void test_page_parts::order_of_shared_devices()
+{
+    const QList<std::pair<int, const char *>> known{{0, ""}, {0, "a"}, {1, ""}, {1, "a"}, {2, ""}, {3, "a"}, {2, "a"}};
+    QList<joined_device> devices;
+    for (const auto &[paired, name] : known) {
+        devices.append(device_in({0, 1, 2}, QList{0, 1, 2}.first(paired)));
+        devices.last().number = devices.last().shared_number = devices.size();
+        devices.last().appearances.first().name = name;
+    }
+    static const QRegularExpression number(u"<tr><td>(\\d+)</td>"_s);
+    findings_form form;
+    form.has_pages = false;
+    const QString html = QString::fromUtf8(shared_devices_section(case_of(3), facts_of(devices), form));
+    QStringList numbers;
+    for (const QRegularExpressionMatch &match : number.globalMatch(html))
+        numbers.append(match.captured(1));
+    QCOMPARE(numbers.join(u' '), u"6 7 5 4 3 2 1"_s);
 }
 
 BLUETOOTH_LOGS_TEST(test_page_parts, QCoreApplication)

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void earlier_pages();
     void brief_alone();
     void many_named_devices();
+    void what_was_not_compared();
     void formats_of_cells();
     void notes_of_a_workbook();
     void tables_alone();
@@ -209,6 +210,27 @@ void test_report_files::many_named_devices()
     QVERIFY(page.contains("Named devices: 159"));
     QVERIFY(page.contains("<p>And 139 more.</p>"));
     QVERIFY(content_of(the_case.path(u"Report/report-source4.html"_s)).contains("name 150"));
+}
+
+/** Only where all of a case was read it is said that nothing else joins a device. */
+void test_report_files::what_was_not_compared()
+{
+    const laid_case the_case;
+    const QString result = u"/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s;
+    write_file(the_case.path(u"Source5"_s + result), content_of(the_case.path(u"Source4"_s + result)));
+    for (const QString &file : {u"manifest.json"_s, u"Source5/source.json"_s})
+        the_case.replace(file, R"("status": "failed")", R"("status": "done")");
+    report_options options = options_of(the_case, {report_format::html});
+    QCOMPARE(write_report(options).shortcomings, QStringList());
+    const QByteArray not_all = "no row that was read of another source has";
+    const QByteArray all = "no other source has its public address";
+    QVERIFY(content_of(the_case.path(u"Report/report.html"_s)).contains(not_all));
+    for (const QString &file : {u"manifest.json"_s, u"Source1/source.json"_s})
+        the_case.replace(file, R"("paired_devices": null)", R"("paired_devices": {})");
+    options.force = true;
+    QCOMPARE(write_report(options).shortcomings, QStringList());
+    const QByteArray page = content_of(the_case.path(u"Report/report.html"_s));
+    QVERIFY(page.contains(all) && !page.contains(not_all));
 }
 
 void test_report_files::formats_of_cells()

@@ -141,6 +141,8 @@ private Q_SLOTS:
     void separated_values();
     void dates_of_lines_data();
     void dates_of_lines();
+    void dates_without_year_data();
+    void dates_without_year();
     void readings_of_counters_data();
     void readings_of_counters();
     void times_of_lists_data();
@@ -150,6 +152,7 @@ private Q_SLOTS:
     void times_of_a_log_data();
     void times_of_a_log();
     void database();
+    void database_that_is_not_finished();
 };
 
 /** docs/report-formats.md has a line for each value that the host reads. */
@@ -198,6 +201,10 @@ void test_report_tables::vendors_data()
     QTest::newRow("no address")      << known << QByteArray("B4-C2-6A") << QByteArray();
     QTest::newRow("range of two")    << known + "B4-C2-6A   (hex)\t\tOthers\n" << QByteArray("b4c26a7fd37a") << QByteArray("Some & Sons or Others");
     QTest::newRow("named twice")     << known + known << QByteArray("b4c26a7fd37a") << QByteArray("Some & Sons");
+    QTest::newRow("small letters")   << QByteArray(" b4:c2:6a\t(hex) A \r\n") << QByteArray("b4c26a7fd37a") << QByteArray("A");
+    QTest::newRow("shorter range")   << QByteArray("B4-C2 (hex) A\n") << QByteArray() << QByteArray("refused");
+    QTest::newRow("longer range")    << QByteArray("B4-C2-6A-7 (hex) A\n") << QByteArray() << QByteArray("refused");
+    QTest::newRow("no sign of it")   << QByteArray("B4-C2-6A hex A\n") << QByteArray() << QByteArray("refused");
     QTest::newRow("names nobody")    << QByteArray("OUI\n") << QByteArray() << QByteArray("refused");
     // clang-format on
 }
@@ -249,6 +256,14 @@ void test_report_tables::dates_of_lines_data()
     QTest::newRow("west")           << QByteArray("2024-05-17 12:11:05-0800 p")     << QByteArray("2024-05-17T12:11:05-08:00");
     QTest::newRow("UTC")            << QByteArray("2024-05-17T12:11:05Z p")         << QByteArray("2024-05-17T12:11:05Z");
     QTest::newRow("with a colon")   << QByteArray("2024-05-17T12:11:05+05:30")      << QByteArray("2024-05-17T12:11:05+05:30");
+    QTest::newRow("before 2000")    << QByteArray("1999-12-31 23:59:59Z")           << QByteArray("1999-12-31T23:59:59Z");
+    QTest::newRow("after 2999")     << QByteArray("3000-01-01 00:00:00Z")           << QByteArray();
+    QTest::newRow("comma")          << QByteArray("2024-05-17 12:11:05,5+0200")     << QByteArray("2024-05-17T12:11:05.5+02:00");
+    QTest::newRow("blank, zone")    << QByteArray("2024-05-17 12:11:05.123456789 +02:00 p") << QByteArray("2024-05-17T12:11:05.123456789+02:00");
+    QTest::newRow("two blanks")     << QByteArray("2024-05-17 12:11:05  +0200")     << QByteArray();
+    QTest::newRow("ten digits")     << QByteArray("2024-05-17 12:11:05.1234567890Z") << QByteArray();
+    QTest::newRow("no digit")       << QByteArray("2024-05-17 12:11:05.Z")          << QByteArray();
+    QTest::newRow("short zone")     << QByteArray("2024-05-17 12:11:05+020")        << QByteArray();
     QTest::newRow("no zone")        << QByteArray("2024-05-17 12:11:05 p")          << QByteArray();
     QTest::newRow("no such day")    << QByteArray("2024-02-30 12:11:05+0200 p")     << QByteArray();
     QTest::newRow("no such hour")   << QByteArray("2024-05-17 25:11:05+0200 p")     << QByteArray();
@@ -264,6 +279,38 @@ void test_report_tables::dates_of_lines()
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, date);
     QCOMPARE(zoned_date(line), date);
+}
+
+void test_report_tables::dates_without_year_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QString>("date"); // month day time; empty: none
+
+    int month = 0;
+    for (const char *name : {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"})
+        QTest::newRow(name) << QByteArray(name) + " 17 12:11:05 p" << QString::number(++month) + u" 17 12:11:05"_s;
+    // clang-format off
+    QTest::newRow("one digit")       << QByteArray("May  7 12:11:05 p")   << u"5 7 12:11:05"_s;
+    QTest::newRow("one blank")       << QByteArray("May 7 12:11:05")      << u"5 7 12:11:05"_s;
+    QTest::newRow("first day")       << QByteArray("May  1 00:00:00")     << u"5 1 00:00:00"_s;
+    QTest::newRow("last day")        << QByteArray("May 31 23:59:59")     << u"5 31 23:59:59"_s;
+    QTest::newRow("fraction")        << QByteArray("May 17 12:11:05.123") << u"5 17 12:11:05"_s;
+    QTest::newRow("day 0")           << QByteArray("May  0 12:11:05")     << u""_s;
+    QTest::newRow("day 32")          << QByteArray("May 32 12:11:05")     << u""_s;
+    QTest::newRow("no such hour")    << QByteArray("May 17 24:11:05")     << u""_s;
+    QTest::newRow("no such month")   << QByteArray("Mai 17 12:11:05")     << u""_s;
+    QTest::newRow("more digits")     << QByteArray("May 17 12:11:055")    << u""_s;
+    QTest::newRow("small letter")    << QByteArray("may 17 12:11:05")     << u""_s;
+    QTest::newRow("in the middle")   << QByteArray("x May 17 12:11:05")   << u""_s;
+    QTest::newRow("empty")           << QByteArray()                      << u""_s;
+    // clang-format on
+}
+
+void test_report_tables::dates_without_year()
+{
+    QFETCH(const QByteArray, line);
+    const std::optional<yearless_date> date = date_without_year(line);
+    QTEST(date ? u"%1 %2 %3"_s.arg(date->month).arg(date->day).arg(date->time.toString(Qt::ISODate)) : u""_s, "date");
 }
 
 void test_report_tables::readings_of_counters_data()
@@ -425,12 +472,15 @@ void test_report_tables::database()
         store.begin_table(u"paired_devices"_s, {{"source"}, {"source_name"}, {"date"}});
         for (const char *date : {"Dec 31 23:59:59", "Jan  1 00:00:01"})
             store.add({cell::of_integer(3), cell::of_text("Anna's"), cell::of_text(date)});
-        store.begin_table(u"devices"_s, {{"source"}, {"source_name"}, {"device_name"}, {"uuid"}, {"UUID"}});
+        store.begin_table(u"devices"_s,
+                          {{"source"}, {"source_name"}, {"device_name"}, {"uuid"}, {"UUID"}, {"Uuid"}, {"a\"b"}});
         store.add({cell::of_integer(3),
                    cell::of_text("Anna's"),
                    cell::of_text("=1+1"),
                    cell::of_text("U-1"),
-                   {cell::type::blob, 0, 0, QByteArrayView("\0\xff", 2)}});
+                   {cell::type::blob, 0, 0, QByteArrayView("\0\xff", 2)},
+                   cell::of_text("third"),
+                   {cell::type::real, 0, 0.5, {}}});
         store.begin_table(u"host_devices"_s, {{"source"},
                                               {"source_name"},
                                               {"list"},
@@ -465,7 +515,8 @@ void test_report_tables::database()
         }
         return rows;
     };
-    QCOMPARE(rows_of("SELECT device_name, uuid, hex(UUID_2) FROM devices"), QStringList{u"=1+1 U-1 00FF"_s});
+    QCOMPARE(rows_of("SELECT device_name, uuid, hex(UUID_2), Uuid_3, \"a\"\"b\" FROM devices"),
+             QStringList{u"=1+1 U-1 00FF third 0.5"_s});
     QCOMPARE(rows_of("SELECT name, source, source_table FROM names WHERE names MATCH 'kafer'"),
              QStringList{u"Käfer 4 host_devices"_s});
     QCOMPARE(rows_of("SELECT source, source_table, name, address FROM v_named_devices"),
@@ -479,6 +530,29 @@ void test_report_tables::database()
     QCOMPARE(rows_of("SELECT * FROM v_sources"), QStringList());
     QCOMPARE(rows_of("SELECT device, sources, appearances, source_numbers, name FROM v_shared_devices"),
              QStringList{u"1 1 2 3 Zoé's"_s});
+}
+
+/** It stands there when it is whole, whatever stood in its place; else nothing of it stays. */
+void test_report_tables::database_that_is_not_finished()
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(u"report.sqlite"_s);
+    write_file(path + u".new"_s, "of a run that was killed");
+    {
+        report_database store(path);
+        store.begin_table(u"sources"_s, {{"a\"b"}, {"A\"B"}, {"a\"b_2"}, {"a\"B"}});
+        store.add({cell::of_integer(1), cell::of_integer(2), cell::of_integer(3), cell::of_integer(4)});
+        QCOMPARE(tree_of(directory.path()), QStringList{u"report.sqlite.new"_s});
+    }
+    QCOMPARE(tree_of(directory.path()), QStringList());
+    try {
+        const report_database nowhere(directory.filePath(u"none/report.sqlite"_s));
+        QFAIL("there is no such folder");
+    } catch (const host_error &error) {
+        QCOMPARE(error.kind(), error_kind::io);
+        QCOMPARE(error.message(), QString(directory.filePath(u"none/report.sqlite"_s)
+                                          + u" cannot be written: unable to open database file"_s));
+    }
 }
 
 BLUETOOTH_LOGS_TEST(test_report_tables, QCoreApplication)
