@@ -397,6 +397,7 @@ void test_case_reading::shortcomings()
 void test_case_reading::source_at_work()
 {
     const laid_case laid;
+    QVERIFY(QFile::remove(laid.path(u"Source1/host_devices.jsonl"_s))); // then names of the preferences would be taken
     const file_lock lock(laid.path(u"Source1/.lock"_s));
     const report_case the_case = read_report_case(laid.directory());
     QCOMPARE(the_case.shortcomings,

@@ -142,6 +142,11 @@ void test_device_join::shared_ones_are_known()
     QVERIFY(join.is_shared(one) && join.is_shared(by_uuid));
     QVERIFY(!join.is_shared(another));
     QVERIFY(!join.is_shared(seen(2, "e", "U-1", "")));
+    join.learn(seen(2, "g", "U-3", address, "ic-2")); // a key that is new joins what is shared
+    QVERIFY(join.is_shared(one) && join.is_shared(seen(2, "h", "", "", "ic-2")));
+    join.learn(seen(2, "i", "", "b4c26a7fd37b", "ic-2")); // and what is shared a key that is new
+    QVERIFY(join.is_shared(one) && join.is_shared(seen(2, "k", "", "b4c26a7fd37b")));
+    QVERIFY(!join.is_shared(another));
     QVERIFY(join.is_in_several_sources(one.keys.first()));
     QVERIFY(!join.is_in_several_sources(another.keys.first()));
     QVERIFY(!join.is_in_several_sources({join_key::kind::icloud_identifier, "b4:c2:6a:7f:d3:7a"}));

@@ -59,6 +59,8 @@ private Q_SLOTS:
     void brief_alone();
     void many_named_devices();
     void what_was_not_compared();
+    void damaged_lists_data();
+    void damaged_lists();
     void formats_of_cells();
     void notes_of_a_workbook();
     void tables_alone();
@@ -203,10 +205,13 @@ void test_report_files::many_named_devices()
     sqlite_file(the_case.path(u"Source4/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s))
         .execute(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 150) INSERT INTO "
                  "devices(device_name, sf_device_id) SELECT 'name ' || i, 'many ' || i FROM n"_s);
+    sqlite_file(the_case.path(u"Source4/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s))
+        .execute(u"INSERT INTO paired_devices(device_address) VALUES('B4:C2:6A:00:00:99')"_s);
     report_options options = options_of(the_case, {report_format::html});
     options.split = true;
     write_report(options);
     const QByteArray page = content_of(the_case.path(u"Report/report.html"_s));
+    QVERIFY(page.contains("Paired or in use: 3")); // with or without a name
     QVERIFY(page.contains("Named devices: 159"));
     QVERIFY(page.contains("<p>And 139 more.</p>"));
     QVERIFY(content_of(the_case.path(u"Report/report-source4.html"_s)).contains("name 150"));
@@ -231,6 +236,38 @@ void test_report_files::what_was_not_compared()
     QCOMPARE(write_report(options).shortcomings, QStringList());
     const QByteArray page = content_of(the_case.path(u"Report/report.html"_s));
     QVERIFY(page.contains(all) && !page.contains(not_all));
+}
+
+void test_report_files::damaged_lists_data()
+{
+    QTest::addColumn<int>("source");
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("changes of a log") << 1 << u"wal_changes.jsonl"_s;
+    QTest::newRow("devices of lists") << 3 << u"host_devices.jsonl"_s;
+    QTest::newRow("lines without a row") << 4 << u"unparsed_lines.jsonl"_s;
+    QTest::newRow("salvaged rows") << 1 << u"salvage.jsonl"_s;
+}
+
+/** Whatever a report holds, it says what of a list it could not read, once. */
+void test_report_files::damaged_lists()
+{
+    QFETCH(const int, source);
+    QFETCH(const QString, file);
+    const laid_case the_case;
+    the_case.replace(u"Source%1/%2"_s.arg(source).arg(file), "\n", "\nno JSON\n");
+    const QString problem = u"source %1: %2 is damaged"_s.arg(source).arg(file);
+    const QByteArray item = "<li>" + problem.toUtf8() + "</li>";
+    report_options options = options_of(the_case, {report_format::html});
+    options.force = true;
+    QCOMPARE(write_report(options).shortcomings.count(problem), 1);
+    QCOMPARE(content_of(options.output + u"/report.html"_s).count(item), 1);
+    options.split = true;
+    QCOMPARE(write_report(options).shortcomings.count(problem), 1);
+    QCOMPARE(content_of(options.output + u"/report.html"_s).count(item), 1);
+    QCOMPARE(content_of(options.output + u"/report-source%1.html"_s.arg(source)).count(item), 1);
+    options.formats = {report_format::jsonl, report_format::sqlite};
+    QCOMPARE(write_report(options).shortcomings.count(problem), 1);
 }
 
 void test_report_files::formats_of_cells()

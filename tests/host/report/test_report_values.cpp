@@ -134,6 +134,9 @@ void test_report_values::log_lines_data()
     QTest::newRow("name before an SSID")   << QByteArray("x, Nm 'a', b', SSID c'") << u"\"a', b\" none none none"_s;
     QTest::newRow("the nearest end")       << QByteArray("x, Nm 'a', SSID b', PairedBT, Md 'c', Md 'd'") << u"\"a\" none none none paired"_s;
     QTest::newRow("name without an end")   << QByteArray("x, Nm 'a b") << u"\"a b\" none none none"_s;
+    QTest::newRow("an identifier alone")   << QByteArray("SFDevice ID 1A") << u"none \"1A\" none none"_s;
+    QTest::newRow("a name alone")          << QByteArray(", Nm 'a'") << u"\"a\" none none none"_s;
+    QTest::newRow("empty")                 << QByteArray() << u"none none none none"_s;
     QTest::newRow("two names")             << QByteArray("x, Nm 'a', Md 'b', Nm 'c', Md 'd'") << u"\"a\" none none none"_s;
     QTest::newRow("parts in a name")       << QByteArray("x SFDevice ID 1, Nm 'a, RSSI 5, SFDevice ID 2, AID 3', Md 'm', RSSI -60, AID 7") << u"\"a, RSSI 5, SFDevice ID 2, AID 3\" \"2\" \"-60\" \"7\""_s;
     QTest::newRow("both identifiers")      << QByteArray("x, PI 83:52, SFDevice ID 1A") << u"none \"1A\" none none"_s;
