@@ -3,7 +3,6 @@
 
 #include "tests/host/run/scripted_worker.h"
 
-#include "host/run/worker_protocol.h"
 #include "tests/support/test_entry.h"
 
 #include <QFile>
@@ -30,9 +29,10 @@ int run_script(int, char **)
     const worker_order order = worker_order::from_line(line);
     const QString &plugin = order.request.options.plugin_file;
     const QByteArray script = QFile::encodeName(plugin.isEmpty() ? order.request.source.path + u".worker"_s : plugin);
+    const QByteArray number = QByteArray::number(order.request.number);
     const char *const tasks[] = {"extract", "inspect", "settle", "survey"};
     const char *const environment[] = {"PATH=/usr/bin:/bin", nullptr};
-    ::execle("/bin/sh", "sh", script.constData(), tasks[int(order.to_do)], nullptr, environment);
+    ::execle("/bin/sh", "sh", script.constData(), tasks[int(order.to_do)], number.constData(), nullptr, environment);
     return 127;
 }
 

@@ -8,6 +8,7 @@
 #include "host/run/interruption.h"
 #include "host/run/worker_protocol.h"
 #include "host/source/macos_databases.h"
+#include "tests/host/run/account_of_run.h"
 #include "tests/host/run/scripted_worker.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
@@ -23,81 +24,16 @@
 #include <memory>
 
 using namespace Qt::StringLiterals;
+using namespace worker_script;
 
 namespace {
 
-/** What is said of a run, line by line. */
-class account_of_run : public run_observer
-{
-public:
-    void kept(const QStringList &paths) override
-    {
-        lines.append(u"kept "_s + paths.join(u' '));
-    }
-    void source_started(const source_request &, const QList<run_message> &messages) override
-    {
-        lines.append(u"started"_s);
-        for (const run_message &message : messages)
-            lines.append(message.text);
-    }
-    void bytes_hashed(const source_request &, qint64 bytes) override
-    {
-        lines.append(u"hashed "_s + QString::number(bytes));
-    }
-    void bytes_read(const source_request &, qint64 bytes) override
-    {
-        lines.append(u"read "_s + QString::number(bytes));
-    }
-    void records_announced(const source_request &, qint64 records, int tables_done) override
-    {
-        lines.append(QString::number(records) + u" records, tables: "_s + QString::number(tables_done));
-    }
-    void worker_said(const source_request &, const QString &line) override
-    {
-        words.append(line); // when they come, between the others, is not fixed
-    }
-    void cancelling(const source_request &) override
-    {
-        lines.append(u"cancelling"_s);
-    }
-    void source_finished(const source_request &, const source_record &) override
-    {
-    }
-    void case_finished() override
-    {
-    }
-
-    QStringList lines;
-    QStringList words; ///< of the workers
-};
-
-QByteArray inspected()
-{
-    inspection found;
-    found.result_sha256 = u"cd"_s;
-    found.rows = {{u"devices"_s, 3, {}, 3}, {u"paired_devices"_s, 0, {}, 0}};
-    found.log.sha256 = u"log"_s;
-    return inspected_line(found);
-}
-
-const QByteArray tell_task = "echo \"$1\" >&2\n";
-const QByteArray say_loaded = saying(loaded_line()) + "read -r word\n";
-const QByteArray say_looked = saying(looked_line({}));
-const QByteArray say_extracted = saying(table_done_line(u"devices"_s, 3))
-                                 + saying(table_done_line(u"paired_devices"_s, 0))
-                                 + saying(extracted_line({u"log"_s, true}));
-const QByteArray say_inspected = saying(inspected());
-const QByteArray whole = say_loaded + say_looked + say_extracted + say_inspected;
 const QString files = u" | Source1/ Source1/.lock Source1/plugin.log Source1/source.json"_s;
 const QString not_announced =
     u" | error: the rows of the table devices do not agree: 3 found in the evidence, an unknown number "
     "announced by the plug-in, 3 stored in the result | error: the rows of the table paired_devices do "
     "not agree: 0 found in the evidence, an unknown number announced by the plug-in, 0 stored in the "
     "result"_s;
-/** What another worker than the first does. */
-const QByteArray others_inspect = tell_task + "[ $1 = settle ] && exit\n[ $1 = inspect ] && {\n" + say_inspected
-                                  + "exit; }\n";
-
 QByteArray problem(error_kind kind, const QString &text)
 {
     return saying(problem_line(host_error(kind, text)));
