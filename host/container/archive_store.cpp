@@ -178,6 +178,12 @@ public:
         return is_raw() ? name_of(filter_names, archive_filter_code(opened.get(), 0)) : name_of(format_names, code);
     }
 
+    /** Of a tar the library makes them up, by counting. */
+    bool has_inodes() const
+    {
+        return (archive_format(opened.get()) & ARCHIVE_FORMAT_BASE_MASK) != ARCHIVE_FORMAT_TAR;
+    }
+
     bool is_raw() const
     {
         return (archive_format(opened.get()) & ARCHIVE_FORMAT_BASE_MASK) == ARCHIVE_FORMAT_RAW;
@@ -263,11 +269,11 @@ private:
     archive_pass &pass;
 };
 
-file_origin origin_of(archive_entry *entry, const QString &path)
+file_origin origin_of(const archive_pass &pass, archive_entry *entry, const QString &path)
 {
     file_origin origin;
     origin.path = path;
-    if (archive_entry_ino_is_set(entry))
+    if (pass.has_inodes() && archive_entry_ino_is_set(entry))
         origin.inode = quint64(archive_entry_ino64(entry));
     if (archive_entry_mtime_is_set(entry)) {
         timespec time = {};
@@ -417,7 +423,7 @@ private:
             return;
         stored_file file;
         file.parts = name.parts;
-        file.origin = origin_of(entry, name.text);
+        file.origin = origin_of(pass, entry, name.text);
         if (!name.danger.isEmpty())
             refuse(file, name.danger);
         else
@@ -484,7 +490,7 @@ private:
                 continue;
             left.remove(name.parts);
             stored_file file = *link;
-            file.origin = origin_of(entry, name.text);
+            file.origin = origin_of(pass, entry, name.text);
             if (archive_entry_symlink(entry) || archive_entry_hardlink(entry)) {
                 remember_link(entry, file);
                 if (file.objection.isEmpty())

@@ -3,10 +3,12 @@
 
 #include "host/container/archive_store.h"
 #include "host/files/sha256.h"
-#include "tests/support/tar_bytes.h"
+#include "tests/support/archive_bytes.h"
+#include "tests/support/file_content.h"
 #include "tests/support/test_entry.h"
 
 #include <QFile>
+#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -102,6 +104,9 @@ private Q_SLOTS:
     void others_are_passed_over_from_a_file_on();
     void cut_in_what_is_passed_over_is_told();
     void hash_is_that_of_the_whole_file();
+    void origins_data();
+    void origins();
+    void encrypted_members();
     void members_data();
     void members();
 };
@@ -162,6 +167,51 @@ void test_archive_store::hash_is_that_of_the_whole_file()
         QCOMPARE(found.hashed, archive.size());
         QCOMPARE(found.read, archive.size());
     }
+}
+
+void test_archive_store::origins_data()
+{
+    QTest::addColumn<QByteArray>("archive");
+    QTest::addColumn<QByteArray>("origin");
+    QTest::addColumn<QString>("format");
+
+    // clang-format off
+    QTest::newRow("cpio") << cpio_member("a", "content", 42) + cpio_member("TRAILER!!!")
+        << QByteArray(R"({"inode":42,"modified":"2024-05-17T10:11:05.000000000Z","path":"a","size":7})") << u"cpio"_s;
+    QTest::newRow("tar")  << tar_member("a", "content") + QByteArray(1024, '\0')
+        << QByteArray(R"({"inode":null,"modified":"1970-01-01T00:00:00.000000000Z","path":"a","size":7})") << u"tar"_s;
+    // clang-format on
+}
+
+void test_archive_store::origins()
+{
+    QFETCH(const QByteArray, archive);
+    const QTemporaryDir folder;
+    write_file(folder.filePath(u"a"_s), archive);
+    const auto store = open_archive(folder.filePath(u"a"_s), true, {});
+    QByteArray origin;
+    store->visit(evidence_search(), [&origin](const stored_file &file, byte_stream *) {
+        origin = QJsonDocument(file.origin.to_json()).toJson(QJsonDocument::Compact);
+    });
+    QTEST(origin, "origin");
+    QTEST(QString(store->format()), "format");
+    QVERIFY(!store->is_single_file());
+    QCOMPARE(store->damage(), QString());
+}
+
+/** A zip whose members say that they are. */
+void test_archive_store::encrypted_members()
+{
+    const QByteArray name = "Windows/System32/config/SYSTEM";
+    const QTemporaryDir folder;
+    write_file(folder.filePath(u"a"_s), encrypted_zip_member(name));
+    const auto store = open_archive(folder.filePath(u"a"_s), true, {});
+    QStringList found;
+    store->visit(evidence_search(), [&found](const stored_file &file, byte_stream *stream) {
+        found.append(joined(file.parts) + (file.is_encrypted ? u", encrypted"_s : QString())
+                     + (file.is_refused ? u", refused: "_s : u": "_s) + file.objection + (stream ? u"!"_s : QString()));
+    });
+    QCOMPARE(found, QStringList{QString::fromLatin1(name) + u", encrypted, refused: it is encrypted"_s});
 }
 
 void test_archive_store::members_data()

@@ -3,10 +3,10 @@
 
 #include "host/container/backup_store.h"
 #include "host/files/host_error.h"
+#include "tests/support/archive_bytes.h"
 #include "tests/support/file_content.h"
 #include "tests/support/sqlite_file.h"
 #include "tests/support/strict_test.h"
-#include "tests/support/tar_bytes.h"
 #include "tests/support/test_entry.h"
 
 #include <QTemporaryDir>

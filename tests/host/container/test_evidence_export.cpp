@@ -5,6 +5,8 @@
 #include "host/files/sha256.h"
 #include "host/sample/sample.h"
 #include "host/sample/sample_parts.h"
+#include "tests/support/archive_bytes.h"
+#include "tests/support/file_content.h"
 #include "tests/support/test_entry.h"
 
 #include <QDirIterator>
@@ -47,6 +49,7 @@ private Q_SLOTS:
     void backup_in_an_archive_is_read_in_few_passes();
     void doubled_names_are_told();
     void no_hash_where_none_is_wanted();
+    void encrypted_evidence_is_none();
 
 private:
     exported_source export_from(const QString &container, const container_observers &observers);
@@ -143,6 +146,30 @@ void test_evidence_export::no_hash_where_none_is_wanted()
         for (const auto file : taken.container[u"files"_s].toArray())
             QVERIFY(file[u"sha256"_s].isNull());
     }
+}
+
+/** Each file is named with its reason; a hive that cannot be read still makes a source of Windows. */
+void test_evidence_export::encrypted_evidence_is_none()
+{
+    const QByteArray database = "Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db";
+    write_file(folder.filePath(u"sample/secret.zip"_s),
+               encrypted_zip_member(database) + encrypted_zip_member(database + "-wal"));
+    const QString path = folder.filePath(u"sample/secret.zip"_s);
+    try {
+        export_from(u"secret.zip"_s, {});
+        QFAIL("it was taken");
+    } catch (const host_error &error) {
+        const QString reason = QString::fromLatin1(database) + u": it is encrypted; "_s + QString::fromLatin1(database)
+                               + u"-wal: it is encrypted"_s;
+        QVERIFY2(error.message().startsWith(QString(path + u": the evidence cannot be read: "_s + reason)),
+                 qPrintable(error.message()));
+        QCOMPARE(error.kind(), error_kind::not_found);
+    }
+    write_file(folder.filePath(u"sample/hive.zip"_s), encrypted_zip_member("Windows/System32/config/SYSTEM"));
+    const exported_source taken = export_from(u"hive.zip"_s, {});
+    QCOMPARE(taken.kind, &winos_kind);
+    QCOMPARE(taken.files.size(), 1);
+    QCOMPARE(taken.files.first().objection, u"it is encrypted"_s);
 }
 
 BLUETOOTH_LOGS_TEST(test_evidence_export, QCoreApplication)

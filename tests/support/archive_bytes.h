@@ -13,4 +13,10 @@
 QByteArray tar_member(const QByteArray &name, const QByteArray &content = {}, char type = '0',
                       const QByteArray &link = {});
 
+/** A member of a cpio, "newc", with the number of its inode; an archive ends with one of the name TRAILER!!!. */
+QByteArray cpio_member(const QByteArray &name, const QByteArray &content = {}, int inode = 0);
+
+/** A member of a zip that says that it is encrypted. */
+QByteArray encrypted_zip_member(const QByteArray &name);
+
 #endif
