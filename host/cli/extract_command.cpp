@@ -12,14 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/** How many sources the run may have; one that is continued without naming them has those of the case. */
-qsizetype source_count(const case_request &request)
-{
-    if (request.only)
-        return 1;
-    return request.sources.isEmpty() ? case_layout(request.directory).source_numbers().size() : request.sources.size();
-}
-
 bool makes_reports_old(const case_request &request)
 {
     return request.earlier == case_request::earlier_run::removed
@@ -27,6 +19,13 @@ bool makes_reports_old(const case_request &request)
 }
 
 } // namespace
+
+qsizetype source_count(const case_request &request)
+{
+    if (request.only)
+        return 1;
+    return request.sources.isEmpty() ? case_layout(request.directory).source_numbers().size() : request.sources.size();
+}
 
 exit_code run_extract(const extract_options &options, console &out)
 {

@@ -15,6 +15,9 @@ struct extract_options
     bool json_progress = false;
 };
 
+/** How many sources the run may have; one that is continued without naming them has those of the case. */
+qsizetype source_count(const case_request &request);
+
 /**
  * Extracts the sources into a case and prints what came of it. Nothing is touched before sources, case and plug-in are
  * known to be usable. Throws host_error when the run cannot begin.

@@ -44,23 +44,6 @@ void print_volume(const QJsonObject &volume, console &out)
         out.print_line(evidence_line(file));
 }
 
-void print_source(const QJsonObject &survey, console &out)
-{
-    out.print_line(out.bold(survey.value("path"_L1).toString()));
-    const QJsonObject container = survey.value("container"_L1).toObject();
-    out.print_line(u"  type       "_s + text_of(survey.value("type"_L1), u"not recognized"_s));
-    if (!container.isEmpty())
-        out.print_line(u"  container  "_s + container.value("kind"_L1).toString() + u", "_s
-                       + container.value("format"_L1).toString());
-    const QJsonArray volumes = survey.value("volumes"_L1).toArray();
-    for (const auto volume : volumes)
-        print_volume(volume.toObject(), out);
-    if (!volumes.isEmpty())
-        return;
-    for (const auto file : survey.value("evidence"_L1).toArray())
-        out.print_line(evidence_line(file));
-}
-
 /** The members that programs rely on. */
 QJsonObject published(const QJsonObject &survey)
 {
@@ -79,6 +62,23 @@ exit_code code_of(const QList<exit_code> &codes)
 
 } // namespace
 
+void print_survey(const QJsonObject &survey, console &out)
+{
+    out.print_line(out.bold(survey.value("path"_L1).toString()));
+    const QJsonObject container = survey.value("container"_L1).toObject();
+    out.print_line(u"  type       "_s + text_of(survey.value("type"_L1), u"not recognized"_s));
+    if (!container.isEmpty())
+        out.print_line(u"  container  "_s + container.value("kind"_L1).toString() + u", "_s
+                       + container.value("format"_L1).toString());
+    const QJsonArray volumes = survey.value("volumes"_L1).toArray();
+    for (const auto volume : volumes)
+        print_volume(volume.toObject(), out);
+    if (!volumes.isEmpty())
+        return;
+    for (const auto file : survey.value("evidence"_L1).toArray())
+        out.print_line(evidence_line(file));
+}
+
 exit_code run_inspect(const inspect_options &options, console &out)
 {
     const interruption ctrl_c;
@@ -95,7 +95,7 @@ exit_code run_inspect(const inspect_options &options, console &out)
                                        : exit_code_of(error_kind(survey.value("kind_of_problem"_L1).toInt())));
         sources.append(published(survey));
         if (!options.json)
-            print_source(survey, out);
+            print_survey(survey, out);
         for (const auto warning : survey.value("warnings"_L1).toArray())
             out.warning(warning.toString());
         if (!problem.isEmpty())

@@ -17,6 +17,9 @@ struct inspect_options
     qint64 timeout = 0;         ///< seconds for one of them; 0: none
 };
 
+/** What survey_source() found, for readers. */
+void print_survey(const QJsonObject &survey, console &out);
+
 /** Prints what each path holds: container, volumes, kind, evidence. Writes nothing. */
 exit_code run_inspect(const inspect_options &options, console &out);
 

@@ -47,7 +47,20 @@ QLatin1StringView verdict_word(outcome_code code)
     }
 }
 
-/** What the code means, in one line. */
+void print(const check_outcome &outcome, console &out)
+{
+    for (const QString &note : outcome.notes)
+        out.note(note);
+    for (const QString &difference : outcome.differences)
+        out.error(difference);
+    for (const QString &text : outcome.incomplete)
+        out.error(text);
+    for (const QString &text : outcome.missing)
+        out.error(text);
+}
+
+} // namespace
+
 QString verdict(const check_outcome &outcome)
 {
     const QString compared = compared_text(outcome);
@@ -65,7 +78,7 @@ QString verdict(const check_outcome &outcome)
     }
 }
 
-QJsonObject record_of(const check_request &request, const check_outcome &outcome, const QString &time)
+QJsonObject verification_record(const check_request &request, const check_outcome &outcome, const QString &time)
 {
     QJsonObject record = outcome.to_json();
     record.insert("format"_L1, u"bluetooth-logs verification"_s);
@@ -80,20 +93,6 @@ QJsonObject record_of(const check_request &request, const check_outcome &outcome
     return record;
 }
 
-void print(const check_outcome &outcome, console &out)
-{
-    for (const QString &note : outcome.notes)
-        out.note(note);
-    for (const QString &difference : outcome.differences)
-        out.error(difference);
-    for (const QString &text : outcome.incomplete)
-        out.error(text);
-    for (const QString &text : outcome.missing)
-        out.error(text);
-}
-
-} // namespace
-
 exit_code run_verify(const verify_options &options, console &out)
 {
     if (!options.record_file.isEmpty() && path_exists(options.record_file))
@@ -106,7 +105,7 @@ exit_code run_verify(const verify_options &options, console &out)
             throw host_error(error_kind::refused,
                              u"--record: nothing is written into the evidence: "_s + options.record_file);
     }
-    const QJsonObject record = record_of(options.request, outcome, utc_now());
+    const QJsonObject record = verification_record(options.request, outcome, utc_now());
     print(outcome, out);
     if (!options.record_file.isEmpty())
         write_json_file(options.record_file, record);

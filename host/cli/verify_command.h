@@ -15,6 +15,12 @@ struct verify_options
     bool json = false;   ///< the outcome as JSON on standard output, in place of words
 };
 
+/** What the code of the outcome means and what was compared, in one line. */
+QString verdict(const check_outcome &outcome);
+
+/** The outcome as --json and --record have it; @p time: UTC, of the comparison. */
+QJsonObject verification_record(const check_request &request, const check_outcome &outcome, const QString &time);
+
 /** Compares a case with its manifest and reports what is different. Throws host_error. */
 exit_code run_verify(const verify_options &options, console &out);
 

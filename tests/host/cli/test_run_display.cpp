@@ -4,62 +4,18 @@
 #include "host/cli/run_display.h"
 
 #include "host/case/wal_counts.h"
+#include "tests/host/cli/stream_catcher.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
-#include <QTemporaryFile>
 #include <QTest>
 
 #include <cstdio>
 #include <functional>
 
-#include <unistd.h>
-
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/** What is written to a standard stream while an object of this class lives. */
-class stream_catcher
-{
-public:
-    explicit stream_catcher(FILE *standard_stream)
-        : stream(standard_stream)
-    {
-        if (!file.open())
-            qFatal("no temporary file");
-        std::fflush(stream);
-        usual = ::dup(::fileno(stream));
-        ::dup2(file.handle(), ::fileno(stream));
-    }
-    ~stream_catcher()
-    {
-        give_back();
-    }
-    Q_DISABLE_COPY_MOVE(stream_catcher)
-
-    QString text()
-    {
-        give_back();
-        file.seek(0);
-        return QString::fromUtf8(file.readAll());
-    }
-
-private:
-    void give_back()
-    {
-        if (usual == -1)
-            return;
-        std::fflush(stream);
-        ::dup2(usual, ::fileno(stream));
-        ::close(usual);
-        usual = -1;
-    }
-
-    FILE *stream;
-    QTemporaryFile file;
-    int usual = -1;
-};
 
 source_request request_of(int number, const QString &name = {})
 {

@@ -36,6 +36,14 @@ private Q_SLOTS:
     void kinds_of_errors();
     void path_that_is_too_long();
     void bytes_are_no_text_of_the_database();
+    void log_is_read_unless_the_main_file_stands_alone();
+    void columns_are_found_by_name();
+    void cells_come_as_they_are();
+    void statement_runs_again();
+    void words_of_errors_data();
+    void words_of_errors();
+    void functions_of_the_host();
+    void place_of_sorting();
 };
 
 namespace {
@@ -268,6 +276,7 @@ void test_sqlite::path_that_is_too_long()
                             + u"./"_s.repeated((longest_sqlite_path - folder.path().size()) / 2 - 3);
     const QString path = longest + QString(longest_sqlite_path - longest.size() + 1, u'x');
     try {
+        const sqlite_database longest_one(path.chopped(1), sqlite_database::access::create);
         const sqlite_database database(path, sqlite_database::access::create);
         QFAIL("it was opened");
     } catch (const sqlite_error &error) {
@@ -289,6 +298,120 @@ void test_sqlite::bytes_are_no_text_of_the_database()
     QCOMPARE(statement.bytes(0).toByteArray(), QByteArray("A\0\xff"
                                                           "B",
                                                           4));
+}
+
+void test_sqlite::log_is_read_unless_the_main_file_stands_alone()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"x.db"_s);
+    sqlite_database writer(path, sqlite_database::access::create);
+    writer.execute(
+        "PRAGMA journal_mode=WAL; CREATE TABLE t(a); PRAGMA wal_checkpoint(TRUNCATE); INSERT INTO t VALUES(1)");
+    const auto rows = [&path](sqlite_database::access mode) {
+        const sqlite_database database(path, mode);
+        sqlite_statement count(database, "SELECT count(*) FROM t");
+        return count.next() ? count.integer(0) : -1;
+    };
+    QCOMPARE(rows(sqlite_database::access::read_only), 1);
+    QCOMPARE(rows(sqlite_database::access::read_write), 1);
+    QCOMPARE(rows(sqlite_database::access::main_file_alone), 0);
+}
+
+void test_sqlite::columns_are_found_by_name()
+{
+    const QTemporaryDir folder;
+    const sqlite_database database(folder.filePath(u"x.db"_s), sqlite_database::access::create);
+    const sqlite_statement row(database, "SELECT 1 AS a, 2 AS Bc, 3 AS bC, 4 AS abc");
+    QCOMPARE(row.column_named("a"_L1), 0);
+    QCOMPARE(row.column_named("A"_L1), 0);
+    QCOMPARE(row.column_named("BC"_L1), 1);
+    QCOMPARE(row.column_named("abc"_L1), 3);
+    QCOMPARE(row.column_named("ab"_L1), -1);
+    QCOMPARE(row.column_named(""_L1), -1);
+}
+
+void test_sqlite::cells_come_as_they_are()
+{
+    const QTemporaryDir folder;
+    const sqlite_database database(folder.filePath(u"x.db"_s), sqlite_database::access::create);
+    sqlite_statement row(database, "SELECT NULL, -7, 0.25, 'a', x'00ff', '', ?");
+    row.bind_bytes(0, QByteArrayView("b\0", 2));
+    QVERIFY(row.next());
+    QStringList texts;
+    for (int column = 0; column < row.column_count(); ++column) {
+        const cell value = row.value_of(column);
+        texts.append(QString::number(int(value.kind)) + u' ' + QString::number(value.integer) + u' '
+                     + QString::number(value.real) + u' ' + QString::fromLatin1(value.bytes.toByteArray().toHex()));
+    }
+    QCOMPARE(texts, QStringList({u"0 0 0 "_s, u"1 -7 0 "_s, u"2 0 0.25 "_s, u"3 0 0 61"_s, u"4 0 0 00ff"_s, u"3 0 0 "_s,
+                                 u"4 0 0 6200"_s}));
+}
+
+void test_sqlite::statement_runs_again()
+{
+    const QTemporaryDir folder;
+    const sqlite_database database(folder.filePath(u"x.db"_s), sqlite_database::access::create);
+    sqlite_statement row(database, "SELECT ?");
+    for (const qint64 number : {1, 2}) {
+        row.bind(0, number);
+        QVERIFY(row.next());
+        QCOMPARE(row.integer(0), number);
+        QVERIFY_THROWS_EXCEPTION(sqlite_error, row.bind(0, number)); // it has begun
+        row.reset();
+    }
+}
+
+void test_sqlite::words_of_errors_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("statement");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("message");
+
+    // clang-format off
+    QTest::newRow("not there")   << u"none.db"_s << QByteArray()                        << SQLITE_CANTOPEN << u"unable to open database file"_s;
+    QTest::newRow("no database") << u"text"_s    << QByteArray("SELECT * FROM t")       << SQLITE_NOTADB   << u"file is not a database"_s;
+    QTest::newRow("no table")    << u"x.db"_s    << QByteArray("SELECT * FROM u")       << SQLITE_ERROR    << u"no such table: u"_s;
+    QTest::newRow("written")     << u"x.db"_s    << QByteArray("INSERT INTO t VALUES(1)") << SQLITE_READONLY << u"attempt to write a readonly database"_s;
+    QTest::newRow("no number")   << u"x.db"_s    << QByteArray("SELECT abs(-9223372036854775808)") << SQLITE_ERROR << u"integer overflow"_s;
+    // clang-format on
+}
+
+void test_sqlite::words_of_errors()
+{
+    QFETCH(const QString, file);
+    QFETCH(const QByteArray, statement);
+    const QTemporaryDir folder;
+    sqlite_database(folder.filePath(u"x.db"_s), sqlite_database::access::create).execute("CREATE TABLE t(a)");
+    QFile text(folder.filePath(u"text"_s));
+    QVERIFY(text.open(QIODevice::WriteOnly) && text.write(QByteArray(1000, 'x')) == 1000);
+    text.close();
+    try {
+        const sqlite_database database(folder.filePath(file), sqlite_database::access::read_only);
+        sqlite_statement(database, statement).next();
+        QFAIL("it ran");
+    } catch (const sqlite_error &error) {
+        QTEST(error.message(), "message");
+        QTEST(error.result_code(), "code");
+    }
+}
+
+/** The one that a stranger's database may be asked with. */
+void test_sqlite::functions_of_the_host()
+{
+    const QTemporaryDir folder;
+    const sqlite_database database = database_of(folder, "CREATE TABLE t(a); INSERT INTO t VALUES(1), (2)");
+    sqlite_statement count(database, "SELECT COUNT(*) FROM t");
+    QVERIFY(count.next());
+    QCOMPARE(count.integer(0), 2);
+}
+
+void test_sqlite::place_of_sorting()
+{
+    sort_in_folder(u"/a b/%s"_s);
+    QCOMPARE(QByteArray(sqlite3_temp_directory), "/a b/%s");
+    sqlite3_free(sqlite3_temp_directory);
+    sqlite3_temp_directory = nullptr;
 }
 
 BLUETOOTH_LOGS_TEST(test_sqlite, QCoreApplication)
