@@ -3,6 +3,7 @@
 
 #include "host/files/host_error.h"
 #include "host/source/evidence_folder.h"
+#include "tests/host/source/ordinary_user.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -19,26 +20,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/** While it lives this process is no administrator, whom no folder is closed to. */
-class common_user
-{
-public:
-    common_user()
-    {
-        if (::geteuid() == 0 && ::seteuid(nobody) != 0)
-            qFatal("no other user");
-    }
-    ~common_user()
-    {
-        if (::getuid() == 0 && ::seteuid(0) != 0)
-            qFatal("no way back");
-    }
-    Q_DISABLE_COPY_MOVE(common_user)
-
-private:
-    static constexpr uid_t nobody = 65534;
-};
 
 void set_mode(const QString &path, mode_t mode)
 {
@@ -172,7 +153,7 @@ void test_evidence_folder::closed()
         QSKIP("the modes of others' folders do not count here");
     std::optional<QString> found;
     {
-        const common_user user;
+        const ordinary_user user;
         if (closed_folder(folder.path()))
             QSKIP("the folder of temporary files is closed to others");
         found = closed_folder(folder.filePath(path), listed.isEmpty() ? QString() : folder.filePath(listed));

@@ -3,6 +3,7 @@
 
 #include "host/files/host_error.h"
 #include "host/source/evidence_source.h"
+#include "tests/host/source/ordinary_user.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -12,33 +13,12 @@
 #include <QTest>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/** Root may look everywhere: another user looks while an object of this class lives. */
-class ordinary_user
-{
-public:
-    ordinary_user()
-    {
-        if (user == 0 && ::setresuid(65534, 65534, 0) != 0)
-            qFatal("cannot become an ordinary user");
-    }
-    ~ordinary_user()
-    {
-        if (user == 0 && ::setresuid(0, 0, 0) != 0)
-            qFatal("cannot become root again");
-    }
-    Q_DISABLE_COPY_MOVE(ordinary_user)
-
-private:
-    uid_t user = ::geteuid();
-};
-
-const QString database = u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s;
+const QString other_devices = u"Library/Bluetooth/com.apple.MobileBluetooth.ledevices.other.db"_s;
 
 /** What find_source() says of the path, without the path of the test's folder. */
 QString refusal_of(const QString &folder, const QString &path)
@@ -72,11 +52,11 @@ void test_evidence_source::closed_folders_data()
 
     const QString unreadable = u"the source cannot be read: "_s;
     // clang-format off
-    QTest::newRow("open")              << database << QString() << QString();
-    QTest::newRow("Library/Bluetooth") << database << u"/s/Library/Bluetooth"_s << unreadable + u"/s/Library/Bluetooth: permission denied"_s;
-    QTest::newRow("Library")           << database << u"/s/Library"_s << unreadable + u"/s/Library: permission denied"_s;
-    QTest::newRow("the source")        << database << u"/s"_s << unreadable + u"/s: permission denied"_s;
-    QTest::newRow("above the source")  << u"a/"_s + database << u"/s"_s << unreadable + u"/s: permission denied"_s;
+    QTest::newRow("open")              << other_devices << QString() << QString();
+    QTest::newRow("Library/Bluetooth") << other_devices << u"/s/Library/Bluetooth"_s << unreadable + u"/s/Library/Bluetooth: permission denied"_s;
+    QTest::newRow("Library")           << other_devices << u"/s/Library"_s << unreadable + u"/s/Library: permission denied"_s;
+    QTest::newRow("the source")        << other_devices << u"/s"_s << unreadable + u"/s: permission denied"_s;
+    QTest::newRow("above the source")  << u"a/"_s + other_devices << u"/s"_s << unreadable + u"/s: permission denied"_s;
     QTest::newRow("Windows")           << u"Windows/System32/x"_s << u"/s/Windows"_s << unreadable + u"/s/Windows: permission denied"_s;
     // clang-format on
 }
