@@ -13,7 +13,7 @@ debian_test_packages=(locales strace parallel python3-jsonschema
     apfsprogs libfsapfs-utils sleuthkit)
 # What .ci/run needs besides: the preset gnustep for the files of Apple platforms on Linux, and the tools that check. llvm
 # names the functions by which leaks are told apart.
-debian_ci_packages=(gobjc++ libgnustep-base-dev clang libclang-rt-14-dev llvm clang-format clang-tidy python3)
+debian_ci_packages=(gobjc++ libgnustep-base-dev clang libclang-rt-14-dev lld llvm clang-format clang-tidy python3)
 # The same in Homebrew; macOS has no strace, and the tests that use it, parallel, jsonschema or a browser are skipped there.
 brew_packages=(cmake ninja pkg-config qt cli11 utf8proc libplist sqlite openssl@3 libarchive sleuthkit libxlsxwriter)
 
