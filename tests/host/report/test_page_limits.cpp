@@ -95,7 +95,9 @@ QByteArray page_with(const amounts &much, bool is_brief)
     const QList<joined_device> devices = devices_with(much);
     html_page page(the_case);
     const row_devices numbers = add_rows(page, the_case, much);
-    const QStringList shortcomings(much.shortcomings, QString(much.shortcoming, u's'));
+    QStringList shortcomings;
+    for (int number = 1; number <= much.shortcomings; ++number)
+        shortcomings.append(much.shortcoming > 1 ? QString(much.shortcoming, u's') : u"s %1"_s.arg(number));
     const page_content content{devices, numbers, shortcomings, true, devices.size(), devices.size()};
     if (is_brief)
         page.write_brief(file, content, {});
@@ -109,29 +111,31 @@ struct limit
     const char *of;
     int amounts::*amount;
     int most;
-    const char *sign; ///< that something is left out
+    const char *sign;          ///< that something is left out
+    const char *one = nullptr; ///< of those that are shown, the first ones; "@" for its number
 };
 
 constexpr limit limits_of_page[] = {
-    {"devices", &amounts::devices, 20, "<p>And 1 more"},
-    {"sources of a device", &amounts::known_in, 21, " and 2 more</td>"}, // the last one takes no more room
+    {"devices", &amounts::devices, 20, "<p>And 1 more", "<td><a href=\"#device-@\">"},
+    {"sources of a device", &amounts::known_in, 21, // the last one takes no more room
+     "<td>1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20 and 2 more</td>"},
     {"columns of a name", &amounts::name, 4000, "… (cut; 4001 bytes)</bdi>"},
-    {"logs", &amounts::logs, 12, "<p>And 1 more logs;"},
+    {"logs", &amounts::logs, 12, "<p>And 1 more logs;", "<h3>Source @:"},
     {"devices of a log", &amounts::lanes, 20, " devices are shown: "},
-    {"notes", &amounts::notes, 20, "<p>And 1 more notes.</p>"},
-    {"shortcomings", &amounts::shortcomings, 1000, "<li>and 1 more</li>"},
+    {"notes", &amounts::notes, 20, "<p>And 1 more notes.</p>", "<td>row 1:devices:@</td>"},
+    {"shortcomings", &amounts::shortcomings, 1000, "<li>and 1 more</li>", "<li>s @</li>"},
 };
 
 constexpr limit limits_of_brief[] = {
-    {"devices", &amounts::devices, 50, "<p>And 1 more"},
-    {"sources of a device", &amounts::known_in, 7, " and 2 more</td>"},
+    {"devices", &amounts::devices, 50, "<p>And 1 more", "<tr><td>@</td><td><bdi>n</bdi></td><td>paired"},
+    {"sources of a device", &amounts::known_in, 7, "<td>1, 2, 3, 4, 5, 6 and 2 more</td>"},
     {"columns of a name", &amounts::name, 44, "…</bdi>"},
-    {"logs", &amounts::logs, 2, "<p>And 1 more logs;"},
+    {"logs", &amounts::logs, 2, "<p>And 1 more logs;", "<h3>Source @:"},
     {"devices of a log", &amounts::lanes, 6, " devices are shown: "},
-    {"notes", &amounts::notes, 20, "<p>And 1 more notes.</p>"},
-    {"shortcomings", &amounts::shortcomings, 20, "<li>and 1 more</li>"},
+    {"notes", &amounts::notes, 20, "<p>And 1 more notes.</p>", "<td>row 1:devices:@</td>"},
+    {"shortcomings", &amounts::shortcomings, 20, "<li>and 1 more</li>", "<li><bdi>s @</bdi></li>"},
     {"columns of a shortcoming", &amounts::shortcoming, 300, "…</bdi>"},
-    {"sources", &amounts::sources, 30, "<p>And 1 more sources.</p>"},
+    {"sources", &amounts::sources, 30, "<p>And 1 more sources.</p>", "<tr><td>@</td><td><bdi>s</bdi></td><td></td>"},
 };
 
 void compare(const limit &one, bool is_brief)
@@ -139,7 +143,15 @@ void compare(const limit &one, bool is_brief)
     for (const int more : {0, 1}) {
         amounts much;
         much.*one.amount = one.most + more;
-        QVERIFY2(page_with(much, is_brief).contains(one.sign) == (more == 1), one.of);
+        const QByteArray page = page_with(much, is_brief);
+        QVERIFY2(page.contains(one.sign) == (more == 1), one.of);
+        QVERIFY2(!page.contains("nd 0 more"), one.of);
+        for (const int number : {1, one.most, one.most + 1}) {
+            if (one.one && (number <= one.most || more == 1))
+                QVERIFY2(page.contains(QByteArray(one.one).replace('@', QByteArray::number(number)))
+                             == (number <= one.most),
+                         one.of);
+        }
     }
 }
 

@@ -143,6 +143,7 @@ private Q_SLOTS:
     void names_of_a_device();
     void words_of_a_command_line();
     void order_of_shared_devices();
+    void devices_of_note();
 };
 
 void test_page_parts::tables()
@@ -391,6 +392,21 @@ void test_page_parts::order_of_shared_devices()
     for (const QRegularExpressionMatch &match : number.globalMatch(html))
         numbers.append(match.captured(1));
     QCOMPARE(numbers.join(u' '), u"6 7 5 4 3 2 1"_s);
+}
+
+/** A name, a pairing, another source or a note is enough to come first; to be seen is not. */
+void test_page_parts::devices_of_note()
+{
+    const joined_device device;
+    joined_device shared;
+    shared.shared_number = 1;
+    const case_note note;
+    QVERIFY(!(device_facts{&device, 1, false}.is_of_note()));
+    QVERIFY((device_facts{&device, 1, true}.is_of_note()));
+    QVERIFY((device_facts{&device, 1, false, {0}}.is_of_note()));
+    QVERIFY(!(device_facts{&device, 1, false, {}, {}, {0}}.is_of_note()));
+    QVERIFY((device_facts{&device, 1, false, {}, {}, {}, {&note}}.is_of_note()));
+    QVERIFY((device_facts{&shared, 1, false}.is_of_note()));
 }
 
 BLUETOOTH_LOGS_TEST(test_page_parts, QCoreApplication)

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void earlier_pages();
     void brief_alone();
     void many_named_devices();
+    void named_device_behind_many_rows();
     void what_was_not_compared();
     void damaged_lists_data();
     void damaged_lists();
@@ -215,6 +216,22 @@ void test_report_files::many_named_devices()
     QVERIFY(page.contains("Named devices: 159"));
     QVERIFY(page.contains("<p>And 139 more.</p>"));
     QVERIFY(content_of(the_case.path(u"Report/report-source4.html"_s)).contains("name 150"));
+}
+
+/** Neither rows without a name nor further rows of one device use up what the first page has room for. */
+void test_report_files::named_device_behind_many_rows()
+{
+    const laid_case the_case;
+    sqlite_file(the_case.path(u"Source4/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s))
+        .execute(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 300) INSERT INTO "
+                 "devices(device_name, sf_device_id) SELECT CASE WHEN i < 150 THEN 'same' WHEN i = 300 THEN 'the last' "
+                 "END, CASE WHEN i < 150 THEN 'same' ELSE 'other ' || i END FROM n"_s);
+    report_options options = options_of(the_case, {report_format::html});
+    options.split = true;
+    write_report(options);
+    const QByteArray page = content_of(the_case.path(u"Report/report.html"_s));
+    QVERIFY(page.contains("Named devices: 11"));
+    QVERIFY(page.contains("<bdi>same</bdi>") && page.contains("<bdi>the last</bdi>"));
 }
 
 /** Only where all of a case was read it is said that nothing else joins a device. */

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/files/host_error.h"
+#include "host/files/system_error.h"
 #include "host/report/reading/log_date.h"
 #include "host/report/reading/row_columns.h"
 #include "host/report/reading/vendor_list.h"
@@ -10,6 +11,7 @@
 #include "host/report/tables/separated_files.h"
 #include "host/report/tables/shared_devices.h"
 #include "host/report/tables/timeline.h"
+#include "host/report/tables/workbook.h"
 #include "host/source/source_kinds.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
@@ -20,6 +22,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <cerrno>
 
 using namespace Qt::StringLiterals;
 
@@ -153,6 +157,7 @@ private Q_SLOTS:
     void times_of_a_log();
     void database();
     void database_that_is_not_finished();
+    void workbook_that_is_not_finished();
 };
 
 /** docs/report-formats.md has a line for each value that the host reads. */
@@ -553,6 +558,35 @@ void test_report_tables::database_that_is_not_finished()
         QCOMPARE(error.message(), QString(directory.filePath(u"none/report.sqlite"_s)
                                           + u" cannot be written: unable to open database file"_s));
     }
+}
+
+void test_report_tables::workbook_that_is_not_finished()
+{
+    if (!has_workbooks())
+        QSKIP("built without libxlsxwriter");
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(u"report.xlsx"_s);
+    const auto failure_at = [](const QString &file, const QString &table) -> QString {
+        workbook_notes notes;
+        try {
+            const std::unique_ptr<table_store> book = make_workbook(file, notes);
+            book->begin_table(table, {{"a"}});
+            book->commit();
+        } catch (const host_error &error) {
+            return (error.kind() == error_kind::io ? QString() : u"other kind: "_s) + error.message();
+        }
+        return u"none"_s;
+    };
+    write_file(path + u".new"_s, "of a run that was killed");
+    write_file(path + u".parts/part"_s, "of a run that was killed");
+    const QString too_long(32, u't');
+    QCOMPARE(failure_at(path, too_long),
+             QString(path + u" cannot be written: libxlsxwriter takes no sheet "_s + too_long));
+    QCOMPARE(tree_of(directory.path()), QStringList());
+    const QString nowhere = directory.filePath(u"none/report.xlsx"_s);
+    QCOMPARE(failure_at(nowhere, u"t"_s), QString(nowhere + u" cannot be written: "_s + system_error_text(ENOENT)));
+    QCOMPARE(failure_at(path, too_long.chopped(1)), u"none"_s);
+    QCOMPARE(tree_of(directory.path()), QStringList{u"report.xlsx"_s});
 }
 
 BLUETOOTH_LOGS_TEST(test_report_tables, QCoreApplication)
