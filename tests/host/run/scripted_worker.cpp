@@ -32,7 +32,8 @@ int run_script(int, char **)
     const QByteArray number = QByteArray::number(order.request.number);
     const char *const tasks[] = {"extract", "inspect", "settle", "survey"};
     const char *const environment[] = {"PATH=/usr/bin:/bin", nullptr};
-    ::execle("/bin/sh", "sh", script.constData(), tasks[int(order.to_do)], number.constData(), nullptr, environment);
+    ::execle("/bin/sh", "sh", script.constData(), tasks[int(order.to_do)], number.constData(), line.constData(),
+             nullptr, environment);
     return 127;
 }
 

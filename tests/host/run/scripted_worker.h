@@ -11,8 +11,8 @@
 /**
  * A worker that does what a script for the shell says: the program of these tests is its own worker, and whoever starts
  * one in a test starts this. The script is the order's plug-in file or, without one, the source's path with ".worker"
- * behind; its arguments are the task and the number of the source. This gives the commands of a script that say a
- * worker's line.
+ * behind; its arguments are the task, the number of the source and the order. This gives the commands of a script that
+ * say a worker's line.
  */
 QByteArray saying(QByteArrayView line);
 

@@ -63,6 +63,7 @@ private Q_SLOTS:
     void nothing_of_its_group_stays();
     void program_that_is_not_there();
     void copy_of_this_process();
+    void signals_of_a_child();
     void signals_without_a_name();
 };
 
@@ -173,6 +174,20 @@ void test_child_process::copy_of_this_process()
 
     child_process crashed([] { return ::raise(SIGSEGV); }, {});
     QCOMPARE(account_of_child(crashed), u"SIGSEGV"_s);
+}
+
+/** What this process ignores and holds back is no child's. */
+void test_child_process::signals_of_a_child()
+{
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGUSR2);
+    std::signal(SIGUSR1, SIG_IGN);
+    ::pthread_sigmask(SIG_BLOCK, &held, nullptr);
+    const QString account = account_of(u"trap 'echo one' USR1; trap 'echo two' USR2; kill -USR1 $$; kill -USR2 $$"_s);
+    ::pthread_sigmask(SIG_UNBLOCK, &held, nullptr);
+    std::signal(SIGUSR1, SIG_DFL);
+    QCOMPARE(account, u"out one, out two, 0"_s);
 }
 
 void test_child_process::signals_without_a_name()

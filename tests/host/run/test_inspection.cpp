@@ -146,6 +146,7 @@ private Q_SLOTS:
     void nothing_went_wrong();
     void what_is_found_data();
     void what_is_found();
+    void both_databases_are_damaged();
     void tables_that_are_not_read_data();
     void tables_that_are_not_read();
     void log_without_its_lines();
@@ -268,6 +269,28 @@ void test_inspection::what_is_found()
     QTEST(counts_in(found), "counts");
     QTEST(QJsonDocument(found.salvaged.toObject()).toJson(QJsonDocument::Compact).replace("{}", ""), "salvaged");
     QCOMPARE(found.salvaged.isNull(), !QFile::exists(run.request.layout().salvage()));
+}
+
+/** Their rows stand in the order of the tables. */
+void test_inspection::both_databases_are_damaged()
+{
+    made_run run;
+    for (const auto &[path, table] : {std::pair(run.evidence.other_db(), u"OtherDevices"_s),
+                                      std::pair(run.evidence.paired_db(), u"PairedDevices"_s)}) {
+        sqlite_file(path).execute_many(u"INSERT INTO "_s + table + u"(Name) VALUES(?)"_s,
+                                       QList<QVariantList>(100, {QString(500, u'n')}));
+        damage_rows(path);
+    }
+    run.look();
+    run.run_plugin();
+    const inspection found = run.inspected();
+    QCOMPARE(QJsonDocument(found.salvaged.toObject()).toJson(QJsonDocument::Compact),
+             R"({"devices":103,"paired_devices":101})");
+    QStringList tables;
+    for (const QByteArray &line : content_of(run.request.layout().salvage()).split('\n'))
+        tables.append(QJsonDocument::fromJson(line)["result_table"_L1].toString());
+    tables.removeDuplicates();
+    QCOMPARE(tables, QStringList({u"devices"_s, u"paired_devices"_s, QString()}));
 }
 
 void test_inspection::tables_that_are_not_read_data()
