@@ -140,7 +140,8 @@ void look_into(open_source &source, looked_volume &volume, QStringList &warnings
     throw host_error(error_kind::refused, message);
 }
 
-/** The volume to take: the one that was asked for, or the only one with evidence. */
+} // namespace
+
 const looked_volume &chosen_volume(const QList<looked_volume> &volumes, const container_choice &choice)
 {
     QList<const looked_volume *> with_evidence;
@@ -175,7 +176,6 @@ const looked_volume &chosen_volume(const QList<looked_volume> &volumes, const co
     refuse(u"there is evidence in several volumes, choose one:"_s + list);
 }
 
-/** What stands beside the volume that is taken and could hold more. */
 QStringList unread_volumes(const QList<looked_volume> &volumes)
 {
     QStringList texts;
@@ -185,6 +185,8 @@ QStringList unread_volumes(const QList<looked_volume> &volumes)
     }
     return texts;
 }
+
+namespace {
 
 /** Evidence of which nothing can be read is as good as none, and encrypted where that is why. */
 void refuse_unreadable(const source_kind &kind, const QList<collected_file> &files)

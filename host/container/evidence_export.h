@@ -43,6 +43,15 @@ struct container_survey
     QStringList warnings;
 };
 
+/**
+ * The volume to take: the one that was asked for, or the only one with evidence. Throws host_error: refused with the
+ * list when there is something to choose, not_found when there is none.
+ */
+const looked_volume &chosen_volume(const QList<looked_volume> &volumes, const container_choice &choice);
+
+/** What stands beside the volume that is taken and could hold more. */
+QStringList unread_volumes(const QList<looked_volume> &volumes);
+
 /** Looks into a container without writing anything. Throws host_error (not_found) when it cannot be opened. */
 container_survey survey_container(const container_choice &choice, const read_observer &read);
 

@@ -2,12 +2,14 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/cli/collect_command.h"
+#include "host/cli/command_line.h"
 #include "host/cli/extract_command.h"
 #include "host/cli/host_device_view.h"
 #include "host/cli/inspect_command.h"
 #include "host/cli/note_command.h"
 #include "host/cli/sample_command.h"
 #include "host/cli/verify_command.h"
+#include "host/container/disk_image.h"
 #include "host/files/host_error.h"
 #include "host/sample/sample_parts.h"
 #include "tests/host/case/made_case.h"
@@ -103,6 +105,8 @@ private Q_SLOTS:
     void inspected_paths();
     void host_devices_data();
     void host_devices();
+    void host_devices_of_no_case();
+    void versions();
     void samples_data();
     void samples();
 };
@@ -514,6 +518,32 @@ void test_command_output::host_devices()
     QCOMPARE(shown.errors, QString());
     QCOMPARE(shown.code, 0);
     QTEST(shown.output, "output");
+}
+
+void test_command_output::host_devices_of_no_case()
+{
+    const QTemporaryDir folder;
+    show_options options;
+    options.place = folder.filePath(u"a.sqlite"_s);
+    write_file(options.place, "x");
+    QCOMPARE(printed_by([&options](console &out) { return show_host_devices(options, out); }).errors,
+             QString(QString::number(int(error_kind::refused))
+                     + u" --table: host_devices are of a case, not of a result database"_s));
+}
+
+void test_command_output::versions()
+{
+    QByteArray program = "bluetooth-logs";
+    QByteArray option = "--version";
+    char *words[] = {program.data(), option.data()};
+    const printed shown = printed_by(parse_command_line(2, words).command);
+    const auto or_none = [](const QString &library) { return library.isEmpty() ? u"not in this build"_s : library; };
+    const QStringList lines = shown.output.split(u'\n');
+    QCOMPARE(lines.size(), 4);
+    QVERIFY2(lines.at(0).startsWith(u"bluetooth-logs 0."_s), qPrintable(lines.at(0)));
+    QCOMPARE(lines.at(1), QString(u"archives: "_s + or_none(archive_library())));
+    QCOMPARE(lines.at(2), QString(u"images: "_s + or_none(image_library())));
+    QCOMPARE(shown.code, 0);
 }
 
 void test_command_output::samples_data()

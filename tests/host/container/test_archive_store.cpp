@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "host/container/archive_store.h"
+#include "host/files/host_error.h"
 #include "host/files/sha256.h"
 #include "tests/support/archive_bytes.h"
 #include "tests/support/file_content.h"
@@ -9,6 +10,7 @@
 
 #include <QFile>
 #include <QJsonDocument>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -107,6 +109,8 @@ private Q_SLOTS:
     void origins_data();
     void origins();
     void encrypted_members();
+    void no_archive_data();
+    void no_archive();
     void members_data();
     void members();
 };
@@ -212,6 +216,39 @@ void test_archive_store::encrypted_members()
                      + (file.is_refused ? u", refused: "_s : u": "_s) + file.objection + (stream ? u"!"_s : QString()));
     });
     QCOMPARE(found, QStringList{QString::fromLatin1(name) + u", encrypted, refused: it is encrypted"_s});
+}
+
+void test_archive_store::no_archive_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("compressed"); // by these commands
+    QTest::addColumn<QString>("message");
+
+    // clang-format off
+    QTest::newRow("compressed twice") << QByteArray("a text") << u"gzip | gzip"_s << u"the archive cannot be read: $: it is compressed more than once"_s;
+    QTest::newRow("no tar") << QByteArray(1024, 'x') << u"cat"_s << u"the archive cannot be read: $: its format is not known"_s;
+    // clang-format on
+}
+
+void test_archive_store::no_archive()
+{
+    QFETCH(const QByteArray, content);
+    QFETCH(const QString, compressed);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(u"a"_s);
+    write_file(folder.filePath(u"in"_s), content);
+    QCOMPARE(QProcess::execute(u"sh"_s,
+                               {u"-c"_s, u"cd '"_s + folder.path() + u"' && cat in | "_s + compressed + u" > a"_s}),
+             0);
+    QString found;
+    try {
+        const auto store = open_archive(path, true, {});
+        store->visit(evidence_search(), [](const stored_file &, byte_stream *) {});
+        found = store->damage();
+    } catch (const host_error &error) {
+        found = error.message().replace(path, u"$"_s);
+    }
+    QTEST(found, "message");
 }
 
 void test_archive_store::members_data()

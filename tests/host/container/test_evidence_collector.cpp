@@ -134,6 +134,7 @@ private Q_SLOTS:
     void long_text_is_written_aside();
     void log_twice();
     void flags_are_kept();
+    void disk_that_does_not_take_it();
     void what_is_only_listed_data();
     void what_is_only_listed();
 };
@@ -617,6 +618,21 @@ void test_evidence_collector::flags_are_kept()
                                                    {u"inode"_s, QJsonValue()},
                                                    {u"modified"_s, QJsonValue()},
                                                    {u"size"_s, QJsonValue()}}));
+}
+
+void test_evidence_collector::disk_that_does_not_take_it()
+{
+    collection given;
+    const QString place = given.folder.filePath(u"0"_s);
+    QVERIFY(QDir().mkpath(place));
+    try {
+        given.give(u"Library/Bluetooth/"_s + other, "content"_ba);
+        QFAIL("it was written");
+    } catch (const host_error &error) {
+        QCOMPARE(error.message(), QString(u"the evidence cannot be copied out of its container into the case: "_s
+                                          + place + u": file exists"_s));
+        QCOMPARE(error.kind(), error_kind::incomplete);
+    }
 }
 
 void test_evidence_collector::what_is_only_listed_data()

@@ -180,6 +180,14 @@ void test_sample_parts::file_in_the_way()
         QCOMPARE(error.kind(), error_kind::io);
     }
     QCOMPARE(content_of(path), "one");
+    try {
+        write_packed_sample(folder.filePath(u"a.tar.gz"_s), folder.path() + u'/', {u"none"_s});
+        QFAIL("it was packed");
+    } catch (const host_error &error) {
+        QCOMPARE(error.message(), QString(u"the file cannot be read: "_s + folder.filePath(u"none"_s)
+                                          + u": No such file or directory"_s));
+        QCOMPARE(error.kind(), error_kind::io);
+    }
 }
 
 void test_sample_parts::what_stands_in_the_way_data()

@@ -5,6 +5,7 @@
 
 #include "host/files/sha256.h"
 #include "host/source/macos_databases.h"
+#include "tests/host/source/ordinary_user.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
@@ -115,6 +116,7 @@ private Q_SLOTS:
     void companions();
     void after_the_run_data();
     void after_the_run();
+    void closed_after_the_run();
     void listing();
     void log_text();
 };
@@ -222,6 +224,26 @@ void test_evidence_look::after_the_run()
     for (qsizetype i = 0; i < changes.size(); ++i)
         QVERIFY2(found.at(i).startsWith(changes.at(i)), qPrintable(found.at(i)));
     QTEST(made.hashed, "hashed");
+}
+
+/** What cannot be read again is not known to have changed. */
+void test_evidence_look::closed_after_the_run()
+{
+    made_source made;
+    for (QString path = made.database(); path != made.folder.path(); path = QFileInfo(path).path())
+        QCOMPARE(::chmod(QFile::encodeName(path).constData(), 0755), 0);
+    QCOMPARE(::chmod(QFile::encodeName(made.folder.path()).constData(), 0755), 0);
+    evidence_state evidence = made.look();
+    QCOMPARE(::chmod(QFile::encodeName(made.database()).constData(), 0), 0);
+    {
+        const ordinary_user user;
+        if (!QFileInfo::exists(made.database()))
+            QSKIP("the folder of temporary files is closed to others");
+        made.look_again(evidence);
+    }
+    const evidence_file &file = evidence.files.first();
+    QCOMPARE(presence_name(file.state), "unreadable"_L1);
+    QCOMPARE(file.reason, u"it cannot be read again: permission denied"_s);
 }
 
 /** Names that come and go in the folder of the databases. */

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
+#include "host/files/host_error.h"
 #include "host/source/evidence_look.h"
 #include "host/source/macos_databases.h"
 #include "host/source/wal_changes.h"
@@ -14,6 +15,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -122,6 +124,7 @@ private Q_SLOTS:
     void log_without_a_database();
     void log_of_a_database_that_is_not_read();
     void logs_of_both_databases();
+    void copy_that_is_gone();
     void view_in_place_of_the_table();
 };
 
@@ -349,6 +352,28 @@ void test_wal_changes::logs_of_both_databases()
                                    + "{\"change\":\"added\"" + in_paired
                                    + "\"rowid\":1,\"before\":null,\"after\":{\"b\":2}}\n" + "{\"change\":\"added\""
                                    + in_paired + "\"rowid\":2,\"before\":null,\"after\":{\"b\":3}}\n");
+}
+
+void test_wal_changes::copy_that_is_gone()
+{
+    const QTemporaryDir folder;
+    evidence_state evidence;
+    for (const QString &ending : {u""_s, u"-wal"_s}) {
+        evidence_file file;
+        file.path = path_in_source(other_devices_database) + ending;
+        file.state = evidence_file::presence::present;
+        file.copy_sha256 = u"abc"_s;
+        evidence.files.append(file);
+    }
+    try {
+        write_wal_changes(evidence, folder.path(), folder.filePath(u"tmp"_s), folder.filePath(u"changes"_s));
+        QFAIL("they were compared");
+    } catch (const host_error &error) {
+        QCOMPARE(error.message(), QString(folder.path() + u'/' + path_in_source(other_devices_database)
+                                          + u" cannot be copied: no such file or directory"_s));
+        QCOMPARE(error.kind(), error_kind::io);
+    }
+    QVERIFY(!QFile::exists(folder.filePath(u"changes"_s)));
 }
 
 void test_wal_changes::view_in_place_of_the_table()
