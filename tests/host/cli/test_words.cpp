@@ -162,6 +162,10 @@ void test_words::refusal_data()
     QTest::newRow("no row")            << note(u"c --flag --row 1:sqlite_master:1"_s) << u"--row: 1:sqlite_master:1 is no row such as 1:devices:17"_s;
     QTest::newRow("note's number")     << note(u"c --remove x"_s)               << u"--remove: x is no number from 1 to 1000000000"_s;
     QTest::newRow("note of no case")   << QStringList{u"note"_s, u"--list"_s}   << u"CASE is required (bluetooth-logs note --help tells more)"_s;
+    for (const auto &[command, name] : {std::pair("show", u"CASE"_s), std::pair("report", u"CASE"_s), std::pair("verify", u"CASE"_s),
+                                        std::pair("collect", u"CASE"_s), std::pair("sample", u"DIR"_s), std::pair("inspect", u"PATH"_s)})
+        QTest::newRow(qPrintable(QString(QLatin1StringView(command) + u" alone"_s))) << QStringList{QLatin1StringView(command)}
+                                                         << name + u" is required (bluetooth-logs "_s + QLatin1StringView(command) + u" --help tells more)"_s;
     QTest::newRow("note, empty case")  << QStringList{u"note"_s, u""_s, u"--list"_s} << u"CASE is an empty path"_s;
     // clang-format on
 }
