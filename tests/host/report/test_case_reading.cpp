@@ -11,6 +11,7 @@
 #include "host/report/reading/wal_change.h"
 #include "host/report/report_record.h"
 #include "host/report/tables/case_lists.h"
+#include "host/report/tables/timeline.h"
 #include "tests/host/report/laid_case.h"
 #include "tests/support/file_content.h"
 #include "tests/support/sqlite_file.h"
@@ -82,6 +83,7 @@ private Q_SLOTS:
     void files_without_a_hash();
     void other_appearances();
     void names_of_preferences_alone();
+    void times_of_damaged_lists();
     void record_of_a_report();
 };
 
@@ -520,6 +522,17 @@ void test_case_reading::names_of_preferences_alone()
     });
     QCOMPARE(problem, QString());
     QCOMPARE(count, 1);
+}
+
+void test_case_reading::times_of_damaged_lists()
+{
+    const laid_case laid;
+    for (const QString &name : {u"Source4/unparsed_lines.jsonl"_s, u"Source4/ios_lines.jsonl"_s,
+                                u"Source3/host_devices.jsonl"_s, u"Source1/host_devices.jsonl"_s})
+        laid.replace(name, "\n", "\nno JSON\n");
+    QCOMPARE(read_timeline(read_report_case(laid.directory()), {}).problems,
+             QStringList({u"source 1: host_devices.jsonl is damaged"_s, u"source 3: host_devices.jsonl is damaged"_s,
+                          u"source 4: ios_lines.jsonl is damaged"_s, u"source 4: unparsed_lines.jsonl is damaged"_s}));
 }
 
 void test_case_reading::record_of_a_report()
