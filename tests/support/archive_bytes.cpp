@@ -3,6 +3,8 @@
 
 #include "tests/support/archive_bytes.h"
 
+#include <QString>
+
 QByteArray tar_member(const QByteArray &name, const QByteArray &content, char type, const QByteArray &link)
 {
     QByteArray header(512, '\0');

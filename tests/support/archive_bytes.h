@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Bluetooth Logs maintainers
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_SUPPORT_TAR_BYTES_H
-#define TESTS_SUPPORT_TAR_BYTES_H
+#ifndef TESTS_SUPPORT_ARCHIVE_BYTES_H
+#define TESTS_SUPPORT_ARCHIVE_BYTES_H
 
 #include <QByteArray>
 
