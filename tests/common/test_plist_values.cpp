@@ -31,6 +31,7 @@ private Q_SLOTS:
     void array_values();
     void failures_are_logged_under_their_own_name_data();
     void failures_are_logged_under_their_own_name();
+    void key_that_is_no_text();
     void keys_count_exactly_data();
     void keys_count_exactly();
     void doubled_key();
@@ -272,6 +273,16 @@ void test_plist_values::failures_are_logged_under_their_own_name()
     QCOMPARE(function(list, list), QString());   // no key
     QCOMPARE(log.take_messages(),
              QStringList({line + u"key"_s, line + u" größe 🎧 "_s, line + u"key"_s, line, line, line + u"key"_s, line}));
+}
+
+/** A key that is no text is not the empty one. */
+void test_plist_values::key_that_is_no_text()
+{
+    void *const list = objects.root(xml_list("<dict><key></key><string>found</string></dict>"));
+    QCOMPARE(plugin_static_function::get_nsstring_values(key(""), list), u"found"_s);
+    for (const QByteArray &other : {"<integer>0</integer>"_ba, "<data></data>"_ba, "<dict/>"_ba})
+        QCOMPARE(plugin_static_function::get_nsstring_values(objects.root(xml_list(other)), list), QString());
+    QCOMPARE(plugin_static_function::get_nsstring_values(nullptr, list), QString());
 }
 
 void test_plist_values::keys_count_exactly_data()

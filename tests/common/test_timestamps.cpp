@@ -219,6 +219,7 @@ void test_timestamps::text_to_text_data()
     QTest::newRow("numeric: no fraction, zone joined") << numeric << u"2019-05-03 10:00:00+0530"_s        << u"1556857800"_s;
     QTest::newRow("numeric: no fraction, west")        << numeric << u"2019-05-03 10:00:00 -0100"_s         << u"1556881200"_s;
     QTest::newRow("numeric: point only in the zone")   << numeric << u"2019-05-03 10:00:00 +05.30"_s        << u""_s;
+    QTest::newRow("numeric: a second point")           << numeric << u"2019-05-03 10:00:00.12.3 +0530"_s    << u"1556857800"_s;
     QTest::newRow("numeric: skipped in New York")      << numeric << u"2019-03-10 02:30:00.0 +0000"_s       << u"1552185000"_s;
     QTest::newRow("numeric: before 1970")              << numeric << u"1969-12-31 23:59:59.9 +0000"_s       << u"-1"_s;
     QTest::newRow("numeric: no sign at all")           << numeric << u"20190503 100000.123 0530"_s          << u""_s;

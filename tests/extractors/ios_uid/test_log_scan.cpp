@@ -119,6 +119,26 @@ private:
     QByteArray content;
 };
 
+/** A log that is emptied once its end has been read. */
+class shrinking_log : public failing_log
+{
+public:
+    using failing_log::failing_log;
+
+protected:
+    qint64 readData(char *data, qint64 size) override
+    {
+        if (is_empty)
+            return 0;
+        const qint64 count = failing_log::readData(data, size);
+        is_empty = count < 0;
+        return qMax<qint64>(count, 0);
+    }
+
+private:
+    bool is_empty = false;
+};
+
 } // namespace
 
 class test_log_scan : public strict_test
@@ -136,6 +156,7 @@ private Q_SLOTS:
     void a_flag_set_in_the_last_line_comes_too_late();
     void a_flag_set_before_stops_at_once_unless_there_is_no_line();
     void a_read_error_ends_the_log();
+    void a_log_that_shrinks_ends();
 };
 
 void test_log_scan::finds_the_lines_data()
@@ -274,6 +295,17 @@ void test_log_scan::a_read_error_ends_the_log()
         QVERIFY(scan_log(file, marker_list{"mark:"_L1}, cancelled, on_line, block_bytes));
         QCOMPARE(lines, QByteArrayList({"mark: 1\n", "mark: 3"}));
     }
+}
+
+/** What stood before the block at hand can no longer be read. */
+void test_log_scan::a_log_that_shrinks_ends()
+{
+    const bool cancelled = false;
+    shrinking_log file(QByteArray(100, 'x') + "mark: ");
+    QByteArrayList lines;
+    const auto on_line = [&](const QByteArray &line) { lines.append(line); };
+    QVERIFY(scan_log(file, marker_list{"mark:"_L1}, cancelled, on_line, 64));
+    QCOMPARE(lines, QByteArrayList{QByteArray()});
 }
 
 BLUETOOTH_LOGS_TEST(test_log_scan, QCoreApplication)
