@@ -117,6 +117,7 @@ void test_log_rows::devices_data()
         << QStringList{u"'a'|NULL|NULL|'日本日本日本日本日本日本日本日'"_s};
     QTest::newRow("every report is a row") << (found("Nm a") + "other\n" + found("Nm a") + found("Nm a"))
         << QStringList(3, row(u"'a'|NULL|NULL"_s).first());
+    QTest::newRow("less than the marker") << QByteArray("Nov 15 20:32:16 LE device found: Nm 'a'\nNov 15 20:32:16 BLE device found Nm 'a'\n") << QStringList();
     QTest::newRow("notices do not count") << active("PI 1, Nm 'a'") << QStringList();
     // clang-format on
 }
@@ -180,6 +181,8 @@ void test_log_rows::paired_devices_data()
     QTest::newRow("notice ends the log") << QByteArray("Nov 15 20:32:16 active device: <Notice>:") << row(u"NULL|NULL|NULL|''"_s);
     QTest::newRow("marker but no notice") << QByteArray("Nov 15 20:32:16 <Error>: active device: X, PI 1\n") << QStringList();
     QTest::newRow("notice but no marker") << QByteArray("Nov 15 20:32:16 <Notice>: active  device: X, PI 1\n") << QStringList();
+    QTest::newRow("less than a notice") << QByteArray("Nov 15 20:32:16 Notice>: active device: X, PI 1\nNov 15 20:32:16 <Notice> active device: X, PI 1\n") << QStringList();
+    QTest::newRow("less than the marker") << QByteArray("Nov 15 20:32:16 <Notice>: ctive device: X, PI 1\nNov 15 20:32:16 <Notice>: active device X, PI 1\n") << QStringList();
     QTest::newRow("on neighbouring lines") << QByteArray("Nov 15 20:32:16 <Notice>:\nactive device: X, PI 1\n<Notice>:\n") << QStringList();
     QTest::newRow("other letter case") << QByteArray("Nov 15 20:32:16 <notice>: active device: X\n<Notice>: Active device: X\n")
         << QStringList();
