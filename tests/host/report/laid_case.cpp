@@ -168,7 +168,7 @@ void lay_laptop(const laid_case &the_case)
     const QString evidence_columns = u"Uuid, Name, NameOrigin, Address, ResolvedAddress, LastSeenTime, LastConnectionTime, "
                                      "GATTServiceChangeConfig, Tags, iCloudIdentifier"_s;
     add_table(the_case.path(database_folder + u"other.db"_s), u"OtherDevices"_s, evidence_columns,
-              {u"'U-1', 'Car, <front>', 2, 'Random C0:00:00:00:00:01', 'Public B4:C2:6A:7F:D3:7A', 300, 200, 1, 't', 'ic-1'"_s,
+              {u"'U-1', 'Car, <front>', 2, 'Random C0:00:00:00:00:01', 'Public B4:C2:6A:7F:D3:7A', 300, 150, 1, 't', 'ic-1'"_s,
                u"'U-2', NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL, NULL"_s,
                u"'U-5', 'lost', 1, NULL, NULL, 1, 1, NULL, NULL, NULL"_s,
                u"'U-3', '=1+1', 3, 'Random 40:00:00:00:00:01', NULL, 700000000, 200, NULL, x'00ff', ''"_s,
@@ -179,7 +179,7 @@ void lay_laptop(const laid_case &the_case)
     const QString result = the_case.path(u"Source1"_s + result_file);
     const QString columns = u"INT INTEGER, uuid, device_name, address, last_seen_time, last_connection_time"_s;
     add_table(result, u"devices"_s, columns,
-              {u"1, 'U-1', 'Car, <front>', 'Random C0:00:00:00:00:01', '300', '200'"_s,
+              {u"1, 'U-1', 'Car, <front>', 'Random C0:00:00:00:00:01', '300', '150'"_s,
                u"2, 'U-2', '', '', '', ''"_s,
                u"3, 'U-3', '=1+1', 'Random 40:00:00:00:00:01', '700000000', '200'"_s,
                u"4, 'U-4', 'another', 'Public 00:00:00:00:00:00', '0', '100'"_s});
