@@ -9,6 +9,7 @@
 #include "tests/support/test_entry.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QTest>
 
 #include <csignal>
@@ -359,19 +360,36 @@ void test_source_outcome::record_holds_all_that_is_known()
     source_record before;
     before.number = 3;
     before.name = u"laptop"_s;
+    before.path = u"/evidence"_s;
+    before.type = u"macOS"_s;
+    before.driven_as = u"macOS"_s;
+    before.container = QJsonObject{{u"kind"_s, u"archive"_s}};
     before.started = u"then"_s;
+    before.finished = u"later"_s;
+    before.log_zone = u"Europe/Berlin"_s;
     source_request request = macos_request();
     request.number = 3;
-    const source_record record = judge_source(request, before, good_report(), false);
-    QCOMPARE(record.number, 3);
-    QCOMPARE(record.name, u"laptop"_s);
-    QCOMPARE(record.started, u"then"_s);
-    QCOMPARE(record.result_path, u"Source3/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s);
-    QCOMPARE(record.result_sha256, u"cd"_s);
+    worker_report report = good_report();
+    report.confinement = QJsonObject{{u"landlock"_s, 3}};
+    report.inspected->rows[0].devices = 4;
+    report.inspected->wal = QJsonObject{};
+    report.inspected->host_devices = 7;
+    report.inspected->salvaged = QJsonObject{{u"devices"_s, 0}};
+    const source_record record = judge_source(request, before, report, false);
     QCOMPARE(record.evidence.files.size(), 2);
+    QJsonObject json = record.to_json();
     // As it was written, so it is read.
-    const source_record read = source_record::from_json(record.to_json());
-    QCOMPARE(read.to_json(), record.to_json());
+    QCOMPARE(source_record::from_json(json).to_json(), json);
+    json.remove("evidence"_L1);
+    json.remove("listing"_L1);
+    const QByteArray expected = R"({"confinement":{"landlock":3},"container":{"kind":"archive"},"driven_as":"macOS",)"
+                                R"("exit_code":0,"finished":"later","host_devices":7,"log_zone":"Europe/Berlin",)"
+                                R"("messages":[],"name":"laptop","number":3,"path":"/evidence","result":{"path":)"
+                                R"("Source3/Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite","sha256":"cd"},)"
+                                R"("rows":{"devices":{"announced":5,"devices":4,"found":5,"stored":5},)"
+                                R"("paired_devices":{"announced":2,"found":2,"stored":2}},"salvaged":{"devices":0},)"
+                                R"("started":"then","status":"done","type":"macOS","unparsed_lines":null,"wal":{}})";
+    QCOMPARE(QJsonDocument(json).toJson(QJsonDocument::Compact), expected);
 }
 
 void test_source_outcome::later_failure()
