@@ -52,7 +52,8 @@ void test_container_names::name_is_taken_apart_data()
     QTest::newRow("backslash")   << "a\\..\\b"_ba          << u"a|b"_s           << u"its name holds a backslash"_s;
     QTest::newRow("zero byte")   << QByteArray("a\0b", 3)  << QString(u"a"_s + QChar(u'\0') + u"b"_s) << u"its name holds a zero byte"_s;
     QTest::newRow("longest")     << QByteArray(4096, 'a')  << QString(4096, u'a') << QString();
-    QTest::newRow("too long")    << QByteArray(4097, 'a')  << QString(4096, u'a') << u"its name is longer than 4096 bytes"_s;
+    QTest::newRow("too long")    << "b/" + QByteArray(4095, 'a') << u"b|"_s + QString(4094, u'a') << u"its name is longer than 4096 bytes"_s;
+    QTest::newRow("too long, backslash") << "b\\" + QByteArray(4095, 'a') << u"b|"_s + QString(4094, u'a') << u"its name is longer than 4096 bytes"_s;
     QTest::newRow("no UTF-8")    << "a/\xff.db"_ba         << u"a|\\xff.db"_s    << QString();
     // clang-format on
 }
