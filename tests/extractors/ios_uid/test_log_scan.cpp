@@ -139,6 +139,25 @@ private:
     bool is_empty = false;
 };
 
+/** A log whose disk leads nowhere behind a place. */
+class unseekable_log : public failing_log
+{
+public:
+    unseekable_log(const QByteArray &bytes, qint64 last_place)
+        : failing_log(bytes)
+        , last(last_place)
+    {
+    }
+
+    bool seek(qint64 place) override
+    {
+        return place <= last && failing_log::seek(place);
+    }
+
+private:
+    qint64 last;
+};
+
 } // namespace
 
 class test_log_scan : public strict_test
@@ -157,6 +176,7 @@ private Q_SLOTS:
     void a_flag_set_before_stops_at_once_unless_there_is_no_line();
     void a_read_error_ends_the_log();
     void a_log_that_shrinks_ends();
+    void a_place_that_cannot_be_reached_ends_the_log();
 };
 
 void test_log_scan::finds_the_lines_data()
@@ -306,6 +326,16 @@ void test_log_scan::a_log_that_shrinks_ends()
     const auto on_line = [&](const QByteArray &line) { lines.append(line); };
     QVERIFY(scan_log(file, marker_list{"mark:"_L1}, cancelled, on_line, 64));
     QCOMPARE(lines, QByteArrayList{QByteArray()});
+}
+
+void test_log_scan::a_place_that_cannot_be_reached_ends_the_log()
+{
+    const bool cancelled = false;
+    unseekable_log file("mark: 1\n" + QByteArray(80, 'x') + "mark: 2\n", 63);
+    QByteArrayList lines;
+    const auto on_line = [&](const QByteArray &line) { lines.append(line); };
+    QVERIFY(scan_log(file, marker_list{"mark:"_L1}, cancelled, on_line, 64));
+    QCOMPARE(lines, QByteArrayList{"mark: 1\n"});
 }
 
 BLUETOOTH_LOGS_TEST(test_log_scan, QCoreApplication)
