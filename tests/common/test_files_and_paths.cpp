@@ -4,6 +4,7 @@
 #include "common/plugin_static_function.h"
 #include "tests/support/debug_log_capture.h"
 #include "tests/support/file_content.h"
+#include "tests/support/ordinary_user.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
@@ -26,27 +27,6 @@ using library = plugin_static_function;
 namespace {
 
 const QString home_kind = u"macOS_Home_Directory"_s;
-
-/** Root reads every file: while this object lives, root is somebody else who may use the given places. */
-class ordinary_user
-{
-public:
-    explicit ordinary_user(const QStringList &places)
-    {
-        for (const QString &place : places)
-            QFile::setPermissions(place, QFile::Permissions(0x7777));
-        if (user == 0 && ::seteuid(65534) != 0)
-            qFatal("cannot become an ordinary user");
-    }
-    ~ordinary_user()
-    {
-        if (user == 0 && ::seteuid(0) != 0)
-            qFatal("cannot become root again");
-    }
-
-private:
-    uid_t user = ::geteuid();
-};
 
 } // namespace
 
@@ -345,7 +325,9 @@ void test_files_and_paths::copy_reports_an_unreadable_file()
     write_file(path(u"a/other"_s), "content");
     QFile::setPermissions(path(u"a/secret"_s), QFile::Permissions());
     {
-        const ordinary_user nobody({directory->path(), QFileInfo(log.path()).path(), log.path()});
+        for (const QString &place : {directory->path(), QFileInfo(log.path()).path(), log.path()})
+            QFile::setPermissions(place, QFile::Permissions(0x7777));
+        const ordinary_user nobody;
         library::copy_directory(path(u"a"_s), path(u"b"_s));
     }
     const QString prefix = u"plugin_static_function::copy_directory: [copy_directory] "_s;

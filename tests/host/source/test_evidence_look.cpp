@@ -5,8 +5,8 @@
 
 #include "host/files/sha256.h"
 #include "host/source/macos_databases.h"
-#include "tests/host/source/ordinary_user.h"
 #include "tests/support/file_content.h"
+#include "tests/support/ordinary_user.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 

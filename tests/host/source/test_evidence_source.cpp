@@ -3,8 +3,8 @@
 
 #include "host/files/host_error.h"
 #include "host/source/evidence_source.h"
-#include "tests/host/source/ordinary_user.h"
 #include "tests/support/file_content.h"
+#include "tests/support/ordinary_user.h"
 #include "tests/support/strict_test.h"
 #include "tests/support/test_entry.h"
 
