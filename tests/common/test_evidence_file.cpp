@@ -39,6 +39,7 @@ private Q_SLOTS:
     void copy_never_overwrites();
     void safe_target_data();
     void safe_target();
+    void safe_target_behind_many_links();
     void safe_target_by_another_name();
     void same_file();
 
@@ -230,6 +231,21 @@ void test_evidence_file::safe_target()
     QVERIFY(QFile::link(u"linked"_s, path(u"case/linked too"_s)));
     QVERIFY(QFile::link(path(u"lost"_s), path(u"case/lost"_s)));
     QTEST(is_safe_target(path(name), root.isEmpty() ? root : path(root)), "safe");
+}
+
+/** The kernel opens the end of forty links, and of no more. */
+void test_evidence_file::safe_target_behind_many_links()
+{
+    QString target = path(u"source/file"_s);
+    for (int i = 1; i <= 41; ++i) {
+        const QString link = path(u"case/link %1"_s.arg(i));
+        QVERIFY(QFile::link(target, link));
+        target = link;
+    }
+    QCOMPARE(content_of(path(u"case/link 40"_s)), "evidence");
+    QVERIFY(!is_safe_target(path(u"case/link 40"_s), path(u"source/"_s)));
+    QVERIFY(!QFile(path(u"case/link 41"_s)).open(QIODevice::ReadOnly));
+    QVERIFY(is_safe_target(path(u"case/link 41"_s), path(u"source/"_s)));
 }
 
 /** One folder has two names without a link where volumes ignore case, and on Macs; here by mounting it twice. */

@@ -36,6 +36,7 @@ void test_xml_property_list::malformed_values_data()
     QTest::newRow("reference of an archive") << xml_list("<array><dict><key>CF$UID</key><integer>1</integer></dict></array>") << QVariant(QVariantList{QVariant()});
     QTest::newRow("two values")                  << xml_list("<true/><true/>") << QVariant();
     QTest::newRow("key without a value")         << xml_list("<dict><key>a</key></dict>") << QVariant();
+    QTest::newRow("namespace that nobody declared") << xml_list("<true x:a='b'/>") << QVariant(true);
     QTest::newRow("element in a text")           << xml_list("<string>a<true/></string>") << QVariant();
     // clang-format on
 }

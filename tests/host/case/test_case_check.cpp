@@ -129,6 +129,12 @@ void test_case_check::unchanged()
                           {u"expected_sha256"_s, log_hash},
                           {u"found_sha256"_s, log_hash}};
     QVERIFY(files.contains(log));
+    QStringList paths;
+    for (const auto &file : files)
+        paths.append(file["path"_L1].toString());
+    QCOMPARE(paths.join(u' ').replace(u"Artifacts_Result/Bluetooth_Logs/Bluetooth_Logs.sqlite"_s, u"result"_s),
+             u"manifest.json Source1/result Source1/plugin.log Source1/source.json "
+             "Source2/result Source2/plugin.log Source2/source.json"_s);
 }
 
 void test_case_check::differences_data()

@@ -118,6 +118,7 @@ private Q_SLOTS:
     void after_the_run();
     void closed_after_the_run();
     void listing();
+    void order();
     void log_text();
 };
 
@@ -261,6 +262,30 @@ void test_evidence_look::listing()
     QCOMPARE(evidence.listing_after, QStringList({name, u"comes"_s, u"stays"_s}));
     QCOMPARE(evidence.changes(), QStringList({u"Library/Bluetooth/comes: it was not there before"_s,
                                               u"Library/Bluetooth/goes: it is gone"_s}));
+}
+
+/** In the order in which the record has them: databases with what stands beside them, leftovers, lists of devices. */
+void test_evidence_look::order()
+{
+    made_source made;
+    write_file(made.database() + u".2.corrupt"_s, {});
+    write_file(made.database() + u".1.corrupt"_s, {});
+    QString paths;
+    for (const evidence_file &file : made.look().files)
+        paths += file.path + u'\n';
+    QCOMPARE(paths.replace(u"com.apple.MobileBluetooth.ledevices."_s, QString()), uR"(Library/Bluetooth/other.db
+Library/Bluetooth/other.db-wal
+Library/Bluetooth/other.db-shm
+Library/Bluetooth/other.db-journal
+Library/Bluetooth/paired.db
+Library/Bluetooth/paired.db-wal
+Library/Bluetooth/paired.db-shm
+Library/Bluetooth/paired.db-journal
+Library/Bluetooth/other.db.1.corrupt
+Library/Bluetooth/other.db.2.corrupt
+Library/Preferences/com.apple.Bluetooth.plist
+Library/Bluetooth/Library/Preferences/com.apple.MobileBluetooth.devices.plist
+)"_s);
 }
 
 /** Its lines are kept; no copy is made of it. */
