@@ -7,7 +7,7 @@ const rowDialog = document.getElementById("row");
 
 function openRow(data, row) {
     const list = rowDialog.querySelector("dl");
-    rowDialog.querySelector("h2").textContent = `Row ${row + 1}`;
+    rowDialog.querySelector("h2").textContent = `Row ${numbers.format(row + 1)}`;
     list.replaceChildren();
     for (const column of data.columns) {
         const name = element("dt", column.heading);

@@ -285,7 +285,7 @@ class RowTable {
 
     opener(row) {
         if (!this.data.opens)
-            return button(numbers.format(row + 1), () => openRow(this.data, row), `Row ${row + 1}: all values`);
+            return button(numbers.format(row + 1), () => openRow(this.data, row), `Row ${numbers.format(row + 1)}: all values`);
         const number = this.data.value(this.data.opens, row);
         const link = linkTo(`device-${number}`, number);
         link.setAttribute("aria-label", `Device ${number}: its page`);
