@@ -58,6 +58,13 @@ QByteArray binary_list(const QList<QByteArray> &objects)
            + big_endian(quint64(0)) + big_endian(table);
 }
 
+QByteArray with_second_object_as_root(QByteArray list)
+{
+    constexpr qsizetype from_end = 9; // the last byte of the root's place in the trailer
+    list[list.size() - from_end] = 1;
+    return list;
+}
+
 QByteArray binary_text(const QByteArray &ascii)
 {
     return marker(0x5, ascii.size()) + ascii;

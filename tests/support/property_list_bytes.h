@@ -15,6 +15,9 @@ QByteArray xml_list(const QByteArray &elements);
 /** A binary list of encoded objects; the first is its root. */
 QByteArray binary_list(const QList<QByteArray> &objects);
 
+/** The binary list with its second object as its root. */
+QByteArray with_second_object_as_root(QByteArray list);
+
 // Encoded objects of a binary list. Others are referred to by their place in the list.
 QByteArray binary_text(const QByteArray &ascii);
 QByteArray binary_date(double seconds_since_2001);
