@@ -10,7 +10,10 @@ source scripts/setup.sh
 source scripts/browser_tests.sh
 
 set_up "${debian_test_packages[@]}"
-set_up_browser_tests
+if set_up_browser_packages; then
+    set_up_browser_modules & # while the build runs
+fi
 build release
+wait
 use_memory_for_tests
 ctest --preset release "$@"

@@ -53,7 +53,8 @@ install_browser_modules() {
         mv "$browser_modules.new" "$browser_modules"
 }
 
-set_up_browser_tests() {
+# Fails where the tests are skipped.
+set_up_browser_packages() {
     local package
     if ! command -v apt-get >/dev/null; then
         browser_tests_are_skipped "this script installs a browser on Debian only"
@@ -65,7 +66,12 @@ set_up_browser_tests() {
         browser_tests_are_skipped "$package cannot be installed"
     elif ! install_node; then
         browser_tests_are_skipped "node $oldest_node or later with npm cannot be installed"
-    elif ! install_browser_modules; then
-        browser_tests_are_skipped "puppeteer-core and axe-core cannot be installed with npm"
+    else
+        return 0
     fi
+    return 1
+}
+
+set_up_browser_modules() {
+    install_browser_modules || browser_tests_are_skipped "puppeteer-core and axe-core cannot be installed with npm"
 }

@@ -9,6 +9,7 @@
 import bz2
 import contextlib
 import copy
+import functools
 import gzip
 import json
 import lzma
@@ -35,6 +36,7 @@ waiting_plugin = sys.argv[2]
 search_path = "/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin"
 
 
+@functools.cache
 def validator(name):
     schemas = {file.name: json.loads(file.read_text()) for file in docs.glob("*.schema.json")}
     for schema in schemas.values():

@@ -29,7 +29,10 @@ export async function startBrowser(modules) {
         executablePath: file,
         headless: "shell",
         protocolTimeout: 600_000, // printing takes minutes where the machine is busy
-        args: process.getuid() === 0 ? ["--no-sandbox"] : [], // the sandbox refuses to work for root
+        args: [
+            "--disable-gpu", "--process-per-site", "--js-flags=--single-threaded", // the other cores have tests of their own
+            ...process.getuid() === 0 ? ["--no-sandbox"] : [], // the sandbox refuses to work for root
+        ],
     });
     return {browser, axe: readFileSync(require.resolve("axe-core/axe.min.js"), "utf8")};
 }
