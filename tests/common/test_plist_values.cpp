@@ -363,6 +363,8 @@ void test_plist_values::nsdate_data()
     QTest::newRow("before the calendar's reform") << -13198550400.0 << -12220243200LL << -12220221992LL << -12220260962LL;
     QTest::newRow("a millennium ago") << -30946838400.0 << -29968531200LL << -29968509992LL << -29968548962LL;
     QTest::newRow("first year") << -63113817600.0 << -62135510400LL << -62135489192LL << -62135528162LL;
+    QTest::newRow("last year")   << 252421358400.0 << 253399665600LL << 253399685400LL << 253399647600LL;
+    QTest::newRow("year 10000 in the east") << 252423990000.0 << 253402297200LL << 0LL << 253402279200LL;
     QTest::newRow("beyond every year")  <<        1e300 <<          0LL <<          0LL <<          0LL;
     QTest::newRow("no number")          << std::numeric_limits<double>::quiet_NaN() << 0LL << 0LL << 0LL;
     // clang-format on

@@ -178,6 +178,8 @@ void test_sample::every_file_is_there()
     QFile readme(host.path(u"sample/README.txt"_s));
     QVERIFY(readme.open(QIODevice::ReadOnly));
     QVERIFY(readme.readAll().contains("synthetic"));
+    write_file(host.path(u"usual"_s), {});
+    QCOMPARE(readme.permissions(), QFile::permissions(host.path(u"usual"_s)));
 }
 
 void test_sample::containers_are_there_on_request()

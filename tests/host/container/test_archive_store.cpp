@@ -111,6 +111,8 @@ private Q_SLOTS:
     void encrypted_members();
     void no_archive_data();
     void no_archive();
+    void compressed_alone_data();
+    void compressed_alone();
     void members_data();
     void members();
 };
@@ -249,6 +251,40 @@ void test_archive_store::no_archive()
         found = error.message().replace(path, u"$"_s);
     }
     QTEST(found, "message");
+}
+
+void test_archive_store::compressed_alone_data()
+{
+    QTest::addColumn<QString>("archive");
+    QTest::addColumn<QString>("file");
+
+    // clang-format off
+    QTest::newRow("gzip")             << u"system.log.gz"_s << u"system.log"_s;
+    QTest::newRow("bzip2")            << u"system.bz2"_s    << u"system"_s;
+    QTest::newRow("xz")               << u"system.log.xz"_s << u"system.log"_s;
+    QTest::newRow("zstd")             << u"a.tar.zst"_s     << u"a.tar"_s;
+    QTest::newRow("capitals")         << u"SYSTEM.LOG.GZ"_s << u"SYSTEM.LOG"_s;
+    QTest::newRow("another ending")   << u"system.log.z"_s  << u"system.log.z"_s;
+    QTest::newRow("an ending alone")  << u".gz"_s           << u".gz"_s;
+    QTest::newRow("no ending")        << u"gz"_s            << u"gz"_s;
+    // clang-format on
+}
+
+/** Its name is what is left without the ending, whatever it is compressed with. */
+void test_archive_store::compressed_alone()
+{
+    QFETCH(const QString, archive);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(archive);
+    QCOMPARE(QProcess::execute(u"sh"_s, {u"-c"_s, u"printf text | gzip >\"$1\""_s, u"sh"_s, path}), 0);
+    QStringList names;
+    const auto store = open_archive(path, true, container_observers(), archive_limits());
+    store->visit(evidence_search(), [&names](const stored_file &stored, byte_stream *) {
+        QVERIFY(stored.is_alone);
+        names.append(joined(stored.parts) + u' ' + stored.origin.path);
+    });
+    QFETCH(const QString, file);
+    QCOMPARE(names, QStringList({file + u' ' + file}));
 }
 
 void test_archive_store::members_data()

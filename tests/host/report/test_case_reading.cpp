@@ -82,6 +82,7 @@ private Q_SLOTS:
     void places_in_messages();
     void files_without_a_hash();
     void other_appearances();
+    void appearances_of_a_log();
     void names_of_preferences_alone();
     void times_of_damaged_lists();
     void record_of_a_report();
@@ -501,6 +502,26 @@ void test_case_reading::other_appearances()
         u"list|1||2|x||?|nothing known||||0"_s,
     }.join(u'\n')));
     // clang-format on
+}
+
+void test_case_reading::appearances_of_a_log()
+{
+    const laid_case laid;
+    laid.replace(u"Source1/wal_changes.jsonl"_s, "\"Name\":\"Keys\"",
+                 "\"Name\":\"Keys\",\"iCloudIdentifier\":\"I-1\",\"ResolvedAddress\":\"R-1\"");
+    write_file(laid.path(u"notes.jsonl"_s), R"({"number":1,"time":"t","device":"B4:C2:6A:7F:D3:7B"})"
+                                            "\n");
+    const report_case the_case = read_report_case(laid.directory());
+    QStringList account;
+    QCOMPARE(for_each_other_appearance(the_case, 0,
+                                       [&account](const device_appearance &one) {
+                                           if (one.found_in == "wal_added"_L1)
+                                               account = {QString::fromUtf8(one.icloud_identifier),
+                                                          QString::fromUtf8(one.resolved_address),
+                                                          QString::number(one.notes.size())};
+                                       }),
+             QString());
+    QCOMPARE(account, QStringList({u"I-1"_s, u"R-1"_s, u"1"_s}));
 }
 
 /** In cases of earlier versions, which kept no list of devices. */
