@@ -334,6 +334,7 @@ void test_case_reading::columns_and_counts()
     sqlite_file(result).execute(u"DROP TABLE devices"_s);
     QCOMPARE(result_columns(the_case, u"devices"_s).names.join(u' '),
              u"INT device_name address sf_device_id date model"_s);
+    QCOMPARE(result_columns(the_case, u"devices"_s).problems, QStringList());
     write_file(result, "no database");
     const QStringList problems{u"source 1: the result database "_s + result_of_laptop
                                + u" cannot be read: file is not a database"_s};
