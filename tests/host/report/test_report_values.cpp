@@ -7,6 +7,7 @@
 #include "host/report/reading/log_line.h"
 #include "host/report/reading/preferences_names.h"
 #include "host/report/reading/row_ranks.h"
+#include "host/report/reading/row_reading.h"
 #include "host/report/tables/separated_cell.h"
 #include "tests/support/file_content.h"
 #include "tests/support/strict_test.h"
@@ -67,6 +68,7 @@ private Q_SLOTS:
     void quoting_data();
     void quoting();
     void ranks();
+    void counters_of_a_row();
     void counters_data();
     void counters();
     void readings_data();
@@ -235,6 +237,29 @@ void test_report_values::ranks()
     QCOMPARE(ranks.rank_of(1), std::optional<qint64>(5));
     QCOMPARE(ranks.rank_of(-2), std::optional<qint64>(6));
     QCOMPARE(ranks.rank_of(std::nullopt), std::optional<qint64>());
+}
+
+/** With its write-ahead log, else in the evidence, else in the result. */
+void test_report_values::counters_of_a_row()
+{
+    const QTemporaryDir folder;
+    const sqlite_database database(folder.filePath(u"result"_s), sqlite_database::access::create);
+    sqlite_statement row(database, "SELECT 5 AS last_seen_time, 6 AS last_connection_time");
+    QVERIFY(row.next());
+    host_values host;
+    QCOMPARE(counters_of(row, host).seen, std::optional<qint64>(5));
+    QCOMPARE(counters_of(row, host).connected, std::optional<qint64>(6));
+    host.last_seen_time = cell::of_integer(7);
+    host.last_connection_time = cell::of_integer(8);
+    QCOMPARE(counters_of(row, host).seen, std::optional<qint64>(7));
+    QCOMPARE(counters_of(row, host).connected, std::optional<qint64>(8));
+    host.is_changed_by_log = true;
+    host.with_log = {9, {}};
+    QCOMPARE(counters_of(row, host).seen, std::optional<qint64>(9));
+    QCOMPARE(counters_of(row, host).connected, std::optional<qint64>());
+    sqlite_statement other(database, "SELECT 1");
+    QVERIFY(other.next());
+    QCOMPARE(counters_of(other, host_values()).seen, std::optional<qint64>());
 }
 
 void test_report_values::counters_data()
