@@ -15,6 +15,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -118,6 +119,7 @@ private Q_SLOTS:
     void after_the_run();
     void closed_after_the_run();
     void listing();
+    void times();
     void order();
     void log_text();
 };
@@ -262,6 +264,18 @@ void test_evidence_look::listing()
     QCOMPARE(evidence.listing_after, QStringList({name, u"comes"_s, u"stays"_s}));
     QCOMPARE(evidence.changes(), QStringList({u"Library/Bluetooth/comes: it was not there before"_s,
                                               u"Library/Bluetooth/goes: it is gone"_s}));
+}
+
+/** Those of the file, each under its name. */
+void test_evidence_look::times()
+{
+    made_source made;
+    const QByteArray database = QFile::encodeName(made.database());
+    const timespec times[] = {{1'500'000'000, 0}, {1'600'000'000, 0}}; // read, modified
+    QCOMPARE(::utimensat(AT_FDCWD, database.constData(), times, 0), 0);
+    const evidence_file file = made.look().files.first();
+    QCOMPARE(file.before->modified, u"2020-09-13T12:26:40.000000000Z"_s);
+    QVERIFY(QDateTime::fromString(file.before->changed, Qt::ISODate).secsTo(QDateTime::currentDateTimeUtc()) < 3600);
 }
 
 /** In the order in which the record has them: databases with what stands beside them, leftovers, lists of devices. */
